@@ -1,0 +1,62 @@
+# Language level, warnings and strict Qt text rules, shared by every target of our own.
+add_library(tavrix_options INTERFACE)
+target_compile_features(tavrix_options INTERFACE cxx_std_20)
+target_compile_options(tavrix_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -fno-strict-aliasing)
+target_compile_definitions(tavrix_options INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_FOREACH
+  QT_NO_KEYWORDS __STDC_CONSTANT_MACROS __STDC_FORMAT_MACROS)
+target_include_directories(tavrix_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+if(TAVRIX_SANITIZE)
+  target_compile_options(tavrix_options INTERFACE
+    -fsanitize=${TAVRIX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  target_link_options(tavrix_options INTERFACE -fsanitize=${TAVRIX_SANITIZE})
+endif()
+
+# One static library per source folder: src/<name>/*.cpp becomes tavrix::<name>.
+function(tavrix_library name)
+  file(GLOB sources CONFIGURE_DEPENDS
+    ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp ${CMAKE_SOURCE_DIR}/src/${name}/*.h)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+  add_library(tavrix_${name} STATIC ${sources})
+  add_library(tavrix::${name} ALIAS tavrix_${name})
+  target_link_libraries(tavrix_${name} PUBLIC tavrix_options ${ARGN})
+  set_target_properties(tavrix_${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+# A tool executable of the resource folder, free of Qt: src/tools/<folder>/*.cpp plus the named extra sources.
+function(tavrix_tool name)
+  cmake_parse_arguments(TOOL "" "FOLDER" "SOURCES;LINK" ${ARGN})
+  if(NOT TOOL_FOLDER)
+    set(TOOL_FOLDER ${name})
+  endif()
+  file(GLOB sources CONFIGURE_DEPENDS
+    ${CMAKE_SOURCE_DIR}/src/tools/${TOOL_FOLDER}/*.cpp ${CMAKE_SOURCE_DIR}/src/tools/${TOOL_FOLDER}/*.h)
+  set(library_sources ${sources})
+  list(FILTER library_sources EXCLUDE REGEX "/main\\.cpp$")
+  add_library(tavrix_tool_${TOOL_FOLDER} STATIC ${library_sources} ${TOOL_SOURCES})
+  target_link_libraries(tavrix_tool_${TOOL_FOLDER} PUBLIC tavrix_options ${TOOL_LINK})
+  set_target_properties(tavrix_tool_${TOOL_FOLDER} PROPERTIES AUTOMOC OFF LINKER_LANGUAGE CXX)
+  add_executable(tool_${TOOL_FOLDER} ${CMAKE_SOURCE_DIR}/src/tools/${TOOL_FOLDER}/main.cpp)
+  target_link_libraries(tool_${TOOL_FOLDER} PRIVATE tavrix_tool_${TOOL_FOLDER})
+  set_target_properties(tool_${TOOL_FOLDER} PROPERTIES AUTOMOC OFF
+    OUTPUT_NAME ${name} RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/resources/tools)
+endfunction()
+
+# A GoogleTest program of tests/<folder>, run by ctest in a home and temporary folder of its own.
+function(tavrix_test folder)
+  file(GLOB sources CONFIGURE_DEPENDS
+    ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/tests/${folder}/*.h)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(test_${folder} ${sources})
+  target_link_libraries(test_${folder} PRIVATE tavrix_test_support ${ARGN})
+  target_compile_definitions(test_${folder} PRIVATE
+    TAVRIX_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/${folder}/data"
+    TAVRIX_BUILD_RESOURCES="${CMAKE_BINARY_DIR}/resources"
+    TAVRIX_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+    TAVRIX_BUILD_BIN="${CMAKE_BINARY_DIR}/bin")
+  add_test(NAME ${folder} COMMAND test_${folder})
+  set_tests_properties(${folder} PROPERTIES TIMEOUT 900)
+endfunction()

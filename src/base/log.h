@@ -1,0 +1,24 @@
+#pragma once
+
+#include "base/format.h"
+
+#include <functional>
+
+// Diagnostic lines: "<date> <bundle name>[<pid>] <text>" on the error stream, one write a line; a line feed inside a value
+// is shown as "\n".
+namespace tavrix {
+
+void logLine(const QString& format, std::initializer_list<FormatArg> arguments = {});
+// Only while the debug setting is on.
+void logDebug(const QString& format, std::initializer_list<FormatArg> arguments = {});
+// Only while the developer-debug setting is on.
+void logDev(const QString& format, std::initializer_list<FormatArg> arguments = {});
+
+// Receives every line's text (without date) besides the error stream; an empty function removes it. For tests.
+void setLogSink(std::function<void(const QString&)> sink);
+
+// "yyyy-MM-dd HH:mm:ss +hhmm" in local time, whole seconds.
+[[nodiscard]] QString dateText(qint64 secondsSince1970);
+[[nodiscard]] QString currentDateText();
+
+} // namespace tavrix

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QStringList>
+
+#include <optional>
+
+// From a row's values to the argument list of its encode.
+namespace tavrix {
+
+// Element 0 is the tool's path. No value when source or destination is nothing. The codec name is not used.
+[[nodiscard]] std::optional<QStringList> encodage(const QString& sourcePath, const QString& destinationPath,
+                                                  const QString& wrapper, const QString& codec, float framesPerSecond,
+                                                  int out, float aspect);
+[[nodiscard]] QString encDstExtensionStr(int out, const QString& codec);
+// Expected size of the output in the unit of the source size, from the duration in seconds.
+[[nodiscard]] float encDstPoidsEstimatif(float duration, double sourceSize, int out);
+
+} // namespace tavrix

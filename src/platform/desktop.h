@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+// Desktop services. Tests and the console replace them.
+namespace tavrix {
+
+class DesktopServices
+{
+public:
+    virtual ~DesktopServices() = default;
+    virtual bool openUrl(const QUrl& url) = 0;          // with its default application
+    virtual bool openFileWith(const QString& path, const QString& application) = 0;
+    virtual bool reveal(const QString& path) = 0;       // selected in a file-viewer window
+    virtual void noteFileSystemChanged(const QString& path) = 0;
+};
+
+// Not owned; null returns to the system's (D-Bus file manager, xdg-open).
+void setDesktopServices(DesktopServices* services);
+[[nodiscard]] DesktopServices& desktopServices();
+
+bool revealInFinder(const QString& path); // true for any path, false for nothing
+bool openWith(const QString& path, const QString& applicationName);
+void openFileFolder(const QString& path);
+
+} // namespace tavrix

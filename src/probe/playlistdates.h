@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+// Recording dates of AVCHD playlists. Free of Qt: the gettimestamps tool is made of the same file.
+namespace tavrix {
+
+// First occurrence of the needle, or null. The last possible position is never compared.
+[[nodiscard]] const unsigned char* _u_strstr(const unsigned char* haystack, const unsigned char* needle,
+                                             std::size_t haystackLength, std::size_t needleLength);
+
+// Lines "NNNNN : clip-20YY-MM-DD HH;MM;SS" (each with "\n") of one playlist's bytes: by the marker scan, or where that
+// finds nothing by the playlist's own structure. Empty for damaged bytes.
+[[nodiscard]] std::vector<std::string> playlistLines(const unsigned char* bytes, std::size_t length);
+
+// Prints the lines of every ".MPL" of a folder, sorted by name, on `out`; errors go to `err`. Changes the working folder:
+// for the tool only.
+void getDateCreation(const std::string& folder, std::FILE* out = stdout, std::FILE* err = stderr);
+
+} // namespace tavrix
