@@ -1,0 +1,71 @@
+#pragma once
+
+#include "probe/mediainforecord.h"
+
+#include <QAbstractListModel>
+#include <QList>
+
+namespace tavrix {
+
+// Status icons of a row; the machine reads the name back to know a row's state.
+namespace rowIcon {
+inline const QString pending = QStringLiteral("puce");
+inline const QString current = QStringLiteral("puceCurrent");
+inline const QString success = QStringLiteral("puceSuccess");
+inline const QString failure = QStringLiteral("puceFailure");
+} // namespace rowIcon
+
+// One row of the batch.
+struct BatchRow {
+    int order = 0;           // 1-based position given at insertion
+    QString src;             // last path component of the source
+    int out = 0;             // output format
+    QString resultat;        // status icon's name
+    MediaInfoRecord dico;    // the source's record
+    QString img;             // path of the thumbnail; nothing when there is no valid image
+    QString reason;          // why the row failed; nothing unless it did
+    QString output;          // path of the finished output; nothing until then
+};
+
+// The batch list, in encoding order. Indices out of range are ignored by the setters.
+class BatchList : public QAbstractListModel
+{
+    Q_OBJECT
+public:
+    enum Role { OrderRole = Qt::UserRole + 1, SrcRole, OutRole, ResultatRole, DicoRole, ImgRole, ReasonRole, OutputRole };
+
+    explicit BatchList(QObject* parent = nullptr);
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    [[nodiscard]] int count() const { return static_cast<int>(rows_.size()); }
+    [[nodiscard]] const BatchRow& row(int index) const { return rows_.at(index); }
+    // Index of the first row whose record names that source; -1 when none does.
+    [[nodiscard]] int indexOfSource(const QString& path) const;
+
+    void append(const BatchRow& row);
+    void removeRow(int index); // renumbers the rows after it
+    void clear();
+    void setResultat(int index, const QString& iconName);
+    void setReason(int index, const QString& reason);
+    void setOutput(int index, const QString& path);
+    void setOut(int index, int out);
+
+    // Row that the user has selected; -1 when none.
+    [[nodiscard]] int selectedRow() const { return selected_; }
+    void setSelectedRow(int index);
+
+Q_SIGNALS:
+    void selectionChanged();
+
+private:
+    void noteChange(int index);
+
+    QList<BatchRow> rows_;
+    QHash<QString, int> sources_; // source path to index of its first row
+    int selected_ = -1;
+};
+
+} // namespace tavrix

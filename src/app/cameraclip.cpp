@@ -1,0 +1,146 @@
+#include "app/cameraclip.h"
+
+#include "base/conversions.h"
+#include "base/format.h"
+#include "base/localisation.h"
+#include "base/text.h"
+
+#include <QFile>
+
+#include <cmath>
+
+namespace tavrix {
+
+namespace {
+
+constexpr int maximumWidth = 1280;
+constexpr int maximumHeight = 720;
+
+bool isCameraContainer(const QString& wrapper, const QString& codec)
+{
+    const bool h264 = codec.startsWith(QLatin1String("h264"));
+    const bool mjpeg = codec.startsWith(QLatin1String("mjpeg"));
+    if (wrapper == QLatin1String("mpegts")) {
+        return h264;
+    }
+    if (wrapper.startsWith(QLatin1String("mov"))) {
+        return h264 || mjpeg;
+    }
+    return wrapper.startsWith(QLatin1String("avi")) && mjpeg;
+}
+
+} // namespace
+
+ClipVerdict cameraClipVerdict(const std::optional<MediaInfoRecord>& infos, const QString& interlacing)
+{
+    if (!infos || !infos->contains(record::v0_width) || !infos->contains(record::v0_height)) {
+        return {false, localizedString(QStringLiteral("Clip_noVideo"))};
+    }
+    const int width = infos->value(record::v0_width).toInt();
+    const int height = infos->value(record::v0_height).toInt();
+    if (width > maximumWidth || height > maximumHeight) {
+        const QString size = formatText(QStringLiteral("%dx%d"), {width, height});
+        return {false, formatText(localizedString(QStringLiteral("Clip_tooLarge")), {size})};
+    }
+    if (interlacing != localizedString(QStringLiteral("PFF"), QStringLiteral("NonLocalizable"))) {
+        return {false, localizedString(QStringLiteral("Clip_interlaced"))};
+    }
+    if (!infos->contains(record::wrapper) || !infos->contains(record::v0_codec)) {
+        return {false, localizedString(QStringLiteral("Clip_noVideo"))};
+    }
+    const QString wrapper = infos->value(record::wrapper).toString();
+    const QString codec = infos->value(record::v0_codec).toString();
+    if (!isCameraContainer(wrapper, codec)) {
+        return {false, formatText(localizedString(QStringLiteral("Clip_otherFormat")), {codec, wrapper})};
+    }
+    return {true, {}};
+}
+
+float clipAspect(const MediaInfoRecord& infos)
+{
+    constexpr float wide = 1.77F;
+    constexpr float classic = 1.33F;
+    if (!infos.contains(record::v0_width) || !infos.contains(record::v0_height)) {
+        return wide;
+    }
+    const auto width = static_cast<float>(infos.value(record::v0_width).toInt());
+    const auto height = static_cast<float>(infos.value(record::v0_height).toInt());
+    if (height <= 0) {
+        return wide;
+    }
+    const float ratio = nbTrimmed(width / height, 2);
+    // The ratio is widened: comparing in single precision would move 1.6 and 1.4 to the other class.
+    if (std::fabs(static_cast<double>(ratio) - 1.7) < 0.1) {
+        return wide;
+    }
+    return std::fabs(static_cast<double>(ratio) - 1.3) < 0.1 ? classic : ratio;
+}
+
+QString thumbnailSize(float aspect)
+{
+    return std::fabs(static_cast<double>(aspect) - 1.77) < 0.1 ? QStringLiteral("320x180") : QStringLiteral("240x180");
+}
+
+QString interlacingLetter(const QString& headerLine)
+{
+    const qsizetype at = findText(headerLine, QStringLiteral(" I"));
+    return at < 0 ? headerLine : headerLine.mid(at + 2, 1);
+}
+
+QString firstLineOfFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const QByteArray head = file.read(4096);
+    qsizetype end = 0;
+    while (end < head.size() && head.at(end) != '\n' && head.at(end) != '\r') {
+        ++end;
+    }
+    return QString::fromLatin1(head.left(end));
+}
+
+bool isJpegFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray bytes = file.read(64 * 1024);
+    if (!bytes.startsWith(QByteArrayLiteral("\xFF\xD8\xFF"))) {
+        return false;
+    }
+    // Walk the segments up to the frame header, which carries the size.
+    qsizetype at = 2;
+    while (at + 9 <= bytes.size() && bytes.at(at) == '\xFF') {
+        const auto marker = static_cast<unsigned char>(bytes.at(at + 1));
+        const auto byteAt = [&bytes](qsizetype i) { return static_cast<unsigned char>(bytes.at(i)); };
+        if (marker >= 0xC0 && marker <= 0xC2) {
+            return (byteAt(at + 5) | byteAt(at + 6)) != 0 && (byteAt(at + 7) | byteAt(at + 8)) != 0;
+        }
+        at += 2 + byteAt(at + 2) * 256 + byteAt(at + 3);
+    }
+    return false;
+}
+
+QString clipDescription(const MediaInfoRecord& infos)
+{
+    QStringList parts;
+    if (infos.contains(record::v0_codec)) {
+        parts << infos.value(record::v0_codec).toString();
+    }
+    if (infos.contains(record::v0_width) && infos.contains(record::v0_height)) {
+        parts << formatText(QStringLiteral("%dx%d"),
+                            {infos.value(record::v0_width).toInt(), infos.value(record::v0_height).toInt()});
+    }
+    if (infos.contains(record::v0_fps)) {
+        parts << textOf(infos.value(record::v0_fps)) + QStringLiteral(" fps");
+    }
+    if (infos.contains(record::w_duration)) {
+        parts << secondesInt2Str(infos.value(record::w_duration).toInt());
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+} // namespace tavrix

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "probe/mediainforecord.h"
+
+#include <optional>
+
+// Rules that decide whether a source is a camera clip and how it is shown.
+namespace tavrix {
+
+struct ClipVerdict {
+    bool accepted = false;
+    QString reason; // localised, for people; nothing when accepted
+};
+
+// A source is a camera clip when it is progressive, at most 1280x720, and H.264 in a transport stream, H.264 or
+// Motion-JPEG in QuickTime, or Motion-JPEG in AVI.
+[[nodiscard]] ClipVerdict cameraClipVerdict(const std::optional<MediaInfoRecord>& infos, const QString& interlacing);
+
+// Display aspect of the first video stream: 1.77, 1.33 or the measured ratio with two decimals.
+[[nodiscard]] float clipAspect(const MediaInfoRecord& infos);
+// "320x180" when the aspect is within 0.1 of 1.77, else "240x180".
+[[nodiscard]] QString thumbnailSize(float aspect);
+
+// Interlacing letter of a YUV4MPEG stream header: the character after " I", else the whole line.
+[[nodiscard]] QString interlacingLetter(const QString& headerLine);
+// First line of a file, at most 4096 bytes; nothing when the file cannot be read.
+[[nodiscard]] QString firstLineOfFile(const QString& path);
+// True when the file begins like a complete JPEG picture with a size.
+[[nodiscard]] bool isJpegFile(const QString& path);
+
+// One line that tells what a source is: codec, size, rate, duration.
+[[nodiscard]] QString clipDescription(const MediaInfoRecord& infos);
+
+} // namespace tavrix

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QUrl>
+
+namespace tavrix {
+
+// What the controller asks of its face (window, console, test) besides alerts and desktop services. The defaults do
+// nothing, so that a face implements what it has.
+class ApplicationFace
+{
+public:
+    virtual ~ApplicationFace() = default;
+
+    // The window that sheets belong to; null where alerts are modal.
+    virtual QObject* window() { return nullptr; }
+    // Folder chooser, application-modal. A writable folder, or nothing when cancelled or not writable.
+    virtual QString selectFolder(const QString& title);
+    virtual void beep() {}
+    // Grows the window toward a side ("l", "b", "r", "t") by delta + 50 and keeps it on a screen.
+    virtual void ecran(const QString& side, float delta);
+    // Replaces the marked texts of windows, views and menus.
+    virtual void localise() {}
+    virtual void openPreferencesSheet() {}
+    virtual void closePreferencesSheet() {}
+    virtual bool isHelpVisible() { return false; }
+    virtual void showHelp() {}
+    virtual void hideHelp() {}
+    virtual void preview(const QString& path);
+    // Asks the application to end its event loop with status 0.
+    virtual void terminate() {}
+};
+
+} // namespace tavrix

@@ -1,0 +1,127 @@
+#include "app/logs.h"
+
+#include "base/bundle.h"
+#include "base/fileops.h"
+#include "base/filesizes.h"
+#include "base/format.h"
+#include "base/localisation.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "base/textfiles.h"
+
+#include <QStringList>
+
+#include <sys/stat.h>
+
+#include <cstdio>
+
+namespace tavrix {
+
+namespace {
+
+FILE* newStdout = nullptr;
+FILE* newStderr = nullptr;
+
+bool isLink(const QString& path)
+{
+    struct stat info = {};
+    return ::lstat(nativePath(path).constData(), &info) == 0 && S_ISLNK(info.st_mode);
+}
+
+FILE* reopened(const QString& path, FILE* stream)
+{
+    // A planted link must not redirect the log into another file; a failed reopening has closed the stream.
+    FILE* file = isLink(path) ? nullptr : std::freopen(nativePath(path).constData(), "a+", stream);
+    if (file == nullptr) {
+        file = std::freopen("/dev/null", "a+", stream);
+    }
+    if (file != nullptr) {
+        std::setvbuf(file, nullptr, _IOLBF, 0);
+    }
+    return file;
+}
+
+QString percentEscaped(const QString& address)
+{
+    static const QByteArray kept = "!$&'()*+,-./:;=?@_~";
+    QByteArray escaped;
+    for (const char byte : address.toUtf8()) {
+        const bool letterOrDigit =
+            (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+        if (letterOrDigit || kept.contains(byte)) {
+            escaped.append(byte);
+        } else {
+            escaped.append('%').append(QByteArray(1, byte).toHex().toUpper());
+        }
+    }
+    return QString::fromLatin1(escaped);
+}
+
+} // namespace
+
+QString detailsLogPath()
+{
+    return logsFolder() + QStringLiteral("/Details.log");
+}
+
+QString logResumePathStr()
+{
+    return stringByDeletingLastPathComponent(detailsLogPath()) + QStringLiteral("/Resume.log");
+}
+
+void logResume(const QString& text)
+{
+    const QString path = logResumePathStr();
+    if (isLink(path)) {
+        return;
+    }
+    if (!testPresenceCocoa(path)) {
+        if (!writeTextFileUtf8Bom(path, formatText(QStringLiteral("start date    : %@"), {currentDateText()}))) {
+            logLine(QStringLiteral("logResume           :-( %@"), {path});
+            return;
+        }
+        ::chmod(nativePath(path).constData(), 0600);
+    }
+    if (!text.isEmpty() && !writeTextFileUtf8Bom(path, text)) {
+        logLine(QStringLiteral("logResume           :-( %@"), {path});
+    }
+}
+
+void redirectLogs2File(const QString& path)
+{
+    if (newStdout != nullptr || newStderr != nullptr) {
+        logLine(QStringLiteral("if (newStdout || newStderr)"));
+        return;
+    }
+    newStdout = reopened(path, stdout);
+    newStderr = reopened(path, stderr);
+}
+
+void rotateLogs()
+{
+    const QString folder = stringByDeletingLastPathComponent(detailsLogPath());
+    mkdirCocoa(folder);
+    ::chmod(nativePath(folder).constData(), 0700);
+    for (const QString& path : {detailsLogPath(), logResumePathStr()}) {
+        if (testPresenceCocoa(path)) {
+            mvCocoa(path, formatText(QStringLiteral("%@/Previous-%@"), {folder, lastPathComponent(path)}),
+                    QStringLiteral("y"));
+        }
+    }
+}
+
+QString mailAddress(const QString& mailbox, const QString& versionField, int revision, const QString& body)
+{
+    QStringList words = versionField.split(QLatin1Char(' '));
+    for (QString& word : words) {
+        word = capitalized(word);
+    }
+    const QString address = formatText(
+        QStringLiteral("mailto:%@@%@?subject=%@ - v%.02f (%@)&body=%@-r%d\n\n%@"),
+        {mailbox, textOf(infoValue(QStringLiteral("TVXMailDomain"))), bundleName(), floatPrefix(bundleVersion()),
+         localizedString(QStringLiteral("D_Langue")), words.join(QLatin1Char(' ')), revision, body});
+    return percentEscaped(address);
+}
+
+} // namespace tavrix
