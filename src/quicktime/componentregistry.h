@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+
+// The codecs that this installation can encode with, in the terms of a component manager.
+namespace tavrix
+{
+
+// One installed component; null is none. Only a registry can read it.
+using ComponentHandle = const void*;
+
+struct ComponentDescription {
+    quint32 componentType = 0;
+    quint32 componentSubType = 0;
+    quint32 componentManufacturer = 0;
+    quint32 componentFlags = 0;
+    quint32 componentFlagsMask = 0;
+};
+
+class ComponentRegistry
+{
+public:
+    virtual ~ComponentRegistry() = default;
+    // The component after the given one (null: the first) whose flags equal the search's under the search's mask, and
+    // whose codes equal those of the search that are not 0. Null at the end.
+    virtual ComponentHandle findNextComponent(ComponentHandle after, const ComponentDescription& search) = 0;
+    virtual int countComponents(const ComponentDescription& search) = 0;
+    // 0, or an error number; the name is the UTF-8 text without a length byte, and may be empty.
+    virtual int componentInfo(ComponentHandle component, ComponentDescription& description, QByteArray& name) = 0;
+};
+
+// Four characters as a code, the first in the most significant byte.
+[[nodiscard]] constexpr quint32 fourCharCode(const char (&text)[5])
+{
+    return (quint32(quint8(text[0])) << 24) | (quint32(quint8(text[1])) << 16) | (quint32(quint8(text[2])) << 8) |
+           quint32(quint8(text[3]));
+}
+
+// Not owned; null returns to the registry of the FFmpeg libraries and the program's own encoder.
+void setComponentRegistry(ComponentRegistry* registry);
+[[nodiscard]] ComponentRegistry& componentRegistry();
+
+} // namespace tavrix
