@@ -1,0 +1,69 @@
+// A file that appears under its final name only when it is complete.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavrix
+{
+
+/// An output file in the making. Where the file system allows it the file has no name at all until `commit`
+/// (O_TMPFILE), so that even a kill leaves nothing behind; elsewhere it has a hidden name in the same folder, with the
+/// extension of the final one, which is removed on failure, and by the next output into that folder after a kill.
+/// What stands under the final name stays untouched until `commit`; a symbolic link there is replaced, not followed.
+class SafeOutput
+{
+public:
+    enum class Style {
+        Anonymous, ///< without a name where possible
+        Hidden,    ///< always with a hidden name: for a writer that looks at the extension
+    };
+    enum class Durability {
+        Synced,   ///< on the disk before it is published
+        Unsynced, ///< for files that a crash of the machine may take
+    };
+
+    /// Starts an output for `finalPath`, in its folder. Nothing, with the reason in `error`, when that is impossible.
+    [[nodiscard]] static std::optional<SafeOutput> open(const std::string& finalPath, std::string& error,
+                                                        Style style = Style::Anonymous);
+
+    SafeOutput(SafeOutput&& other) noexcept;
+    SafeOutput& operator=(SafeOutput&& other) noexcept;
+    SafeOutput(const SafeOutput&) = delete;
+    SafeOutput& operator=(const SafeOutput&) = delete;
+    /// Discards an output that was not committed.
+    ~SafeOutput();
+
+    /// The name to hand to the writer: "/proc/self/fd/N" or the hidden file. It is good in this process, and in a child
+    /// that inherits `fd` under the same number.
+    [[nodiscard]] const std::string& path() const { return m_path; }
+    /// Open for reading and writing, close-on-exec.
+    [[nodiscard]] int fd() const { return m_fd; }
+    [[nodiscard]] const std::string& finalPath() const { return m_finalPath; }
+    /// Bytes written so far; -1 when they cannot be asked.
+    [[nodiscard]] std::int64_t size() const;
+
+    /// Publishes the file under its final name, over whatever was there. False, with the reason in `error` and the
+    /// output discarded, when that fails.
+    [[nodiscard]] bool commit(std::string& error, Durability durability = Durability::Synced);
+    /// Drops the output; harmless when it is already published or dropped.
+    void discard();
+
+private:
+    SafeOutput() = default;
+    [[nodiscard]] bool openAnonymous();
+    [[nodiscard]] bool openHidden();
+    [[nodiscard]] bool publish();
+
+    std::string m_finalPath;
+    std::string m_folder;
+    std::string m_name;
+    std::string m_hiddenName; // empty while the file has no name
+    std::string m_path;
+    int m_folderFd = -1;
+    int m_fd = -1;
+};
+
+} // namespace tavrix
