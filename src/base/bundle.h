@@ -32,5 +32,8 @@ void setResourcePath(const QString& folder);
 // Private per-user folder for temporary files, ending with "/": $TMPDIR when it is the user's own, else
 // "/tmp/tavrix-<uid>", created with mode 0700, its owner checked, never a link. Nothing when it cannot be had.
 [[nodiscard]] QString systemTemporaryFolder();
+// Makes the folder with mode 0700 unless it is there. True when it is a real folder (no link), the user's own and closed
+// to everybody else; its parent must exist.
+[[nodiscard]] bool ensurePrivateFolder(const QString& path);
 
 } // namespace tavrix

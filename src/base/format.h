@@ -17,8 +17,11 @@ public:
     FormatArg(const char* utf8);
     FormatArg(int number);
     FormatArg(unsigned int number);
+    FormatArg(long number);
+    FormatArg(unsigned long number);
     FormatArg(qint64 number);
     FormatArg(quint64 number);
+    FormatArg(float number);
     FormatArg(double number);
     FormatArg(const QStringList& list);
     FormatArg(const QVariantMap& dictionary);
@@ -33,7 +36,8 @@ private:
 };
 
 // Fills %@, %d, %i, %u, %x, %X, %f (with flags, width, precision and l, ll, q, h modifiers) and %%.
-// An inserted text is never expanded again. Missing arguments leave their place empty; extra ones are ignored.
+// An inserted text is never expanded again. Missing arguments leave their place empty; extra ones are ignored. What is no
+// such place stays as it stands.
 [[nodiscard]] QString formatText(const QString& format, std::initializer_list<FormatArg> arguments = {});
 [[nodiscard]] QString formatText(const QString& format, const QList<FormatArg>& arguments);
 

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "base/datetext.h"
 #include "base/format.h"
 
 #include <functional>
 
-// Diagnostic lines: "<date> <bundle name>[<pid>] <text>" on the error stream, one write a line; a line feed inside a value
-// is shown as "\n".
-namespace tavrix {
+// Diagnostic lines: "<date> <bundle name>[<pid>] <text>" on the error stream, one write a line; a line feed inside a
+// value is shown as "\n".
+namespace tavrix
+{
 
 void logLine(const QString& format, std::initializer_list<FormatArg> arguments = {});
 // Only while the debug setting is on.
@@ -17,8 +19,10 @@ void logDev(const QString& format, std::initializer_list<FormatArg> arguments = 
 // Receives every line's text (without date) besides the error stream; an empty function removes it. For tests.
 void setLogSink(std::function<void(const QString&)> sink);
 
-// "yyyy-MM-dd HH:mm:ss +hhmm" in local time, whole seconds.
-[[nodiscard]] QString dateText(qint64 secondsSince1970);
-[[nodiscard]] QString currentDateText();
+// What the higher layers know and every line needs: the settings keep the levels in step, the bundle gives the name
+// ("Tavrix" until then).
+void setDebugLogged(bool on);
+void setDevLogged(bool on);
+void setLogName(const QString& name);
 
 } // namespace tavrix

@@ -21,7 +21,7 @@ namespace tavrix {
 [[nodiscard]] QString stringByStandardizingPath(const QString& path);
 // $HOME when it is absolute, else the user database's entry, else "/". No trailing "/".
 [[nodiscard]] QString homeFolder();
-// Bytes of the path for a system call.
+// Bytes of the path for a system call; none for a path with a NUL, which the system would read only in part.
 [[nodiscard]] QByteArray nativePath(const QString& path);
 
 } // namespace tavrix

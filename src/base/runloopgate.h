@@ -5,11 +5,12 @@
 #include <deque>
 #include <functional>
 
-namespace tavrix {
+namespace tavrix
+{
 
-// Holds back everything that drives the controller while an application-modal alert or chooser is up: launcher output and
-// ends, drops, open requests, zero-delay calls, control notifications. They wait in order and are delivered by the event
-// loop after the modal call has returned and the step that raised it has finished.
+// Holds back everything that drives the controller while an application-modal alert or chooser is up: launcher output
+// and ends, drops, open requests, zero-delay calls, control notifications. They wait in order and are delivered by the
+// event loop after the modal call has returned and the step that raised it has finished. Main thread only.
 class RunLoopGate : public QObject
 {
     Q_OBJECT
@@ -18,9 +19,11 @@ public:
 
     void close(); // nests
     void open();  // the last one schedules the delivery
-    [[nodiscard]] bool isClosed() const { return depth_ > 0 || draining_; }
+    // True while closed and while earlier calls still wait, so that nothing new overtakes them. A reader that is told
+    // so waits for opened(). The last of the kept calls already runs with the gate open.
+    [[nodiscard]] bool isClosed() const { return depth_ > 0 || !waiting_.empty(); }
 
-    // Runs the call at once when the gate is open and nothing waits, else keeps it in order.
+    // Runs the call at once when the gate is open and no kept call waits or runs, else keeps it in order.
     void deliver(std::function<void()> call);
     // Runs the call from the event loop, never from inside this function, and not while the gate is closed.
     void deliverLater(std::function<void()> call);
@@ -30,6 +33,7 @@ Q_SIGNALS:
     void opened();
 
 private:
+    void scheduleDrain();
     void drain();
 
     int depth_ = 0;

@@ -15,6 +15,9 @@ namespace tavrix {
 // read as C does (no hexadecimal, inf, nan or comma). 0 when none can be read; *ok tells.
 [[nodiscard]] double floatPrefix(QStringView text, bool* ok = nullptr);
 
+// The same number, but it must stand at the very start: nothing is skipped.
+[[nodiscard]] double floatAtStart(QStringView text, bool* ok = nullptr);
+
 // Position of the needle at or after `from`, -1 when absent. An empty or missing needle is never found.
 [[nodiscard]] qsizetype findText(const QString& text, const QString& needle, qsizetype from = 0);
 [[nodiscard]] bool containsText(const QString& text, const QString& needle);

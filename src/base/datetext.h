@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace tavrix
+{
+
+// "yyyy-MM-dd HH:mm:ss +hhmm" in local time, whole seconds. Nothing for a time no calendar reaches.
+[[nodiscard]] QString dateText(qint64 secondsSince1970);
+[[nodiscard]] QString currentDateText();
+
+} // namespace tavrix

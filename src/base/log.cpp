@@ -1,0 +1,116 @@
+#include "base/log.h"
+
+#include <QDateTime>
+
+#include <cerrno>
+#include <unistd.h>
+
+namespace tavrix
+{
+
+namespace
+{
+
+struct LogState {
+    std::function<void(const QString&)> sink;
+    QString name = QStringLiteral("Tavrix");
+    bool debug = false;
+    bool dev = false;
+};
+
+LogState& state()
+{
+    static LogState instance;
+    return instance;
+}
+
+// A file name with a line feed must not be able to forge a line of its own.
+QList<FormatArg> onOneLine(std::initializer_list<FormatArg> arguments)
+{
+    QList<FormatArg> safe;
+    safe.reserve(static_cast<qsizetype>(arguments.size()));
+    for (const FormatArg& argument : arguments) {
+        QString text = argument.asText();
+        if (text.contains(u'\n')) {
+            safe.append(FormatArg(text.replace(u'\n', QStringLiteral("\\n"))));
+        } else {
+            safe.append(argument);
+        }
+    }
+    return safe;
+}
+
+// One write keeps lines of several processes on one file whole; the loop is for what a full pipe leaves over.
+void writeToErrorStream(const QByteArray& line)
+{
+    qsizetype done = 0;
+    while (done < line.size()) {
+        const ssize_t written =
+            ::write(STDERR_FILENO, line.constData() + done, static_cast<size_t>(line.size() - done));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return; // there is no other place to complain
+        }
+        done += written;
+    }
+}
+
+void writeLine(const QString& format, std::initializer_list<FormatArg> arguments)
+{
+    const int savedErrno = errno;
+    const QString text = formatText(format, onOneLine(arguments));
+    const QString date = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
+    const QString line = date + u' ' + state().name + u'[' + QString::number(getpid()) + QStringLiteral("] ") + text;
+    writeToErrorStream(line.toUtf8() + '\n');
+    if (state().sink) {
+        // The sink may replace itself while it runs.
+        const std::function<void(const QString&)> sink = state().sink;
+        sink(text);
+    }
+    errno = savedErrno;
+}
+
+} // namespace
+
+void logLine(const QString& format, std::initializer_list<FormatArg> arguments)
+{
+    writeLine(format, arguments);
+}
+
+void logDebug(const QString& format, std::initializer_list<FormatArg> arguments)
+{
+    if (state().debug) {
+        writeLine(format, arguments);
+    }
+}
+
+void logDev(const QString& format, std::initializer_list<FormatArg> arguments)
+{
+    if (state().dev) {
+        writeLine(format, arguments);
+    }
+}
+
+void setLogSink(std::function<void(const QString&)> sink)
+{
+    state().sink = std::move(sink);
+}
+
+void setDebugLogged(bool on)
+{
+    state().debug = on;
+}
+
+void setDevLogged(bool on)
+{
+    state().dev = on;
+}
+
+void setLogName(const QString& name)
+{
+    state().name = name;
+}
+
+} // namespace tavrix
