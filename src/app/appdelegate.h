@@ -4,7 +4,6 @@
 #include "app/windowmodel.h"
 #include "process/tasklauncher.h"
 
-#include <QElapsedTimer>
 #include <QSet>
 #include <QStringList>
 
@@ -168,33 +167,46 @@ private:
     // encoding
     void encHonourStop();
     void encBatchStep();
-    void encBatchOver(bool stopped);
+    void encBatchOver();
+    void encStoppedEnd();
     void encRowVanished(int index);
     void encBeginRow(int index);
     void encProcessesStep();
     EncodeAction encDebStep();
-    bool encMayReplace(int row, const QString& destination);
+    [[nodiscard]] QString encReplaceRefusal(const QString& destination);
+    QString encLoggedRefusal(const QString& reason, const QString& destination);
+    [[nodiscard]] QString encFailureReason() const;
+    void makeEventsFolder();
     bool encHasSpace(int row, const QString& destination);
     EncodeAction encRefuseRow(int row, const QString& reason);
     EncodeAction encQtEncStep();
     void encFinStep();
+    void encWriteClosingBlock(int row, float duration);
     void encJudgeRow(int row, const QString& destination);
+    [[nodiscard]] QString encDestination(int row) const;
+    [[nodiscard]] bool isOneOfTheSources(const QString& path) const;
     void encFailRow(int row, const QString& reason);
     void encLaunch();
     void encStopPressed();
-    void removePartialOutput();
+    void removePartialOutput(const QString& destination);
+    void removeIntermediate(const QString& destination);
+    void encResetDisplay();
     [[nodiscard]] QString eventsFolder() const;
     [[nodiscard]] bool isAnalysisSender(taskLauncher* launcher) const;
     void releaseEncoderTask();
     void showProgress(float value);
+    void removeThumbnail(int row);
     [[nodiscard]] static std::optional<FileStamp> stampOf(const QString& path);
 
     ApplicationFace* face_;
     WindowModel model_;
     std::unique_ptr<InstanceLock> instanceLock_;
+    std::unique_ptr<InstanceLock> temporaryLock_;
+
+    using LauncherPointer = std::unique_ptr<taskLauncher, void (*)(taskLauncher*)>;
 
     // analysis
-    std::unique_ptr<taskLauncher, void (*)(taskLauncher*)> analysisTaskClass_;
+    LauncherPointer analysisTaskClass_;
     QString analysisTaskVerboseMStr_; // nothing = no text is being collected
     QString analysisRetainedStr_;     // nothing = no text kept for the final step
     QString analysisRejection_;       // why the current source makes no row
@@ -203,7 +215,7 @@ private:
     bool encControlDisabledForDrop_ = false;
 
     // encoding
-    std::unique_ptr<taskLauncher, void (*)(taskLauncher*)> encTaskClass_;
+    LauncherPointer encTaskClass_;
     bool encoderEndPending_ = false; // it ended while an analysis was running
     float encTaskProgressMaxValue_ = 0;
     float encTaskPreviousTime_ = 0;
@@ -211,13 +223,13 @@ private:
     std::optional<EncodeLaunch> encArgsVArray_;
     qint64 encStartInt_ = 0;
     qint64 encStartVideoInt_ = 0;
-    QElapsedTimer encRowClock_;
     QString encTranscriptTail_; // last text of the encoder, for the reason of a failure
     std::optional<FileStamp> encPreviousOutput_;
     QSet<QString> encBatchOutputs_; // written by this batch: never overwritten by it
     std::optional<int> replacePolicy_;
     QStringList encSteps_;
     bool encStepsRunning_ = false;
+    bool encRowWasVanished_ = false; // the finish step belongs to a row that never began
     bool quitting_ = false;
 };
 

@@ -70,14 +70,7 @@ void BatchList::removeRow(int index)
     }
     beginRemoveRows({}, index, index);
     rows_.removeAt(index);
-    sources_.clear();
-    for (int i = 0; i < count(); ++i) {
-        rows_[i].order = i + 1;
-        const QString source = rows_.at(i).dico.value(record::mainEncSrcPathStr).toString();
-        if (!sources_.contains(source)) {
-            sources_.insert(source, i);
-        }
-    }
+    reindex();
     endRemoveRows();
     if (count() > index) {
         Q_EMIT dataChanged(this->index(index), this->index(count() - 1), {OrderRole});
@@ -94,6 +87,31 @@ void BatchList::clear()
     sources_.clear();
     endResetModel();
     setSelectedRow(-1);
+}
+
+void BatchList::keepOnly(int index)
+{
+    if (index < 0 || index >= count()) {
+        return;
+    }
+    const BatchRow kept = rows_.at(index);
+    beginResetModel();
+    rows_ = {kept};
+    reindex();
+    endResetModel();
+    setSelectedRow(-1);
+}
+
+void BatchList::reindex()
+{
+    sources_.clear();
+    for (int i = 0; i < count(); ++i) {
+        rows_[i].order = i + 1;
+        const QString source = rows_.at(i).dico.value(record::mainEncSrcPathStr).toString();
+        if (!sources_.contains(source)) {
+            sources_.insert(source, i);
+        }
+    }
 }
 
 void BatchList::setResultat(int index, const QString& iconName)

@@ -48,6 +48,7 @@ public:
     void append(const BatchRow& row);
     void removeRow(int index); // renumbers the rows after it
     void clear();
+    void keepOnly(int index); // removes every other row
     void setResultat(int index, const QString& iconName);
     void setReason(int index, const QString& reason);
     void setOutput(int index, const QString& path);
@@ -62,6 +63,7 @@ Q_SIGNALS:
 
 private:
     void noteChange(int index);
+    void reindex();
 
     QList<BatchRow> rows_;
     QHash<QString, int> sources_; // source path to index of its first row

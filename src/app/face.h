@@ -28,6 +28,8 @@ public:
     virtual void showHelp() {}
     virtual void hideHelp() {}
     virtual void preview(const QString& path);
+    // Whether the detail log takes over standard output and error at start-up.
+    virtual bool redirectsOutput() { return true; }
     // Asks the application to end its event loop with status 0.
     virtual void terminate() {}
 };

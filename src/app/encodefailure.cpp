@@ -1,0 +1,56 @@
+#include "app/encodefailure.h"
+
+#include "base/conversions.h"
+
+#include <QStringList>
+
+namespace tavrix {
+
+namespace {
+
+constexpr qsizetype maximumNameBytes = 255;
+
+bool isOrdinaryLine(const QString& line)
+{
+    static const QStringList beginnings = {
+        QStringLiteral("frame="),         QStringLiteral("size="),   QStringLiteral("video:"),
+        QStringLiteral("Stream "),        QStringLiteral("Input #"), QStringLiteral("Output #"),
+        QStringLiteral("Press [q]"),      QStringLiteral("Metadata"), QStringLiteral("Duration"),
+        QStringLiteral("Program "),       QStringLiteral("Processing ("), QStringLiteral("FFmpeg version"),
+        QStringLiteral("built on"),       QStringLiteral("configuration"), QStringLiteral("lib"),
+    };
+    for (const QString& beginning : beginnings) {
+        if (line.startsWith(beginning)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+QString failureLine(const QString& transcript)
+{
+    const QStringList lines = linesToArray(transcript);
+    for (auto it = lines.crbegin(); it != lines.crend(); ++it) {
+        const QString line = it->trimmed();
+        // Indented "key : value" lines describe streams; messages of the tool start at the margin.
+        if (!line.isEmpty() && !it->startsWith(QLatin1Char(' ')) && !isOrdinaryLine(line)) {
+            return line;
+        }
+    }
+    return {};
+}
+
+QString fittedBaseName(const QString& base, const QString& extension)
+{
+    const qsizetype room = maximumNameBytes - extension.toUtf8().size() - 1;
+    QString fitted = base;
+    while (fitted.toUtf8().size() > room) {
+        const bool pair = fitted.size() > 1 && fitted.back().isLowSurrogate();
+        fitted.chop(pair ? 2 : 1);
+    }
+    return fitted;
+}
+
+} // namespace tavrix

@@ -1,0 +1,98 @@
+#include "app/oldtools.h"
+
+#include "base/bundle.h"
+#include "base/conversions.h"
+#include "base/format.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "process/runners.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace tavrix {
+
+namespace {
+
+QByteArray procFile(int pid, const char* name)
+{
+    QFile file(formatText(QStringLiteral("/proc/%d/%@"), {pid, name}));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool hasSameHome(int pid)
+{
+    for (const QByteArray& entry : procFile(pid, "environ").split('\0')) {
+        if (entry.startsWith("HOME=")) {
+            return entry.mid(5) == nativePath(homeFolder());
+        }
+    }
+    return false;
+}
+
+// The tool itself, or the installed ffmpeg that bears the tool's path as its first argument.
+bool runsTool(int pid, const QString& path)
+{
+    const QByteArray wanted = nativePath(path);
+    const QString program = QFileInfo(formatText(QStringLiteral("/proc/%d/exe"), {pid})).symLinkTarget();
+    return nativePath(program) == wanted || procFile(pid, "cmdline").split('\0').value(0) == wanted;
+}
+
+bool isOwn(int pid)
+{
+    struct stat info = {};
+    const QByteArray folder = nativePath(formatText(QStringLiteral("/proc/%d"), {pid}));
+    return ::stat(folder.constData(), &info) == 0 && info.st_uid == ::geteuid();
+}
+
+} // namespace
+
+QString leftOverToolCommand(const QString& toolsFolder, const QString& tool)
+{
+    for (const QChar character : {QLatin1Char('"'), QLatin1Char('$'), QLatin1Char('\\'), QLatin1Char('`')}) {
+        if (toolsFolder.contains(character)) {
+            return {};
+        }
+    }
+    const QString path = formatText(QStringLiteral("\"%@\"/%@"), {toolsFolder, tool});
+    return formatText(QStringLiteral("/bin/ps -awwx | /usr/bin/strings | /usr/bin/grep %@ | /usr/bin/grep -v grep | "
+                                     "/usr/bin/awk '{print $1}'"),
+                      {path});
+}
+
+QList<int> leftOverToolPids(const QString& tool)
+{
+    const QString folder = resourcePath() + QStringLiteral("/tools");
+    const QString command = leftOverToolCommand(folder, tool);
+    if (command.isNull()) {
+        logLine(QStringLiteral("vieux process       :-( %@"), {folder});
+        return {};
+    }
+    QList<int> pids;
+    for (const QString& line : linesToArray(taskWithStr(command))) {
+        const int pid = leadingInteger(line);
+        // The listing also shows processes that merely have the path among their arguments.
+        if (pid > 0 && pid != ::getpid() && pid != ::getppid() && isOwn(pid) && hasSameHome(pid) &&
+            runsTool(pid, toolPath(tool))) {
+            pids << pid;
+        }
+    }
+    return pids;
+}
+
+void killLeftOverTool(int pid)
+{
+    if (::kill(pid, SIGKILL) != 0 && errno != ESRCH) {
+        logLine(QStringLiteral("vieux process       :-( %d - %@"), {pid, std::strerror(errno)});
+    }
+}
+
+} // namespace tavrix

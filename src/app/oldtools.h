@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+// Tool processes that an earlier run of the program has left behind.
+namespace tavrix {
+
+// Shell line that lists the ids of processes which carry the tool's path; nothing for a tools folder that cannot stand
+// between double quotes.
+[[nodiscard]] QString leftOverToolCommand(const QString& toolsFolder, const QString& tool);
+// Ids of processes of this user and home that really run that tool of the resource folder; never this process or its
+// parent.
+[[nodiscard]] QList<int> leftOverToolPids(const QString& tool);
+void killLeftOverTool(int pid);
+
+} // namespace tavrix

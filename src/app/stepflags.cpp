@@ -1,0 +1,27 @@
+#include "app/stepflags.h"
+
+#include "base/preferences.h"
+#include "base/text.h"
+
+namespace tavrix {
+
+bool isFlagSet(const QString& name)
+{
+    return leadingInteger(prefRead(name)) == 1;
+}
+
+void setFlag(const QString& name)
+{
+    prefWrite(name, 1);
+}
+
+bool takeFlag(const QString& name)
+{
+    if (!isFlagSet(name)) {
+        return false;
+    }
+    prefDelete(name);
+    return true;
+}
+
+} // namespace tavrix

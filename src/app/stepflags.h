@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+// Names of the working state that both step machines keep in the preferences store.
+namespace tavrix {
+
+namespace pref {
+inline const QString prefCheckMatrix = QStringLiteral("prefCheckMatrix");
+inline const QString prefColor = QStringLiteral("prefColor");
+inline const QString prefDefautDstPathStr = QStringLiteral("prefDefautDstPathStr");
+inline const QString analysisSrcPathesDico = QStringLiteral("analysisSrcPathesDico");
+inline const QString analysisSrcPathStr = QStringLiteral("analysisSrcPathStr");
+inline const QString analysisDeb = QStringLiteral("analysisDeb");
+inline const QString analysisFfmpeg = QStringLiteral("analysisFfmpeg");
+inline const QString analysisFfmpegParse = QStringLiteral("analysisFfmpegParse");
+inline const QString analysisFin = QStringLiteral("analysisFin");
+inline const QString analysisIStr = QStringLiteral("analysisIStr");
+inline const QString imgPathStr = QStringLiteral("imgPathStr");
+inline const QString encCurrentProcessingFile = QStringLiteral("encCurrentProcessingFile");
+inline const QString processEncDico = QStringLiteral("processEncDico");
+inline const QString encDeb = QStringLiteral("encDeb");
+inline const QString encQtEnc = QStringLiteral("encQtEnc");
+inline const QString encFin = QStringLiteral("encFin");
+inline const QString replaceFilesCheck = QStringLiteral("replaceFilesCheck");
+} // namespace pref
+
+// Step names passed as arguments; they are no stored flags.
+inline const QString stepBatch = QStringLiteral("encBatch");
+inline const QString stepProcesses = QStringLiteral("encProcesses");
+
+// What a stop writes in the place of the current source.
+inline const QString cancelMark = QStringLiteral("cancel");
+inline const QString eventsFolderName = QStringLiteral("Tavrix events");
+
+[[nodiscard]] bool isFlagSet(const QString& name);
+void setFlag(const QString& name);
+// Clears the flag; true when it was set.
+bool takeFlag(const QString& name);
+
+} // namespace tavrix
