@@ -1,0 +1,69 @@
+#include "encode/movencoderstep.h"
+
+#include "base/bundle.h"
+#include "base/conversions.h"
+#include "base/fileops.h"
+#include "base/filesizes.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/preferences.h"
+#include "probe/mediainforecord.h"
+
+#include <cmath>
+
+namespace tavrix
+{
+
+namespace
+{
+
+const QString encodeDictionary = QStringLiteral("processEncDico");
+
+// False when the volume cannot hold the second pass. The first pass's output has been moved away by then: its size is
+// normally the -1 of a missing file, and only counts when the move has failed.
+bool enoughSpace(const QString& outputPath, const QString& intermediatePath, float duration)
+{
+    const int available = espaceDiskDispo(intermediatePath);
+    const double size = poidsFile(outputPath, QStringLiteral("m"));
+    const float necessary = static_cast<float>(static_cast<double>(duration) * (11.0 / 60.0) + size);
+    logLine(QStringLiteral("encDstPoidsEstimatif= %f"), {static_cast<double>(necessary)});
+    logLine(QStringLiteral("necessary=%.0f ? available=%d"), {static_cast<double>(necessary), available});
+    return !(necessary > static_cast<float>(available));
+}
+
+} // namespace
+
+QString movencoderSettingsName(float aspect)
+{
+    const bool narrow = std::fabs(static_cast<double>(aspect) - 1.33) < 0.1;
+    return narrow ? QStringLiteral("1280x720pLetterbox") : QStringLiteral("1280x720p");
+}
+
+std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duration, float aspect,
+                                        const QString& settingsName)
+{
+    logLine(QStringLiteral("encQt()             - deb"));
+    const QString intermediate = oldSrcPathStr2DstPathStr(outputPath);
+    if (!mvCocoa(outputPath, intermediate, QStringLiteral("y"))) {
+        logLine(QStringLiteral("encQt()             :-( %@"), {outputPath});
+    }
+    const QString settings = settingsName.isEmpty() ? movencoderSettingsName(aspect) : settingsName;
+    if (!enoughSpace(outputPath, intermediate, duration)) {
+        return std::nullopt;
+    }
+    const QString tools = stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
+    const QString presets = stringByAppendingPathComponent(resourcePath(), QStringLiteral("presets"));
+    const QStringList arguments = {formatText(QStringLiteral("%@/movencoder"), {tools}), QStringLiteral("-s"),
+                                   stringByAppendingPathComponent(presets, settings), intermediate, outputPath};
+    logDev(QStringLiteral("movencoder - fin : %@"), {arguments});
+    prefWriteChildDico(encodeDictionary, record::dstPathStr, outputPath);
+    prefWriteChildDico(encodeDictionary, record::purgePathStr1, intermediate);
+    // The tool reads these values from the file.
+    if (!prefSynchronize()) {
+        logLine(QStringLiteral("encQt()             :-( %@"), {preferencesPath()});
+    }
+    logLine(QStringLiteral("encQt()             - fin"));
+    return arguments;
+}
+
+} // namespace tavrix

@@ -1,0 +1,77 @@
+#include "encode/presets.h"
+
+#include "base/alerts.h"
+#include "base/bundle.h"
+#include "base/conversions.h"
+#include "base/filesizes.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/settings.h"
+#include "base/text.h"
+#include "base/textfiles.h"
+
+namespace tavrix
+{
+
+namespace
+{
+
+// The folder that holds the presets, nothing when no candidate exists.
+QString presetFolder(const QString& folder)
+{
+    const QString tools = stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
+    const QStringList candidates = {folder, stringByAppendingPathComponent(resourcePath(), folder),
+                                    stringByAppendingPathComponent(tools, folder),
+                                    stringByAppendingPathComponent(supportFolder(), folder)};
+    for (const QString& candidate : candidates) {
+        if (testPresenceCocoa(candidate)) {
+            return candidate;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+QStringList presetOptions(const QString& text)
+{
+    QStringList options;
+    for (const QString& line : linesToArray(text)) {
+        const bool comment = line.contains(QLatin1String("/*")) && line.contains(QLatin1String("*/"));
+        const QStringList pieces = componentsSeparated(line, QStringLiteral("="));
+        if (!comment && pieces.size() > 1) {
+            options.append(formatText(QStringLiteral("-%@"), {pieces.at(0)}));
+            options.append(pieces.at(1));
+        }
+    }
+    return options;
+}
+
+std::optional<QStringList> ffpresetParserFunction(const QString& folder, const QString& file)
+{
+    if (folder.isNull() || file.isNull()) {
+        return std::nullopt;
+    }
+    const QString found = presetFolder(folder);
+    if (found.isNull()) {
+        // The texts name neither folder nor file.
+        if (getDEBUG() != 0) {
+            displayAlert(
+                QStringLiteral("oups!"),
+                formatText(QStringLiteral("Le dossier de presets n'existe pas :-( '%@/%@'"), {QString(), QString()}), 0,
+                nullptr);
+        }
+        logLine(QStringLiteral("oups! Le dossier de presets n'existe pas :-( '%@%@'"), {QString(), QString()});
+        return std::nullopt;
+    }
+    const QString path = stringByAppendingPathComponent(found, file);
+    logLine(QStringLiteral("tmpStr def : %@"), {path});
+    if (!testPresenceCocoa(path)) {
+        return std::nullopt;
+    }
+    const QStringList options = presetOptions(readContentsTxtUTF8(path));
+    logLine(QStringLiteral("returnedMArray : %@"), {options});
+    return options;
+}
+
+} // namespace tavrix

@@ -1,0 +1,186 @@
+#include "probe/recordersources.h"
+
+#include "base/alerts.h"
+#include "base/bundle.h"
+#include "base/conversions.h"
+#include "base/fileops.h"
+#include "base/filesizes.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/settings.h"
+#include "base/text.h"
+#include "platform/datasearch.h"
+#include "process/runners.h"
+#include "process/shelltext.h"
+
+#include <QFile>
+
+namespace tavrix
+{
+
+namespace
+{
+
+const QString eyetvMark = QStringLiteral(".eyetv/");
+constexpr qint64 descriptionLimit = 16 * 1024 * 1024;
+constexpr qint64 dateHeadLength = 1000;
+constexpr qint64 dateTextOffset = 13;
+constexpr qint64 dateTextLength = 10;
+
+QString baseNameOf(const QString& path)
+{
+    return stringByDeletingPathExtension(lastPathComponent(path));
+}
+
+// Name from the line that the camera's play lists hold about the clip; nothing when there is none.
+QString nameFromPlaylists(const QString& sourcePath)
+{
+    const QString grandparent = stringByDeletingLastPathComponent(stringByDeletingLastPathComponent(sourcePath));
+    const QString separator = QStringLiteral(" : ");
+    const QString base = baseNameOf(sourcePath);
+    const QStringList entries = lsCocoa(grandparent).value_or(QStringList());
+    for (const QString& entry : entries) {
+        if (!entry.contains(QLatin1String("PLAYLIST"))) {
+            continue;
+        }
+        const QString folder = formatText(QStringLiteral("%@/PLAYLIST/"), {grandparent});
+        const QString toolsFolder = stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
+        for (const QString& line : linesToArray(taskWithStrBasic(timestampCommand(toolsFolder, folder)))) {
+            const QStringList pieces = componentsSeparated(line, separator);
+            if (pieces.size() > 1 && pieces.at(0) == base) {
+                return formatText(QStringLiteral("%@-%@"), {pieces.at(1), base});
+            }
+        }
+    }
+    return {};
+}
+
+QString nameFromFileDate(const QString& sourcePath)
+{
+    // The zone is only cut east of Greenwich; west of it the name keeps it, as the user's older outputs do.
+    const QString created = dateCreation(sourcePath);
+    const QString date = created.isNull() ? created : textBefore(created, QStringLiteral(" +"));
+    const QString name = formatText(QStringLiteral("clip-%@-%@"), {date, baseNameOf(sourcePath)});
+    return findAndReplace(name, QStringLiteral(":"), QStringLiteral(";"));
+}
+
+void logDate(const QString& text)
+{
+    const qsizetype point = findText(text, QStringLiteral("."));
+    QString day;
+    QString month;
+    QString year;
+    if (point == 4) {
+        logDebug(QStringLiteral("date us"));
+        year = text.mid(0, 4);
+        month = text.mid(5, 2);
+        day = text.mid(8, 2);
+    } else if (point == 2) {
+        logDebug(QStringLiteral("date eu"));
+        day = text.mid(0, 2);
+        month = text.mid(3, 2);
+        year = text.mid(6, 4);
+    } else {
+        logLine(QStringLiteral("date us / en :-("));
+        return;
+    }
+    logLine(QStringLiteral("%@ / %@ / %@"), {day, month, year});
+}
+
+} // namespace
+
+QString bundledVideoName(const QString& path)
+{
+    if (path.isNull()) {
+        return {};
+    }
+    for (const QString& mark : {QStringLiteral(".iMovieProject/"), eyetvMark}) {
+        if (path.contains(mark)) {
+            return lastPathComponent(textBefore(path, mark));
+        }
+    }
+    return baseNameOf(path);
+}
+
+float eyetvDurationFromText(const QString& description)
+{
+    QString flat;
+    flat.reserve(description.size());
+    for (const QChar character : description) {
+        if (!isNewline(character) && character != QLatin1Char('\t')) {
+            flat.append(character);
+        }
+    }
+    const QString endMark = QStringLiteral("</real>");
+    const QString rest = textAfter(flat, QStringLiteral("<key>actual duration</key><real>"));
+    if (!containsText(rest, endMark)) {
+        return 0.0F;
+    }
+    return static_cast<float>(floatPrefix(textBefore(rest, endMark)));
+}
+
+float bundledVideoEyetvDuration(const QString& path)
+{
+    if (!containsText(path, eyetvMark)) {
+        return 0.0F;
+    }
+    const QString description = fileFromFolder(stringByDeletingLastPathComponent(path), QStringLiteral("eyetvr"));
+    if (description.isEmpty()) {
+        return 0.0F;
+    }
+    if (!testPresenceC(description)) {
+        logLine(QStringLiteral("bundledVideoEyetvDura- not readable"));
+        return 0.0F;
+    }
+    QFile file(description);
+    if (!file.open(QIODevice::ReadOnly)) {
+        logLine(QStringLiteral("bundledVideoEyetvDura- no read"));
+        return 0.0F;
+    }
+    const float duration = eyetvDurationFromText(decodedUtf8(file.read(descriptionLimit)));
+    logDebug(QStringLiteral("returnFloat          : %f"), {static_cast<double>(duration)});
+    return duration;
+}
+
+QString timestampCommand(const QString& toolsFolder, const QString& playlistFolder)
+{
+    return formatText(QStringLiteral("\"%@/\"gettimestamps '%@'"),
+                      {shellDoubleQuoted(toolsFolder), shellSingleQuoted(playlistFolder)});
+}
+
+QString dateCreation2iMovieName(const QString& sourcePath)
+{
+    if (sourcePath.isNull()) {
+        return {};
+    }
+    QString name = nameFromPlaylists(sourcePath);
+    if (name.isNull()) {
+        name = nameFromFileDate(sourcePath);
+    }
+    if (name.isNull()) {
+        name = lastPathComponent(sourcePath);
+    }
+    if (getDEBUGDEV() != 0) {
+        displayAlert(QStringLiteral("dstPathNameStr :"), name, 0, nullptr);
+    }
+    return name;
+}
+
+int readVideoCreationDate(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        logLine(QStringLiteral("readVideoCreationDate :-( %@"), {path});
+        return 0;
+    }
+    const QByteArray head = file.read(dateHeadLength);
+    const unsigned int found = offsetOfData(head, QByteArray::fromHex("ffff1e20"));
+    if (found == dataNotFound || qint64{found} > head.size() - 8 ||
+        qint64{found} + dateTextOffset + dateTextLength > head.size()) {
+        return 0;
+    }
+    logDate(QString::fromLatin1(head.mid(qint64{found} + dateTextOffset, dateTextLength)));
+    return 1;
+}
+
+} // namespace tavrix
