@@ -1,0 +1,15 @@
+#pragma once
+
+#include "quicktime/medialibrary.h"
+
+namespace tavrix
+{
+
+// Movies through the FFmpeg libraries, with what those do not tell read from the file's atoms.
+class AvMediaLibrary final : public MediaLibrary
+{
+public:
+    [[nodiscard]] std::shared_ptr<Movie> movieWithFile(const QString& path, bool asyncOK) override;
+};
+
+} // namespace tavrix
