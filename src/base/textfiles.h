@@ -1,23 +1,12 @@
 #pragma once
 
+#include "base/textencoding.h"
+
 #include <QString>
 
-#include <optional>
-
 // Reading and writing text files.
-namespace tavrix {
-
-// String-encoding numbers of the platform this program's texts describe (the ones the program names).
-using StringEncoding = unsigned int;
-inline constexpr StringEncoding encodingAscii = 1;
-inline constexpr StringEncoding encodingUtf8 = 4;
-inline constexpr StringEncoding encodingUtf16 = 10;
-inline constexpr StringEncoding encodingWindows1252 = 12;
-inline constexpr StringEncoding encodingUtf32 = 0x8C000100U;
-
-// Text of the bytes in their detected encoding (mark, ASCII, UTF-8, else Windows-1252); nothing when a marked file is
-// invalid or a byte is undefined. *encoding receives the number when given.
-[[nodiscard]] QString decodedText(const QByteArray& bytes, StringEncoding* encoding = nullptr);
+namespace tavrix
+{
 
 // Whole file in its detected encoding. An undecodable or missing file is copied beside itself with ".txt" appended and
 // read as ASCII from there; nothing when that fails too. The copy stays.
@@ -32,8 +21,6 @@ bool writeTextFileUtf8Bom(const QString& path, const QString& text);
 bool ecritureFichier(const QString& path, const QString& text, int flag);
 // Name that iconv knows the file's encoding by; "CP1252" by default; nothing for nothing.
 [[nodiscard]] QString encodingCharsetIdentify2iconv(const QString& path);
-// The same mapping for an encoding number.
-[[nodiscard]] QString iconvName(StringEncoding encoding);
 // Key whose translation in the strings file equals the text; the text itself when there is none; "" for nothing.
 [[nodiscard]] QString str2LocalisationTitle(const QString& text, const QString& stringsFile);
 

@@ -1,0 +1,254 @@
+#include "base/fileops.h"
+
+#include "base/filedelete.h"
+#include "base/filesizes.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/posixfile.h"
+#include "base/treecopy.h"
+#include "base/treeremoval.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+namespace tavrix
+{
+namespace
+{
+
+struct Transfer {
+    QByteArray source;
+    QByteArray destination;
+};
+
+bool liesBelow(const QByteArray& path, const QByteArray& folder)
+{
+    return !path.isEmpty() && !folder.isEmpty() && (folder == "/" || path.startsWith(folder + '/'));
+}
+
+// Where a path that need not exist yet would lie, without links.
+QByteArray resolvedPlace(const QByteArray& item)
+{
+    const qsizetype slash = item.lastIndexOf('/');
+    QByteArray parent(".");
+    if (slash >= 0)
+        parent = slash == 0 ? QByteArray("/") : item.left(slash);
+    const QByteArray resolved = resolvedPath(parent);
+    if (resolved.isEmpty())
+        return {};
+    return (resolved == "/" ? resolved : resolved + '/') + item.mid(slash + 1);
+}
+
+bool copyNow(const Transfer& transfer, QString* reason)
+{
+    if (liesBelow(resolvedPlace(transfer.destination), resolvedPath(transfer.source))) {
+        *reason = systemErrorText(EINVAL);
+        return false;
+    }
+    return copyTree(transfer.source, transfer.destination, false, reason);
+}
+
+int renameWithoutReplacing(const Transfer& transfer)
+{
+    if (::renameat2(AT_FDCWD, transfer.source.constData(), AT_FDCWD, transfer.destination.constData(),
+                    RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    // File systems without that flag, FAT cards among them.
+    if (linkStatus(transfer.destination))
+        return EEXIST;
+    return ::rename(transfer.source.constData(), transfer.destination.constData()) == 0 ? 0 : errno;
+}
+
+bool moveNow(const Transfer& transfer, QString* reason)
+{
+    const int error = renameWithoutReplacing(transfer);
+    if (error == 0)
+        return true;
+    if (error != EXDEV) {
+        *reason = systemErrorText(error);
+        return false;
+    }
+    // Another volume: the source goes only after the whole copy is on the disk.
+    if (!copyTree(transfer.source, transfer.destination, true, reason))
+        return false;
+    if (removeTree(transfer.source))
+        return true;
+    *reason = systemErrorText();
+    return false;
+}
+
+// False when the transfer is refused; "ready" tells whether there is anything left to do.
+bool prepare(const Transfer& transfer, const QString& source, const QString& destination, const QString& overwriteFlag,
+             bool logRefusal, bool* ready)
+{
+    *ready = false;
+    logDebug(QStringLiteral("File current         : %@"), {source});
+    logDebug(QStringLiteral("File new             : %@"), {destination});
+    if (!testPresenceC(source)) {
+        logLine(QStringLiteral("File current        :-( does not exist: %@"), {source});
+        return false;
+    }
+    if (testPresenceC(destination)) {
+        if (overwriteFlag != QLatin1String("y")) {
+            if (logRefusal)
+                logLine(QStringLiteral("New already exists   :-( %@"), {destination});
+            else
+                logDebug(QStringLiteral("New already exists   :-( %@"), {destination});
+            return false;
+        }
+        // Removing the destination first would remove the source itself.
+        if (isSameFile(source, destination) ||
+            liesBelow(resolvedPlace(transfer.source), resolvedPath(transfer.destination))) {
+            logLine(QStringLiteral("New is the current   :-/ %@"), {destination});
+            return true;
+        }
+        if (rmCocoa(destination))
+            logLine(QStringLiteral("New deleted first    :-) %@"), {destination});
+    }
+    *ready = true;
+    return true;
+}
+
+} // namespace
+
+bool cpCocoa(const QString& source, const QString& destination, const QString& overwriteFlag)
+{
+    const QString from = stringByExpandingTildeInPath(source);
+    const QString to = stringByExpandingTildeInPath(destination);
+    const Transfer transfer{systemItemPath(from), systemItemPath(to)};
+    bool ready = false;
+    if (!prepare(transfer, from, to, overwriteFlag, false, &ready))
+        return false;
+    QString reason;
+    if (ready && copyNow(transfer, &reason))
+        logLine(QStringLiteral("File copied          :-) %@"), {to});
+    else if (ready)
+        logLine(QStringLiteral("File copied          :-( %@ : %@"), {to, reason});
+    return true;
+}
+
+bool mvCocoa(const QString& source, const QString& destination, const QString& overwriteFlag)
+{
+    const QString from = stringByExpandingTildeInPath(source);
+    const QString to = stringByExpandingTildeInPath(destination);
+    const Transfer transfer{systemItemPath(from), systemItemPath(to)};
+    bool ready = false;
+    if (!prepare(transfer, from, to, overwriteFlag, true, &ready))
+        return false;
+    QString reason;
+    if (ready && moveNow(transfer, &reason))
+        logLine(QStringLiteral("File moved          :-) %@"), {to});
+    else if (ready)
+        logLine(QStringLiteral("File moved          :-( %@ : %@"), {to, reason});
+    return true;
+}
+
+bool ln_sCocoa(const QString& source, const QString& linkPath)
+{
+    const QByteArray target = systemPath(source);
+    const QByteArray link = systemPath(linkPath);
+    if (target.isEmpty() || link.isEmpty())
+        return false;
+    if (::symlink(target.constData(), link.constData()) == 0)
+        return true;
+    logLine(QStringLiteral("ln -s               :-( %@ : %@"), {linkPath, systemErrorText()});
+    return false;
+}
+
+QString srcFromLn(const QString& linkPath)
+{
+    const QByteArray link = systemItemPath(linkPath);
+    std::array<char, PATH_MAX + 1> target{};
+    if (link.isEmpty() || ::readlink(link.constData(), target.data(), target.size() - 1) < 0)
+        return {};
+    return QFile::decodeName(QByteArray(target.data()));
+}
+
+bool mkdirCocoa(const QString& path)
+{
+    const QString expanded = stringByExpandingTildeInPath(path);
+    const QByteArray bytes = systemPath(path);
+    // The mode 0777 is the library's own, narrowed by the umask.
+    const auto create = [&bytes] {
+        std::error_code error;
+        std::filesystem::create_directories(bytes.constData(), error);
+        const std::optional<struct stat> status = followedStatus(bytes);
+        return status && S_ISDIR(status->st_mode);
+    };
+    if (!create()) {
+        logLine(QStringLiteral("mkdir               :-(  '%@'"), {expanded});
+        if (!create()) {
+            logLine(QStringLiteral("mkdir               :-(( '%@'"), {expanded});
+            return false;
+        }
+    }
+    logDebug(QStringLiteral("mkdir               :-)  '%@'"), {expanded});
+    return true;
+}
+
+bool chmodCocoa(const QString& path, int mode, const QString& recursiveFlag)
+{
+    if (path.isNull())
+        return false;
+    if (recursiveFlag.compare(QLatin1String("R"), Qt::CaseInsensitive) == 0)
+        logLine(QStringLiteral("faudra voir comment faire de la récursivité …"));
+    const QByteArray bytes = systemPath(path);
+    if (bytes.isEmpty() || ::chmod(bytes.constData(), mode == 777 ? 0777 : 0755) != 0)
+        logLine(QStringLiteral("chmod               :-( %@ : %@"),
+                {path, systemErrorText(bytes.isEmpty() ? ENOENT : errno)});
+    return true;
+}
+
+bool droitsAcces(const QString& path)
+{
+    if (path.isNull())
+        return false;
+    QString folder = stringByExpandingTildeInPath(path);
+    if (!isFolder(folder))
+        folder = stringByDeletingLastPathComponent(folder) + u'/';
+    while (folder.startsWith(QLatin1String("//")))
+        folder.remove(0, 1);
+    bool allowed = false;
+    if (folder == QLatin1String("/")) {
+        // Nothing made directly in the root could be removed again: the guarded delete refuses it.
+        allowed = ::access("/", W_OK | X_OK) == 0;
+    } else {
+        const QString trial = stringByAppendingPathComponent(
+            folder,
+            formatText(QStringLiteral("_TXdir%d"), {static_cast<int>(QRandomGenerator::global()->bounded(INT_MAX))}));
+        allowed = mkdirCocoa(trial);
+        if (allowed)
+            rmCocoa(trial);
+    }
+    logLine(QStringLiteral("droitsAcces ? %d"), {allowed ? 1 : 0});
+    return allowed;
+}
+
+QString dateCreation(const QString& path)
+{
+    if (path.isNull())
+        return {};
+    const QByteArray bytes = systemPath(stringByStandardizingPath(path));
+    struct statx status {
+    };
+    if (bytes.isEmpty() || ::statx(AT_FDCWD, bytes.constData(), 0, STATX_MTIME | STATX_BTIME, &status) != 0)
+        return {};
+    // A copied clip is born when it is copied but keeps the camera's date as its modification time.
+    qint64 seconds = status.stx_mtime.tv_sec;
+    if ((status.stx_mask & STATX_BTIME) != 0)
+        seconds = std::min<qint64>(seconds, status.stx_btime.tv_sec);
+    return dateText(seconds);
+}
+
+} // namespace tavrix
