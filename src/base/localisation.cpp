@@ -158,7 +158,7 @@ void setLanguage(const QString& language)
 QMap<QString, QString> parseStringsTable(const QString& text)
 {
     static const QRegularExpression entry(
-        QString::fromLatin1(R"(^"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;\s*(?://.*|/\*.*\*/)?$)"));
+        QString::fromLatin1(R"re(^"((?:[^"\\]|\\.)*)"\s*=\s*"((?:[^"\\]|\\.)*)"\s*;\s*(?://.*|/\*.*\*/)?$)re"));
     QMap<QString, QString> table;
     bool inside = false;
     const QStringList lines = text.split(u'\n');
