@@ -7,7 +7,8 @@
 #include <stdexcept>
 
 // Byte patterns in buffers and files, and hexadecimal texts.
-namespace tavrix {
+namespace tavrix
+{
 
 inline constexpr unsigned int dataNotFound = 0x7FFFFFFFU;
 

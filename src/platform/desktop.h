@@ -3,20 +3,28 @@
 #include <QString>
 #include <QUrl>
 
+#include <memory>
+
 // Desktop services. Tests and the console replace them.
-namespace tavrix {
+namespace tavrix
+{
 
 class DesktopServices
 {
 public:
     virtual ~DesktopServices() = default;
-    virtual bool openUrl(const QUrl& url) = 0;          // with its default application
+    virtual bool openUrl(const QUrl& url) = 0; // with its default application
     virtual bool openFileWith(const QString& path, const QString& application) = 0;
-    virtual bool reveal(const QString& path) = 0;       // selected in a file-viewer window
+    virtual bool reveal(const QString& path) = 0; // selected in a file-viewer window
     virtual void noteFileSystemChanged(const QString& path) = 0;
 };
 
-// Not owned; null returns to the system's (D-Bus file manager, xdg-open).
+// The system's: everything goes to the opener program, revealing opens the folder that holds the item. Only the start
+// of the opener is reported, not what becomes of it.
+[[nodiscard]] std::unique_ptr<DesktopServices>
+makeSystemDesktopServices(const QString& opener = QStringLiteral("/usr/bin/xdg-open"));
+
+// Not owned; null returns to the system's.
 void setDesktopServices(DesktopServices* services);
 [[nodiscard]] DesktopServices& desktopServices();
 

@@ -3,7 +3,8 @@
 #include <QString>
 
 // http and https only, limited in time and size; the caller waits while a worker thread fetches.
-namespace tavrix {
+namespace tavrix
+{
 
 void openLocation(const QString& address);
 [[nodiscard]] bool internetConnexionCheck(const QString& address);

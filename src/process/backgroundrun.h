@@ -7,7 +7,8 @@
 #include <functional>
 
 // A tool run in the background and watched by its process id, with its progress read from a file.
-namespace tavrix {
+namespace tavrix
+{
 
 struct BackgroundRunRect {
     double x = 0;
@@ -31,8 +32,8 @@ struct BackgroundRunIndicator {
 // Seconds of the last line of the progress text that holds "time="; -1 when there is none.
 [[nodiscard]] double backgroundRunSeconds(const QString& progressText);
 
-// Runs the tool, polling once a second until it has ended. The window, button rectangle and spare argument only matter to
-// the log: no button is shown.
+// Runs the tool, polling once a second until it has ended. The window, button rectangle and spare argument only matter
+// to the log: no button is shown.
 void taskcontrollerBasic(const QStringList& arguments, QObject* window, const BackgroundRunRect& buttonRect,
                          const QVariant& spare, const BackgroundRunIndicator& indicator, int durationSeconds);
 

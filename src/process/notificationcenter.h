@@ -7,7 +7,8 @@
 
 #include <functional>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // The default notification centre: named notifications with an object, compared by value. Main thread only. A posted
 // notification waits while the RunLoopGate is closed.

@@ -3,7 +3,8 @@
 #include <QString>
 
 // Putting values into shell command texts so that any file name is data, while ordinary paths stay as they are.
-namespace tavrix {
+namespace tavrix
+{
 
 // For a slot between double quotes: a backslash before \ " $ and the backquote.
 [[nodiscard]] QString shellDoubleQuoted(const QString& value);

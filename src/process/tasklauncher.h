@@ -7,7 +7,8 @@
 
 #include <memory>
 
-namespace tavrix {
+namespace tavrix
+{
 
 class taskLauncher;
 
@@ -29,8 +30,8 @@ inline const QString fabPauseTasks = QStringLiteral("fabPauseTasks");
 inline const QString fabResumeTasks = QStringLiteral("fabResumeTasks");
 
 // Runs one chain of child processes connected by pipes, delivers what the last one writes, and reports the end of the
-// chain exactly once: after the last process has exited and both of its streams are drained. One launch per object; it may
-// be released (deleteLater or a shared pointer) inside its own callback.
+// chain exactly once: after the last process has exited and both of its streams are drained. One launch per object; it
+// may be released (deleteLater or a shared pointer) inside its own callback.
 class taskLauncher : public QObject
 {
     Q_OBJECT
@@ -54,8 +55,8 @@ public:
 
     [[nodiscard]] bool isRunning() const;
     [[nodiscard]] bool isSuspended() const;
-    // Exit status of the last process (the signal's number when a signal ended it, 127 when it could not be started), or
-    // statusInterrupted after a kill.
+    // Exit status of the last process (the signal's number when a signal ended it, 127 when it could not be started),
+    // or statusInterrupted after a kill.
     [[nodiscard]] int terminationStatus() const;
 
     void suspend();

@@ -1,0 +1,81 @@
+#include "process/capturedrun.h"
+
+#include "base/log.h"
+
+#include <cerrno>
+#include <poll.h>
+
+namespace tavrix
+{
+
+namespace
+{
+
+// What is read after the exit is limited to what waited then: a background job may write for ever.
+void readRest(int fd, QByteArray& output)
+{
+    QByteArray chunk;
+    for (qint64 left = waitingBytes(fd); left > 0; left -= chunk.size()) {
+        if (readChunk(fd, chunk) != ReadState::Data)
+            return;
+        output += chunk;
+    }
+}
+
+void collect(ChildProcess& child, int fd, QByteArray& output)
+{
+    pollfd watched[2] = {{fd, POLLIN, 0}, {child.exitDescriptor(), POLLIN, 0}};
+    QByteArray chunk;
+    bool open = true;
+    for (;;) {
+        if (poll(watched, 2, -1) < 0 && errno != EINTR)
+            return;
+        if (watched[1].revents != 0 && child.reapIfEnded()) {
+            if (open)
+                readRest(fd, output);
+            return;
+        }
+        if (watched[0].revents == 0)
+            continue;
+        const ReadState state = readChunk(fd, chunk);
+        output += chunk;
+        if (state == ReadState::End) {
+            open = false;
+            watched[0].fd = -1;
+            watched[0].revents = 0;
+        }
+    }
+}
+
+} // namespace
+
+std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo, const std::function<void(int)>& started)
+{
+    Pipe pipe = makePipe(PipeReader::Parent);
+    if (!pipe.isValid()) {
+        logLine(QStringLiteral("task failure        :-( no pipe for %@"), {setup.program});
+        return std::nullopt;
+    }
+    setup.output = pipe.writeEnd.get();
+    if (errorToo)
+        setup.error = pipe.writeEnd.get();
+    QString failure;
+    ChildProcess child = ChildProcess::start(setup, &failure);
+    pipe.writeEnd.reset();
+    CapturedRun run;
+    if (child.exists()) {
+        run.pid = child.pid();
+        if (started && failure.isNull())
+            started(run.pid);
+        collect(child, pipe.readEnd.get(), run.output);
+        run.status = child.status();
+    }
+    if (!failure.isNull()) {
+        logLine(QStringLiteral("task failure        :-( %@ : %@"), {setup.program, failure});
+        return std::nullopt;
+    }
+    run.rest = std::move(pipe.readEnd);
+    return run;
+}
+
+} // namespace tavrix

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "process/childprocess.h"
+
+#include <functional>
+#include <optional>
+
+namespace tavrix
+{
+
+struct CapturedRun {
+    QByteArray output;
+    int pid = 0;
+    int status = 0;
+    UniqueFd rest; // read end of the output pipe, which background jobs of the child may still hold
+};
+
+// Runs a child and collects its standard output, and its error stream too when asked for. Reads while it waits, so that
+// any amount fits, and stops when the child has ended and the pipe holds nothing more that was written before: a
+// background job that keeps the pipe open does not delay it. No event loop runs. `started` gets the process id early.
+// No value (and a log line) when the program could not be executed.
+[[nodiscard]] std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo = false,
+                                                     const std::function<void(int)>& started = {});
+
+} // namespace tavrix

@@ -1,0 +1,87 @@
+#include "process/chain.h"
+
+#include "base/log.h"
+#include "process/programlookup.h"
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr int codeNoCommand = 2;
+constexpr int codeNoProgram = 3;
+
+struct Links {
+    Pipe toNext; // or the last one's output
+    Pipe error;
+};
+
+void startOne(const ChainCommand& command, const Links& links, int input, bool last, Chain& chain)
+{
+    ChildSetup setup;
+    setup.program = command.program;
+    setup.arguments = command.arguments;
+    setup.input = input;
+    setup.output = links.toNext.writeEnd.get();
+    if (last)
+        setup.error = links.error.writeEnd.get();
+    QString failure;
+    ChildProcess child = ChildProcess::start(setup, &failure);
+    if (!failure.isNull())
+        logLine(QStringLiteral("task not started    :-( %@ : %@"), {command.program, failure});
+    if (!child.exists())
+        return;
+    chain.processes.push_back(std::move(child));
+    chain.lastExists = last;
+}
+
+} // namespace
+
+int parsedChain(const QStringList& list, QList<ChainCommand>& commands)
+{
+    QList<QStringList> pieces(1);
+    for (const QString& element : list) {
+        if (element != QLatin1String("|")) {
+            pieces.last().append(launchArgument(element));
+            continue;
+        }
+        if (pieces.last().isEmpty())
+            return codeNoCommand;
+        pieces.append(QStringList());
+    }
+    commands.clear();
+    for (const QStringList& piece : pieces) {
+        const QString program = piece.isEmpty() ? QString() : resolvedProgram(piece.first());
+        if (program.isNull())
+            return codeNoProgram;
+        commands.append({program, piece.mid(1)});
+    }
+    return 0;
+}
+
+Chain startChain(const QList<ChainCommand>& commands)
+{
+    Chain chain;
+    UniqueFd input;
+    for (qsizetype index = 0; index < commands.size(); ++index) {
+        const bool last = index + 1 == commands.size();
+        Links links;
+        links.toNext = makePipe(last ? PipeReader::Parent : PipeReader::Child);
+        if (last)
+            links.error = makePipe(PipeReader::Parent);
+        if (!links.toNext.isValid() || (last && !links.error.isValid())) {
+            logLine(QStringLiteral("task not started    :-( no pipe for %@"), {commands[index].program});
+            return chain;
+        }
+        startOne(commands[index], links, input.get(), last, chain);
+        input = std::move(links.toNext.readEnd);
+        if (last) {
+            chain.output = std::move(input);
+            chain.error = std::move(links.error.readEnd);
+        }
+    }
+    return chain;
+}
+
+} // namespace tavrix

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "process/descriptors.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <sys/types.h>
+#include <vector>
+
+namespace tavrix
+{
+
+// What to start and how its streams are connected. Descriptors stay the caller's.
+struct ChildSetup {
+    QString program;         // path; no search in PATH takes place
+    QStringList arguments;   // without the program itself
+    QString name;            // what the program is told its name is; nothing: its path
+    QString workingFolder;   // nothing or "": the parent's
+    bool toolLocale = false; // LC_CTYPE=en_US.UTF-8, so that tools print file names in UTF-8
+    int input = -1;          // -1: the null device
+    int output = -1;         // -1: inherited
+    int error = -1;          // -1: inherited
+};
+
+// One child process: leader of a process group of its own, killed by the system when this program dies, started with
+// default signal handling and no other descriptors. Its group is signalled only while it is not reaped, so that a
+// signal never hits a stranger that was given the same number.
+class ChildProcess
+{
+public:
+    // Status of a process that the system could not start.
+    static constexpr int statusNotStarted = 127;
+
+    ChildProcess() = default;
+
+    // When the program cannot be executed, *failure gets the reason; the child then exists and ends with
+    // statusNotStarted like any other. exists() is false when not even a process could be made.
+    [[nodiscard]] static ChildProcess start(const ChildSetup& setup, QString* failure);
+
+    [[nodiscard]] bool exists() const { return pid_ > 0; }
+    [[nodiscard]] pid_t pid() const { return pid_; }
+    // Becomes readable when the process has ended.
+    [[nodiscard]] int exitDescriptor() const { return exit_.get(); }
+
+    void signalGroup(int signal) const;
+    // True once the process has ended and is reaped; never waits.
+    bool reapIfEnded();
+    [[nodiscard]] bool isReaped() const { return reaped_; }
+    // Exit status, or the number of the signal that ended it. Valid after reaping.
+    [[nodiscard]] int status() const { return status_; }
+
+private:
+    pid_t pid_ = -1;
+    UniqueFd exit_;
+    bool reaped_ = false;
+    int status_ = statusNotStarted;
+};
+
+// Kills the groups of all children that are not reaped, in order, waits a moment for their end, and leaves whatever
+// takes longer to the event loop. The list is empty afterwards.
+void killAndReap(std::vector<ChildProcess>& children);
+
+enum class ExitWatch { Kernel, Thread };
+
+// Descriptor that becomes readable when the child has ended. The thread stands in where the kernel offers no process
+// descriptors. Invalid when neither can be had.
+[[nodiscard]] UniqueFd openExitDescriptor(pid_t pid, ExitWatch watch = ExitWatch::Kernel);
+
+} // namespace tavrix

@@ -1,0 +1,133 @@
+#include "process/runners.h"
+
+#include "base/bundle.h"
+#include "base/filesizes.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/settings.h"
+#include "base/text.h"
+#include "base/textfiles.h"
+#include "process/capturedrun.h"
+#include "process/programlookup.h"
+#include "process/shellrun.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr char byteOrderMark[] = {'\xEF', '\xBB', '\xBF'};
+
+bool writeAll(int fd, const char* data, qsizetype size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(fd, data, static_cast<size_t>(size));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        data += written;
+        size -= written;
+    }
+    return true;
+}
+
+// The file keeps what an earlier, longer capture left behind the new text: it is never truncated. A planted link or a
+// special file is refused.
+UniqueFd openCapture(const QString& path, int flags)
+{
+    UniqueFd file(::open(nativePath(path).constData(), flags | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0600));
+    struct stat info = {};
+    if (file.isValid() && (fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)))
+        return {};
+    return file;
+}
+
+QString withoutFinalNewline(QString text)
+{
+    if (text.endsWith(QLatin1Char('\n')))
+        text.chop(1);
+    return text;
+}
+
+QString captureFailure()
+{
+    logLine(QStringLiteral("task failure        :-( !fileReadWrite"));
+    return {};
+}
+
+} // namespace
+
+QString taskWithStr(const QString& command, const QString& directory)
+{
+    if (!directory.isEmpty())
+        logLine(QStringLiteral("cd : %@"), {directory});
+    const std::optional<CapturedRun> run = runShell(command, directory);
+    if (!run)
+        return {};
+    const QString text = decodedUtf8(run->output);
+    if (text.isNull())
+        return QLatin1String("");
+    if (text.isEmpty()) {
+        logLine(QStringLiteral("stringOutput        :-/ '%@'"), {text});
+        return {};
+    }
+    return text;
+}
+
+QString taskWithStrBasic(const QString& command)
+{
+    const std::optional<CapturedRun> run = runShell(command);
+    return run ? withoutFinalNewline(decodedUtf8(run->output)) : QString();
+}
+
+QString taskArray(const QStringList& arguments, bool stderrToo)
+{
+    if (arguments.isEmpty())
+        return {};
+    const QString capturePath = getTMPFOLDER() + QStringLiteral("taskData.txt");
+    UniqueFd capture = openCapture(capturePath, O_WRONLY | O_CREAT);
+    if (!capture.isValid() || !writeAll(capture.get(), byteOrderMark, sizeof byteOrderMark))
+        return captureFailure();
+
+    ChildSetup setup;
+    setup.program = resolvedProgram(arguments.first());
+    if (setup.program.isNull())
+        return {};
+    for (const QString& argument : arguments.mid(1))
+        setup.arguments.append(launchArgument(argument));
+    setup.toolLocale = true;
+    const std::optional<CapturedRun> run =
+        runCaptured(setup, stderrToo, [](int pid) { logDebug(QStringLiteral("PID current        : %d"), {pid}); });
+    if (!run)
+        return {};
+    if (!writeAll(capture.get(), run->output.constData(), run->output.size()))
+        return captureFailure();
+    capture.reset();
+    if (!openCapture(capturePath, O_RDWR).isValid())
+        return captureFailure();
+    return withoutFinalNewline(readContentsTxtUTF8(capturePath));
+}
+
+QString ffmpegPathStr()
+{
+    const QString name = QStringLiteral("ffmpeg");
+    QStringList folders;
+    if (const QString resources = resourcePath(); !resources.isEmpty())
+        folders << resources << stringByAppendingPathComponent(resources, QStringLiteral("tools"));
+    folders << supportFolder();
+    for (const QString& folder : folders) {
+        const QString path = stringByAppendingPathComponent(folder, name);
+        if (testPresenceCocoa(path))
+            return path;
+    }
+    return QLatin1String("");
+}
+
+} // namespace tavrix

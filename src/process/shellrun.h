@@ -1,0 +1,12 @@
+#pragma once
+
+#include "process/capturedrun.h"
+
+namespace tavrix
+{
+
+// Runs the command text by the system's shell. No value when the command is nothing, the working folder does not exist
+// or the shell cannot be started.
+[[nodiscard]] std::optional<CapturedRun> runShell(const QString& command, const QString& directory = QString());
+
+} // namespace tavrix

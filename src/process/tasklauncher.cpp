@@ -1,0 +1,346 @@
+#include "process/tasklauncher.h"
+
+#include "base/log.h"
+#include "base/runloopgate.h"
+#include "base/text.h"
+#include "process/chain.h"
+#include "process/childprocess.h"
+#include "process/notificationcenter.h"
+
+#include <QDateTime>
+#include <QPointer>
+#include <QSocketNotifier>
+
+#include <array>
+#include <csignal>
+
+namespace tavrix
+{
+
+namespace
+{
+
+// A notifier may be given up inside its own signal, so it is destroyed by the event loop.
+struct NotifierRelease {
+    void operator()(QSocketNotifier* notifier) const
+    {
+        notifier->setEnabled(false);
+        notifier->deleteLater();
+    }
+};
+using Notifier = std::unique_ptr<QSocketNotifier, NotifierRelease>;
+
+struct Stream {
+    UniqueFd fd;
+    Notifier notifier;
+    qint64 left = 0; // bytes that waited when the last process ended
+
+    void close()
+    {
+        notifier.reset();
+        fd.reset();
+        left = 0;
+    }
+};
+
+} // namespace
+
+void TaskLauncherDelegate::taskLauncherDidReceiveNewString(taskLauncher* /*launcher*/, const QString& /*text*/) {}
+void TaskLauncherDelegate::taskLauncherDidReceiveNewData(taskLauncher* /*launcher*/, const QByteArray& /*data*/) {}
+void TaskLauncherDelegate::taskLauncherTaskDidEnd(taskLauncher* /*launcher*/) {}
+void TaskLauncherDelegate::taskLauncherTaskDidSuspend(taskLauncher* /*launcher*/) {}
+void TaskLauncherDelegate::taskLauncherTaskDidResume(taskLauncher* /*launcher*/) {}
+
+// Any callback may destroy the launcher, and this object with it: after one, nothing is touched before the owner is
+// known to be alive.
+struct taskLauncher::Private {
+    explicit Private(taskLauncher* launcher) : q(launcher) {}
+
+    void begin(Chain&& started);
+    void watch();
+    void processEnded(size_t index);
+    void lastProcessEnded(int status);
+    void streamReadable(Stream& stream);
+    void readOnce(Stream& stream);
+    void drainStep();
+    void queueDrainStep();
+    void gateOpened();
+    void deliver(const QByteArray& chunk);
+    void stopWatching();
+
+    taskLauncher* q;
+    TaskLauncherDelegate* delegate = nullptr;
+    std::vector<ChildProcess> tasks;
+    std::vector<Notifier> exitNotifiers;
+    std::array<Stream, 2> streams; // the error stream is served first
+    QMetaObject::Connection gateConnection;
+    bool hasChain = false;
+    bool watching = false;
+    bool held = false; // something waits for the gate
+    bool lastEnded = false;
+    int lastStatus = 0;
+    bool alreadyNotified = false;
+    bool isRunning = false;
+    bool isSuspended = false;
+    bool terminateNoAbort = false;
+    bool convert = false;
+    int terminationStatus = 0;
+    int uid = 0;
+};
+
+void taskLauncher::Private::begin(Chain&& started)
+{
+    stopWatching();
+    killAndReap(tasks);
+    tasks = std::move(started.processes);
+    streams[0].fd = std::move(started.error);
+    streams[1].fd = std::move(started.output);
+    hasChain = true;
+    held = false;
+    lastEnded = false;
+    watch();
+    if (!started.lastExists)
+        lastProcessEnded(ChildProcess::statusNotStarted);
+}
+
+void taskLauncher::Private::watch()
+{
+    watching = true;
+    gateConnection = connect(&RunLoopGate::instance(), &RunLoopGate::opened, q, [this] { gateOpened(); });
+    for (Stream& stream : streams) {
+        if (!stream.fd.isValid())
+            continue;
+        stream.notifier.reset(new QSocketNotifier(stream.fd.get(), QSocketNotifier::Read));
+        connect(stream.notifier.get(), &QSocketNotifier::activated, q, [this, &stream] { streamReadable(stream); });
+    }
+    for (size_t index = 0; index < tasks.size(); ++index) {
+        exitNotifiers.emplace_back(new QSocketNotifier(tasks[index].exitDescriptor(), QSocketNotifier::Read));
+        connect(exitNotifiers.back().get(), &QSocketNotifier::activated, q, [this, index] { processEnded(index); });
+    }
+}
+
+void taskLauncher::Private::stopWatching()
+{
+    watching = false;
+    disconnect(gateConnection);
+    for (Stream& stream : streams)
+        stream.close();
+    exitNotifiers.clear();
+}
+
+void taskLauncher::Private::processEnded(size_t index)
+{
+    if (!watching || !tasks[index].reapIfEnded())
+        return;
+    exitNotifiers[index].reset();
+    if (index + 1 == tasks.size() && !lastEnded)
+        lastProcessEnded(tasks[index].status());
+}
+
+// Only what waits in the pipes now was written by the chain itself: a background job that holds them open may write for
+// ever and must not delay the end.
+void taskLauncher::Private::lastProcessEnded(int status)
+{
+    lastEnded = true;
+    lastStatus = status;
+    for (Stream& stream : streams) {
+        stream.notifier.reset();
+        stream.left = waitingBytes(stream.fd.get());
+    }
+    queueDrainStep();
+}
+
+void taskLauncher::Private::streamReadable(Stream& stream)
+{
+    if (!watching || lastEnded || !stream.fd.isValid())
+        return;
+    if (RunLoopGate::instance().isClosed()) {
+        held = true;
+        stream.notifier->setEnabled(false);
+        return;
+    }
+    readOnce(stream);
+}
+
+// At end of stream the notifier goes: it would fire without end while the process lives on.
+void taskLauncher::Private::readOnce(Stream& stream)
+{
+    QByteArray chunk;
+    switch (readChunk(stream.fd.get(), chunk)) {
+    case ReadState::Data:
+        stream.left -= chunk.size();
+        deliver(chunk);
+        return;
+    case ReadState::End:
+        stream.close();
+        return;
+    case ReadState::Nothing:
+        stream.left = 0;
+        return;
+    }
+}
+
+void taskLauncher::Private::queueDrainStep()
+{
+    QMetaObject::invokeMethod(
+        q, [this] { drainStep(); }, Qt::QueuedConnection);
+}
+
+// One chunk per turn of the event loop, so that whatever a callback asks for comes in between.
+void taskLauncher::Private::drainStep()
+{
+    if (!watching || !lastEnded)
+        return;
+    if (RunLoopGate::instance().isClosed()) {
+        held = true;
+        return;
+    }
+    for (Stream& stream : streams) {
+        if (!stream.fd.isValid() || stream.left <= 0)
+            continue;
+        const QPointer<taskLauncher> alive(q);
+        readOnce(stream);
+        if (alive)
+            queueDrainStep();
+        return;
+    }
+    terminationStatus = lastStatus;
+    terminateNoAbort = true;
+    q->terminate();
+}
+
+void taskLauncher::Private::gateOpened()
+{
+    if (!held || RunLoopGate::instance().isClosed())
+        return;
+    held = false;
+    for (Stream& stream : streams) {
+        if (stream.notifier)
+            stream.notifier->setEnabled(true);
+    }
+    if (lastEnded)
+        queueDrainStep();
+}
+
+void taskLauncher::Private::deliver(const QByteArray& chunk)
+{
+    if (!delegate)
+        return;
+    if (convert) {
+        delegate->taskLauncherDidReceiveNewData(q, chunk);
+        return;
+    }
+    const QString text = decodedUtf8(chunk);
+    if (!text.isNull())
+        delegate->taskLauncherDidReceiveNewString(q, text);
+}
+
+taskLauncher::taskLauncher(QObject* parent) : QObject(parent), d(std::make_unique<Private>(this)) {}
+
+taskLauncher::~taskLauncher()
+{
+    NotificationCenter::defaultCenter().removeObserver(this);
+    d->stopWatching();
+    killAndReap(d->tasks);
+}
+
+int taskLauncher::launchTasksWithArguments(const QStringList& arguments)
+{
+    if (arguments.isEmpty())
+        return 1;
+    d->terminateNoAbort = false;
+    d->isRunning = true;
+    d->isSuspended = false;
+    QList<ChainCommand> commands;
+    if (const int code = parsedChain(arguments, commands); code != 0)
+        return code;
+    d->begin(startChain(commands));
+    return 0;
+}
+
+void taskLauncher::setDelegate(TaskLauncherDelegate* delegate)
+{
+    d->delegate = delegate;
+}
+
+TaskLauncherDelegate* taskLauncher::delegate() const
+{
+    return d->delegate;
+}
+
+void taskLauncher::dontConvertDataToString(bool flag)
+{
+    d->convert = flag;
+}
+
+int taskLauncher::uid()
+{
+    if (d->uid == 0) {
+        d->uid = static_cast<int>(QDateTime::currentSecsSinceEpoch());
+        NotificationCenter& center = NotificationCenter::defaultCenter();
+        center.addObserver(this, fabKillTasks, d->uid, [this] { terminate(); });
+        center.addObserver(this, fabPauseTasks, d->uid, [this] { suspend(); });
+        center.addObserver(this, fabResumeTasks, d->uid, [this] { resume(); });
+    }
+    return d->uid;
+}
+
+bool taskLauncher::isRunning() const
+{
+    return d->isRunning;
+}
+
+bool taskLauncher::isSuspended() const
+{
+    return d->isSuspended;
+}
+
+int taskLauncher::terminationStatus() const
+{
+    return d->terminationStatus;
+}
+
+// The consumer stops before its producers.
+void taskLauncher::suspend()
+{
+    if (!d->hasChain || !d->isRunning || d->isSuspended)
+        return;
+    for (auto task = d->tasks.rbegin(); task != d->tasks.rend(); ++task)
+        task->signalGroup(SIGSTOP);
+    d->isSuspended = true;
+    if (d->delegate)
+        d->delegate->taskLauncherTaskDidSuspend(this);
+}
+
+void taskLauncher::resume()
+{
+    if (!d->hasChain || !d->isSuspended)
+        return;
+    for (const ChildProcess& task : d->tasks)
+        task.signalGroup(SIGCONT);
+    d->isSuspended = false;
+    if (d->delegate)
+        d->delegate->taskLauncherTaskDidResume(this);
+}
+
+void taskLauncher::terminate()
+{
+    d->isRunning = false;
+    if (!d->hasChain)
+        return;
+    NotificationCenter::defaultCenter().removeObserver(this);
+    d->stopWatching();
+    const QPointer<taskLauncher> alive(this);
+    resume();
+    if (!alive)
+        return;
+    killAndReap(d->tasks);
+    if (!d->terminateNoAbort)
+        d->terminationStatus = statusInterrupted;
+    if (d->delegate && !d->alreadyNotified) {
+        d->alreadyNotified = true;
+        d->delegate->taskLauncherTaskDidEnd(this);
+    }
+}
+
+} // namespace tavrix
