@@ -1,0 +1,188 @@
+#include "tools/movencoder/aicencoder.h"
+
+#include "tools/movencoder/aicdct.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tavrix::aic
+{
+
+namespace
+{
+
+constexpr std::size_t headerSize = 24;
+constexpr std::size_t sliceEntrySize = 2;
+
+void putBigEndian16(std::uint8_t* at, std::size_t value)
+{
+    at[0] = static_cast<std::uint8_t>(value >> 8);
+    at[1] = static_cast<std::uint8_t>(value);
+}
+
+void putBigEndian32(std::uint8_t* at, std::size_t value)
+{
+    putBigEndian16(at, value >> 16);
+    putBigEndian16(at + 2, value);
+}
+
+// The order of a macroblock with each block turned over, as the transform leaves its levels column by column.
+CodingOrder turnedOrder(bool interlaced)
+{
+    CodingOrder order = codingOrder(interlaced);
+    for (std::uint16_t& place : order)
+        place = static_cast<std::uint16_t>((place & ~63U) | (place & 7U) << 3 | (place >> 3 & 7U));
+    return order;
+}
+
+// The samples of a macroblock in one plane: where they are, or in a copy whose missing right columns repeat the last.
+struct Samples {
+    const std::uint8_t* at;
+    std::ptrdiff_t stride;
+};
+using Copy = std::array<std::uint8_t, 16 * 16>;
+
+Samples samplesOf(const std::uint8_t* plane, std::ptrdiff_t stride, int planeWidth, int x, int y, int side, Copy& copy)
+{
+    const std::uint8_t* at = plane + static_cast<std::ptrdiff_t>(y) * stride + x;
+    if (x + side <= planeWidth)
+        return {at, stride};
+    const auto present = static_cast<std::size_t>(planeWidth - x);
+    for (int line = 0; line < side; ++line, at += stride) {
+        std::uint8_t* to = copy.data() + 16 * line;
+        std::memcpy(to, at, present);
+        std::fill(to + present, to + side, at[present - 1]);
+    }
+    return {copy.data(), 16};
+}
+
+} // namespace
+
+Encoder::Encoder(int width, int height)
+    : width_(width), height_(height),
+      geometry_(geometryOf(width, height)), orders_{turnedOrder(false), turnedOrder(true)}, coder_(geometry_.sliceWidth)
+{
+}
+
+void Encoder::useQuantiser(int quantiser)
+{
+    if (quantiser == quantiser_)
+        return;
+    quantiser_ = quantiser;
+    factors_ = levelFactors(quantiser);
+}
+
+void Encoder::collectMacroblock(const Picture& picture, int row, int column)
+{
+    alignas(16) std::array<std::int32_t, coefficientsPerMacroblock> levels;
+    Copy copy;
+    const Samples luma = samplesOf(picture.planes[0], picture.strides[0], width_, 16 * column,
+                                   geometry_.firstLumaLine(row, height_), 16, copy);
+    const std::ptrdiff_t lowerBlocks = picture.interlaced ? luma.stride : 8 * luma.stride;
+    const std::ptrdiff_t lineStep = picture.interlaced ? 2 * luma.stride : luma.stride;
+    for (int block = 0; block < 4; ++block) {
+        const std::uint8_t* at = luma.at + (block & 1) * 8 + (block >> 1) * lowerBlocks;
+        transformBlock(at, lineStep, factors_, levels.data() + static_cast<std::ptrdiff_t>(64) * block);
+    }
+    for (int plane = 1; plane < 3; ++plane) {
+        const Samples chroma = samplesOf(picture.planes[plane], picture.strides[plane], (width_ + 1) / 2, 8 * column,
+                                         geometry_.firstChromaLine(row, height_), 8, copy);
+        transformBlock(chroma.at, chroma.stride, factors_,
+                       levels.data() + static_cast<std::ptrdiff_t>(64) * (3 + plane));
+    }
+    coder_.addMacroblock(levels.data(), orders_[picture.interlaced ? 1 : 0]);
+}
+
+void Encoder::collectSlice(const Picture& picture, int row, int slice)
+{
+    const int count = geometry_.macroblocksOfSlice(slice);
+    coder_.begin(count);
+    for (int i = 0; i < count; ++i)
+        collectMacroblock(picture, row, slice * geometry_.sliceWidth + i);
+}
+
+std::size_t Encoder::firstSliceOffset() const
+{
+    return (headerSize + sliceEntrySize * static_cast<std::size_t>(geometry_.slices()) + 3) / 4 * 4;
+}
+
+std::size_t Encoder::measure(const Picture& picture, int quantiser, int rowStep)
+{
+    useQuantiser(quantiser);
+    std::size_t bytes = 0;
+    std::size_t rows = 0;
+    for (int row = rowStep / 2; row < geometry_.macroblockRows; row += rowStep, ++rows) {
+        for (int slice = 0; slice < geometry_.slicesPerRow; ++slice) {
+            collectSlice(picture, row, slice);
+            bytes += coder_.choose();
+        }
+    }
+    return firstSliceOffset() + bytes * static_cast<std::size_t>(geometry_.macroblockRows) / rows;
+}
+
+void Encoder::writeHeader(std::vector<std::uint8_t>& frame, int quantiser, bool interlaced) const
+{
+    // Values of the cameras' own files where no decoder's behaviour depends on them: low nibble 9 of the picture type,
+    // gamma code 4 (2.2).
+    constexpr unsigned usualType = 0x09;
+    constexpr unsigned interlacedType = 0x30;
+    std::uint8_t* header = frame.data();
+    header[0] = 1;
+    header[1] = headerSize - 2;
+    putBigEndian32(header + 2, frame.size());
+    for (const std::size_t at : {std::size_t{6}, std::size_t{10}}) {
+        putBigEndian16(header + at, static_cast<std::size_t>(width_));
+        putBigEndian16(header + at + 2, static_cast<std::size_t>(height_));
+    }
+    header[15] = static_cast<std::uint8_t>(quantiser);
+    header[16] = static_cast<std::uint8_t>(usualType | (interlaced ? interlacedType : 0U));
+    header[19] = 4;
+}
+
+void Encoder::encode(const Picture& picture, int quantiser, std::vector<std::uint8_t>& frame)
+{
+    useQuantiser(quantiser);
+    frame.assign(firstSliceOffset(), 0);
+    std::size_t entry = headerSize;
+    for (int row = 0; row < geometry_.macroblockRows; ++row) {
+        for (int slice = 0; slice < geometry_.slicesPerRow; ++slice, entry += sliceEntrySize) {
+            collectSlice(picture, row, slice);
+            const std::size_t size = coder_.choose();
+            const std::size_t start = frame.size();
+            frame.resize(start + size + BitWriter::overrun);
+            coder_.write(frame.data() + start);
+            frame.resize(start + size);
+            frame[entry] = static_cast<std::uint8_t>(size / 4);
+            frame[entry + 1] = static_cast<std::uint8_t>(size / 4 >> 8);
+        }
+    }
+    writeHeader(frame, quantiser, picture.interlaced);
+}
+
+int Encoder::encodeToSize(const Picture& picture, std::size_t limit, std::vector<std::uint8_t>& frame)
+{
+    // A quarter of the rows finds the neighbourhood; whole frames then settle the exact step.
+    const int rowStep = geometry_.macroblockRows >= 8 ? 4 : 1;
+    int low = finestQuantiser;
+    int high = coarsestQuantiser;
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (measure(picture, middle, rowStep) <= limit)
+            high = middle;
+        else
+            low = middle + 1;
+    }
+    int quantiser = low;
+    encode(picture, quantiser, frame);
+    if (frame.size() > limit) {
+        while (frame.size() > limit && quantiser < coarsestQuantiser)
+            encode(picture, ++quantiser, frame);
+        return quantiser;
+    }
+    while (quantiser > finestQuantiser && measure(picture, quantiser - 1, 1) <= limit)
+        --quantiser;
+    encode(picture, quantiser, frame);
+    return quantiser;
+}
+
+} // namespace tavrix::aic

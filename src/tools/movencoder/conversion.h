@@ -1,0 +1,15 @@
+#pragma once
+
+#include "tools/movencoder/settings.h"
+
+#include <string>
+
+namespace tavrix::movencoder
+{
+
+// Encodes `input` into the open file `fd` and reports the progress. False, with the reason and the file it is about in
+// `error`, on failure; the file is then of no use.
+[[nodiscard]] bool convertMovie(const std::string& input, const std::string& output, int fd, Format format,
+                                const FormatSettings& settings, std::string& error);
+
+} // namespace tavrix::movencoder

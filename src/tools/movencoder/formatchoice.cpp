@@ -1,0 +1,54 @@
+#include "tools/movencoder/formatchoice.h"
+
+#include "tools/movencoder/plistreader.h"
+
+#include <array>
+#include <cstdlib>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace tavrix::movencoder
+{
+
+namespace
+{
+
+std::string homeFolder()
+{
+    const char* home = std::getenv("HOME"); // NOLINT(concurrency-mt-unsafe): no thread is running yet
+    if (home != nullptr && home[0] == '/')
+        return home;
+    passwd entry{};
+    passwd* found = nullptr;
+    std::array<char, 16384> buffer;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr)
+        return found->pw_dir;
+    return {};
+}
+
+} // namespace
+
+std::string preferencesPath()
+{
+    return homeFolder() + "/Library/Preferences/org.tavrix.Tavrix.plist";
+}
+
+std::optional<Format> formatOfRunningRow(const std::string& preferences, const std::string& input,
+                                         const std::string& output)
+{
+    std::string error;
+    const auto text = readWholeFile(preferences, error);
+    if (!text)
+        return std::nullopt;
+    const PlistPtr list = parseDictionary(*text);
+    plist_t record = list ? plist_dict_get_item(list.get(), "processEncDico") : nullptr;
+    if (record == nullptr || plist_get_node_type(record) != PLIST_DICT)
+        return std::nullopt;
+    if (textOf(plist_dict_get_item(record, "dstPathStr")) != output ||
+        textOf(plist_dict_get_item(record, "purgePathStr1")) != input)
+        return std::nullopt;
+    const auto number = integerOf(plist_dict_get_item(record, "out"));
+    return number ? formatOfNumber(*number) : std::nullopt;
+}
+
+} // namespace tavrix::movencoder

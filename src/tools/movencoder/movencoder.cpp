@@ -1,0 +1,110 @@
+#include "tools/movencoder/movencoder.h"
+
+#include "tools/common/descriptors.h"
+#include "tools/common/safeoutput.h"
+#include "tools/movencoder/conversion.h"
+#include "tools/movencoder/formatchoice.h"
+#include "tools/movencoder/options.h"
+#include "tools/movencoder/progress.h"
+
+#include <csignal>
+#include <sys/stat.h>
+#include <unistd.h>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+namespace tavrix::movencoder
+{
+
+namespace
+{
+
+void complain(const std::string& message)
+{
+    // There is nowhere left to tell that standard error cannot be written.
+    static_cast<void>(writeAll(STDERR_FILENO, "movencoder: " + message + "\n"));
+}
+
+// Whether `output` may be written: it must not be one of the files that are read, nor anything but a file.
+bool outputAllowed(const Options& options, std::string& error)
+{
+    struct stat target {
+    };
+    if (stat(options.output.c_str(), &target) != 0)
+        return true;
+    if (!S_ISREG(target.st_mode)) {
+        error = options.output + ": not a regular file";
+        return false;
+    }
+    for (const std::string* path : {&options.input, &options.settings}) {
+        struct stat source {
+        };
+        if (stat(path->c_str(), &source) == 0 && source.st_dev == target.st_dev && source.st_ino == target.st_ino) {
+            error = options.output + ": output and " + (path == &options.input ? "input" : "settings") +
+                    " are the same file";
+            return false;
+        }
+    }
+    return true;
+}
+
+bool work(const Options& options, std::string& error)
+{
+    std::string reason;
+    const auto settings = readSettings(options.settings, reason);
+    if (!settings) {
+        error = options.settings + ": " + reason;
+        return false;
+    }
+    auto format = options.format;
+    if (!format)
+        format = formatOfRunningRow(preferencesPath(), options.input, options.output);
+    const auto& section = settings->of(format.value_or(settings->defaultFormat));
+    if (!section) {
+        error = options.settings + ": there is no section for " + formatName(*format);
+        return false;
+    }
+    if (!outputAllowed(options, error))
+        return false;
+    auto output = SafeOutput::open(options.output, reason);
+    if (!output) {
+        error = options.output + ": " + reason;
+        return false;
+    }
+    if (!convertMovie(options.input, options.output, output->fd(), format.value_or(settings->defaultFormat), *section,
+                      error))
+        return false;
+    if (!output->commit(reason)) {
+        error = options.output + ": " + reason;
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int run(const std::vector<std::string>& arguments)
+{
+    // A full disk, a size limit and a reader that went away are answered by the calls themselves.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    av_log_set_level(AV_LOG_ERROR);
+    std::string error;
+    const auto options = parseOptions(arguments, error);
+    if (!options) {
+        complain(error + "\nTry \"movencoder --help\".");
+        return exitUsage;
+    }
+    if (options->help)
+        return writeAll(STDOUT_FILENO, helpText()) ? exitDone : exitFailed;
+    if (!work(*options, error)) {
+        complain(error);
+        return exitFailed;
+    }
+    Progress::complete();
+    return exitDone;
+}
+
+} // namespace tavrix::movencoder

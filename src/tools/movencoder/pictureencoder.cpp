@@ -1,0 +1,149 @@
+#include "tools/movencoder/pictureencoder.h"
+
+#include "tools/movencoder/aicencoder.h"
+
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+namespace tavrix::movencoder
+{
+
+namespace
+{
+
+class AppleIntermediateEncoder : public PictureEncoder
+{
+public:
+    AppleIntermediateEncoder(const FormatSettings& settings, const Fit& fit)
+        : settings_(settings), encoder_(fit.width, fit.height)
+    {
+    }
+
+    [[nodiscard]] AVPixelFormat pixelFormat() const override { return AV_PIX_FMT_YUV420P; }
+
+    [[nodiscard]] bool describe(AVCodecParameters& parameters, std::string&) const override
+    {
+        parameters.codec_id = AV_CODEC_ID_AIC;
+        parameters.codec_tag = MKTAG('i', 'c', 'o', 'd');
+        parameters.bits_per_coded_sample = 24;
+        return true;
+    }
+
+    [[nodiscard]] bool encode(const AVFrame& picture, bool interlaced, std::vector<std::uint8_t>& bytes,
+                              std::string&) override
+    {
+        const aic::Picture planes{{picture.data[0], picture.data[1], picture.data[2]},
+                                  {picture.linesize[0], picture.linesize[1], picture.linesize[2]},
+                                  interlaced};
+        if (settings_.bytesPerFrame > 0)
+            encoder_.encodeToSize(planes, static_cast<std::size_t>(settings_.bytesPerFrame), bytes);
+        else
+            encoder_.encode(planes, settings_.quantiser, bytes);
+        return true;
+    }
+
+private:
+    FormatSettings settings_;
+    aic::Encoder encoder_;
+};
+
+class ProResEncoder : public PictureEncoder
+{
+public:
+    [[nodiscard]] bool open(const FormatSettings& settings, const PictureFacts& facts, std::string& error)
+    {
+        // Of the library's two encoders this one is several times faster, and closer to the picture.
+        const AVCodec* codec = avcodec_find_encoder_by_name("prores_aw");
+        if (codec == nullptr) {
+            error = "the FFmpeg libraries of this system have no ProRes encoder";
+            return false;
+        }
+        codec_.reset(avcodec_alloc_context3(codec));
+        packet_.reset(av_packet_alloc());
+        frame_.reset(av_frame_alloc());
+        if (!codec_ || !packet_ || !frame_) {
+            error = "out of memory";
+            return false;
+        }
+        codec_->width = facts.fit.width;
+        codec_->height = facts.fit.height;
+        codec_->pix_fmt = AV_PIX_FMT_YUV422P10LE;
+        codec_->profile = settings.profile;
+        codec_->time_base = facts.timeBase;
+        codec_->sample_aspect_ratio = {facts.fit.pixelAspect.num, facts.fit.pixelAspect.den};
+        codec_->color_primaries = facts.primaries;
+        codec_->color_trc = facts.transfer;
+        codec_->colorspace = facts.matrix;
+        codec_->color_range = AVCOL_RANGE_MPEG;
+        // Pictures go to many encoders at once; threads inside each would only get in one another's way.
+        codec_->thread_count = 1;
+        if (facts.interlaced)
+            codec_->flags |= AV_CODEC_FLAG_INTERLACED_DCT;
+        // Players that look for a maker know this one.
+        av_opt_set(codec_.get(), "vendor", "apl0", AV_OPT_SEARCH_CHILDREN);
+        const int result = avcodec_open2(codec_.get(), codec, nullptr);
+        if (result < 0)
+            error = "the ProRes encoder does not start: " + avErrorText(result);
+        return result >= 0;
+    }
+
+    [[nodiscard]] AVPixelFormat pixelFormat() const override { return AV_PIX_FMT_YUV422P10LE; }
+
+    [[nodiscard]] bool describe(AVCodecParameters& parameters, std::string& error) const override
+    {
+        const int result = avcodec_parameters_from_context(&parameters, codec_.get());
+        if (result < 0)
+            error = avErrorText(result);
+        return result >= 0;
+    }
+
+    [[nodiscard]] bool encode(const AVFrame& picture, bool interlaced, std::vector<std::uint8_t>& bytes,
+                              std::string& error) override
+    {
+        av_frame_unref(frame_.get());
+        int result = av_frame_ref(frame_.get(), &picture);
+        if (result >= 0) {
+            frame_->interlaced_frame = interlaced ? 1 : 0;
+            frame_->pict_type = AV_PICTURE_TYPE_NONE;
+            frame_->pts = 0;
+            result = avcodec_send_frame(codec_.get(), frame_.get());
+        }
+        if (result >= 0)
+            result = avcodec_receive_packet(codec_.get(), packet_.get());
+        av_frame_unref(frame_.get());
+        if (result < 0) {
+            error = "the ProRes encoder failed: " + avErrorText(result);
+            return false;
+        }
+        bytes.assign(packet_->data, packet_->data + packet_->size);
+        av_packet_unref(packet_.get());
+        return true;
+    }
+
+private:
+    CodecPtr codec_;
+    PacketPtr packet_;
+    FramePtr frame_;
+};
+
+} // namespace
+
+std::unique_ptr<PictureEncoder> makePictureEncoder(Format format, const FormatSettings& settings,
+                                                   const PictureFacts& facts, std::string& error)
+{
+    const Fit& fit = facts.fit;
+    if (!aic::sizeAllowed(fit.width, fit.height)) {
+        error = "pictures of " + std::to_string(fit.width) + "x" + std::to_string(fit.height) +
+                " cannot be encoded; each side must be from 16 to 4096";
+        return nullptr;
+    }
+    if (format == Format::AppleIntermediate)
+        return std::make_unique<AppleIntermediateEncoder>(settings, fit);
+    auto encoder = std::make_unique<ProResEncoder>();
+    if (!encoder->open(settings, facts, error))
+        return nullptr;
+    return encoder;
+}
+
+} // namespace tavrix::movencoder
