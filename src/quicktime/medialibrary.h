@@ -127,8 +127,4 @@ public:
     [[nodiscard]] virtual std::shared_ptr<Movie> movieWithFile(const QString& path, bool asyncOK) = 0;
 };
 
-// Not owned; null returns to the FFmpeg libraries.
-void setMediaLibrary(MediaLibrary* library);
-[[nodiscard]] MediaLibrary& mediaLibrary();
-
 } // namespace tavrix

@@ -1,9 +1,8 @@
-#include "quicktime/atomreader.h"
+#include "quicktime/movieatoms.h"
 
 #include <bit>
 #include <cmath>
 
-// The movie atom and its tracks.
 namespace tavrix
 {
 
@@ -35,7 +34,7 @@ std::uint64_t durationFrom(FieldReader& reader, int version)
 {
     if (version == 1) {
         const std::uint64_t duration = reader.u64();
-        return duration > std::uint64_t(INT64_MAX) ? 0 : duration;
+        return duration > std::uint64_t(longestTime) ? 0 : duration;
     }
     const std::uint32_t duration = reader.u32();
     return duration == UINT32_MAX ? 0 : duration;
@@ -123,7 +122,8 @@ bool readEdits(ByteView payload, TrackAtoms& track)
         edit.duration = version == 1 ? reader.u64() : reader.u32();
         edit.mediaTime = version == 1 ? reader.s64() : reader.s32();
         edit.rate = reader.s32();
-        if (!reader.ok() || edit.duration > std::uint64_t(INT64_MAX))
+        if (!reader.ok() || edit.duration > std::uint64_t(longestTime) || edit.mediaTime > longestTime ||
+            edit.mediaTime < -longestTime)
             return false;
         track.edits.push_back(edit);
     }

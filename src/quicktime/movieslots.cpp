@@ -3,6 +3,7 @@
 #include "base/filesizes.h"
 #include "base/log.h"
 #include "base/paths.h"
+#include "quicktime/activelibrary.h"
 
 #include <QStringList>
 

@@ -1,4 +1,4 @@
-#include "quicktime/medialibrary.h"
+#include "quicktime/activelibrary.h"
 
 #include "quicktime/avmedialibrary.h"
 

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "quicktime/atomwriter.h"
+#include "quicktime/trackrewrite.h"
+
+#include <optional>
+
+// Atoms of a new movie header, made from those of the source: what is not changed is copied byte for byte. Free of Qt.
+namespace tavrix
+{
+
+// Scale of the whole movie's display.
+struct DisplayScale {
+    double x = 1;
+    double y = 1;
+};
+
+// `payload` is the source's header. Times that 32 bits cannot hold make it a version-1 atom.
+void writeMovieHeader(AtomWriter& writer, ByteView payload, std::uint32_t timeScale, std::uint64_t duration,
+                      const std::optional<DisplayScale>& scale, bool edited);
+// Chunk offsets are the runs' new offsets plus dataStart.
+void writeTrack(AtomWriter& writer, const TrackRewrite& track, std::uint64_t dataStart);
+
+} // namespace tavrix

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "quicktime/sampleselection.h"
+
+#include <optional>
+#include <string>
+
+// What a track becomes in the new file. Free of Qt.
+namespace tavrix
+{
+
+struct PixelSize {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+};
+
+// Changes of one track; members without value keep what the source has.
+struct TrackChange {
+    std::optional<PixelSize> size;
+    std::string displayName; // "" keeps the name
+};
+
+// Everything that a new track atom needs beside the source's own.
+struct TrackRewrite {
+    const TrackAtoms* source = nullptr;
+    SelectedTrack selected;
+    std::uint32_t mediaTimeScale = 0;
+    std::uint64_t shownDuration = 0; // movie scale
+    std::uint32_t movieTimeScale = 0;
+    TrackChange change;
+    bool longOffsets = false; // chunk offsets of 64 bits
+};
+
+} // namespace tavrix
