@@ -1,5 +1,6 @@
 #include "app/appdelegate.h"
 
+#include "app/batchtexts.h"
 #include "app/cameraclip.h"
 #include "app/stepflags.h"
 #include "base/alerts.h"
@@ -227,7 +228,7 @@ void appDelegate::analysisFinalStep()
         logLine(QStringLiteral("stocker…"));
         analysisAddRow(*infos);
     } else if (source != cancelMark) {
-        Q_EMIT sourceRejected(source, analysisRejection_.isNull() ? localizedString(QStringLiteral("Clip_noVideo"))
+        Q_EMIT sourceRejected(source, analysisRejection_.isNull() ? batchText("Clip_noVideo")
                                                                   : analysisRejection_);
     }
     prefDelete(pref::analysisSrcPathStr);

@@ -1,5 +1,6 @@
 #include "app/appdelegate.h"
 
+#include "app/batchtexts.h"
 #include "app/encodefailure.h"
 #include "app/logs.h"
 #include "app/stepflags.h"
@@ -109,7 +110,7 @@ appDelegate::EncodeAction appDelegate::encDebStep()
     BatchList& rows = model_.encBatchArrayController;
     const int out = rows.row(row).out;
     if (model_.mainEncDstPathStr.stringValue().isEmpty() || !isFolder(eventsFolder())) {
-        return encRefuseRow(row, formatText(localizedString(QStringLiteral("Enc_noFolder")), {eventsFolder()}));
+        return encRefuseRow(row, formatText(batchText("Enc_noFolder"), {eventsFolder()}));
     }
     const QString destination = encDestination(row);
     prefWriteChildDico(pref::processEncDico, record::dstPathStr, destination);
@@ -120,7 +121,7 @@ appDelegate::EncodeAction appDelegate::encDebStep()
     }
     if (!encHasSpace(row, destination)) {
         displayAlert(localizedString(QStringLiteral("D_keep")), localizedString(QStringLiteral("D_keep")), 0, nullptr);
-        return encRefuseRow(row, localizedString(QStringLiteral("Enc_noSpace")));
+        return encRefuseRow(row, batchText("Enc_noSpace"));
     }
     encPreviousOutput_ = stampOf(destination);
     encStartInt_ = secondsSince1970();
@@ -136,7 +137,7 @@ appDelegate::EncodeAction appDelegate::encDebStep()
         encodage(source, destination, currentChild(record::wrapper), currentChild(record::v0_codec),
                  currentFloat(record::v0_fps), out, currentFloat(record::v0_aspect));
     if (!arguments) {
-        encFailRow(row, localizedString(QStringLiteral("Enc_noArguments")));
+        encFailRow(row, batchText("Enc_noArguments"));
         prefDelete(pref::encQtEnc);
         return EncodeAction::Finish;
     }
@@ -152,13 +153,13 @@ QString appDelegate::encReplaceRefusal(const QString& destination)
         return {};
     }
     if (isOneOfTheSources(destination)) {
-        return encLoggedRefusal(localizedString(QStringLiteral("Enc_outputIsSource")), destination);
+        return encLoggedRefusal(batchText("Enc_outputIsSource"), destination);
     }
     // Two clips can get one output name; a stored answer or a time-out must not let the second destroy the first.
     if (encBatchOutputs_.contains(destination)) {
-        return encLoggedRefusal(localizedString(QStringLiteral("Enc_outputOfThisBatch")), destination);
+        return encLoggedRefusal(batchText("Enc_outputOfThisBatch"), destination);
     }
-    const QString kept = localizedString(QStringLiteral("Enc_kept"));
+    const QString kept = batchText("Enc_kept");
     const QString stored = prefRead(pref::replaceFilesCheck);
     if (!stored.isEmpty()) {
         return leadingInteger(stored) == 1 ? QString() : kept;
@@ -208,7 +209,7 @@ appDelegate::EncodeAction appDelegate::encQtEncStep()
     const std::optional<QStringList> arguments =
         encPostQtEnc(destination, duration, currentFloat(record::v0_aspect), QString());
     if (!arguments) {
-        encFailRow(row, localizedString(QStringLiteral("Enc_noSpace")));
+        encFailRow(row, batchText("Enc_noSpace"));
         displayAlert(localizedString(QStringLiteral("D_go_echec_disque4")),
                      localizedString(QStringLiteral("D_go_echec_disque5")), 0, nullptr);
         setFlag(pref::encFin);
@@ -223,7 +224,7 @@ appDelegate::EncodeAction appDelegate::encQtEncStep()
 QString appDelegate::encFailureReason() const
 {
     const QString line = failureLine(encTranscriptTail_);
-    return line.isNull() ? localizedString(QStringLiteral("Enc_noOutput")) : line;
+    return line.isNull() ? batchText("Enc_noOutput") : line;
 }
 
 void appDelegate::encResetDisplay()
@@ -295,7 +296,7 @@ void appDelegate::encJudgeRow(int row, const QString& destination)
     if (destination.isEmpty() || !stamp || untouched) {
         encFailRow(row, encFailureReason());
     } else if (kilobytes > -1 && kilobytes < smallestOutputKilobytes) {
-        encFailRow(row, localizedString(QStringLiteral("Enc_tooSmall")));
+        encFailRow(row, batchText("Enc_tooSmall"));
         rmCocoa(destination);
     } else {
         BatchList& rows = model_.encBatchArrayController;

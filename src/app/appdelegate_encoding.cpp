@@ -1,5 +1,6 @@
 #include "app/appdelegate.h"
 
+#include "app/batchtexts.h"
 #include "app/encodefailure.h"
 #include "app/stepflags.h"
 #include "base/alerts.h"
@@ -272,7 +273,7 @@ bool appDelegate::taskLauncherEncStart_progressMaxValueFloat_parseInt(const QStr
     if (result == 0) {
         return true;
     }
-    encTranscriptTail_ = formatText(alertText("Enc_toolMissing"), {arguments.first()});
+    encTranscriptTail_ = formatText(batchText("Enc_toolMissing"), {arguments.first()});
     taskLauncherDone(nullptr);
     face_->beep();
     logLine(QStringLiteral("Erreur au lancement = %d"), {result});
@@ -311,7 +312,7 @@ void appDelegate::encStopPressed()
 {
     model_.mainEncProgressInt.setIntValue(1);
     const QString destination = prefReadChildDico(pref::processEncDico, record::dstPathStr);
-    encFailRow(encBatchInprogressRowIdentification(), alertText("Enc_stopped"));
+    encFailRow(encBatchInprogressRowIdentification(), batchText("Enc_stopped"));
     removePartialOutput(destination);
     prefDelete(pref::encDeb);
     prefDelete(pref::encQtEnc);

@@ -1,5 +1,7 @@
 #include "app/cameraclip.h"
 
+#include "app/batchtexts.h"
+
 #include "base/conversions.h"
 #include "base/format.h"
 #include "base/localisation.h"
@@ -34,24 +36,24 @@ bool isCameraContainer(const QString& wrapper, const QString& codec)
 ClipVerdict cameraClipVerdict(const std::optional<MediaInfoRecord>& infos, const QString& interlacing)
 {
     if (!infos || !infos->contains(record::v0_width) || !infos->contains(record::v0_height)) {
-        return {false, localizedString(QStringLiteral("Clip_noVideo"))};
+        return {false, batchText("Clip_noVideo")};
     }
     const int width = infos->value(record::v0_width).toInt();
     const int height = infos->value(record::v0_height).toInt();
     if (width > maximumWidth || height > maximumHeight) {
         const QString size = formatText(QStringLiteral("%dx%d"), {width, height});
-        return {false, formatText(localizedString(QStringLiteral("Clip_tooLarge")), {size})};
+        return {false, formatText(batchText("Clip_tooLarge"), {size})};
     }
     if (interlacing != localizedString(QStringLiteral("PFF"), QStringLiteral("NonLocalizable"))) {
-        return {false, localizedString(QStringLiteral("Clip_interlaced"))};
+        return {false, batchText("Clip_interlaced")};
     }
     if (!infos->contains(record::wrapper) || !infos->contains(record::v0_codec)) {
-        return {false, localizedString(QStringLiteral("Clip_noVideo"))};
+        return {false, batchText("Clip_noVideo")};
     }
     const QString wrapper = infos->value(record::wrapper).toString();
     const QString codec = infos->value(record::v0_codec).toString();
     if (!isCameraContainer(wrapper, codec)) {
-        return {false, formatText(localizedString(QStringLiteral("Clip_otherFormat")), {codec, wrapper})};
+        return {false, formatText(batchText("Clip_otherFormat"), {codec, wrapper})};
     }
     return {true, {}};
 }

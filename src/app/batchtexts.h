@@ -1,0 +1,13 @@
+#pragma once
+
+#include "base/localisation.h"
+
+namespace tavrix {
+
+// Text of the table that says why a source makes no row and why a row failed.
+[[nodiscard]] inline QString batchText(const char* key)
+{
+    return localizedString(QLatin1String(key), QStringLiteral("Batch"));
+}
+
+} // namespace tavrix

@@ -1,0 +1,144 @@
+#include "console/consoleface.h"
+
+#include "base/format.h"
+#include "base/localisation.h"
+#include "base/text.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace tavrix {
+
+namespace {
+
+QString consoleText(const char* key)
+{
+    return localizedString(QLatin1String(key), QStringLiteral("Console"));
+}
+
+// One line of standard input, or nothing when the time has passed or the input has ended. No event loop runs meanwhile.
+QString typedLine(int seconds)
+{
+    QDeadlineTimer deadline(seconds > 0 ? seconds * 1000LL : -1);
+    pollfd input = {STDIN_FILENO, POLLIN, 0};
+    while (true) {
+        const int wait = deadline.isForever() ? -1 : static_cast<int>(deadline.remainingTime());
+        const int ready = ::poll(&input, 1, wait);
+        if (ready > 0) {
+            break;
+        }
+        if (ready == 0 || errno != EINTR) {
+            return {};
+        }
+    }
+    char buffer[256];
+    const ssize_t length = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    if (length <= 0) {
+        return {};
+    }
+    return QString::fromUtf8(buffer, length).trimmed() + QLatin1String("");
+}
+
+} // namespace
+
+AlertOutcome typedAnswer(const QString& line, const QStringList& buttons, bool hasCheckBox)
+{
+    QString typed = line.trimmed().toLower();
+    AlertOutcome outcome;
+    if (hasCheckBox && typed.size() == 2 && typed.contains(QLatin1Char('*'))) {
+        outcome.checked = true;
+        typed.remove(QLatin1Char('*'));
+    }
+    if (typed.isEmpty()) {
+        return outcome;
+    }
+    outcome.button = -1;
+    for (qsizetype i = 0; i < buttons.size(); ++i) {
+        if (typed == QString::number(i + 1)) {
+            outcome.button = static_cast<int>(i);
+        }
+    }
+    return outcome;
+}
+
+ConsoleFace::ConsoleFace(Reporter* reporter, bool mayAsk) : reporter_(reporter), mayAsk_(mayAsk)
+{
+}
+
+void ConsoleFace::terminate()
+{
+    QCoreApplication::exit(exitCode_);
+}
+
+AlertOutcome ConsoleFace::runModal(const AlertRequest& request)
+{
+    if (mayAsk_ && request.buttons.size() > 1) {
+        return ask(request);
+    }
+    const QString answer = request.buttons.size() > 1 ? request.buttons.first() : QString();
+    reporter_->message(request.title, request.text, answer);
+    return {};
+}
+
+AlertOutcome ConsoleFace::ask(const AlertRequest& request)
+{
+    QString choices;
+    for (qsizetype i = 0; i < request.buttons.size(); ++i) {
+        choices += formatText(QStringLiteral(" %d) %@"), {i + 1, request.buttons.at(i)});
+    }
+    if (request.hasCheckBox) {
+        choices += formatText(QStringLiteral("  *) %@"), {request.checkBoxTitle});
+    }
+    while (true) {
+        reporter_->message(request.title, request.text + choices, QString());
+        const QString line = typedLine(request.seconds);
+        if (line.isNull()) {
+            reporter_->message(consoleText("Con_noAnswer"), QString(), request.buttons.first());
+            return {-1, false};
+        }
+        const AlertOutcome outcome = typedAnswer(line, request.buttons, request.hasCheckBox);
+        if (outcome.button >= 0) {
+            return outcome;
+        }
+    }
+}
+
+void ConsoleFace::showSheet(const AlertRequest& request, QObject* /*window*/, std::function<void(AlertOutcome)> done)
+{
+    reporter_->message(request.title, request.text, QString());
+    if (done) {
+        done({});
+    }
+}
+
+std::optional<QString> ConsoleFace::runTextInput(const AlertRequest& request, const QString& defaultValue)
+{
+    reporter_->message(request.title, request.text, defaultValue);
+    return defaultValue;
+}
+
+bool ConsoleFace::openUrl(const QUrl& /*url*/)
+{
+    return true;
+}
+
+bool ConsoleFace::openFileWith(const QString& /*path*/, const QString& /*application*/)
+{
+    return true;
+}
+
+bool ConsoleFace::reveal(const QString& /*path*/)
+{
+    return true;
+}
+
+void ConsoleFace::noteFileSystemChanged(const QString& /*path*/)
+{
+}
+
+} // namespace tavrix

@@ -1,0 +1,112 @@
+#include "console/jsonreporter.h"
+
+#include "base/format.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+namespace tavrix {
+
+namespace {
+
+QString name(const char* text)
+{
+    return QLatin1String(text);
+}
+
+QJsonObject rowObject(const RowReport& row)
+{
+    QJsonObject object{{name("source"), row.source}, {name("success"), row.success}};
+    if (row.success) {
+        object.insert(name("output"), row.output);
+        object.insert(name("bytes"), row.bytes);
+    } else {
+        object.insert(name("reason"), row.reason);
+    }
+    return object;
+}
+
+// 32-bit floats keep their short text: 59.94, not 59.939998626708984.
+QJsonValue jsonValue(const QVariant& value)
+{
+    if (value.typeId() == QMetaType::Float) {
+        return textOf(value).toDouble();
+    }
+    return QJsonValue::fromVariant(value);
+}
+
+} // namespace
+
+JsonReporter::JsonReporter(std::FILE* stream) : stream_(stream)
+{
+}
+
+void JsonReporter::write(const char* event, QJsonObject object)
+{
+    object.insert(name("event"), name(event));
+    const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stream_);
+    std::fflush(stream_);
+}
+
+void JsonReporter::queued(int count)
+{
+    write("queued", {{name("count"), count}});
+}
+
+void JsonReporter::analysing(const QString& path, int number, int total)
+{
+    write("analysing", {{name("source"), path}, {name("number"), number}, {name("total"), total}});
+}
+
+void JsonReporter::accepted(const QString& path, const QVariantMap& infos)
+{
+    QJsonObject record;
+    for (auto it = infos.cbegin(); it != infos.cend(); ++it) {
+        record.insert(it.key(), jsonValue(it.value()));
+    }
+    write("accepted", {{name("source"), path}, {name("record"), record}});
+}
+
+void JsonReporter::rejected(const QString& path, const QString& reason)
+{
+    write("rejected", {{name("source"), path}, {name("reason"), reason}});
+}
+
+void JsonReporter::rowStarted(int number, int total, const QString& source)
+{
+    row_ = number;
+    write("row-started", {{name("row"), number}, {name("total"), total}, {name("source"), source}});
+}
+
+void JsonReporter::rowProgress(double value, double maximum)
+{
+    write("progress", {{name("row"), row_}, {name("value"), value}, {name("maximum"), maximum}});
+}
+
+void JsonReporter::rowFinished(int number, int total, const RowReport& row)
+{
+    QJsonObject object = rowObject(row);
+    object.insert(name("row"), number);
+    object.insert(name("total"), total);
+    write("row-finished", object);
+}
+
+void JsonReporter::message(const QString& title, const QString& text, const QString& answer)
+{
+    write("message", {{name("title"), title}, {name("text"), text}, {name("answer"), answer}});
+}
+
+void JsonReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode)
+{
+    QJsonArray list;
+    for (const RowReport& row : rows) {
+        list.append(rowObject(row));
+    }
+    write("end", {{name("rows"), list},
+                  {name("leftOut"), leftOut},
+                  {name("folder"), folder},
+                  {name("exitCode"), exitCode}});
+}
+
+} // namespace tavrix

@@ -1,0 +1,121 @@
+#include "console/progressline.h"
+
+#include "base/format.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace tavrix {
+
+namespace {
+
+constexpr int widestName = 32;
+constexpr int widestBar = 30;
+
+bool isWide(char32_t c)
+{
+    return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
+           (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60) ||
+           (c >= 0x1F300 && c <= 0x1FAFF) || (c >= 0x20000 && c <= 0x3FFFD);
+}
+
+int characterWidth(char32_t c)
+{
+    const auto category = QChar::category(c);
+    if (category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing || category == QChar::Other_Format) {
+        return 0;
+    }
+    return isWide(c) ? 2 : 1;
+}
+
+QString fromCharacters(const QList<char32_t>& characters)
+{
+    return QString::fromUcs4(characters.constData(), characters.size());
+}
+
+} // namespace
+
+int displayWidth(const QString& text)
+{
+    int width = 0;
+    for (const char32_t c : text.toUcs4()) {
+        width += characterWidth(c);
+    }
+    return width;
+}
+
+QString elided(const QString& text, int width)
+{
+    QList<char32_t> characters;
+    for (const char32_t c : text.toUcs4()) {
+        // A file name must not steer the terminal.
+        characters << (QChar::category(c) == QChar::Other_Control ? U'?' : c);
+    }
+    if (displayWidth(fromCharacters(characters)) <= width) {
+        return fromCharacters(characters);
+    }
+    const int head = (width - 1) / 2;
+    const int tail = std::max(0, width - 1 - head);
+    QList<char32_t> front;
+    QList<char32_t> back;
+    int used = 0;
+    for (auto it = characters.cbegin(); it != characters.cend() && used + characterWidth(*it) <= head; ++it) {
+        used += characterWidth(*it);
+        front << *it;
+    }
+    used = 0;
+    for (auto it = characters.crbegin(); it != characters.crend() && used + characterWidth(*it) <= tail; ++it) {
+        used += characterWidth(*it);
+        back.prepend(*it);
+    }
+    return fromCharacters(front) + QChar(0x2026) + fromCharacters(back);
+}
+
+QString clockText(double seconds)
+{
+    if (!(seconds >= 0) || seconds > 359999) {
+        return QStringLiteral("-:--");
+    }
+    const int whole = static_cast<int>(std::lround(seconds));
+    if (whole >= 3600) {
+        return formatText(QStringLiteral("%d:%.2d:%.2d"), {whole / 3600, whole / 60 % 60, whole % 60});
+    }
+    return formatText(QStringLiteral("%d:%.2d"), {whole / 60, whole % 60});
+}
+
+QString progressLine(const ProgressState& state, int width)
+{
+    const double fraction = state.maximum > 0 ? std::clamp(state.value / state.maximum, 0.0, 1.0) : 0;
+    const double speed = state.elapsed > 0.2 ? state.value / state.elapsed : 0;
+    const double left = speed > 0 ? (state.maximum - state.value) / speed : -1;
+    const QString head = formatText(QStringLiteral("%d/%d "), {state.number, state.total});
+    const QString tail = formatText(QStringLiteral(" %3.0f %%  %5.1fx  %@"), {fraction * 100, speed, clockText(left)});
+    const int room = width - displayWidth(head) - displayWidth(tail) - 4;
+    if (room < 12) {
+        return elided(head + tail.trimmed(), width);
+    }
+    const int nameWidth = std::min(widestName, room / 2);
+    const int barWidth = std::min(widestBar, room - nameWidth);
+    QString name = elided(state.name, nameWidth);
+    name += QString(std::max(0, nameWidth - displayWidth(name)), QLatin1Char(' '));
+    const int filled = static_cast<int>(fraction * barWidth);
+    return head + name + QStringLiteral(" [") + QString(filled, QLatin1Char('#')) +
+           QString(barWidth - filled, QLatin1Char('.')) + QStringLiteral("]") + tail;
+}
+
+QString sizeText(qint64 bytes)
+{
+    static const std::array<const char*, 4> units = {"kB", "MB", "GB", "TB"};
+    double value = static_cast<double>(bytes) / 1000;
+    std::size_t unit = 0;
+    while (value >= 1000 && unit + 1 < units.size()) {
+        value /= 1000;
+        ++unit;
+    }
+    return fixedText(value, 1) + QLatin1Char(' ') + QLatin1String(units.at(unit));
+}
+
+} // namespace tavrix

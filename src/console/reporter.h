@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <cstdio>
+
+namespace tavrix {
+
+// One finished row of the summary.
+struct RowReport {
+    QString source;
+    QString output; // nothing for a failed row
+    QString reason; // why it failed; nothing for a finished one
+    qint64 bytes = 0;
+    bool success = false;
+};
+
+// Tells a person or a program what happens. Every call is made on the main thread, in order.
+class Reporter
+{
+public:
+    virtual ~Reporter() = default;
+    virtual void queued(int count) = 0;
+    virtual void analysing(const QString& path, int number, int total) = 0;
+    virtual void accepted(const QString& path, const QVariantMap& infos) = 0;
+    virtual void rejected(const QString& path, const QString& reason) = 0;
+    virtual void rowStarted(int number, int total, const QString& source) = 0;
+    virtual void rowProgress(double value, double maximum) = 0;
+    virtual void rowFinished(int number, int total, const RowReport& row) = 0;
+    // A message that the window would show as an alert; `answer` is what was answered for the user, or nothing.
+    virtual void message(const QString& title, const QString& text, const QString& answer) = 0;
+    virtual void summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode) = 0;
+};
+
+} // namespace tavrix

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "console/progressline.h"
+#include "console/reporter.h"
+
+#include <QElapsedTimer>
+
+namespace tavrix {
+
+// Plain lines; on a terminal also a progress bar that is redrawn in place.
+class TextReporter : public Reporter
+{
+public:
+    // The stream is not owned. `terminal`: progress bars may be drawn.
+    TextReporter(std::FILE* stream, bool terminal);
+
+    void queued(int count) override;
+    void analysing(const QString& path, int number, int total) override;
+    void accepted(const QString& path, const QVariantMap& infos) override;
+    void rejected(const QString& path, const QString& reason) override;
+    void rowStarted(int number, int total, const QString& source) override;
+    void rowProgress(double value, double maximum) override;
+    void rowFinished(int number, int total, const RowReport& row) override;
+    void message(const QString& title, const QString& text, const QString& answer) override;
+    void summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode) override;
+
+private:
+    void line(const QString& text);
+    void draw(const QString& text);
+    void clearDrawn();
+    [[nodiscard]] int terminalWidth() const;
+    [[nodiscard]] QString place() const;
+
+    std::FILE* stream_;
+    bool terminal_;
+    bool drawn_ = false;
+    int analysisNumber_ = 0;
+    int analysisTotal_ = 0;
+    ProgressState state_;
+    QElapsedTimer rowClock_;
+    QElapsedTimer drawClock_;
+};
+
+} // namespace tavrix

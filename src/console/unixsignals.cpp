@@ -1,0 +1,75 @@
+#include "console/unixsignals.h"
+
+#include "base/log.h"
+
+#include <QSocketNotifier>
+
+#include <signal.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace tavrix {
+
+namespace {
+
+sigset_t watchedSignals()
+{
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGTSTP}) {
+        sigaddset(&set, number);
+    }
+    return set;
+}
+
+} // namespace
+
+UnixSignals::UnixSignals(QObject* parent) : QObject(parent)
+{
+    const sigset_t set = watchedSignals();
+    // A signal file needs the signals blocked; children start with an empty mask of their own.
+    if (::sigprocmask(SIG_BLOCK, &set, nullptr) != 0) {
+        logLine(QStringLiteral("signals             :-( %@"), {std::strerror(errno)});
+        return;
+    }
+    const int descriptor = ::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (descriptor < 0) {
+        logLine(QStringLiteral("signals             :-( %@"), {std::strerror(errno)});
+        ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
+        return;
+    }
+    notifier_ = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+    connect(notifier_, &QSocketNotifier::activated, this, &UnixSignals::readSignals);
+}
+
+UnixSignals::~UnixSignals()
+{
+    if (notifier_ != nullptr) {
+        const auto descriptor = static_cast<int>(notifier_->socket());
+        delete notifier_;
+        ::close(descriptor);
+        const sigset_t set = watchedSignals();
+        ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
+    }
+}
+
+void UnixSignals::readSignals()
+{
+    signalfd_siginfo info = {};
+    while (::read(static_cast<int>(notifier_->socket()), &info, sizeof info) == sizeof info) {
+        if (info.ssi_signo == SIGINT) {
+            Q_EMIT interrupted();
+        } else if (info.ssi_signo == SIGTSTP) {
+            Q_EMIT aboutToBeStopped();
+            ::kill(::getpid(), SIGSTOP);
+            Q_EMIT continued();
+        } else {
+            Q_EMIT terminated();
+        }
+    }
+}
+
+} // namespace tavrix
