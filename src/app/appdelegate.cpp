@@ -48,6 +48,18 @@ appDelegate::~appDelegate()
     }
 }
 
+void appDelegate::setLauncherFactory(LauncherFactory factory)
+{
+    launcherFactory_ = std::move(factory);
+}
+
+taskLauncher* appDelegate::newLauncher()
+{
+    taskLauncher* launcher = launcherFactory_ ? launcherFactory_() : new taskLauncher;
+    launcher->setDelegate(this);
+    return launcher;
+}
+
 void appDelegate::ac_iba_menuQuit()
 {
     if (applicationDelegate != nullptr) {

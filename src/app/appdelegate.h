@@ -7,6 +7,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -94,6 +95,10 @@ public:
     // What the next answer to "keep or replace" is without asking: 1 replace, 0 keep, no value asks. A face that offers
     // the choice beforehand sets it; it is used for every batch.
     void setReplacePolicy(std::optional<int> policy) { replacePolicy_ = policy; }
+
+    // Makes the launchers; each is owned by the controller. An empty function returns to real processes.
+    using LauncherFactory = std::function<taskLauncher*()>;
+    void setLauncherFactory(LauncherFactory factory);
 
 Q_SIGNALS:
     // Observers only: nothing in the controller depends on them.
@@ -198,7 +203,10 @@ private:
     void removeThumbnail(int row);
     [[nodiscard]] static std::optional<FileStamp> stampOf(const QString& path);
 
+    [[nodiscard]] taskLauncher* newLauncher();
+
     ApplicationFace* face_;
+    LauncherFactory launcherFactory_;
     WindowModel model_;
     std::unique_ptr<InstanceLock> instanceLock_;
     std::unique_ptr<InstanceLock> temporaryLock_;

@@ -322,8 +322,7 @@ bool appDelegate::taskLauncherAnalysisStart(const QStringList& arguments)
         logLine(QStringLiteral("forget to release previous task? (analysisTaskClass)"));
     }
     analysisTaskVerboseMStr_ = QStringLiteral("");
-    analysisTaskClass_.reset(new taskLauncher);
-    analysisTaskClass_->setDelegate(this);
+    analysisTaskClass_.reset(newLauncher());
     const int result = analysisTaskClass_->launchTasksWithArguments(arguments);
     if (result == 0) {
         return true;

@@ -267,8 +267,7 @@ bool appDelegate::taskLauncherEncStart_progressMaxValueFloat_parseInt(const QStr
         model_.encTaskProgress.setDoubleValue(0);
         encTaskPreviousTime_ = 0;
     }
-    encTaskClass_.reset(new taskLauncher);
-    encTaskClass_->setDelegate(this);
+    encTaskClass_.reset(newLauncher());
     const int result = encTaskClass_->launchTasksWithArguments(arguments);
     if (result == 0) {
         return true;

@@ -39,12 +39,13 @@ public:
     // Status after terminate(): impossible as a real exit status.
     static constexpr int statusInterrupted = -7654312;
 
+    // Running, controlling and asking are virtual, so that a driver without processes can stand in.
     explicit taskLauncher(QObject* parent = nullptr);
     ~taskLauncher() override;
 
     // 0 on success, 1 for an empty list, 2 for a "|" without a command before it, 3 when a program cannot be found.
     // Elements "|" separate commands; a leading "~" is expanded except in elements that hold "://".
-    int launchTasksWithArguments(const QStringList& arguments);
+    virtual int launchTasksWithArguments(const QStringList& arguments);
 
     void setDelegate(TaskLauncherDelegate* delegate); // not owned
     [[nodiscard]] TaskLauncherDelegate* delegate() const;
@@ -53,15 +54,15 @@ public:
     // The chain's identity: seconds since 1970 at the first request.
     [[nodiscard]] int uid();
 
-    [[nodiscard]] bool isRunning() const;
-    [[nodiscard]] bool isSuspended() const;
+    [[nodiscard]] virtual bool isRunning() const;
+    [[nodiscard]] virtual bool isSuspended() const;
     // Exit status of the last process (the signal's number when a signal ended it, 127 when it could not be started),
     // or statusInterrupted after a kill.
-    [[nodiscard]] int terminationStatus() const;
+    [[nodiscard]] virtual int terminationStatus() const;
 
-    void suspend();
-    void resume();
-    void terminate();
+    virtual void suspend();
+    virtual void resume();
+    virtual void terminate();
 
 private:
     struct Private;
