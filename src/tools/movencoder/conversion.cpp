@@ -151,9 +151,11 @@ private:
 
     bool writeOldest(std::string& error)
     {
-        const CodedPicture coded = pipeline_->take();
+        CodedPicture coded = pipeline_->take();
         if (!coded.error.empty())
             return fail(input_, coded.error, error);
+        if (ended_ && pipeline_->empty())
+            coded.duration = reader_->lastDuration(coded.time, coded.duration);
         std::string reason;
         if (!writer_->writePicture(coded, reason))
             return fail(output_, reason, error);
@@ -168,6 +170,7 @@ private:
 
     bool finish(std::string& error)
     {
+        ended_ = true;
         while (!pipeline_->empty()) {
             if (!writeOldest(error))
                 return false;
@@ -186,6 +189,7 @@ private:
     std::vector<PacketPtr> earlySounds_;
     std::optional<std::int64_t> lastTime_;
     std::optional<std::int64_t> nextTime_;
+    bool ended_ = false;
     Progress progress_;
 };
 

@@ -56,7 +56,7 @@ bool MovieReader::chooseStreams(std::string& error)
         error = "there is no video in it";
         return false;
     }
-    if (std::string_view(container_->iformat->name).find("mov") != std::string_view::npos)
+    if (isMovie())
         indexedPackets_ = avformat_index_get_entries_count(video_);
     return true;
 }
@@ -187,11 +187,23 @@ std::int64_t MovieReader::durationOf(const AVFrame& picture) const
     return std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(rate), video_->time_base));
 }
 
+std::int64_t MovieReader::lastDuration(std::int64_t time, std::int64_t duration) const
+{
+    if (!isMovie() || video_->start_time == AV_NOPTS_VALUE || video_->duration <= 0)
+        return duration;
+    const std::int64_t left = video_->start_time + video_->duration - time;
+    return left > 0 && left <= 3 * duration ? left : duration;
+}
+
+bool MovieReader::isMovie() const
+{
+    return std::string_view(container_->iformat->name).find("mov") != std::string_view::npos;
+}
+
 // A movie has a time line of its own that starts at 0; other containers carry on a recorder's clock.
 std::int64_t MovieReader::start() const
 {
-    const bool movie = std::string_view(container_->iformat->name).find("mov") != std::string_view::npos;
-    return movie || container_->start_time == AV_NOPTS_VALUE ? 0 : container_->start_time;
+    return isMovie() || container_->start_time == AV_NOPTS_VALUE ? 0 : container_->start_time;
 }
 
 std::int64_t MovieReader::duration() const

@@ -44,6 +44,8 @@ public:
     // Time of a picture in the video stream's time base, AV_NOPTS_VALUE when it has none.
     [[nodiscard]] static std::int64_t timeOf(const AVFrame& picture) { return picture.best_effort_timestamp; }
     [[nodiscard]] std::int64_t durationOf(const AVFrame& picture) const;
+    // How long the last picture is shown: to the end that an edited movie names, when that is near its own duration.
+    [[nodiscard]] std::int64_t lastDuration(std::int64_t time, std::int64_t duration) const;
     // Start and length of the movie in the units of AV_TIME_BASE, 0 when unknown.
     [[nodiscard]] std::int64_t start() const;
     [[nodiscard]] std::int64_t duration() const;
@@ -56,6 +58,7 @@ private:
     [[nodiscard]] bool readPacket(std::string& error);
     [[nodiscard]] bool sendPacket(std::string& error);
     [[nodiscard]] bool complete(std::string& error) const;
+    [[nodiscard]] bool isMovie() const;
     [[nodiscard]] bool forgive(int result, std::string& error);
 
     AVFormatContext* container_ = nullptr;

@@ -48,6 +48,53 @@ private:
     aic::Encoder encoder_;
 };
 
+// A ProRes frame header knows few tags and the encoder replaces any other by 0, which reads as RGB. Tags of the same
+// meaning go in their place.
+AVColorSpace proResMatrix(AVColorSpace matrix)
+{
+    switch (matrix) {
+    case AVCOL_SPC_BT709:
+    case AVCOL_SPC_SMPTE170M:
+    case AVCOL_SPC_BT2020_NCL:
+        return matrix;
+    case AVCOL_SPC_BT470BG:
+        return AVCOL_SPC_SMPTE170M;
+    default:
+        return AVCOL_SPC_UNSPECIFIED;
+    }
+}
+
+AVColorTransferCharacteristic proResTransfer(AVColorTransferCharacteristic transfer)
+{
+    switch (transfer) {
+    case AVCOL_TRC_BT709:
+    case AVCOL_TRC_SMPTE2084:
+    case AVCOL_TRC_ARIB_STD_B67:
+        return transfer;
+    case AVCOL_TRC_SMPTE170M:
+    case AVCOL_TRC_BT2020_10:
+    case AVCOL_TRC_BT2020_12:
+        return AVCOL_TRC_BT709;
+    default:
+        return AVCOL_TRC_UNSPECIFIED;
+    }
+}
+
+AVColorPrimaries proResPrimaries(AVColorPrimaries primaries)
+{
+    switch (primaries) {
+    case AVCOL_PRI_BT709:
+    case AVCOL_PRI_BT470BG:
+    case AVCOL_PRI_SMPTE170M:
+    case AVCOL_PRI_BT2020:
+    case AVCOL_PRI_SMPTE431:
+    case AVCOL_PRI_SMPTE432:
+        return primaries;
+    default:
+        return AVCOL_PRI_UNSPECIFIED;
+    }
+}
+
 class ProResEncoder : public PictureEncoder
 {
 public:
@@ -72,9 +119,9 @@ public:
         codec_->profile = settings.profile;
         codec_->time_base = facts.timeBase;
         codec_->sample_aspect_ratio = {facts.fit.pixelAspect.num, facts.fit.pixelAspect.den};
-        codec_->color_primaries = facts.primaries;
-        codec_->color_trc = facts.transfer;
-        codec_->colorspace = facts.matrix;
+        codec_->color_primaries = proResPrimaries(facts.primaries);
+        codec_->color_trc = proResTransfer(facts.transfer);
+        codec_->colorspace = proResMatrix(facts.matrix);
         codec_->color_range = AVCOL_RANGE_MPEG;
         // Pictures go to many encoders at once; threads inside each would only get in one another's way.
         codec_->thread_count = 1;
@@ -107,6 +154,10 @@ public:
             frame_->interlaced_frame = interlaced ? 1 : 0;
             frame_->pict_type = AV_PICTURE_TYPE_NONE;
             frame_->pts = 0;
+            // The encoder takes the tags of its frame header from the picture, which may come from a scaler.
+            frame_->color_primaries = codec_->color_primaries;
+            frame_->color_trc = codec_->color_trc;
+            frame_->colorspace = codec_->colorspace;
             result = avcodec_send_frame(codec_.get(), frame_.get());
         }
         if (result >= 0)
