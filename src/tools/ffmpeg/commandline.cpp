@@ -1,0 +1,131 @@
+#include "tools/ffmpeg/commandline.h"
+
+#include "tools/ffmpeg/optionrules.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace tavrix::front
+{
+
+namespace
+{
+
+class Parser
+{
+public:
+    CommandLine parse(const std::vector<std::string>& words)
+    {
+        for (std::size_t i = 0; i < words.size(); ++i) {
+            const std::string& word = words[i];
+            const bool isOption = word.size() > 1 && word.front() == '-';
+            if (!isOption) {
+                addOutput(word);
+                continue;
+            }
+            const std::string name = word.substr(1);
+            const OptionRule rule = optionRule(name);
+            if (name != "i" && !rule.takesValue) {
+                addOption({name, std::nullopt}, rule.side);
+                continue;
+            }
+            if (i + 1 < words.size()) {
+                addValued(name, words[++i], rule.side);
+                continue;
+            }
+            // A last word that only looks like an option is the output's name.
+            if (name == "i" || isKnownOption(name))
+                m_line.missingValueFor = name;
+            else
+                addOutput(word);
+        }
+        return std::move(m_line);
+    }
+
+private:
+    void addValued(const std::string& name, const std::string& value, OptionSide side)
+    {
+        if (name == "i")
+            addInput(value);
+        else
+            addOption({name, value}, side);
+    }
+
+    void addOption(Option option, OptionSide side)
+    {
+        switch (side) {
+        case OptionSide::Report:
+            m_line.reportOnly = true;
+            break;
+        case OptionSide::Global:
+            addGlobal(std::move(option));
+            break;
+        case OptionSide::Output:
+        case OptionSide::Shape:
+        case OptionSide::Following:
+            m_line.timestampDebug = m_line.timestampDebug || option.name == "fdebug";
+            m_pending.push_back(std::move(option));
+            break;
+        }
+    }
+
+    void addGlobal(Option option)
+    {
+        if (option.name == "y")
+            m_line.overwrite = true;
+        else if (option.name == "n")
+            m_line.neverOverwrite = true;
+        else if (option.name == "v" || option.name == "loglevel")
+            m_line.verbosity = option.name == "v" ? std::atoi(option.value->c_str()) : m_line.verbosity;
+        else if (!concernsTranscript(option.name))
+            m_line.globals.push_back(std::move(option));
+    }
+
+    // The transcript has to appear whatever these say, and nobody answers on standard input.
+    static bool concernsTranscript(const std::string& name)
+    {
+        return name == "stats" || name == "nostats" || name == "hide_banner" || name == "stdin" || name == "nostdin";
+    }
+
+    void addInput(const std::string& name)
+    {
+        FileEntry input{name, {}};
+        std::vector<Option> forOutput;
+        const bool formatGiven = hasOption(m_pending, "f");
+        for (Option& option : m_pending) {
+            const OptionSide side = optionRule(option.name).side;
+            if (side == OptionSide::Output)
+                forOutput.push_back(std::move(option));
+            else if (side == OptionSide::Following || (formatGiven && option.name != "aspect"))
+                input.options.push_back(std::move(option));
+        }
+        m_pending = std::move(forOutput);
+        m_line.inputs.push_back(std::move(input));
+    }
+
+    void addOutput(const std::string& name) { m_line.outputs.push_back({name, std::exchange(m_pending, {})}); }
+
+    CommandLine m_line;
+    std::vector<Option> m_pending; // waiting for their file
+};
+
+} // namespace
+
+CommandLine parseCommandLine(const std::vector<std::string>& words)
+{
+    return Parser().parse(words);
+}
+
+std::optional<std::string> optionValue(const std::vector<Option>& options, const std::string& name)
+{
+    const auto found = std::find_if(options.rbegin(), options.rend(), [&](const Option& o) { return o.name == name; });
+    return found == options.rend() ? std::nullopt : found->value;
+}
+
+bool hasOption(const std::vector<Option>& options, const std::string& name)
+{
+    return std::ranges::any_of(options, [&](const Option& option) { return option.name == name; });
+}
+
+} // namespace tavrix::front

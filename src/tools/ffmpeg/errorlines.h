@@ -1,0 +1,40 @@
+// Failures, in the words of the old build and as facts.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavrix::front
+{
+
+/// The old words for the reason why an input could not be opened or read ("Invalid data found when processing input"
+/// was "Unknown format"); nothing for a text that names no such reason.
+[[nodiscard]] std::optional<std::string> classicOpenFailure(std::string_view reason);
+
+/// "[in#0 @ 0x55] Error opening input: <reason>" of later versions: the input's number and the reason.
+struct OpenFailure {
+    std::size_t input = 0;
+    std::string reason;
+};
+[[nodiscard]] std::optional<OpenFailure> laterOpenFailure(std::string_view line);
+
+/// Lines that only repeat a failure already told in the old words.
+[[nodiscard]] bool repeatsOpenFailure(std::string_view line);
+
+/// The option that the installed ffmpeg does not know; nothing for other lines.
+[[nodiscard]] std::optional<std::string> refusedOption(std::string_view line);
+
+/// Whether the line says that the bitstream filter h264_mp4toannexb cannot take the stream.
+[[nodiscard]] bool refusesAnnexB(std::string_view line);
+
+/// Whether the line tells that the output is damaged, which ffmpeg may follow with status 0.
+[[nodiscard]] bool tellsWriteFailure(std::string_view line);
+
+/// Whether the line tells that no frame went into the output, which is status 0 as well.
+[[nodiscard]] bool tellsNothingEncoded(std::string_view line);
+
+/// The number of the stream whose parameters were not found; nothing for other lines.
+[[nodiscard]] std::optional<int> streamWithoutParameters(std::string_view line);
+
+} // namespace tavrix::front

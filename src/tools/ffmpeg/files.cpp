@@ -1,0 +1,230 @@
+#include "tools/ffmpeg/files.h"
+
+#include "tools/common/descriptors.h"
+#include "tools/ffmpeg/errorlines.h"
+#include "tools/ffmpeg/muxers.h"
+#include "tools/ffmpeg/optionrules.h"
+#include "tools/ffmpeg/textpieces.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tavrix::front
+{
+
+namespace
+{
+
+// ffmpeg cuts its messages, and loses their line end, at a thousand bytes.
+constexpr std::size_t longestPrintedName = 512;
+
+/// "-", "pipe:" and "pipe:1"; everything else is the name of a file.
+bool isPipe(const std::string& name)
+{
+    if (name == "-")
+        return true;
+    return name.starts_with("pipe:") && name.find_first_not_of("0123456789", 5) == std::string::npos;
+}
+
+bool isStandardInput(const std::string& name)
+{
+    return name == "-" || name == "pipe:" || name == "pipe:0";
+}
+
+/// Formats whose "file" is a device or a description.
+bool readsNoFile(const FileEntry& input)
+{
+    constexpr std::array<std::string_view, 12> formats = {"lavfi", "alsa",   "pulse", "x11grab", "v4l2", "video4linux2",
+                                                          "oss",   "openal", "fbdev", "kmsgrab", "jack", "sndio"};
+    const auto format = optionValue(input.options, "f");
+    return format && std::ranges::find(formats, *format) != formats.end();
+}
+
+bool hasControlCharacter(const std::string& name)
+{
+    return std::ranges::any_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; });
+}
+
+bool isSameFile(const struct stat& a, const struct stat& b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+std::string descriptorUrl(int fd)
+{
+    return "file:/proc/self/fd/" + std::to_string(fd);
+}
+
+bool wantsOneFrame(const FileEntry& output)
+{
+    return std::ranges::any_of(output.options, [](const Option& option) {
+        return optionRule(option.name).modernName.starts_with("frames") && option.value == "1";
+    });
+}
+
+std::vector<std::string> muxerFor(const FileEntry& output, bool& guessed)
+{
+    const auto format = optionValue(output.options, "f");
+    guessed = !format;
+    if (!format)
+        return muxerArguments(output.name);
+    return formatArguments(*format);
+}
+
+} // namespace
+
+RunFiles::~RunFiles()
+{
+    for (const int fd : m_openDescriptors)
+        close(fd);
+}
+
+bool RunFiles::open(const CommandLine& line, std::string& error)
+{
+    for (const FileEntry& input : line.inputs) {
+        if (!openInput(input, error))
+            return false;
+    }
+    for (const FileEntry& output : line.outputs) {
+        if (!openOutput(output, line, error))
+            return false;
+    }
+    return true;
+}
+
+bool RunFiles::openInput(const FileEntry& input, std::string& error)
+{
+    const std::string shown = onOneLine(input.name);
+    std::string url = "file:" + input.name;
+    m_readsStandardInput = m_readsStandardInput || isStandardInput(input.name);
+    if (isPipe(input.name) || readsNoFile(input)) {
+        url = input.name;
+    } else if (hasControlCharacter(input.name)) {
+        // Such a name would break the lines of the transcript.
+        const int fd = aboveStandardStreams(::open(input.name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+        if (fd < 0) {
+            const std::string reason = errorText(errno);
+            error = shown + ": " + classicOpenFailure(reason).value_or("Error while opening file (" + reason + ')');
+            return false;
+        }
+        m_openDescriptors.push_back(fd);
+        url = descriptorUrl(fd);
+    } else if (input.name.size() > longestPrintedName) {
+        const auto slash = input.name.rfind('/');
+        const std::string folder = slash == std::string::npos ? "." : input.name.substr(0, slash + 1);
+        const int fd = aboveStandardStreams(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        if (fd >= 0) {
+            m_openDescriptors.push_back(fd);
+            url = descriptorUrl(fd) + '/' + input.name.substr(slash == std::string::npos ? 0 : slash + 1);
+        }
+    }
+    m_urls.inputs.push_back(url);
+    m_inputNames.push_back({url, shown});
+    return true;
+}
+
+bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std::string& error)
+{
+    bool guessed = false;
+    std::vector<std::string> muxer = muxerFor(output, guessed);
+    const std::string shown = onOneLine(output.name);
+    m_outputNames.push_back({output.name, shown});
+    if (isPipe(output.name)) {
+        passOutput(output.name, guessed ? std::vector<std::string>() : muxer);
+        return true;
+    }
+    struct stat info = {};
+    const bool exists = stat(output.name.c_str(), &info) == 0;
+    if (exists && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode)) {
+        passOutput("file:" + output.name, std::move(muxer));
+        return true;
+    }
+    if (isPictureSequence(output.name) && !wantsOneFrame(output)) {
+        passOutput("file:" + output.name,
+                   guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"});
+        return true;
+    }
+    for (const FileEntry& input : line.inputs) {
+        struct stat inputInfo = {};
+        if (exists && stat(input.name.c_str(), &inputInfo) == 0 && isSameFile(info, inputInfo)) {
+            error = "Output file '" + shown + "' is also an input - exiting";
+            return false;
+        }
+    }
+    if (exists && (!line.overwrite || line.neverOverwrite)) {
+        error = "File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting";
+        return false;
+    }
+    return openFile(output, std::move(muxer), error);
+}
+
+bool RunFiles::openFile(const FileEntry& output, std::vector<std::string> muxer, std::string& error)
+{
+    // A name that says nothing to this tool may say something to ffmpeg, if it can see the extension.
+    const auto style = muxer.empty() ? SafeOutput::Style::Hidden : SafeOutput::Style::Anonymous;
+    std::string reason;
+    auto file = SafeOutput::open(output.name, reason, style);
+    if (!file) {
+        error = m_outputNames.back().shown + ": " + reason;
+        return false;
+    }
+    const std::string url = "file:" + file->path();
+    m_outputNames.back().url = url;
+    m_outputs.push_back({std::move(file), isScratchFormat(muxer)});
+    m_urls.outputs.push_back({url, std::move(muxer)});
+    return true;
+}
+
+void RunFiles::passOutput(const std::string& url, std::vector<std::string> muxer)
+{
+    m_outputNames.back().url = url;
+    m_outputs.push_back({std::nullopt, false});
+    m_urls.outputs.push_back({url, std::move(muxer)});
+}
+
+TranscriptNames RunFiles::names() const
+{
+    return {m_inputNames, m_outputNames};
+}
+
+std::vector<int> RunFiles::inheritedDescriptors() const
+{
+    std::vector<int> descriptors = m_openDescriptors;
+    for (const Output& output : m_outputs) {
+        if (output.file)
+            descriptors.push_back(output.file->fd());
+    }
+    return descriptors;
+}
+
+std::optional<std::string> RunFiles::emptyOutput() const
+{
+    for (std::size_t i = 0; i < m_outputs.size(); ++i) {
+        if (m_outputs[i].file && m_outputs[i].file->size() <= 0)
+            return m_outputNames[i].shown;
+    }
+    return std::nullopt;
+}
+
+bool RunFiles::publish(std::string& error)
+{
+    for (std::size_t i = 0; i < m_outputs.size(); ++i) {
+        if (!m_outputs[i].file)
+            continue;
+        const auto durability =
+            m_outputs[i].scratch ? SafeOutput::Durability::Unsynced : SafeOutput::Durability::Synced;
+        std::string reason;
+        if (!m_outputs[i].file->commit(reason, durability)) {
+            error = m_outputNames[i].shown + ": " + reason;
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace tavrix::front

@@ -1,0 +1,57 @@
+// The files of a run: how the installed ffmpeg reaches them, and what becomes of the outputs.
+#pragma once
+
+#include "tools/common/safeoutput.h"
+#include "tools/ffmpeg/arguments.h"
+#include "tools/ffmpeg/commandline.h"
+#include "tools/ffmpeg/transcript.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tavrix::front
+{
+
+/// Opens what has to be open for a run and publishes the outputs after it. A failure is told in one line.
+class RunFiles
+{
+public:
+    RunFiles() = default;
+    RunFiles(const RunFiles&) = delete;
+    RunFiles& operator=(const RunFiles&) = delete;
+    ~RunFiles();
+
+    /// False, with the line to print in `error`, when a file cannot be used; nothing has been touched then.
+    [[nodiscard]] bool open(const CommandLine& line, std::string& error);
+
+    [[nodiscard]] const FileUrls& urls() const { return m_urls; }
+    [[nodiscard]] TranscriptNames names() const;
+    [[nodiscard]] std::vector<int> inheritedDescriptors() const;
+    [[nodiscard]] bool readsStandardInput() const { return m_readsStandardInput; }
+
+    /// The name of the first output that holds not a byte; nothing when all have some.
+    [[nodiscard]] std::optional<std::string> emptyOutput() const;
+    /// Puts the outputs under their names. False, with the line to print, at the first that cannot be.
+    [[nodiscard]] bool publish(std::string& error);
+
+private:
+    struct Output {
+        std::optional<SafeOutput> file; // nothing: written to directly
+        bool scratch = false;
+    };
+
+    [[nodiscard]] bool openInput(const FileEntry& input, std::string& error);
+    [[nodiscard]] bool openOutput(const FileEntry& output, const CommandLine& line, std::string& error);
+    [[nodiscard]] bool openFile(const FileEntry& output, std::vector<std::string> muxer, std::string& error);
+    void passOutput(const std::string& url, std::vector<std::string> muxer);
+
+    FileUrls m_urls;
+    std::vector<FileName> m_inputNames;
+    std::vector<FileName> m_outputNames;
+    std::vector<int> m_openDescriptors;
+    std::vector<Output> m_outputs;
+    bool m_readsStandardInput = false;
+};
+
+} // namespace tavrix::front

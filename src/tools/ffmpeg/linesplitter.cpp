@@ -1,0 +1,48 @@
+#include "tools/ffmpeg/linesplitter.h"
+
+#include <algorithm>
+
+namespace tavrix::front
+{
+
+void LineSplitter::feed(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const auto end = bytes.find_first_of("\r\n");
+        if (end == std::string_view::npos) {
+            m_unfinished += bytes;
+            return;
+        }
+        if (m_unfinished.empty()) {
+            m_receiver(bytes.substr(0, end), bytes[end]);
+        } else {
+            m_unfinished += bytes.substr(0, end);
+            m_receiver(std::exchange(m_unfinished, {}), bytes[end]);
+        }
+        bytes.remove_prefix(end + 1);
+    }
+}
+
+void LineSplitter::finish()
+{
+    if (!m_unfinished.empty())
+        m_receiver(std::exchange(m_unfinished, {}), '\n');
+}
+
+std::vector<std::string_view> writablePieces(std::string_view text, std::size_t limit)
+{
+    std::vector<std::string_view> pieces;
+    while (!text.empty()) {
+        std::size_t length = std::min(limit, text.size());
+        const auto continues = [&](std::size_t i) {
+            return (static_cast<unsigned char>(text[i]) & 0xc0) == 0x80;
+        };
+        while (length < text.size() && length + 3 > limit && length > 1 && continues(length))
+            --length;
+        pieces.push_back(text.substr(0, length));
+        text.remove_prefix(length);
+    }
+    return pieces;
+}
+
+} // namespace tavrix::front

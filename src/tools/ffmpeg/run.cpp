@@ -1,0 +1,250 @@
+#include "tools/ffmpeg/run.h"
+
+#include "tools/common/childprocess.h"
+#include "tools/common/descriptors.h"
+#include "tools/ffmpeg/arguments.h"
+#include "tools/ffmpeg/banner.h"
+#include "tools/ffmpeg/files.h"
+#include "tools/ffmpeg/linesplitter.h"
+#include "tools/ffmpeg/locate.h"
+#include "tools/ffmpeg/transcript.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <optional>
+#include <unistd.h>
+#include <utility>
+
+namespace tavrix::front
+{
+
+namespace
+{
+
+constexpr std::size_t atomicWrite = 4096; // PIPE_BUF
+constexpr int notInstalled = 127;
+// The files of this tool that already stand in the chain: two copies in PATH would start each other for ever.
+constexpr const char* chainVariable = "TAVRIX_FFMPEG_FRONT";
+
+/// Errors are not looked at: a caller that reads no messages is none of the encode's business.
+void print(const std::string& text, char end = '\n')
+{
+    std::string line = text;
+    line += end;
+    for (const std::string_view piece : writablePieces(line, atomicWrite)) {
+        if (!writeAll(STDERR_FILENO, piece))
+            return;
+    }
+}
+
+/// Prints lines, or keeps them while another start of ffmpeg may still replace them.
+class Printer
+{
+public:
+    void add(const std::vector<TranscriptLine>& lines)
+    {
+        for (const TranscriptLine& line : lines) {
+            if (m_holding)
+                m_held.push_back(line);
+            else
+                print(line.text, line.end);
+        }
+    }
+    void hold() { m_holding = true; }
+    void drop() { m_held.clear(); }
+    void release()
+    {
+        m_holding = false;
+        add(std::exchange(m_held, {}));
+    }
+
+private:
+    std::vector<TranscriptLine> m_held;
+    bool m_holding = false;
+};
+
+struct Attempt {
+    std::optional<ChildEnd> end;
+    Findings findings;
+    std::string error;
+};
+
+class Run
+{
+public:
+    Run(std::string program, std::string self, std::string chain, CommandLine line)
+        : m_program(std::move(program)), m_self(std::move(self)), m_chain(std::move(chain)), m_line(std::move(line))
+    {
+    }
+
+    int execute()
+    {
+        std::string error;
+        if (!m_files.open(m_line, error)) {
+            print(classicBanner());
+            print(error);
+            return 1;
+        }
+        watchForInterruption();
+        Attempt attempt = once({});
+        const Dialect next = dialectAfter(attempt.findings);
+        if (next != Dialect() && interruptingSignal() == 0)
+            attempt = once(next);
+        return conclude(attempt);
+    }
+
+private:
+    [[nodiscard]] static Dialect dialectAfter(const Findings& findings)
+    {
+        Dialect next = dialectAfterRefusal({}, findings.refusedOption, findings.version);
+        next.annexBFilter = !findings.annexBRefused;
+        return next;
+    }
+
+    [[nodiscard]] ChildRequest request(const Dialect& dialect) const
+    {
+        ChildRequest request;
+        request.program = m_program;
+        request.arguments = modernArguments(m_line, m_files.urls(), dialect);
+        request.arguments.insert(request.arguments.begin(), m_self);
+        request.environment = {{"LC_ALL", "C"}, {"AV_LOG_FORCE_NOCOLOR", "1"}, {chainVariable, m_chain}};
+        request.removedVariables = {"AV_LOG_FORCE_COLOR", "AV_LOG_FORCE_256COLOR", "FFREPORT"};
+        request.inheritedDescriptors = m_files.inheritedDescriptors();
+        request.readsStandardInput = m_files.readsStandardInput();
+        return request;
+    }
+
+    /// Lines that would contradict those of a second start are kept back until it is clear that there is none.
+    [[nodiscard]] bool isSettled(const Findings& findings) const
+    {
+        return mayRefuseAnnexB(m_line) ? findings.outputDescribed : findings.inputDescribed;
+    }
+
+    Attempt once(const Dialect& dialect)
+    {
+        Attempt attempt;
+        Transcript transcript(m_files.names(), levelsAreMarked(m_line));
+        Printer printer;
+        printer.hold();
+        const bool first = dialect == Dialect();
+        LineSplitter splitter([&](std::string_view line, char end) {
+            printer.add(transcript.translate(line, end));
+            const Findings& findings = transcript.findings();
+            if (first && dialectAfter(findings) != dialect)
+                killChild();
+            else if (!first || isSettled(findings))
+                printer.release();
+        });
+        attempt.end = runChild(
+            request(dialect), [&](std::string_view bytes) { splitter.feed(bytes); }, attempt.error);
+        splitter.finish();
+        printer.add(transcript.finish(!attempt.end || attempt.end->bySignal ? 1 : attempt.end->code));
+        attempt.findings = transcript.findings();
+        const bool repeated = first && dialectAfter(attempt.findings) != dialect && interruptingSignal() == 0;
+        if (repeated)
+            printer.drop();
+        printer.release();
+        return attempt;
+    }
+
+    int conclude(const Attempt& attempt)
+    {
+        if (interruptingSignal() != 0)
+            return 128 + interruptingSignal();
+        if (!attempt.end) {
+            print(m_program + ": " + attempt.error);
+            return notInstalled;
+        }
+        if (attempt.end->bySignal)
+            return 128 + attempt.end->code;
+        if (attempt.end->code != 0)
+            return attempt.end->code;
+        std::string error = unpublishable(attempt.findings);
+        if (error.empty() && m_files.publish(error))
+            return 0;
+        print(error);
+        return 1;
+    }
+
+    /// Why an output must not be published although ffmpeg ended with status 0; empty when it may be.
+    [[nodiscard]] std::string unpublishable(const Findings& findings) const
+    {
+        if (m_line.outputs.empty())
+            return {};
+        if (!findings.writeFailure.empty())
+            return "Output incomplete, discarded: " + findings.writeFailure;
+        const auto empty = m_files.emptyOutput();
+        if (empty)
+            return *empty + ": nothing was written";
+        if (findings.nothingEncoded && !m_files.inheritedDescriptors().empty())
+            return "Output without content, discarded";
+        return {};
+    }
+
+    std::string m_program;
+    std::string m_self;
+    std::string m_chain;
+    CommandLine m_line;
+    RunFiles m_files;
+};
+
+/// Becomes the installed ffmpeg, for what needs no bridge.
+int becomeInstalled(const std::string& program, const std::string& self, const std::vector<std::string>& words)
+{
+    std::vector<char*> arguments = {const_cast<char*>(self.c_str())};
+    for (const std::string& word : words)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    execv(program.c_str(), arguments.data());
+    print(program + ": " + errorText(errno));
+    return notInstalled;
+}
+
+std::string wrongUsage(const CommandLine& line)
+{
+    if (!line.missingValueFor.empty())
+        return "ffmpeg: missing argument for option '-" + line.missingValueFor + "'";
+    if (line.inputs.empty())
+        return line.outputs.empty() ? "At least one output file must be specified"
+                                    : "At least one input file must be specified";
+    return {};
+}
+
+} // namespace
+
+int runTool(const std::string& startedAs, const std::vector<std::string>& words)
+{
+    if (words.empty()) {
+        for (const std::string& line : usageLines())
+            print(line);
+        return 1;
+    }
+    if (words.front() == "--help") {
+        return writeAll(STDOUT_FILENO, helpText()) ? 0 : 1;
+    }
+    const std::string self = ownPath(startedAs);
+    const char* const path = std::getenv("PATH");
+    const char* const before = std::getenv(chainVariable);
+    const std::string ownIdentity = fileIdentity("/proc/self/exe");
+    const std::string chain = before == nullptr ? ownIdentity : ownIdentity + ' ' + before;
+    const auto program = installedFfmpeg(path == nullptr ? "" : path, chain);
+    if (!program || ownIdentity.empty()) {
+        print(classicBanner());
+        print("ffmpeg: no installed ffmpeg was found in PATH, /usr/bin or /usr/local/bin");
+        return notInstalled;
+    }
+    CommandLine line = parseCommandLine(words);
+    if (line.reportOnly || before != nullptr) {
+        setenv(chainVariable, chain.c_str(), 1);
+        return becomeInstalled(*program, self, words);
+    }
+    const std::string error = wrongUsage(line);
+    if (!error.empty()) {
+        print(classicBanner());
+        print(error);
+        return 1;
+    }
+    return Run(*program, self, chain, std::move(line)).execute();
+}
+
+} // namespace tavrix::front

@@ -1,0 +1,239 @@
+#include "tools/ffmpeg/transcript.h"
+
+#include "tools/ffmpeg/banner.h"
+#include "tools/ffmpeg/errorlines.h"
+#include "tools/ffmpeg/metadatalines.h"
+#include "tools/ffmpeg/progresslines.h"
+#include "tools/ffmpeg/streamlines.h"
+#include "tools/ffmpeg/textpieces.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace tavrix::front
+{
+
+namespace
+{
+
+bool contains(std::string_view text, std::string_view part)
+{
+    return text.find(part) != std::string_view::npos;
+}
+
+/// A name counts only as a whole: "/proc/self/fd/5" does not stand in "/proc/self/fd/51".
+std::string replacedName(const std::string& line, const std::string& url, const std::string& shown)
+{
+    std::string result;
+    std::size_t begin = 0;
+    for (auto at = line.find(url); at != std::string::npos; at = line.find(url, at + 1)) {
+        const auto end = at + url.size();
+        const bool whole = end == line.size() || std::isdigit(static_cast<unsigned char>(line[end])) == 0 ||
+                           std::isdigit(static_cast<unsigned char>(url.back())) == 0;
+        if (at < begin || !whole)
+            continue;
+        result += line.substr(begin, at - begin) + shown;
+        begin = end;
+    }
+    return result + line.substr(begin);
+}
+
+/// The names in today's lines of timestamp debugging lost their first part.
+std::string classicPacketLine(std::string line)
+{
+    for (const std::string_view name : {"read_frame_internal stream=", "ff_read_packet stream="}) {
+        const auto at = line.find(name);
+        if (at == std::string::npos || (at >= 3 && line.compare(at - 3, 3, "av_") == 0))
+            continue;
+        const bool hasOtherPrefix = name.starts_with("ff_");
+        line.replace(at, hasOtherPrefix ? 3 : 0, "av_");
+    }
+    return line;
+}
+
+/// Remarks on the words that this tool itself chose for an option.
+bool concernsOwnSpelling(std::string_view line)
+{
+    return contains(line, "-vsync is deprecated") || contains(line, "Use -fps_mode") ||
+           contains(line, "Press [q] to stop");
+}
+
+} // namespace
+
+Transcript::Transcript(TranscriptNames names, bool levelsMarked)
+    : m_names(std::move(names)), m_levelsMarked(levelsMarked)
+{
+}
+
+std::vector<TranscriptLine> Transcript::translate(std::string_view rawLine, char end)
+{
+    std::vector<TranscriptLine> lines;
+    std::string line(rawLine);
+    if (m_levelsMarked && !stripLevel(line))
+        return lines;
+    if (const auto version = installedVersion(line)) {
+        m_findings.version = *version;
+        return {{classicBanner(), '\n'}, {"  on top of ffmpeg " + *version, '\n'}};
+    }
+    std::string classic;
+    if (translateFailure(line, classic)) {
+        if (!classic.empty())
+            lines.push_back({validUtf8(classic), end});
+        return lines;
+    }
+    line = withShownNames(line);
+    if (concernsOwnSpelling(line))
+        return lines;
+    note(line);
+    trackSection(line);
+    if (m_section == Section::Mapping) {
+        m_mapping.push_back(validUtf8(translateOther(line)));
+        return lines;
+    }
+    if (m_findings.outputDescribed && !line.starts_with(' ') && !line.starts_with("Output #"))
+        releaseMapping(lines);
+    lines.push_back({validUtf8(translateOther(line)), end});
+    return lines;
+}
+
+std::vector<TranscriptLine> Transcript::finish(int status)
+{
+    std::vector<TranscriptLine> lines;
+    releaseMapping(lines);
+    const bool onlyInput = m_names.inputs.size() == 1 && m_findings.inputDescribed && !m_failureTold;
+    const bool allWithoutParameters =
+        std::ranges::all_of(m_describedStreams, [&](int stream) { return m_withoutParameters.contains(stream); });
+    if (status != 0 && onlyInput && allWithoutParameters)
+        lines.push_back({validUtf8(m_names.inputs.front().shown) + ": could not find codec parameters", '\n'});
+    return lines;
+}
+
+/// Takes "[info] " off; false for lines that only the library's debug level prints.
+bool Transcript::stripLevel(std::string& line) const
+{
+    struct Level {
+        std::string_view mark;
+        bool printed;
+    };
+    constexpr std::array levels = {
+        Level{"[info] ", true},  Level{"[warning] ", true},  Level{"[error] ", true},  Level{"[fatal] ", true},
+        Level{"[panic] ", true}, Level{"[verbose] ", false}, Level{"[debug] ", false}, Level{"[trace] ", false},
+    };
+    // The mark stands at the start, or behind the component: "[mpegts @ 0x55] [debug] ".
+    const auto component = line.starts_with('[') && contains(line, " @ ") ? line.find("] [") : std::string::npos;
+    const std::size_t at = component == std::string::npos ? 0 : component + 2;
+    for (const Level& level : levels) {
+        if (line.compare(at, level.mark.size(), level.mark) != 0)
+            continue;
+        line.erase(at, level.mark.size());
+        return level.printed || contains(line, "timestamp discontinuity") || contains(line, "***");
+    }
+    return true;
+}
+
+std::string Transcript::withShownNames(std::string line) const
+{
+    for (const auto* files : {&m_names.outputs, &m_names.inputs}) {
+        for (const FileName& file : *files) {
+            line = replacedName(line, file.url, file.shown);
+            // Some messages leave the protocol out.
+            constexpr std::string_view descriptor = "file:/proc/self/fd/";
+            if (file.url.starts_with(descriptor))
+                line = replacedName(line, file.url.substr(5), file.shown);
+        }
+    }
+    return line;
+}
+
+void Transcript::note(const std::string& line)
+{
+    if (const auto option = refusedOption(line))
+        m_findings.refusedOption = *option;
+    m_findings.annexBRefused = m_findings.annexBRefused || refusesAnnexB(line);
+    m_findings.nothingEncoded = m_findings.nothingEncoded || tellsNothingEncoded(line);
+    if (m_findings.writeFailure.empty() && tellsWriteFailure(line))
+        m_findings.writeFailure = line;
+    if (const auto stream = streamWithoutParameters(line))
+        m_withoutParameters.insert(*stream);
+}
+
+void Transcript::trackSection(const std::string& line)
+{
+    if (line.starts_with("Input #")) {
+        m_section = Section::Input;
+        m_findings.inputDescribed = true;
+        const auto names = line.find(", ");
+        const auto end = line.find(", from '");
+        if (names != std::string::npos && end != std::string::npos && names < end)
+            m_showsIdentifiers = formatShowsIdentifiers(line.substr(names + 2, end - names - 2));
+    } else if (line.starts_with("Output #")) {
+        m_section = Section::Output;
+        m_findings.outputDescribed = true;
+    } else if (line == "Stream mapping:") {
+        m_section = Section::Mapping;
+    } else if (m_section == Section::Mapping ? !line.starts_with(' ') : isProgressLine(line)) {
+        m_section = Section::None;
+    }
+    if (m_section == Section::Input && line.starts_with(' ')) {
+        if (const auto stream = describedStream(line))
+            m_describedStreams.insert(*stream);
+    }
+}
+
+/// The failure of an input, which was told in other words; `classic` stays empty when nothing is to be printed.
+bool Transcript::translateFailure(const std::string& line, std::string& classic)
+{
+    if (repeatsOpenFailure(line))
+        return m_failureTold;
+    std::size_t input = 0;
+    std::optional<std::string> reason;
+    if (const auto later = laterOpenFailure(line)) {
+        input = later->input;
+        reason = classicOpenFailure(later->reason).value_or("Error while opening file (" + later->reason + ')');
+    } else {
+        for (; input < m_names.inputs.size() && !reason; ++input) {
+            const std::string head = m_names.inputs[input].url + ": ";
+            if (line.starts_with(head))
+                reason = classicOpenFailure(std::string_view(line).substr(head.size()));
+            if (reason)
+                break;
+        }
+    }
+    if (!reason || input >= m_names.inputs.size())
+        return false;
+    m_failureTold = true;
+    classic = m_names.inputs[input].shown + ": " + *reason;
+    return true;
+}
+
+std::string Transcript::translateOther(const std::string& line)
+{
+    if (const auto progress = classicProgressLine(line, m_knownTime))
+        return *progress;
+    if (const auto summary = classicSummaryLine(line))
+        return *summary;
+    if (m_section == Section::Input || m_section == Section::Output) {
+        const StreamLineContext context{m_section == Section::Output, m_showsIdentifiers};
+        if (const auto stream = classicStreamLine(line, context))
+            return *stream;
+        if (isMetadataLine(line))
+            return withDottedNumbers(defusedMetadataLine(line));
+    }
+    if (m_section == Section::Mapping && line.starts_with("  "))
+        return withDottedNumbers(withoutParentheses(line));
+    return classicPacketLine(withDottedNumbers(line));
+}
+
+void Transcript::releaseMapping(std::vector<TranscriptLine>& lines)
+{
+    if (m_mapping.empty())
+        return;
+    for (std::string& line : m_mapping)
+        lines.push_back({std::move(line), '\n'});
+    m_mapping.clear();
+    if (m_findings.outputDescribed)
+        lines.push_back({"Press [q] to stop encoding", '\n'});
+}
+
+} // namespace tavrix::front

@@ -1,0 +1,80 @@
+// What ffmpeg prints, in the words of the old build.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrix::front
+{
+
+/// A file as the installed ffmpeg names it, and as the caller does.
+struct FileName {
+    std::string url;   ///< "file:/proc/self/fd/5"
+    std::string shown; ///< "/home/me/clip.mp4"
+};
+
+struct TranscriptNames {
+    std::vector<FileName> inputs;
+    std::vector<FileName> outputs;
+};
+
+struct TranscriptLine {
+    std::string text;
+    char end = '\n';
+
+    bool operator==(const TranscriptLine&) const = default;
+};
+
+/// What the lines seen so far mean for the run.
+struct Findings {
+    std::string version;          ///< of the installed ffmpeg
+    std::string refusedOption;    ///< an option it does not know
+    bool annexBRefused = false;   ///< the stream is not H.264
+    bool inputDescribed = false;  ///< an input was opened
+    bool outputDescribed = false; ///< an output was opened
+    std::string writeFailure;     ///< the line that tells of a damaged output
+    bool nothingEncoded = false;
+};
+
+/// Translates line by line, without waiting for more: only the stream mapping is held back until the output has been
+/// described, where it used to stand.
+class Transcript
+{
+public:
+    /// `levelsMarked`: lines carry "[info] " and the like, and those of the library's debug level are left out.
+    Transcript(TranscriptNames names, bool levelsMarked);
+
+    /// The lines to print for one line of ffmpeg.
+    [[nodiscard]] std::vector<TranscriptLine> translate(std::string_view line, char end);
+    /// The lines to print after the last one, when ffmpeg has ended with `status`.
+    [[nodiscard]] std::vector<TranscriptLine> finish(int status);
+
+    [[nodiscard]] const Findings& findings() const { return m_findings; }
+
+private:
+    enum class Section { None, Input, Mapping, Output };
+
+    [[nodiscard]] bool stripLevel(std::string& line) const;
+    [[nodiscard]] std::string withShownNames(std::string line) const;
+    void note(const std::string& line);
+    void trackSection(const std::string& line);
+    [[nodiscard]] bool translateFailure(const std::string& line, std::string& classic);
+    [[nodiscard]] std::string translateOther(const std::string& line);
+    void releaseMapping(std::vector<TranscriptLine>& lines);
+
+    TranscriptNames m_names;
+    bool m_levelsMarked;
+    Findings m_findings;
+    Section m_section = Section::None;
+    bool m_showsIdentifiers = false;
+    std::vector<std::string> m_mapping;
+    std::set<int> m_describedStreams;
+    std::set<int> m_withoutParameters;
+    bool m_failureTold = false;
+    double m_knownTime = 0;
+};
+
+} // namespace tavrix::front
