@@ -1,0 +1,291 @@
+#include "quicktime/avmovie.h"
+
+#include "base/log.h"
+#include "base/paths.h"
+#include "quicktime/avremux.h"
+#include "quicktime/componentregistry.h"
+#include "quicktime/moviefilewriter.h"
+#include "quicktime/readdescriptor.h"
+#include "quicktime/waveexport.h"
+
+#include <QTemporaryFile>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr quint32 trackEnabled = 1;
+
+bool isPictureType(const QString& mediaType, quint32 wanted)
+{
+    if (mediaType == QLatin1String("vide"))
+        return true;
+    return wanted == fourCharCode("eyes") && (mediaType == QLatin1String("MPEG") ||
+                                              mediaType == QLatin1String("flsh") || mediaType == QLatin1String("movi"));
+}
+
+MediaSize sizeOf(const DisplayBox& box)
+{
+    return {box.right - box.left, box.bottom - box.top};
+}
+
+QVariant sizeValue(const MediaSize& size)
+{
+    return QVariantList{size.width, size.height};
+}
+
+} // namespace
+
+AvMovie::AvMovie(const std::shared_ptr<MovieSource>& source) : state_(std::make_shared<MovieState>())
+{
+    state_->source = source;
+    state_->timeline = EditTimeline(source->duration, source->timeScale);
+    for (std::size_t index = 0; index < source->tracks.size(); ++index)
+        tracks_.push_back(std::make_shared<AvTrack>(state_, index));
+}
+
+QString AvMovie::path() const
+{
+    return state_->source->path;
+}
+
+MediaTime AvMovie::duration() const
+{
+    return QTMakeTime(state_->timeline.duration(), state_->timeline.timeScale());
+}
+
+QList<std::shared_ptr<Track>> AvMovie::tracks() const
+{
+    QList<std::shared_ptr<Track>> list;
+    for (const std::shared_ptr<AvTrack>& track : tracks_)
+        list.append(track);
+    return list;
+}
+
+AvMovie::Boxes AvMovie::computedSizes() const
+{
+    std::optional<DisplayBox> enabled;
+    std::optional<DisplayBox> every;
+    for (const std::shared_ptr<AvTrack>& track : tracks_) {
+        const DisplayBox box = track->box();
+        const MediaSize size = sizeOf(box);
+        if (!isPictureType(track->mediaType(), fourCharCode("eyes")) || size.width <= 0 || size.height <= 0)
+            continue;
+        every = every ? unitedBox(*every, box) : box;
+        if ((track->source().atoms.flags & trackEnabled) != 0)
+            enabled = enabled ? unitedBox(*enabled, box) : box;
+    }
+    if (!every)
+        return {};
+    const DisplayBox shown = enabled.value_or(*every);
+    return {sizeOf(shown), sizeOf(mappedBox(shown, state_->source->atoms.matrix))};
+}
+
+MediaSize AvMovie::currentSize() const
+{
+    return currentSize_.value_or(computedSizes().current);
+}
+
+MediaSize AvMovie::naturalSize() const
+{
+    return naturalSize_.value_or(computedSizes().natural);
+}
+
+QVariantMap AvMovie::movieAttributes() const
+{
+    const MovieSource& source = *state_->source;
+    QStringList types;
+    for (const std::shared_ptr<AvTrack>& track : tracks_)
+        types.append(track->mediaType());
+    return {{QStringLiteral("path"), source.path},
+            {QStringLiteral("format"), source.facts.format},
+            {QStringLiteral("duration"), QTStringFromTime(duration())},
+            {QStringLiteral("timeScale"), state_->timeline.timeScale()},
+            {QStringLiteral("tracks"), types},
+            {QStringLiteral("currentSize"), sizeValue(currentSize())},
+            {QStringLiteral("naturalSize"), sizeValue(naturalSize())},
+            {QStringLiteral("editable"), editable_},
+            {QStringLiteral("active"), active_},
+            {QStringLiteral("loops"), loops_},
+            {QStringLiteral("volume"), volume_},
+            {QStringLiteral("playHints"), hints_},
+            {QStringLiteral("savable"), source.atoms.nsav.value_or(0) == 0}};
+}
+
+const std::vector<std::int64_t>& AvMovie::interestingTimes(quint32 mediaType)
+{
+    const auto known = interestingTimes_.find(mediaType);
+    if (known != interestingTimes_.end())
+        return known->second;
+    std::vector<std::int64_t>& times = interestingTimes_[mediaType];
+    for (std::size_t index = 0; index < tracks_.size(); ++index) {
+        if (!isPictureType(tracks_[index]->mediaType(), mediaType))
+            continue;
+        const std::vector<std::int64_t> own = state_->source->sampleTimes(index, state_->timeline);
+        times.insert(times.end(), own.begin(), own.end());
+    }
+    std::sort(times.begin(), times.end());
+    times.erase(std::unique(times.begin(), times.end()), times.end());
+    return times;
+}
+
+qint64 AvMovie::nextInterestingTime(int flags, quint32 mediaType, qint64 from)
+{
+    const std::vector<std::int64_t>& times = interestingTimes(mediaType);
+    const bool edgeCounts = (flags & interesting::nextTimeEdgeOK) != 0;
+    const auto next = edgeCounts ? std::lower_bound(times.begin(), times.end(), from)
+                                 : std::upper_bound(times.begin(), times.end(), from);
+    return next == times.end() ? -1 : *next;
+}
+
+void AvMovie::setTimeScale(qint32 scale)
+{
+    state_->timeline.setTimeScale(scale);
+    interestingTimes_.clear();
+}
+
+void AvMovie::setApertureMode(ApertureMode mode)
+{
+    for (const std::shared_ptr<AvTrack>& track : tracks_)
+        track->setApertureMode(mode);
+}
+
+void AvMovie::generateApertureModeDimensions()
+{
+    for (const std::shared_ptr<AvTrack>& track : tracks_)
+        track->generateApertureModeDimensions();
+}
+
+void AvMovie::removeApertureModeDimensions()
+{
+    for (const std::shared_ptr<AvTrack>& track : tracks_)
+        track->removeApertureModeDimensions();
+}
+
+void AvMovie::deleteSegment(const MediaTimeRange& range)
+{
+    if (!editable_)
+        return;
+    const qint32 scale = state_->timeline.timeScale();
+    state_->timeline.deleteRange(valueInScale(range.time, scale), valueInScale(range.duration, scale));
+    interestingTimes_.clear();
+}
+
+void AvMovie::scaleSegment(const MediaTimeRange& range, const MediaTime& newDuration)
+{
+    if (!editable_)
+        return;
+    const qint32 scale = state_->timeline.timeScale();
+    state_->timeline.scaleRange(valueInScale(range.time, scale), valueInScale(range.duration, scale),
+                                valueInScale(newDuration, scale));
+    interestingTimes_.clear();
+}
+
+// A movie shown at another size than its tracks add up to is scaled as a whole.
+std::optional<DisplayScale> AvMovie::displayScale() const
+{
+    const MediaSize computed = computedSizes().current;
+    if (!currentSize_ || computed.width <= 0 || computed.height <= 0 || currentSize_->width <= 0 ||
+        currentSize_->height <= 0)
+        return std::nullopt;
+    const DisplayScale scale{currentSize_->width / computed.width, currentSize_->height / computed.height};
+    constexpr double negligible = 1e-4;
+    if (std::fabs(scale.x - 1) < negligible && std::fabs(scale.y - 1) < negligible)
+        return std::nullopt;
+    return scale;
+}
+
+bool AvMovie::writeFromAtoms(const QString& path, bool headerFirst, QString* reason)
+{
+    RewriteRequest request;
+    request.movie = &state_->source->atoms;
+    request.fileSize = state_->source->identity.size;
+    request.timeline = state_->timeline;
+    request.displayScale = displayScale();
+    for (const std::shared_ptr<AvTrack>& track : tracks_)
+        request.changes.push_back(track->change());
+    std::string refusal;
+    const std::optional<RewritePlan> plan = RewritePlan::make(request, &refusal);
+    if (!plan) {
+        *reason = QString::fromStdString(refusal);
+        return false;
+    }
+    return writeMovieFile({state_->source->path, path, &*plan, headerFirst}, reason);
+}
+
+// Other containers, and QuickTime files whose header cannot be edited, are first copied as they are into a QuickTime
+// file beside the destination.
+bool AvMovie::writeFromCopy(const QString& path, bool headerFirst, QString* reason)
+{
+    if (!hasRoomFor(path, 2 * state_->source->identity.size)) {
+        *reason = QStringLiteral("not enough space on the volume");
+        return false;
+    }
+    const QString name = QStringLiteral(".tavrix-XXXXXX.mov");
+    QTemporaryFile copy(stringByAppendingPathComponent(stringByDeletingLastPathComponent(path), name));
+    if (!copy.open()) {
+        *reason = copy.errorString();
+        return false;
+    }
+    std::vector<int> streams;
+    if (!remuxToMov(state_->source->path, copy.fileName(), state_->source->timeScale, &streams, reason))
+        return false;
+    const std::optional<FileIdentity> identity = fileIdentity(copy.fileName());
+    const ReadDescriptor file(copy.fileName());
+    if (!identity || file.number() < 0) {
+        *reason = QStringLiteral("the copy cannot be read");
+        return false;
+    }
+    const MovieAtoms atoms = readMovieAtoms(readAtOf(file.number()), identity->size);
+    RewriteRequest request{&atoms, identity->size, state_->timeline, {}, displayScale()};
+    for (const int stream : streams) {
+        const auto track = std::find_if(tracks_.begin(), tracks_.end(), [stream](const std::shared_ptr<AvTrack>& t) {
+            return t->source().stream && t->source().stream->index == stream;
+        });
+        request.changes.push_back(track == tracks_.end() ? TrackChange() : (*track)->change());
+    }
+    std::string refusal;
+    const std::optional<RewritePlan> plan = RewritePlan::make(request, &refusal);
+    if (!plan) {
+        *reason = QString::fromStdString(refusal);
+        return false;
+    }
+    return writeMovieFile({copy.fileName(), path, &*plan, headerFirst}, reason);
+}
+
+bool AvMovie::writeMovie(const QString& path, bool headerFirst, QString* reason)
+{
+    const MovieSource& source = *state_->source;
+    const bool fromAtoms = !source.tracks.empty() && source.tracks.front().fromAtoms;
+    if (fromAtoms && writeFromAtoms(path, headerFirst, reason))
+        return true;
+    if (fromAtoms)
+        logDebug(QStringLiteral("movie               :-/ copied first, as %@ : %@"), {*reason, source.path});
+    return writeFromCopy(path, headerFirst, reason);
+}
+
+bool AvMovie::writeToFile(const QString& path, const WriteAttributes& attributes)
+{
+    const MovieSource& source = *state_->source;
+    const bool isWave = attributes.exportNumber.value_or(0) != 0 && attributes.exportType == fourCharCode("WAVE");
+    QString reason;
+    bool written = false;
+    if (source.atoms.nsav.value_or(0) != 0 && !isWave)
+        reason = QStringLiteral("the movie forbids to be saved");
+    else if (fileIdentity(source.path) != source.identity)
+        reason = QStringLiteral("the source has changed since it was opened");
+    else if (isWave)
+        written = exportWave(source.path, path, state_->timeline, &reason);
+    else
+        written = writeMovie(path, attributes.flatten.value_or(false), &reason);
+    if (!written)
+        logLine(QStringLiteral("movie               :-( %@ : %@"), {reason, path});
+    return written;
+}
+
+} // namespace tavrix

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "quicktime/avinput.h"
+#include "quicktime/edittimeline.h"
+#include "quicktime/medialibrary.h"
+
+#include <map>
+
+// An opened file as the movie adapter sees it: the facts of the FFmpeg libraries and, for QuickTime files, its atoms.
+namespace tavrix
+{
+
+// Device, inode, size and time of change: tells whether the file is still the one that was opened.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::uint64_t size = 0;
+    std::int64_t changed = 0; // nanoseconds
+    [[nodiscard]] bool operator==(const FileIdentity&) const = default;
+};
+
+// No value when there is no such regular file.
+[[nodiscard]] std::optional<FileIdentity> fileIdentity(const QString& path);
+
+struct SourceTrack {
+    TrackAtoms atoms; // of a QuickTime file, or made up from the stream
+    std::optional<StreamFacts> stream;
+    bool fromAtoms = false;
+};
+
+class MovieSource
+{
+public:
+    // Null when the file cannot be read as a movie.
+    [[nodiscard]] static std::shared_ptr<MovieSource> open(const QString& path);
+
+    QString path;
+    FileIdentity identity;
+    FileFacts facts;
+    MovieAtoms atoms; // found is false for other containers
+    qint32 timeScale = 600;
+    qint64 duration = 0; // in timeScale
+    std::vector<SourceTrack> tracks;
+
+    // Movie times at which the track's samples come up under the timeline.
+    [[nodiscard]] std::vector<std::int64_t> sampleTimes(std::size_t track, const EditTimeline& timeline);
+
+private:
+    void takeMovieAtoms();
+    void takeTracks();
+    [[nodiscard]] const SampleTable& sampleTable(std::size_t track);
+    void scanPackets();
+
+    std::map<std::size_t, SampleTable> tables_;
+    bool scanned_ = false;
+};
+
+} // namespace tavrix

@@ -1,0 +1,153 @@
+#include "quicktime/trackgeometry.h"
+
+#include "quicktime/componentregistry.h"
+
+#include <algorithm>
+
+namespace tavrix
+{
+
+namespace
+{
+
+MediaSize pixels(const AtomSize& size)
+{
+    return {size.width / 65536.0, size.height / 65536.0};
+}
+
+double pixelAspect(const SourceTrack& track)
+{
+    const DescriptionAtom& description = track.atoms.description;
+    if (description.pixelAspectH != 0 && description.pixelAspectV != 0)
+        return static_cast<double>(description.pixelAspectH) / description.pixelAspectV;
+    return track.stream ? track.stream->pixelAspect : 1.0;
+}
+
+MediaSize cleanSize(const SourceTrack& track)
+{
+    if (track.atoms.clef)
+        return pixels(*track.atoms.clef);
+    const std::optional<CleanAperture>& clean = track.atoms.description.cleanAperture;
+    const MediaSize stored = clean ? MediaSize{clean->width, clean->height} : encodedSize(track);
+    return {stored.width * pixelAspect(track), stored.height};
+}
+
+bool isPicture(const SourceTrack& track)
+{
+    return track.stream ? track.stream->type == AVMEDIA_TYPE_VIDEO : track.atoms.mediaType == "vide";
+}
+
+// Formats of other containers by the code that a QuickTime library gives them.
+std::uint32_t codeOfStream(const StreamFacts& stream, bool isAvi)
+{
+    if (isAvi && stream.type == AVMEDIA_TYPE_VIDEO && stream.tag != 0)
+        return stream.tag;
+    // "ms" and the format number of a WAVE header.
+    if (stream.codec == AV_CODEC_ID_AC3)
+        return (fourCharCode("ms  ") & 0xFFFF0000U) | 0x2000U;
+    unsigned int tag = 0;
+    const bool isVideo = stream.type == AVMEDIA_TYPE_VIDEO;
+    const AVCodecTag* const tables[] = {isVideo ? avformat_get_mov_video_tags() : avformat_get_mov_audio_tags(),
+                                        nullptr};
+    if (av_codec_get_tag2(tables, stream.codec, &tag) == 0)
+        return stream.tag;
+    return ((tag & 0xFFU) << 24) | ((tag & 0xFF00U) << 8) | ((tag >> 8) & 0xFF00U) | (tag >> 24);
+}
+
+void takeSoundFacts(const StreamFacts& stream, SampleDescription& description)
+{
+    if (stream.channels > 0)
+        description.channels = stream.channels;
+    if (stream.sampleRate > 0)
+        description.sampleRateFixed = static_cast<quint64>(stream.sampleRate) << 16;
+}
+
+} // namespace
+
+MediaSize encodedSize(const SourceTrack& track)
+{
+    const DescriptionAtom& description = track.atoms.description;
+    if (description.width > 0 && description.height > 0)
+        return {static_cast<double>(description.width), static_cast<double>(description.height)};
+    if (track.stream && track.stream->type == AVMEDIA_TYPE_VIDEO)
+        return {static_cast<double>(track.stream->width), static_cast<double>(track.stream->height)};
+    return {};
+}
+
+MediaSize apertureSize(const SourceTrack& track, ApertureMode mode)
+{
+    const MediaSize encoded = encodedSize(track);
+    switch (mode) {
+    case ApertureMode::Classic:
+        break;
+    case ApertureMode::Clean:
+        return cleanSize(track);
+    case ApertureMode::Production:
+        return track.atoms.prof ? pixels(*track.atoms.prof)
+                                : MediaSize{encoded.width * pixelAspect(track), encoded.height};
+    case ApertureMode::EncodedPixels:
+        return track.atoms.enof ? pixels(*track.atoms.enof) : encoded;
+    }
+    return shownSize(track);
+}
+
+MediaSize shownSize(const SourceTrack& track)
+{
+    if (track.atoms.clef)
+        return pixels(*track.atoms.clef);
+    const MediaSize header = pixels(track.atoms.size);
+    if (header.width > 0 && header.height > 0)
+        return header;
+    return isPicture(track) ? cleanSize(track) : MediaSize();
+}
+
+DisplayBox mappedBox(const MediaSize& size, const AtomMatrix& matrix)
+{
+    return mappedBox(DisplayBox{0, 0, size.width, size.height}, matrix);
+}
+
+DisplayBox mappedBox(const DisplayBox& box, const AtomMatrix& matrix)
+{
+    const auto mapX = [&matrix](double x, double y) {
+        return (matrix.a * x + matrix.c * y + matrix.tx) / 65536.0;
+    };
+    const auto mapY = [&matrix](double x, double y) {
+        return (matrix.b * x + matrix.d * y + matrix.ty) / 65536.0;
+    };
+    const auto [left, right] = std::minmax(
+        {mapX(box.left, box.top), mapX(box.right, box.top), mapX(box.left, box.bottom), mapX(box.right, box.bottom)});
+    const auto [top, bottom] = std::minmax(
+        {mapY(box.left, box.top), mapY(box.right, box.top), mapY(box.left, box.bottom), mapY(box.right, box.bottom)});
+    return {left, top, right, bottom};
+}
+
+DisplayBox unitedBox(const DisplayBox& a, const DisplayBox& b)
+{
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
+}
+
+SampleDescription describedSample(const SourceTrack& track, bool isAvi)
+{
+    SampleDescription description;
+    if (!track.fromAtoms) {
+        description.dataFormat = track.stream ? codeOfStream(*track.stream, isAvi) : 0;
+        description.error = description.dataFormat == 0;
+        if (track.stream && track.stream->type == AVMEDIA_TYPE_AUDIO) {
+            takeSoundFacts(*track.stream, description);
+            description.sampleSize = track.stream->bits;
+        }
+        return description;
+    }
+    const DescriptionAtom& atom = track.atoms.description;
+    description.error = !atom.present;
+    description.dataFormat = atom.format;
+    description.channels = atom.channels;
+    description.sampleSize = atom.sampleSize;
+    description.sampleRateFixed = atom.sampleRateFixed;
+    // Writers of AAC put fixed values into these fields; only the decoder knows.
+    if (atom.format == atomType("mp4a") && track.stream)
+        takeSoundFacts(*track.stream, description);
+    return description;
+}
+
+} // namespace tavrix

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "quicktime/medialibrary.h"
+#include "quicktime/moviesource.h"
+
+// Sizes of a track's picture and where it lies on the movie's display.
+namespace tavrix
+{
+
+// Rectangle with fractions of pixels.
+struct DisplayBox {
+    double left = 0;
+    double top = 0;
+    double right = 0;
+    double bottom = 0;
+};
+
+[[nodiscard]] MediaSize encodedSize(const SourceTrack& track);
+// Without an aperture mode of its own a track is shown at its header's size; aperture atoms and pixel aspect give the
+// rest.
+[[nodiscard]] MediaSize apertureSize(const SourceTrack& track, ApertureMode mode);
+// The size the track is shown at before its matrix.
+[[nodiscard]] MediaSize shownSize(const SourceTrack& track);
+// Bounding box of a picture of that size under the matrix.
+[[nodiscard]] DisplayBox mappedBox(const MediaSize& size, const AtomMatrix& matrix);
+[[nodiscard]] DisplayBox mappedBox(const DisplayBox& box, const AtomMatrix& matrix);
+[[nodiscard]] DisplayBox unitedBox(const DisplayBox& a, const DisplayBox& b);
+// The track's first sample description as a QuickTime library would tell it.
+[[nodiscard]] SampleDescription describedSample(const SourceTrack& track, bool isAvi);
+
+} // namespace tavrix
