@@ -44,10 +44,10 @@ Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
             stop(QStringLiteral("too large"));
     };
     QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, [&](const QUrl& target) {
-        if (isWebAddress(target))
-            Q_EMIT reply->redirectAllowed();
-        else
+        if (!isWebAddress(target))
             stop(QStringLiteral("redirected elsewhere"));
+        else
+            Q_EMIT reply->redirectAllowed();
     });
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, take);
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
@@ -61,6 +61,10 @@ Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
         return {std::nullopt, stopped};
     if (reply->error() != QNetworkReply::NoError)
         return {std::nullopt, QStringLiteral("error %1").arg(static_cast<int>(reply->error()))};
+    // A reply that is sent round in circles can end without an error and without an answer.
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status < 200 || status > 299)
+        return {std::nullopt, QStringLiteral("status %1").arg(status)};
     return {page, QString()};
 }
 
