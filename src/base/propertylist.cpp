@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <QTimeZone>
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -129,7 +131,11 @@ bool isNothing(const QVariant& value)
 // The double whose text is the short text of the float: 1.77F must not come back as 1.7699999809265137.
 double widened(float number)
 {
-    return QByteArray::number(static_cast<double>(number), 'g', 7).toDouble();
+    std::array<char, 32> shortest{};
+    const auto written = std::to_chars(shortest.data(), shortest.data() + shortest.size(), number);
+    double value = number;
+    std::from_chars(shortest.data(), written.ptr, value);
+    return value;
 }
 
 Node nodeOf(const QVariant& value, QString* error);

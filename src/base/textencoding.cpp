@@ -4,6 +4,7 @@
 #include "base/text.h"
 
 #include <QStringDecoder>
+#include <QtEndian>
 
 #include <algorithm>
 #include <array>
@@ -44,14 +45,27 @@ QString notNothing(const QString& text)
     return text.isNull() ? QStringLiteral("") : text;
 }
 
+// Qt's decoder takes values beyond Unicode for text.
+bool holdsOnlyCodePoints(const QByteArray& body, const Mark& mark)
+{
+    const bool littleEndian = mark.form == QStringConverter::Utf32LE;
+    for (qsizetype index = 0; mark.unit == 4 && index < body.size(); index += 4) {
+        const char* unit = body.constData() + index;
+        const quint32 code = littleEndian ? qFromLittleEndian<quint32>(unit) : qFromBigEndian<quint32>(unit);
+        if (code > QChar::LastValidCodePoint)
+            return false;
+    }
+    return true;
+}
+
 QString decodedBehindMark(const QByteArray& bytes, const Mark& mark)
 {
     const QByteArray body = bytes.mid(mark.bytes.size());
-    if (body.size() % mark.unit != 0)
+    if (body.size() % mark.unit != 0 || !holdsOnlyCodePoints(body, mark))
         return {};
     QStringDecoder decoder(mark.form, QStringConverter::Flag::Stateless);
     const QString text = decoder.decode(body);
-    return decoder.hasError() ? QString() : notNothing(text);
+    return decoder.hasError() || !text.isValidUtf16() ? QString() : notNothing(text);
 }
 
 QString decodedWindows1252(const QByteArray& bytes)
