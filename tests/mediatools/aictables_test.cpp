@@ -1,0 +1,244 @@
+#include "tools/movencoder/aicbits.h"
+#include "tools/movencoder/aictables.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace tavrix::aic;
+
+namespace
+{
+
+// The same numbers everywhere: the standard fixes this engine, but not its type.
+class Random
+{
+public:
+    explicit Random(std::uint32_t seed) : engine_(seed) {}
+    std::uint32_t operator()() { return static_cast<std::uint32_t>(engine_()); }
+
+private:
+    std::mt19937 engine_;
+};
+
+TEST(AicTables, CodingOrdersArePermutations)
+{
+    for (const bool interlaced : {false, true}) {
+        std::array<int, coefficientsPerMacroblock> seen{};
+        for (const std::uint16_t place : codingOrder(interlaced)) {
+            ASSERT_LT(place, coefficientsPerMacroblock);
+            ++seen[place];
+        }
+        EXPECT_TRUE(std::all_of(seen.begin(), seen.end(), [](int count) { return count == 1; })) << interlaced;
+    }
+}
+
+TEST(AicTables, BandsFollowOneAnother)
+{
+    int offset = 0;
+    for (const Band& band : bands) {
+        EXPECT_EQ(band.offset, offset);
+        offset += band.count;
+    }
+    EXPECT_EQ(offset, coefficientsPerMacroblock);
+}
+
+TEST(AicTables, BandsHoldTheirBlocksAndFrequencies)
+{
+    for (const bool interlaced : {false, true}) {
+        const CodingOrder& order = codingOrder(interlaced);
+        for (int i = 0; i < coefficientsPerMacroblock; ++i) {
+            const int block = order[static_cast<std::size_t>(i)] / 64;
+            const int v = order[static_cast<std::size_t>(i)] % 64 / 8;
+            const int u = order[static_cast<std::size_t>(i)] % 8;
+            const bool luma = i < 64 || (i >= 96 && i < 288);
+            EXPECT_EQ(luma, block < 4) << i;
+            const bool low = luma && interlaced ? block < 2 && u < 4 : v < 4 && u < 4;
+            EXPECT_EQ(low, i < 96) << i << " interlaced " << interlaced;
+        }
+    }
+}
+
+TEST(AicTables, DirectCurrentOfTheFirstBlockComesFirst)
+{
+    EXPECT_EQ(codingOrder(false)[0], 0);
+    EXPECT_EQ(codingOrder(true)[0], 0);
+    EXPECT_EQ(codingOrder(false)[64], 4 * 64);
+    EXPECT_EQ(quantisationMatrix[0], 8);
+    EXPECT_EQ(quantisationMatrix[63], 83);
+}
+
+struct GeometryRow {
+    int width;
+    int height;
+    int columns;
+    int rows;
+    int sliceWidth;
+    int slicesPerRow;
+    int lastSlice;
+};
+
+class AicGeometry : public testing::TestWithParam<GeometryRow>
+{
+};
+
+TEST_P(AicGeometry, CutsThePicture)
+{
+    const GeometryRow& row = GetParam();
+    const Geometry geometry = geometryOf(row.width, row.height);
+    EXPECT_EQ(geometry.macroblockColumns, row.columns);
+    EXPECT_EQ(geometry.macroblockRows, row.rows);
+    EXPECT_EQ(geometry.sliceWidth, row.sliceWidth);
+    EXPECT_EQ(geometry.slicesPerRow, row.slicesPerRow);
+    EXPECT_EQ(geometry.macroblocksOfSlice(row.slicesPerRow - 1), row.lastSlice);
+    int macroblocks = 0;
+    for (int slice = 0; slice < geometry.slicesPerRow; ++slice)
+        macroblocks += geometry.macroblocksOfSlice(slice);
+    EXPECT_EQ(macroblocks, row.columns);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sizes, AicGeometry,
+    testing::Values(GeometryRow{1920, 1080, 120, 68, 30, 4, 30}, GeometryRow{1440, 1080, 90, 68, 30, 3, 30},
+                    GeometryRow{1280, 720, 80, 45, 20, 4, 20}, GeometryRow{960, 720, 60, 45, 30, 2, 30},
+                    GeometryRow{720, 576, 45, 36, 15, 3, 15}, GeometryRow{720, 480, 45, 30, 15, 3, 15},
+                    GeometryRow{640, 480, 40, 30, 20, 2, 20}, GeometryRow{848, 480, 53, 30, 16, 4, 5},
+                    GeometryRow{1366, 768, 86, 48, 2, 43, 2}, GeometryRow{16, 16, 1, 1, 16, 1, 1},
+                    GeometryRow{17, 17, 2, 2, 2, 1, 2}),
+    [](const testing::TestParamInfo<GeometryRow>& row) {
+        return std::to_string(row.param.width) + "by" + std::to_string(row.param.height);
+    });
+
+TEST(AicGeometryRows, LastRowOverlapsInsteadOfBeingPadded)
+{
+    const Geometry geometry = geometryOf(1920, 1080);
+    EXPECT_EQ(geometry.firstLumaLine(66, 1080), 1056);
+    EXPECT_EQ(geometry.firstLumaLine(67, 1080), 1064);
+    EXPECT_EQ(geometry.firstChromaLine(67, 1080), 532);
+    EXPECT_EQ(geometryOf(33, 17).firstLumaLine(1, 17), 1);
+    EXPECT_EQ(geometryOf(33, 17).firstChromaLine(1, 17), 1);
+    EXPECT_EQ(geometryOf(33, 16).firstLumaLine(0, 16), 0);
+}
+
+TEST(AicGeometryRows, SizesOutsideTheFormatAreRefused)
+{
+    EXPECT_TRUE(sizeAllowed(16, 16));
+    EXPECT_TRUE(sizeAllowed(4096, 4096));
+    EXPECT_FALSE(sizeAllowed(15, 16));
+    EXPECT_FALSE(sizeAllowed(16, 15));
+    EXPECT_FALSE(sizeAllowed(4097, 16));
+    EXPECT_FALSE(sizeAllowed(0, 0));
+    EXPECT_FALSE(sizeAllowed(-16, 16));
+}
+
+std::string bitsOf(const std::vector<CodeWord>& words)
+{
+    std::array<std::uint8_t, 64> memory{};
+    BitWriter writer(memory.data());
+    std::uint32_t count = 0;
+    for (const CodeWord& word : words) {
+        writer.put(word);
+        count += word.length;
+    }
+    const std::uint8_t* end = writer.finish();
+    EXPECT_EQ(end - memory.data(), (count + 7) / 8);
+    std::string text;
+    for (std::uint32_t i = 0; i < count; ++i)
+        text += (memory[i / 8] >> (7 - i % 8) & 1) != 0 ? '1' : '0';
+    return text;
+}
+
+struct CodeRow {
+    const char* name;
+    Code code;
+    std::uint32_t value;
+    const char* bits;
+};
+
+class AicCodes : public testing::TestWithParam<CodeRow>
+{
+};
+
+TEST_P(AicCodes, AreWrittenBitByBit)
+{
+    const CodeRow& row = GetParam();
+    EXPECT_EQ(bitsOf({codeWord(row.code, row.value)}), row.bits);
+    EXPECT_EQ(codeLength(row.code, row.value), std::string(row.bits).size());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Words, AicCodes,
+    testing::Values(CodeRow{"Rice0Zero", {false, 0}, 0, "1"}, CodeRow{"Rice0Three", {false, 0}, 3, "0001"},
+                    CodeRow{"Rice2Six", {false, 2}, 6, "0110"},
+                    CodeRow{"Rice0ThirtyOneHasNoEnd", {false, 0}, 31, "0000000000000000000000000000000"},
+                    CodeRow{"Rice7Largest", {false, 7}, 4095, "00000000000000000000000000000001111111"},
+                    CodeRow{"Golomb0Zero", {true, 0}, 0, "1"}, CodeRow{"Golomb0One", {true, 0}, 1, "010"},
+                    CodeRow{"Golomb0Six", {true, 0}, 6, "00111"}, CodeRow{"Golomb1Five", {true, 1}, 5, "0111"}),
+    [](const testing::TestParamInfo<CodeRow>& row) { return std::string(row.param.name); });
+
+TEST(AicBits, UnaryPrefixesEndAtThirtyOne)
+{
+    EXPECT_TRUE(codeHolds({false, 0}, 31));
+    EXPECT_FALSE(codeHolds({false, 0}, 32));
+    EXPECT_TRUE(codeHolds({false, 7}, 4095));
+    EXPECT_FALSE(codeHolds({false, 7}, 4096));
+    EXPECT_TRUE(codeHolds({true, 0}, 8190));
+}
+
+TEST(AicBits, TablesAgreeWithTheCodes)
+{
+    for (std::uint32_t index = 0; index < codeCount; ++index) {
+        for (std::uint32_t value = 0; value < tabledValues; ++value) {
+            if (!codeHolds(codeOf(index), value))
+                continue;
+            EXPECT_EQ(codeTable(index)[value].bits, codeWord(codeOf(index), value).bits);
+            EXPECT_EQ(codeTable(index)[value].length, codeLength(codeOf(index), value));
+            EXPECT_EQ(static_cast<std::uint32_t>(lengthTable(index)[value]), codeLength(codeOf(index), value));
+        }
+    }
+}
+
+TEST(AicBits, RowsOfZerosAreTheSingleOnesInARow)
+{
+    for (std::uint32_t index = 0; index < codeCount; ++index) {
+        const Code code = codeOf(index);
+        for (std::uint32_t zeros = 0; zeros <= longestZeroRow(code); ++zeros)
+            EXPECT_EQ(bitsOf({zeroRow(code, zeros)}), bitsOf(std::vector<CodeWord>(zeros, codeWord(code, 0))));
+    }
+}
+
+// The reference writer appends characters.
+TEST(AicBits, WriterKeepsEveryBitOfAnyMixture)
+{
+    Random random(4);
+    for (int round = 0; round < 200; ++round) {
+        std::vector<std::uint8_t> memory(4096 + BitWriter::overrun);
+        BitWriter writer(memory.data());
+        std::string expected;
+        const auto word = [&] {
+            const CodeWord made{random(), 1 + random() % 39};
+            const CodeWord kept{made.length < 32 ? made.bits & ((1U << made.length) - 1) : made.bits, made.length};
+            for (std::uint32_t i = kept.length; i-- > 0;)
+                expected += i < 32 && (kept.bits >> i & 1) != 0 ? '1' : '0';
+            return kept;
+        };
+        for (int i = 0; i < 300; ++i) {
+            const CodeWord first = word();
+            if (random() % 2 == 0)
+                writer.put(first);
+            else
+                writer.put(first, word());
+        }
+        writer.finish();
+        std::string actual;
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            actual += (memory[i / 8] >> (7 - i % 8) & 1) != 0 ? '1' : '0';
+        ASSERT_EQ(actual, expected);
+    }
+}
+
+} // namespace
