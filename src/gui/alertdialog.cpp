@@ -1,0 +1,200 @@
+#include "gui/alertdialog.h"
+
+#include "base/bundle.h"
+#include "base/localisation.h"
+#include "gui/images.h"
+#include "gui/windowtext.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr int ticksPerSecond = 10;
+constexpr int criticalStyle = 2;
+constexpr int textWidth = 340;
+constexpr int iconSide = 48;
+
+QLabel* plainLabel(const QString& text, const char* name, QWidget* parent)
+{
+    auto* label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
+    label->setObjectName(QLatin1String(name));
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setMinimumWidth(textWidth);
+    return label;
+}
+
+} // namespace
+
+AlertDialog::AlertDialog(const AlertRequest& request, int tickMilliseconds, QWidget* parent)
+    : QDialog(parent), request_(request)
+{
+    setObjectName(QStringLiteral("alertDialog"));
+    setWindowTitle(bundleName());
+    setAccessibleName(request.title);
+    auto* outer = new QHBoxLayout(this);
+    outer->setContentsMargins(20, 18, 20, 16);
+    outer->setSpacing(16);
+    auto* icon = new QLabel(this);
+    const QString image = request.style == criticalStyle ? QStringLiteral("alertCritical") : QStringLiteral("tavrix");
+    icon->setObjectName(QStringLiteral("alertIcon"));
+    icon->setProperty("imageName", image);
+    icon->setPixmap(imagePixmap(image, iconSide, devicePixelRatioF()));
+    outer->addWidget(icon, 0, Qt::AlignTop);
+    column_ = new QVBoxLayout;
+    column_->setSpacing(10);
+    outer->addLayout(column_, 1);
+    buildWords(column_);
+    buildButtons(column_);
+    layout()->setSizeConstraint(QLayout::SetFixedSize);
+    // A negative time is over at the first tick.
+    if (request.seconds != 0) {
+        startCountdown(tickMilliseconds);
+    }
+}
+
+void AlertDialog::buildWords(QVBoxLayout* column)
+{
+    QLabel* title = plainLabel(request_.title, "alertTitle", this);
+    title->setProperty("role", QStringLiteral("title"));
+    column->addWidget(title);
+    if (!request_.text.isEmpty()) {
+        column->addWidget(plainLabel(request_.text, "alertText", this));
+    }
+    if (request_.hasCheckBox) {
+        const QString words = request_.checkBoxTitle.isEmpty() ? windowText("Win_dontAsk") : request_.checkBoxTitle;
+        checkBox_ = new QCheckBox(QString(words).replace(QLatin1Char('&'), QStringLiteral("&&")), this);
+        checkBox_->setObjectName(QStringLiteral("alertCheckBox"));
+        column->addWidget(checkBox_);
+    }
+}
+
+void AlertDialog::buildButtons(QVBoxLayout* column)
+{
+    auto* line = new QHBoxLayout;
+    countdown_ = new QLabel(this);
+    countdown_->setObjectName(QStringLiteral("alertCountdown"));
+    countdown_->setProperty("role", QStringLiteral("caption"));
+    countdown_->setTextFormat(Qt::PlainText);
+    line->addWidget(countdown_);
+    line->addStretch(1);
+    for (int i = 0; i < request_.buttons.size(); ++i) {
+        // An ampersand would become a mnemonic.
+        auto* button =
+            new QPushButton(QString(request_.buttons.at(i)).replace(QLatin1Char('&'), QStringLiteral("&&")), this);
+        button->setObjectName(formatText(QStringLiteral("alertButton%d"), {i}));
+        button->setAutoDefault(true);
+        button->setMinimumWidth(86);
+        connect(button, &QPushButton::clicked, this, [this, i] { answer(i); });
+        buttons_ << button;
+    }
+    for (auto button = buttons_.crbegin(); button != buttons_.crend(); ++button) {
+        line->addWidget(*button);
+    }
+    if (!buttons_.isEmpty()) {
+        buttons_.first()->setDefault(true);
+        buttons_.first()->setProperty("role", QStringLiteral("primary"));
+        buttons_.first()->setFocus();
+    }
+    column->addSpacing(4);
+    column->addLayout(line);
+}
+
+void AlertDialog::addTextField(const QString& value)
+{
+    field_ = new QLineEdit(value, this);
+    field_->setObjectName(QStringLiteral("alertTextField"));
+    field_->setPlaceholderText(value);
+    field_->setAccessibleName(request_.title);
+    field_->setFixedWidth(textWidth);
+    column_->insertWidget(column_->count() - 2, field_);
+    field_->selectAll();
+    field_->setFocus();
+}
+
+QString AlertDialog::typedText() const
+{
+    return field_ != nullptr ? field_->text() : QString();
+}
+
+AlertOutcome AlertDialog::outcome() const
+{
+    return {button_, checkBox_ != nullptr && checkBox_->isChecked()};
+}
+
+void AlertDialog::startCountdown(int tickMilliseconds)
+{
+    timer_.setTimerType(Qt::PreciseTimer);
+    timer_.setInterval(tickMilliseconds);
+    connect(&timer_, &QTimer::timeout, this, &AlertDialog::tick);
+    showRemaining();
+    timer_.start();
+}
+
+void AlertDialog::tick()
+{
+    ++ticks_;
+    if (ticks_ < request_.seconds * ticksPerSecond) {
+        showRemaining();
+        return;
+    }
+    timer_.stop();
+    button_ = -1;
+    done(Rejected);
+}
+
+void AlertDialog::showRemaining()
+{
+    const int seconds = qMax(0, request_.seconds - ticks_ / ticksPerSecond);
+    countdown_->setText(windowText("Win_countdown", {seconds}));
+}
+
+void AlertDialog::answer(int button)
+{
+    timer_.stop();
+    button_ = button;
+    done(Accepted);
+}
+
+int AlertDialog::harmlessButton() const
+{
+    if (request_.buttons.size() == 1) {
+        return 0;
+    }
+    const QStringList harmless{localizedString(QStringLiteral("D_Annuler")), localizedString(QStringLiteral("D_keep")),
+                               QStringLiteral("Cancel")};
+    for (int i = 0; i < request_.buttons.size(); ++i) {
+        if (harmless.contains(request_.buttons.at(i))) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+void AlertDialog::reject()
+{
+    const int button = harmlessButton();
+    if (button >= 0) {
+        answer(button);
+    }
+}
+
+void AlertDialog::dismiss()
+{
+    timer_.stop();
+    button_ = harmlessButton();
+    done(Rejected);
+}
+
+} // namespace tavrix

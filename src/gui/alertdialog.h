@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/alerts.h"
+
+#include <QDialog>
+#include <QList>
+#include <QTimer>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QVBoxLayout;
+
+namespace tavrix
+{
+
+// An alert as a dialog: plain texts, one to three buttons, an optional check box, and for timed alerts a visible
+// countdown. The default button stands at the right end.
+class AlertDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    // One second of a timed alert lasts ten ticks.
+    AlertDialog(const AlertRequest& request, int tickMilliseconds, QWidget* parent);
+
+    [[nodiscard]] AlertOutcome outcome() const;
+    // Adds a text field that holds the value.
+    void addTextField(const QString& value);
+    [[nodiscard]] QString typedText() const;
+    // Answers by the button that changes nothing, or as a time-out when there is none.
+    void dismiss();
+
+protected:
+    void reject() override;
+
+private:
+    void buildWords(QVBoxLayout* column);
+    void buildButtons(QVBoxLayout* column);
+    void startCountdown(int tickMilliseconds);
+    void tick();
+    void showRemaining();
+    void answer(int button);
+    // Button that Escape and the window's close control stand for; -1 when there is none.
+    [[nodiscard]] int harmlessButton() const;
+
+    AlertRequest request_;
+    QTimer timer_;
+    QList<QPushButton*> buttons_;
+    QCheckBox* checkBox_ = nullptr;
+    QLabel* countdown_ = nullptr;
+    QLineEdit* field_ = nullptr;
+    QVBoxLayout* column_ = nullptr;
+    int ticks_ = 0;
+    int button_ = -1;
+};
+
+} // namespace tavrix

@@ -1,0 +1,135 @@
+#include "gui/batchdelegate.h"
+
+#include "app/batchlist.h"
+#include "base/localisation.h"
+#include "gui/images.h"
+#include "gui/rowdetails.h"
+#include "gui/theme.h"
+#include "gui/windowtext.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr int thumbnailWidth = 96;
+constexpr int thumbnailHeight = 54;
+constexpr int margin = 7;
+constexpr int iconSide = 22;
+
+} // namespace
+
+BatchDelegate::BatchDelegate(BatchList& rows, RowDetails& details, QObject* parent)
+    : QStyledItemDelegate(parent), rows_(rows), details_(details)
+{
+}
+
+QString BatchDelegate::stateWords(const QString& iconName)
+{
+    return iconName.isEmpty() ? QStringLiteral("")
+                              : localizedString(QStringLiteral("Win_image_") + iconName, QStringLiteral("Window"));
+}
+
+QSize BatchDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& /*index*/) const
+{
+    const int words = 3 * option.fontMetrics.lineSpacing() + 2 * margin;
+    return {300, qMax(thumbnailHeight + 2 * margin, words)};
+}
+
+void BatchDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    if (index.row() >= rows_.count()) {
+        return;
+    }
+    const BatchRow& row = rows_.row(index.row());
+    const Theme& theme = currentTheme();
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const QRect frame = option.rect.adjusted(2, 2, -2, -2);
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
+    painter->setPen(selected ? QPen(theme.accent, 2) : QPen(Qt::NoPen));
+    painter->setBrush(selected || index.row() % 2 == 1 ? theme.field : theme.panel);
+    painter->drawRoundedRect(frame, 6, 6);
+
+    const QRect inside = frame.adjusted(margin, 0, -margin, 0);
+    const QRect thumbnail(inside.left(), frame.center().y() - thumbnailHeight / 2, thumbnailWidth, thumbnailHeight);
+    paintThumbnail(painter, thumbnail, row);
+    const QRect icon(inside.right() - iconSide, frame.center().y() - iconSide / 2, iconSide, iconSide);
+    painter->drawPixmap(icon.topLeft(), imagePixmap(row.resultat, iconSide, painter->device()->devicePixelRatioF()));
+    painter->setFont(option.font);
+    paintWords(painter, QRect(QPoint(thumbnail.right() + 12, frame.top()), QPoint(icon.left() - 10, frame.bottom())),
+               row);
+    painter->restore();
+}
+
+void BatchDelegate::paintThumbnail(QPainter* painter, const QRect& place, const BatchRow& row) const
+{
+    const qreal scale = painter->device()->devicePixelRatioF();
+    const QPixmap picture = details_.thumbnail(row, place.size(), scale);
+    painter->fillRect(place, Qt::black);
+    if (picture.isNull()) {
+        painter->drawPixmap(place.center() - QPoint(16, 16), imagePixmap(QStringLiteral("dndOff"), 32, scale));
+        return;
+    }
+    const QSizeF size = picture.deviceIndependentSize();
+    painter->drawPixmap(QRectF(place).center() - QPointF(size.width() / 2, size.height() / 2), picture);
+}
+
+QString BatchDelegate::thirdLine(const BatchRow& row) const
+{
+    QStringList parts{formatName(row.out)};
+    if (const QString size = details_.estimatedSize(row); !size.isEmpty()) {
+        parts << windowText("Win_about", {size});
+    }
+    if (const QString name = details_.outputName(row); !name.isEmpty()) {
+        parts << QStringLiteral("→ ") + name;
+    }
+    return parts.join(QStringLiteral("  ·  "));
+}
+
+void BatchDelegate::paintWords(QPainter* painter, const QRect& place, const BatchRow& row) const
+{
+    const Theme& theme = currentTheme();
+    const QFont plain = painter->font();
+    QFont bold = plain;
+    bold.setBold(true);
+    const int height = QFontMetrics(plain).lineSpacing();
+    QRect line(place.left(), place.center().y() - height * 3 / 2, place.width(), height);
+    const auto write = [painter, &line, height](const QFont& font, const QColor& color, const QString& text) {
+        painter->setFont(font);
+        painter->setPen(color);
+        const QString shown = QFontMetrics(font).elidedText(text, Qt::ElideMiddle, line.width());
+        painter->drawText(line, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
+        line.translate(0, height);
+    };
+    write(bold, theme.text, formatText(QStringLiteral("%d.  %@"), {row.order, row.src}));
+    write(plain, theme.secondaryText, RowDetails::description(row));
+    if (row.reason.isEmpty()) {
+        write(plain, theme.secondaryText, thirdLine(row));
+    } else {
+        write(plain, theme.warning, row.reason);
+    }
+}
+
+bool BatchDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& /*option*/,
+                              const QModelIndex& index)
+{
+    if (event->type() != QEvent::ToolTip || !index.isValid() || index.row() >= rows_.count()) {
+        return false;
+    }
+    const BatchRow& row = rows_.row(index.row());
+    const QStringList lines{stateWords(row.resultat), details_.summary(row)};
+    // Escaped: a file name may look like markup.
+    QString text = lines.join(QLatin1Char('\n')).toHtmlEscaped();
+    text.replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+    QToolTip::showText(event->globalPos(), QStringLiteral("<p style='white-space:pre'>") + text, view);
+    return true;
+}
+
+} // namespace tavrix

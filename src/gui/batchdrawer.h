@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QWidget>
+
+class QComboBox;
+class QHBoxLayout;
+class QLabel;
+class QListView;
+class QPushButton;
+
+namespace tavrix
+{
+
+class appDelegate;
+class RowDetails;
+
+// The drawer below the main part of the window: the batch list and what can be done with its rows.
+class BatchDrawer : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit BatchDrawer(appDelegate& controller, QWidget* parent = nullptr);
+
+    [[nodiscard]] RowDetails& details() const { return *details_; }
+    void removeSelected();
+    void previewSelected();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildHead(QHBoxLayout* line);
+    void buildList();
+    void buildButtons(QHBoxLayout* line);
+    void showSelection();
+    void takeSelection();
+    void refreshHead();
+    void showMenu(const QPoint& place);
+
+    appDelegate& controller_;
+    RowDetails* details_;
+    QListView* list_;
+    QLabel* count_ = nullptr;
+    QComboBox* format_ = nullptr;
+    QPushButton* preview_ = nullptr;
+    QPushButton* remove_ = nullptr;
+};
+
+} // namespace tavrix

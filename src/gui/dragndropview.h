@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QPointer>
+#include <QStringList>
+#include <QWidget>
+
+class QMimeData;
+
+namespace tavrix
+{
+
+class appDelegate;
+
+// The drop area: takes files from other programs and hands them to its delegate. It can also be clicked or pressed.
+class dragNDropView : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit dragNDropView(QWidget* parent = nullptr);
+
+    [[nodiscard]] appDelegate* delegate() const;
+    // Not owned; null takes no drop.
+    void setDelegate(appDelegate* delegate);
+    void setImageName(const QString& imageName);
+    [[nodiscard]] QString imageName() const { return imageName_; }
+    // Local files of a drag, in its order; files of other machines and web addresses are left out.
+    [[nodiscard]] static QStringList localFiles(const QMimeData* data);
+
+Q_SIGNALS:
+    // Clicked or pressed: the user wants to choose files instead of dropping them.
+    void activated();
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    bool acceptCopy(QDropEvent* event);
+    void setHovered(bool hovered);
+
+    QPointer<appDelegate> delegate_;
+    QString imageName_;
+    bool hovered_ = false;
+};
+
+} // namespace tavrix

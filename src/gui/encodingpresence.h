@@ -1,0 +1,35 @@
+#pragma once
+
+#include "gui/desktopbus.h"
+
+class QWidget;
+
+namespace tavrix
+{
+
+class appDelegate;
+
+// Tells the desktop about a running batch: no sleep meanwhile, progress on the task bar, one notification at its end
+// when the window is not in front.
+class EncodingPresence : public QObject
+{
+    Q_OBJECT
+public:
+    EncodingPresence(appDelegate& controller, QWidget& window, const QDBusConnection& bus, QObject* parent = nullptr);
+
+private:
+    void begin(int row);
+    void showProgress(int row, float value, float maximum);
+    void countRow(bool success);
+    void end(bool stopped);
+
+    appDelegate& controller_;
+    QWidget& window_;
+    SleepInhibitor inhibitor_;
+    DesktopNotifier notifier_;
+    TaskbarProgress taskbar_;
+    int succeeded_ = 0;
+    int failed_ = 0;
+};
+
+} // namespace tavrix

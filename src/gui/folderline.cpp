@@ -1,0 +1,41 @@
+#include "gui/folderline.h"
+
+#include "app/appdelegate.h"
+#include "gui/binding.h"
+
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace tavrix
+{
+
+FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& select, StateButton& reveal,
+                       QWidget* parent)
+    : QWidget(parent)
+{
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(6);
+    auto* edit = new QLineEdit(this);
+    edit->setPlaceholderText(QStringLiteral("@@Win_folderPlaceholder"));
+    edit->setAccessibleName(QStringLiteral("@@Win_acc_folder"));
+    bindText(edit, field);
+    follow(field, edit, [edit, &field] { edit->setToolTip(field.stringValue().toHtmlEscaped()); });
+    layout->addWidget(edit, 1);
+
+    auto* choose = new QPushButton(QStringLiteral("@@Win_choose"), this);
+    choose->setAccessibleName(QStringLiteral("@@Win_acc_choose"));
+    bindControl(choose, select);
+    connect(choose, &QPushButton::clicked, this, [&controller, &select] { controller.iba_selectFolderBt(&select); });
+    layout->addWidget(choose);
+
+    auto* show = new QPushButton(QStringLiteral("@@Win_reveal"), this);
+    show->setAccessibleName(QStringLiteral("@@Win_acc_reveal"));
+    bindControl(show, reveal);
+    connect(show, &QPushButton::clicked, this, [&controller, &reveal] { controller.iba_OpenFolder(&reveal); });
+    layout->addWidget(show);
+    setFocusProxy(edit);
+}
+
+} // namespace tavrix

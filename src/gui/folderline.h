@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QWidget>
+
+namespace tavrix
+{
+
+class appDelegate;
+class StateButton;
+class TextField;
+
+// A folder field with its two buttons. The main window and the preferences sheet have one each.
+class FolderLine : public QWidget
+{
+    Q_OBJECT
+public:
+    FolderLine(appDelegate& controller, TextField& field, StateButton& select, StateButton& reveal,
+               QWidget* parent = nullptr);
+};
+
+} // namespace tavrix

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QWidget>
+
+class QLabel;
+class QListWidget;
+class QPushButton;
+
+namespace tavrix
+{
+
+class appDelegate;
+
+// The bottom line of the window: what has just happened, and how many of the dropped files were left out and why.
+class LeftOutBar : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit LeftOutBar(appDelegate& controller, QWidget* parent = nullptr);
+
+    [[nodiscard]] int leftOutCount() const { return static_cast<int>(leftOut_.size()); }
+    void showNotice(const QString& text);
+
+private:
+    void listen();
+    void refresh();
+    void showList();
+    void sumUp(bool stopped);
+
+    appDelegate& controller_;
+    QLabel* notice_;
+    QPushButton* button_;
+    QList<QPair<QString, QString>> leftOut_; // path, reason
+    int succeeded_ = 0;
+    int failed_ = 0;
+};
+
+} // namespace tavrix

@@ -1,0 +1,192 @@
+#include "gui/mainwindow.h"
+
+#include "app/appdelegate.h"
+#include "base/alerts.h"
+#include "base/bundle.h"
+#include "base/localisation.h"
+#include "base/runloopgate.h"
+#include "gui/batchdrawer.h"
+#include "gui/binding.h"
+#include "gui/dragndropview.h"
+#include "gui/droppanel.h"
+#include "gui/encodepanel.h"
+#include "gui/images.h"
+#include "gui/leftoutbar.h"
+#include "gui/mainmenu.h"
+#include "gui/pickers.h"
+#include "gui/preferencessheet.h"
+#include "gui/theme.h"
+#include "gui/treelocaliser.h"
+#include "gui/windowtext.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPointer>
+#include <QVBoxLayout>
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr QSize startSize(760, 350);
+
+} // namespace
+
+MainWindow::MainWindow(appDelegate& controller) : controller_(controller)
+{
+    setObjectName(controller.model().objectName());
+    setWindowTitle(QStringLiteral("@@Win_title"));
+    setWindowIcon(imageNamed(QStringLiteral("tavrix")));
+    build();
+    new MainMenu(controller_, *this);
+    preferences_ = new PreferencesSheet(controller_, this);
+    watchTheme();
+    watchDrawer();
+    setOrder();
+    resize(startSize);
+}
+
+void MainWindow::build()
+{
+    auto* middle = new QWidget(this);
+    auto* layout = new QVBoxLayout(middle);
+    layout->setContentsMargins(16, 10, 16, 10);
+    layout->setSpacing(8);
+    layout->addLayout(buildUpper(), 1);
+    drawer_ = new BatchDrawer(controller_, middle);
+    layout->addWidget(drawer_, 2);
+    layout->addLayout(buildFoot());
+    setCentralWidget(middle);
+}
+
+QHBoxLayout* MainWindow::buildUpper()
+{
+    auto* upper = new QHBoxLayout;
+    upper->setSpacing(18);
+    drop_ = new DropPanel(controller_, this);
+    connect(drop_, &DropPanel::chooseFiles, this, &MainWindow::chooseFiles);
+    connect(drop_, &DropPanel::chooseFolder, this, &MainWindow::chooseFolder);
+    upper->addWidget(drop_, 4);
+    upper->addWidget(new EncodePanel(controller_, this), 5);
+    return upper;
+}
+
+QHBoxLayout* MainWindow::buildFoot()
+{
+    auto* line = new QHBoxLayout;
+    foot_ = new LeftOutBar(controller_, this);
+    line->addWidget(foot_, 1);
+    auto* version = new QLabel(this);
+    version->setProperty("role", QStringLiteral("caption"));
+    version->setAccessibleName(QStringLiteral("@@Win_acc_version"));
+    bindText(version, controller_.model().versionStr);
+    line->addWidget(version);
+    return line;
+}
+
+// Opening makes room below (the controller asks for it); closing gives that room back.
+void MainWindow::watchDrawer()
+{
+    Drawer& drawer = controller_.model().drawer;
+    drawerWasOpen_ = drawer.isOpen();
+    connect(&drawer, &Control::changed, this, [this, &drawer] {
+        if (drawerWasOpen_ && !drawer.isOpen() && !isMaximized() && !isFullScreen()) {
+            const int room = drawer_->height();
+            layout()->activate();
+            resize(width(), qMax(minimumSizeHint().height(), height() - room));
+        }
+        drawerWasOpen_ = drawer.isOpen();
+    });
+}
+
+void MainWindow::watchTheme()
+{
+    ImageView& image = controller_.model().prefColorImgView;
+    follow(image, this, [this, &image] {
+        applyTheme(themeIndexOfImage(image.imageName()));
+        update();
+    });
+}
+
+void MainWindow::setOrder()
+{
+    QWidget* previous = drop_->dropView();
+    const QStringList order{QStringLiteral("analyseStopBt.0"),
+                            QStringLiteral("mainEncDstPathStr"),
+                            QStringLiteral("mainEncDstSelectBt"),
+                            QStringLiteral("mainEncDstRevealBt"),
+                            QStringLiteral("changeFormatBt"),
+                            QStringLiteral("drawerToggleBt"),
+                            QStringLiteral("batchEncGoBt"),
+                            QStringLiteral("encStopBt.0"),
+                            QStringLiteral("encStopBt.1"),
+                            QStringLiteral("rowFormatBt"),
+                            QStringLiteral("encBatchArrayController"),
+                            QStringLiteral("previewBt"),
+                            QStringLiteral("batchEncRemoveBt"),
+                            QStringLiteral("batchEncRemoveAllBt"),
+                            QStringLiteral("leftOutBt")};
+    for (const QString& name : order) {
+        auto* next = centralWidget()->findChild<QWidget*>(name);
+        setTabOrder(previous, next);
+        previous = next;
+    }
+    drop_->dropView()->setFocus();
+}
+
+void MainWindow::takeDrops()
+{
+    drop_->dropView()->setDelegate(&controller_);
+}
+
+void MainWindow::localise()
+{
+    FVAutoLocalizeSetName(QStringLiteral("Window"));
+    FVAutoLocalizeWindow(this);
+    FVAutoLocalizeMenu(menuBar());
+}
+
+void MainWindow::openPaths(const QStringList& paths)
+{
+    if (!paths.isEmpty()) {
+        controller_.applicationOpenFiles(paths);
+    }
+}
+
+void MainWindow::chooseFiles()
+{
+    openPaths(selectSources(windowText("Win_chooseClips")));
+}
+
+void MainWindow::chooseFolder()
+{
+    const QString folder = selectSourceFolder(windowText("Win_chooseFolder"));
+    openPaths(folder.isEmpty() ? QStringList() : QStringList{folder});
+}
+
+void MainWindow::showAbout()
+{
+    displayAlertSheet(bundleName() + QLatin1Char(' ') + bundleVersion(), windowText("Win_about_text"), this);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (controller_.isQuitting()) {
+        event->accept();
+        return;
+    }
+    // The window stays until the quit is certain; the question must not be asked inside this event.
+    event->ignore();
+    RunLoopGate::instance().deliverLater([controller = QPointer(&controller_)] {
+        if (controller) {
+            controller->windowWillClose();
+            (void)controller->applicationShouldTerminateAfterLastWindowClosed();
+        }
+    });
+}
+
+} // namespace tavrix

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QMainWindow>
+
+class QHBoxLayout;
+class QVBoxLayout;
+
+namespace tavrix
+{
+
+class appDelegate;
+class BatchDrawer;
+class DropPanel;
+class LeftOutBar;
+class PreferencesSheet;
+
+// The main window on the controller's model: drop area, destination, start and progress above, the drawer below.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit MainWindow(appDelegate& controller);
+
+    // Makes the controller the delegate of the drop area.
+    void takeDrops();
+    void localise();
+    void chooseFiles();
+    void chooseFolder();
+    void showAbout();
+    [[nodiscard]] PreferencesSheet& preferences() const { return *preferences_; }
+    [[nodiscard]] BatchDrawer& batchDrawer() const { return *drawer_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void build();
+    QHBoxLayout* buildUpper();
+    QHBoxLayout* buildFoot();
+    void watchDrawer();
+    void watchTheme();
+    void setOrder();
+    void openPaths(const QStringList& paths);
+
+    appDelegate& controller_;
+    DropPanel* drop_ = nullptr;
+    BatchDrawer* drawer_ = nullptr;
+    LeftOutBar* foot_ = nullptr;
+    PreferencesSheet* preferences_ = nullptr;
+    bool drawerWasOpen_ = false;
+};
+
+} // namespace tavrix

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QWidget;
+
+// Choosers for files and folders. All are application-modal: while one is open nothing drives the controller.
+namespace tavrix
+{
+
+// Window that the choosers stand before; null: none.
+void setPickerWindow(QWidget* window);
+
+// One existing file of the given extensions, each also in upper case and capitalised; nothing when cancelled. The first
+// argument is not used.
+[[nodiscard]] QString selectFile(const QString& unused, const QStringList& types);
+// Name patterns that selectFile accepts: for "avi" "*.avi", "*.AVI", "*.Avi".
+[[nodiscard]] QStringList selectFilePatterns(const QStringList& types);
+// One folder, only when it is writable; nothing when cancelled or not writable. Without a title "Select a Folder".
+[[nodiscard]] QString selectFolder(const QString& title);
+// One file or folder; no value when cancelled. Without a title "Select a File or a Folder".
+[[nodiscard]] std::optional<QStringList> selectFileFolder(const QString& title);
+// Any number of existing files of the document types of the program; empty when cancelled.
+[[nodiscard]] QStringList selectSources(const QString& title);
+// One readable folder of sources; nothing when cancelled.
+[[nodiscard]] QString selectSourceFolder(const QString& title);
+
+// Destination that goes without saying for a source: its folder (ending with "/") when writable, else nothing.
+[[nodiscard]] QString dstAutoBt(const QString& path);
+
+} // namespace tavrix

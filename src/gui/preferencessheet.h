@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDialog>
+
+class QVBoxLayout;
+
+namespace tavrix
+{
+
+class appDelegate;
+
+// The preferences: output format of new clips, default destination, colour theme. Closing it in any way keeps them.
+class PreferencesSheet : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit PreferencesSheet(appDelegate& controller, QWidget* parent);
+
+protected:
+    void reject() override;
+
+private:
+    void buildFormat(QVBoxLayout* layout);
+    void buildDestination(QVBoxLayout* layout);
+    void buildColor(QVBoxLayout* layout);
+    void buildEnd(QVBoxLayout* layout);
+
+    appDelegate& controller_;
+};
+
+} // namespace tavrix

@@ -1,0 +1,139 @@
+#include "gui/rowdetails.h"
+
+#include "app/cameraclip.h"
+#include "base/filesizes.h"
+#include "encode/encoderarguments.h"
+#include "gui/windowtext.h"
+#include "probe/recordersources.h"
+
+#include <QImageReader>
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr qsizetype maximumWanted = 64;
+
+QString sourceOf(const BatchRow& row)
+{
+    return row.dico.value(record::mainEncSrcPathStr).toString();
+}
+
+} // namespace
+
+RowDetails::RowDetails(BatchList& rows, QObject* parent) : QObject(parent), rows_(rows)
+{
+    lookUp_.setSingleShot(true);
+    connect(&lookUp_, &QTimer::timeout, this, &RowDetails::lookUpNext);
+    // A later clip of the same name gets the thumbnail file's name again.
+    connect(&rows, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+            [this](const QModelIndex&, int first, int last) { forget(first, last); });
+    connect(&rows, &QAbstractItemModel::modelAboutToBeReset, this, [this] { forget(0, rows_.count() - 1); });
+}
+
+QPixmap RowDetails::thumbnail(const BatchRow& row, const QSize& size, qreal scale)
+{
+    if (row.img.isEmpty()) {
+        return {};
+    }
+    const auto known = thumbnails_.constFind(row.img);
+    if (known != thumbnails_.constEnd()) {
+        return *known;
+    }
+    ++thumbnailLoads_;
+    QImageReader reader(row.img);
+    reader.setScaledSize(reader.size().scaled(size * scale, Qt::KeepAspectRatio));
+    QPixmap pixmap = QPixmap::fromImage(reader.read());
+    pixmap.setDevicePixelRatio(scale);
+    thumbnails_.insert(row.img, pixmap);
+    return pixmap;
+}
+
+QString RowDetails::outputName(const BatchRow& row)
+{
+    const QString source = sourceOf(row);
+    const auto known = names_.constFind(source);
+    if (known != names_.constEnd()) {
+        const QString extension = encDstExtensionStr(row.out, row.dico.value(record::v0_codec).toString());
+        return *known + QLatin1Char('.') + extension;
+    }
+    // The last rows asked for are those on the screen: older wishes of a fast scroll are dropped.
+    wanted_.removeAll(source);
+    wanted_.append(source);
+    if (wanted_.size() > maximumWanted) {
+        wanted_.removeFirst();
+    }
+    if (!lookUp_.isActive()) {
+        lookUp_.start(0);
+    }
+    return {};
+}
+
+// One clip per turn of the event loop: the look-up runs a tool for clips of recorders.
+void RowDetails::lookUpNext()
+{
+    if (wanted_.isEmpty()) {
+        return;
+    }
+    const QString source = wanted_.takeLast();
+    if (rows_.indexOfSource(source) >= 0) {
+        names_.insert(source, dateCreation2iMovieName(source));
+        Q_EMIT changed();
+    }
+    if (!wanted_.isEmpty()) {
+        lookUp_.start(0);
+    }
+}
+
+QString RowDetails::estimatedSize(const BatchRow& row)
+{
+    const QString source = sourceOf(row);
+    if (!sizes_.contains(source)) {
+        sizes_.insert(source, poidsFile(source, QStringLiteral("m")));
+    }
+    const double megabytes = sizes_.value(source);
+    if (megabytes < 0) {
+        return QStringLiteral("");
+    }
+    const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
+    const auto estimate = static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out));
+    if (estimate >= 1024) {
+        return windowText("Win_gigabytes", {fixedText(estimate / 1024, 1)});
+    }
+    return windowText("Win_megabytes", {fixedText(estimate, estimate < 10 ? 1 : 0)});
+}
+
+QString RowDetails::description(const BatchRow& row)
+{
+    const QString words = clipDescription(row.dico);
+    return words.isEmpty() ? windowText("Win_unknownClip") : words;
+}
+
+QString RowDetails::summary(const BatchRow& row)
+{
+    QStringList lines{sourceOf(row), description(row), windowText("Win_lineFormat", {formatName(row.out)})};
+    if (const QString size = estimatedSize(row); !size.isEmpty()) {
+        lines << windowText("Win_lineSize", {size});
+    }
+    if (const QString name = outputName(row); !name.isEmpty()) {
+        lines << windowText("Win_lineName", {name});
+    }
+    if (!row.reason.isEmpty()) {
+        lines << windowText("Win_lineFailed", {row.reason});
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+void RowDetails::forget(int first, int last)
+{
+    for (int i = first; i <= last && i < rows_.count(); ++i) {
+        const BatchRow& row = rows_.row(i);
+        thumbnails_.remove(row.img);
+        names_.remove(sourceOf(row));
+        sizes_.remove(sourceOf(row));
+    }
+}
+
+} // namespace tavrix

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "app/batchlist.h"
+
+#include <QHash>
+#include <QObject>
+#include <QPixmap>
+#include <QStringList>
+#include <QTimer>
+
+namespace tavrix
+{
+
+// What the drawer shows of a row besides the row itself: thumbnails and facts that cost something to find out. Each is
+// found out once and kept until the row goes.
+class RowDetails : public QObject
+{
+    Q_OBJECT
+public:
+    explicit RowDetails(BatchList& rows, QObject* parent = nullptr);
+
+    // The thumbnail fitted into the size at that scale; null when the row has none.
+    [[nodiscard]] QPixmap thumbnail(const BatchRow& row, const QSize& size, qreal scale);
+    // Name of the output file; nothing as long as the recording date has not been looked up: changed() follows then.
+    [[nodiscard]] QString outputName(const BatchRow& row);
+    // Expected size of the output ("12.3 MB"); "" when the source cannot be read.
+    [[nodiscard]] QString estimatedSize(const BatchRow& row);
+    // Codec, size, rate, duration; says so when nothing is known.
+    [[nodiscard]] static QString description(const BatchRow& row);
+    // Everything about a row, one fact per line, as plain text.
+    [[nodiscard]] QString summary(const BatchRow& row);
+
+    [[nodiscard]] int thumbnailLoads() const { return thumbnailLoads_; }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void lookUpNext();
+    void forget(int first, int last);
+
+    BatchList& rows_;
+    QHash<QString, QPixmap> thumbnails_;
+    QHash<QString, QString> names_; // source path to the output's base name
+    QHash<QString, double> sizes_;  // source path to its megabytes
+    QStringList wanted_;            // sources whose date is still to be looked up
+    QTimer lookUp_;
+    int thumbnailLoads_ = 0;
+};
+
+} // namespace tavrix

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QSvgRenderer>
+#include <QWidget>
+
+namespace tavrix
+{
+
+// One vector slide, fitted into the widget.
+class SlideView : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit SlideView(QWidget* parent = nullptr);
+    void setSlide(const QByteArray& drawing);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QSvgRenderer renderer_;
+};
+
+} // namespace tavrix

@@ -1,0 +1,67 @@
+#include "gui/styledtext.h"
+
+#include "base/text.h"
+#include "gui/images.h"
+
+#include <QComboBox>
+#include <QLabel>
+
+namespace tavrix
+{
+
+QColor colorNamed(const QString& name)
+{
+    const QString lower = name.toLower();
+    if (lower == QLatin1String("red")) {
+        return {255, 0, 0};
+    }
+    if (lower == QLatin1String("white")) {
+        return {255, 255, 255};
+    }
+    if (lower == QLatin1String("gray")) {
+        return {128, 128, 128};
+    }
+    return {0, 0, 0};
+}
+
+StyledText colorizedStr(const QString& text, const QString& colorName)
+{
+    StyledText styled;
+    styled.text = text;
+    styled.format.setForeground(colorNamed(colorName));
+    return styled;
+}
+
+StyledText monospaceFontColorStr(const QString& text, const QStringList& specification)
+{
+    const QString family = specification.value(0, QStringLiteral("Lucida Grande"));
+    const int size = leadingInteger(specification.value(1, QStringLiteral("13")));
+    StyledText styled = colorizedStr(text.isNull() ? QStringLiteral("") : text, specification.value(2));
+    styled.format.setFontFamilies({family});
+    if (size > 0) {
+        styled.format.setFontPointSize(size);
+    }
+    return styled;
+}
+
+void showStyledText(QLabel* label, const StyledText& styled)
+{
+    label->setTextFormat(Qt::PlainText);
+    label->setFont(styled.format.font());
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, styled.format.foreground().color());
+    label->setPalette(palette);
+    label->setWordWrap(styled.wrapMode != QTextOption::NoWrap);
+    label->setText(label->fontMetrics().elidedText(styled.text, styled.elideMode, label->width()));
+}
+
+void menuImage(const QString& imageName, QComboBox* popUpButton)
+{
+    const int selected = popUpButton->currentIndex();
+    if (selected >= 0) {
+        popUpButton->setItemText(selected, QString());
+        popUpButton->setItemIcon(selected, imageNamed(imageName));
+    }
+}
+
+} // namespace tavrix

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QColor>
+#include <QPalette>
+#include <QString>
+
+// The dark heads-up look in its colour themes.
+namespace tavrix
+{
+
+struct Theme {
+    QColor windowTop; // gradient of the window
+    QColor windowBottom;
+    QColor panel; // lists, drop area
+    QColor field; // text fields
+    QColor border;
+    QColor text;
+    QColor secondaryText;
+    QColor accent;     // start button, progress, focus
+    QColor accentText; // on the accent
+    QColor warning;
+};
+
+// Out of range gives the first theme.
+[[nodiscard]] const Theme& themeAt(int index);
+// Number at the end of a theme image's name ("color2" is 2); 0 for any other name.
+[[nodiscard]] int themeIndexOfImage(const QString& imageName);
+[[nodiscard]] QPalette themePalette(const Theme& theme);
+[[nodiscard]] QString themeStyleSheet(const Theme& theme);
+// Contrast of two opaque colours between 1 and 21, as the accessibility guidelines compute it.
+[[nodiscard]] double contrastRatio(const QColor& a, const QColor& b);
+
+// Gives the whole application the theme; the one in force.
+void applyTheme(int index);
+[[nodiscard]] const Theme& currentTheme();
+
+} // namespace tavrix

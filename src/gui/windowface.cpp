@@ -1,0 +1,107 @@
+#include "gui/windowface.h"
+
+#include "gui/ecran.h"
+#include "gui/helpwindow.h"
+#include "gui/mainwindow.h"
+#include "gui/pickers.h"
+#include "gui/preferencessheet.h"
+#include "gui/previewwindow.h"
+
+#include <QApplication>
+
+namespace tavrix
+{
+
+WindowFace::WindowFace(std::function<void()> end) : end_(std::move(end)) {}
+
+WindowFace::~WindowFace() = default;
+
+void WindowFace::setWindow(MainWindow* window)
+{
+    window_ = window;
+}
+
+QObject* WindowFace::window()
+{
+    return window_;
+}
+
+QString WindowFace::selectFolder(const QString& title)
+{
+    return tavrix::selectFolder(title);
+}
+
+void WindowFace::beep()
+{
+    QApplication::beep();
+}
+
+void WindowFace::ecran(const QString& side, float delta)
+{
+    if (window_ != nullptr && !window_->isMaximized() && !window_->isFullScreen()) {
+        tavrix::ecran(window_, side, delta);
+    }
+}
+
+void WindowFace::localise()
+{
+    if (window_ != nullptr) {
+        window_->localise();
+    }
+}
+
+void WindowFace::openPreferencesSheet()
+{
+    if (window_ != nullptr) {
+        window_->preferences().open();
+    }
+}
+
+void WindowFace::closePreferencesSheet()
+{
+    if (window_ != nullptr) {
+        window_->preferences().done(QDialog::Accepted);
+    }
+}
+
+bool WindowFace::isHelpVisible()
+{
+    return help_ && help_->isVisible();
+}
+
+void WindowFace::showHelp()
+{
+    if (!help_) {
+        help_ = std::make_unique<HelpWindow>();
+    }
+    help_->showHelp();
+}
+
+void WindowFace::hideHelp()
+{
+    if (help_) {
+        help_->hide();
+    }
+}
+
+void WindowFace::preview(const QString& path)
+{
+    if (!preview_) {
+        preview_ = std::make_unique<PreviewWindow>();
+    }
+    preview_->showMovie(path);
+}
+
+void WindowFace::closeWindows()
+{
+    preview_.reset();
+    help_.reset();
+}
+
+void WindowFace::terminate()
+{
+    closeWindows();
+    end_();
+}
+
+} // namespace tavrix

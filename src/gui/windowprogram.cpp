@@ -1,0 +1,91 @@
+#include "gui/windowprogram.h"
+
+#include "app/appdelegate.h"
+#include "base/runloopgate.h"
+#include "gui/encodingpresence.h"
+#include "gui/mainwindow.h"
+#include "gui/pickers.h"
+
+#include <QPointer>
+#include <QTimer>
+
+namespace tavrix
+{
+
+WindowProgram::WindowProgram(std::function<void()> end)
+    : face_([this, end = std::move(end)] {
+          ended_ = true;
+          end();
+      })
+{
+    setAlertPresenter(&presenter_);
+    controller_ = std::make_unique<appDelegate>(&face_);
+    window_ = std::make_unique<MainWindow>(*controller_);
+    presenter_.setWindow(window_.get());
+    face_.setWindow(window_.get());
+    setPickerWindow(window_.get());
+}
+
+WindowProgram::~WindowProgram()
+{
+    controller_->applicationWillTerminate();
+    face_.closeWindows();
+    presence_.reset();
+    presenter_.setWindow(nullptr);
+    face_.setWindow(nullptr);
+    setPickerWindow(nullptr);
+    window_.reset();
+    controller_.reset();
+    if (desktop_) {
+        setDesktopServices(nullptr);
+    }
+    setAlertPresenter(nullptr);
+}
+
+bool WindowProgram::start()
+{
+    // An alert of the start stands alone: its window is not shown yet.
+    presenter_.setWindow(nullptr);
+    const bool ready = controller_->awakeFromNib();
+    presenter_.setWindow(window_.get());
+    if (!ready) {
+        return false;
+    }
+    controller_->applicationDidFinishLaunching();
+    window_->takeDrops();
+    window_->show();
+    // Connecting to the message bus can take a moment; the window is shown first.
+    QTimer::singleShot(0, this, &WindowProgram::connectDesktop);
+    return true;
+}
+
+void WindowProgram::connectDesktop()
+{
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return;
+    }
+    desktop_ = std::make_unique<BusDesktopServices>(bus);
+    setDesktopServices(desktop_.get());
+    presence_ = std::make_unique<EncodingPresence>(*controller_, *window_, bus);
+}
+
+void WindowProgram::openFiles(const QStringList& paths)
+{
+    if (!paths.isEmpty()) {
+        controller_->applicationOpenFiles(paths);
+    }
+}
+
+void WindowProgram::endNow()
+{
+    // An open alert would keep the end waiting behind it.
+    presenter_.dismissAll();
+    RunLoopGate::instance().deliver([controller = QPointer(controller_.get())] {
+        if (controller) {
+            controller->quitWithoutQuestion();
+        }
+    });
+}
+
+} // namespace tavrix

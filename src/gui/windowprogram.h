@@ -1,0 +1,54 @@
+#pragma once
+
+#include "gui/dialogpresenter.h"
+#include "gui/windowface.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace tavrix
+{
+
+class appDelegate;
+class BusDesktopServices;
+class EncodingPresence;
+class MainWindow;
+
+// The desktop program put together: face, alerts, controller, window, desktop services. The application object must
+// exist.
+class WindowProgram : public QObject
+{
+    Q_OBJECT
+public:
+    // `end` leaves the event loop.
+    explicit WindowProgram(std::function<void()> end);
+    ~WindowProgram() override;
+
+    // False when a check of the start failed: its alert has been shown.
+    [[nodiscard]] bool start();
+    // The system's open request; absolute paths.
+    void openFiles(const QStringList& paths);
+    // A termination signal or the end of the session: no question is asked.
+    void endNow();
+    // True once the controller has asked for the end.
+    [[nodiscard]] bool hasEnded() const { return ended_; }
+
+    [[nodiscard]] appDelegate& controller() const { return *controller_; }
+    [[nodiscard]] MainWindow& window() const { return *window_; }
+    [[nodiscard]] DialogPresenter& presenter() { return presenter_; }
+    [[nodiscard]] WindowFace& face() { return face_; }
+
+private:
+    void connectDesktop();
+
+    bool ended_ = false;
+    DialogPresenter presenter_;
+    WindowFace face_;
+    std::unique_ptr<appDelegate> controller_;
+    std::unique_ptr<MainWindow> window_;
+    std::unique_ptr<BusDesktopServices> desktop_;
+    std::unique_ptr<EncodingPresence> presence_;
+};
+
+} // namespace tavrix

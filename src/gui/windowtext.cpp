@@ -1,0 +1,23 @@
+#include "gui/windowtext.h"
+
+#include "app/windowmodel.h"
+#include "base/localisation.h"
+
+namespace tavrix
+{
+
+QString windowText(const char* key, std::initializer_list<FormatArg> arguments)
+{
+    const QString text = localizedString(QString::fromLatin1(key), QStringLiteral("Window"));
+    return arguments.size() == 0 ? text : formatText(text, arguments);
+}
+
+QString formatName(int out)
+{
+    if (out < 0 || out >= outputFormatCount) {
+        return QStringLiteral("");
+    }
+    return localizedString(formatText(QStringLiteral("Win_format%d"), {out}), QStringLiteral("Window"));
+}
+
+} // namespace tavrix

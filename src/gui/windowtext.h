@@ -1,0 +1,15 @@
+#pragma once
+
+#include "base/format.h"
+
+#include <initializer_list>
+
+namespace tavrix
+{
+
+// Text of a key of the window's own table, filled with the arguments.
+[[nodiscard]] QString windowText(const char* key, std::initializer_list<FormatArg> arguments = {});
+// Short name of an output format; "" when out of range.
+[[nodiscard]] QString formatName(int out);
+
+} // namespace tavrix
