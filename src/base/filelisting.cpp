@@ -170,7 +170,7 @@ QString EyetvBundle(const QString& path)
     logDebug(QStringLiteral("EyetvBundle         - debut - %@"), {path});
     const QString parent = stringByDeletingLastPathComponent(path);
     const bool inside = containsText(path, QStringLiteral(".eyetv/")) && parent.endsWith(QLatin1String(".eyetv"));
-    const QString bundle = inside ? parent : path;
+    QString bundle = inside ? parent : path;
     logDebug(QStringLiteral("EyetvBundle         - fin   - %@"), {bundle});
     return bundle;
 }

@@ -98,7 +98,7 @@ QString decodedText(const QByteArray& bytes, StringEncoding* encoding)
     StringEncoding& number = encoding ? *encoding : ignored;
     for (const Mark& mark : marks()) {
         if (bytes.startsWith(mark.bytes)) {
-            const QString text = decodedBehindMark(bytes, mark);
+            QString text = decodedBehindMark(bytes, mark);
             number = text.isNull() ? 0 : mark.number;
             return text;
         }

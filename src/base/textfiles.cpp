@@ -112,7 +112,7 @@ QString readContentsTxtUTF8(const QString& path)
     copyByShell(source, copy);
     const FileDescriptor file = openFile(systemPath(copy), O_RDONLY | O_NOFOLLOW);
     const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestText) : std::nullopt;
-    const QString text = contents ? decodedAscii(*contents) : QString();
+    QString text = contents ? decodedAscii(*contents) : QString();
     // The flag is not the one that allows replacing, so the copy stays beside the file.
     if (!text.isNull() && linkStatus(systemPath(source)))
         mvCocoa(copy, source, QStringLiteral("-y"));
@@ -234,7 +234,7 @@ QString stringsFilePath(const QString& stringsFile)
     if (testPresenceC(path))
         return path;
     const QString name = stringByDeletingPathExtension(path);
-    const QString resource = pathForResource(name, pathExtension(path));
+    QString resource = pathForResource(name, pathExtension(path));
     if (!resource.isNull())
         return resource;
     return pathForResource(currentLanguage() + QStringLiteral(".lproj/") + name, pathExtension(path));
