@@ -29,9 +29,16 @@ bool isPictureType(const QString& mediaType, quint32 wanted)
                                               mediaType == QLatin1String("flsh") || mediaType == QLatin1String("movi"));
 }
 
+// Matrices have 16 fractional bits: a scaled side misses its whole pixels by a hair.
+double snapped(double side)
+{
+    constexpr double steps = 16.0;
+    return std::round(side * steps) / steps;
+}
+
 MediaSize sizeOf(const DisplayBox& box)
 {
-    return {box.right - box.left, box.bottom - box.top};
+    return {snapped(box.right - box.left), snapped(box.bottom - box.top)};
 }
 
 QVariant sizeValue(const MediaSize& size)

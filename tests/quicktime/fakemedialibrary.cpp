@@ -28,11 +28,10 @@ qint64 FakeMovie::nextInterestingTime(int flags, quint32 mediaType, qint64 from)
 {
     interestingFlags.append(flags);
     interestingTypes.append(mediaType);
-    for (const qint64 time : sampleTimes) {
-        if (time > from || (time == from && (flags & interesting::nextTimeEdgeOK) != 0))
-            return time;
-    }
-    return -1;
+    const bool edgeCounts = (flags & interesting::nextTimeEdgeOK) != 0;
+    const auto next = edgeCounts ? std::lower_bound(sampleTimes.cbegin(), sampleTimes.cend(), from)
+                                 : std::upper_bound(sampleTimes.cbegin(), sampleTimes.cend(), from);
+    return next == sampleTimes.cend() ? -1 : *next;
 }
 
 void FakeMovie::setEditable(bool editable)
