@@ -1,0 +1,269 @@
+#include "movencodermedia.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace tavrix::test;
+
+namespace
+{
+
+const QString plain = QStringLiteral("1280x720p");
+const QString boxed = QStringLiteral("1280x720pLetterbox");
+
+// The clip is made once for all tests of this file.
+class MovencoderPicture : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        shared_ = new TempFolder;
+        made_ = makeCameraMovie(camera(), 24);
+    }
+    static void TearDownTestSuite()
+    {
+        delete shared_;
+        shared_ = nullptr;
+    }
+    void SetUp() override { ASSERT_TRUE(made_); }
+    static QString camera() { return shared_->path(QStringLiteral("camera.mov")); }
+    [[nodiscard]] QString output() const { return folder_.path(QStringLiteral("out.mov")); }
+
+    static TempFolder* shared_;
+    static bool made_;
+    TempFolder folder_;
+};
+TempFolder* MovencoderPicture::shared_ = nullptr;
+bool MovencoderPicture::made_ = false;
+
+void expectSameTimes(const QMap<QString, QString>& actual, const QMap<QString, QString>& expected)
+{
+    for (const char* key : {"nb_read_frames", "duration", "start_time", "time_base", "r_frame_rate"})
+        EXPECT_EQ(actual.value(QLatin1String(key)).toStdString(), expected.value(QLatin1String(key)).toStdString())
+            << key;
+    EXPECT_EQ(actual.value(QStringLiteral("audio.duration")).toStdString(),
+              expected.value(QStringLiteral("audio.duration")).toStdString());
+}
+
+void expectKept(const QMap<QString, QString>& actual, const QMap<QString, QString>& expected)
+{
+    for (const char* key : {"color_space", "color_transfer", "color_primaries", "sample_aspect_ratio", "TAG:timecode",
+                            "TAG:creation_time", "format.TAG:creation_time"}) {
+        EXPECT_FALSE(expected.value(QLatin1String(key)).isEmpty()) << key;
+        EXPECT_EQ(actual.value(QLatin1String(key)).toStdString(), expected.value(QLatin1String(key)).toStdString())
+            << key;
+    }
+}
+
+struct FormatRow {
+    const char* name;
+    const char* format;
+    const char* codec;
+    const char* tag;
+    double leastPsnr;
+};
+
+class MovencoderFormats : public MovencoderPicture, public testing::WithParamInterface<FormatRow>
+{
+};
+
+TEST_P(MovencoderFormats, CameraClipKeepsAllButItsCodec)
+{
+    const FormatRow& row = GetParam();
+    const ToolResult result = movencode(settingsPath(plain), QLatin1String(row.format), camera(), output());
+    ASSERT_EQ(result.status, 0) << result.errors.constData();
+    EXPECT_EQ(result.errors.toStdString(), "");
+    EXPECT_EQ(decodeErrors(output()).toStdString(), "");
+
+    const auto source = probe(camera());
+    const auto made = probe(output());
+    EXPECT_EQ(source.value(QStringLiteral("nb_read_frames")), QStringLiteral("24"));
+    EXPECT_EQ(made.value(QStringLiteral("codec_name")).toStdString(), row.codec);
+    EXPECT_EQ(made.value(QStringLiteral("codec_tag_string")).toStdString(), row.tag);
+    EXPECT_EQ(made.value(QStringLiteral("field_order")), QStringLiteral("progressive"));
+    expectSameTimes(made, source);
+    expectKept(made, source);
+    const QByteArray sound = soundBytes(camera());
+    EXPECT_GT(sound.size(), 10'000);
+    EXPECT_TRUE(soundBytes(output()) == sound);
+    EXPECT_GE(psnr(output(), camera(), QStringLiteral("[0:v]format=yuv420p[a];[a][1:v]psnr")), row.leastPsnr);
+}
+
+INSTANTIATE_TEST_SUITE_P(Both, MovencoderFormats,
+                         testing::Values(FormatRow{"AppleIntermediate", "aic", "aic", "icod", 40.0},
+                                         FormatRow{"ProRes", "prores", "prores", "apcn", 42.0}),
+                         [](const testing::TestParamInfo<FormatRow>& row) { return std::string(row.param.name); });
+
+TEST_F(MovencoderPicture, ProgressLinesRiseToOneHundred)
+{
+    const ToolResult result = movencode(settingsPath(plain), QStringLiteral("aic"), camera(), output());
+    ASSERT_EQ(result.status, 0);
+    int last = -1;
+    QList<QByteArray> lines = result.output.split('\n');
+    ASSERT_EQ(lines.takeLast(), QByteArray()) << "the last line is not complete";
+    for (const QByteArray& line : lines) {
+        ASSERT_TRUE(line.startsWith("Processing (") && line.endsWith("%)")) << line.constData();
+        const int percent = line.mid(12, line.size() - 14).toInt();
+        EXPECT_GE(percent, last);
+        last = percent;
+    }
+    EXPECT_EQ(last, 100);
+}
+
+TEST_F(MovencoderPicture, EditedMovieKeepsItsPicturesAndItsEnd)
+{
+    const QString cut = folder_.path(QStringLiteral("cut.mov"));
+    ASSERT_TRUE(
+        makeMedia({QStringLiteral("-ss"), QStringLiteral("0.09"), QStringLiteral("-i"), camera(), QStringLiteral("-t"),
+                   QStringLiteral("0.2"), QStringLiteral("-c"), QStringLiteral("copy"), cut}));
+    const ToolResult result = movencode(settingsPath(plain), QStringLiteral("aic"), cut, output());
+    ASSERT_EQ(result.status, 0) << result.errors.constData();
+    const auto source = probe(cut);
+    EXPECT_LT(source.value(QStringLiteral("nb_read_frames")).toInt(), 24);
+    expectSameTimes(probe(output()), source);
+    EXPECT_GE(psnr(output(), cut, QStringLiteral("[0:v][1:v]psnr")), 40.0);
+}
+
+TEST_F(MovencoderPicture, RunningRowChoosesTheFormat)
+{
+    const QString home = folder_.path(QStringLiteral("home"));
+    const QString list = QStringLiteral("<plist version=\"1.0\"><dict><key>processEncDico</key><dict><key>out</key>"
+                                        "<integer>4</integer><key>dstPathStr</key><string>") +
+                         output() + QStringLiteral("</string><key>purgePathStr1</key><string>") + camera() +
+                         QStringLiteral("</string></dict></dict></plist>");
+    folder_.makeFile(QStringLiteral("home/Library/Preferences/org.tavrix.Tavrix.plist"), list.toUtf8());
+    const EnvironmentChange change("HOME", home.toUtf8().constData());
+    ASSERT_EQ(movencode(settingsPath(plain), QString(), camera(), output()).status, 0);
+    EXPECT_EQ(probe(output()).value(QStringLiteral("codec_name")), QStringLiteral("aic"));
+    const QString other = folder_.path(QStringLiteral("other.mov"));
+    ASSERT_EQ(movencode(settingsPath(plain), QString(), camera(), other).status, 0);
+    EXPECT_EQ(probe(other).value(QStringLiteral("codec_name")), QStringLiteral("prores"));
+}
+
+TEST_F(MovencoderPicture, BytesPerFrameBoundTheSize)
+{
+    const QString settings = folder_.makeFile(
+        QStringLiteral("settings"), QByteArrayLiteral("<plist version=\"1.0\"><dict><key>default</key><integer>4"
+                                                      "</integer><key>4</key><dict><key>bytesPerFrame</key><integer>"
+                                                      "100000</integer></dict></dict></plist>"));
+    ASSERT_EQ(movencode(settings, QString(), camera(), output()).status, 0);
+    const ToolResult sizes = runProgram(
+        QStringLiteral("ffprobe"), {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+                                    QStringLiteral("v"), QStringLiteral("-show_entries"), QStringLiteral("packet=size"),
+                                    QStringLiteral("-of"), QStringLiteral("csv=p=0"), output()});
+    const QList<QByteArray> lines = sizes.output.trimmed().split('\n');
+    ASSERT_EQ(lines.size(), 24);
+    for (const QByteArray& line : lines) {
+        EXPECT_LE(line.toInt(), 100'000);
+        EXPECT_GE(line.toInt(), 70'000);
+    }
+}
+
+class MovencoderShapes : public testing::Test
+{
+protected:
+    [[nodiscard]] QString path(const char* name) const { return folder_.path(QLatin1String(name)); }
+    TempFolder folder_;
+};
+
+TEST_F(MovencoderShapes, FourByThreeGetsBordersAndSquarePixels)
+{
+    const QString source = path("camera.mov");
+    ASSERT_TRUE(makeMedia({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                           QStringLiteral("testsrc2=s=640x480:r=30"), QStringLiteral("-t"), QStringLiteral("0.3"),
+                           QStringLiteral("-c:v"), QStringLiteral("mjpeg"), QStringLiteral("-q:v"), QStringLiteral("3"),
+                           QStringLiteral("-pix_fmt"), QStringLiteral("yuvj420p"), source}));
+    for (const char* format : {"aic", "prores"}) {
+        SCOPED_TRACE(format);
+        const QString output = path(format) + QStringLiteral(".mov");
+        ASSERT_EQ(movencode(settingsPath(boxed), QLatin1String(format), source, output).status, 0);
+        EXPECT_EQ(decodeErrors(output).toStdString(), "");
+        const auto made = probe(output);
+        EXPECT_EQ(made.value(QStringLiteral("width")), QStringLiteral("1280"));
+        EXPECT_EQ(made.value(QStringLiteral("height")), QStringLiteral("720"));
+        EXPECT_EQ(made.value(QStringLiteral("sample_aspect_ratio")), QStringLiteral("1:1"));
+        EXPECT_EQ(made.value(QStringLiteral("nb_read_frames")), QStringLiteral("9"));
+        // The JPEG's full range must come out as the limited one, here as the same picture after the same conversion.
+        EXPECT_GE(psnr(output, source,
+                       QStringLiteral("[0:v]crop=960:720:160:0,format=yuv420p[a];[1:v]scale=960:720:flags=bicubic:"
+                                      "out_range=tv,format=yuv420p[b];[a][b]psnr")),
+                  42.0);
+        for (const char* x : {"0", "1120"})
+            EXPECT_GE(psnr(output, source,
+                           QStringLiteral("color=black:s=160x720,format=yuv420p,trim=end_frame=9[c];[1:v]nullsink;"
+                                          "[0:v]crop=160:720:") +
+                               QLatin1String(x) + QStringLiteral(":0,format=yuv420p[a];[a][c]psnr=shortest=1")),
+                      48.0)
+                << x;
+    }
+}
+
+TEST_F(MovencoderShapes, FourByThreeStretchedKeepsItsDisplayAspect)
+{
+    const QString source = path("camera.mov");
+    ASSERT_TRUE(makeMedia({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                           QStringLiteral("testsrc2=s=640x480:r=30"), QStringLiteral("-t"), QStringLiteral("0.1"),
+                           QStringLiteral("-c:v"), QStringLiteral("libx264"), source}));
+    ASSERT_EQ(movencode(settingsPath(plain), QStringLiteral("aic"), source, path("out.mov")).status, 0);
+    const auto made = probe(path("out.mov"));
+    EXPECT_EQ(made.value(QStringLiteral("width")), QStringLiteral("1280"));
+    EXPECT_EQ(made.value(QStringLiteral("sample_aspect_ratio")), QStringLiteral("3:4"));
+    EXPECT_EQ(made.value(QStringLiteral("color_space")), QStringLiteral("smpte170m"))
+        << "enlarged without a tag it would be taken for high definition";
+}
+
+TEST_F(MovencoderShapes, AnamorphicWideScreenFillsThePicture)
+{
+    const QString source = path("camera.mov");
+    ASSERT_TRUE(makeMedia({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                           QStringLiteral("testsrc2=s=1440x1080:r=25,setsar=4/3"), QStringLiteral("-t"),
+                           QStringLiteral("0.12"), QStringLiteral("-c:v"), QStringLiteral("libx264"), source}));
+    ASSERT_EQ(movencode(settingsPath(boxed), QStringLiteral("aic"), source, path("out.mov")).status, 0);
+    const auto made = probe(path("out.mov"));
+    EXPECT_EQ(made.value(QStringLiteral("sample_aspect_ratio")), QStringLiteral("1:1"));
+    EXPECT_EQ(made.value(QStringLiteral("nb_read_frames")), QStringLiteral("3"));
+    EXPECT_GE(
+        psnr(path("out.mov"), source, QStringLiteral("[1:v]scale=1280:720:flags=bicubic,setsar=1[b];[0:v][b]psnr")),
+        40.0);
+}
+
+TEST_F(MovencoderShapes, InterlacedPicturesKeepTheirFieldsAtTheirSize)
+{
+    const QString source = path("camera.mts");
+    ASSERT_TRUE(
+        makeMedia({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                   QStringLiteral("testsrc2=s=720x576:r=50"), QStringLiteral("-t"), QStringLiteral("0.2"),
+                   QStringLiteral("-vf"), QStringLiteral("interlace=scan=tff,setsar=16/15"), QStringLiteral("-c:v"),
+                   QStringLiteral("libx264"), QStringLiteral("-flags"), QStringLiteral("+ildct+ilme"),
+                   QStringLiteral("-x264opts"), QStringLiteral("tff=1"), source}));
+    const QString settings = folder_.makeFile(
+        QStringLiteral("settings"),
+        QByteArrayLiteral("<plist version=\"1.0\"><dict><key>default</key><integer>4</integer><key>4</key><dict/>"
+                          "<key>5</key><dict/></dict></plist>"));
+    for (const char* format : {"aic", "prores"}) {
+        SCOPED_TRACE(format);
+        const QString output = path(format) + QStringLiteral(".mov");
+        ASSERT_EQ(movencode(settings, QLatin1String(format), source, output).status, 0);
+        EXPECT_EQ(decodeErrors(output).toStdString(), "");
+        const auto made = probe(output);
+        EXPECT_EQ(made.value(QStringLiteral("field_order")), QStringLiteral("tt"));
+        EXPECT_EQ(made.value(QStringLiteral("sample_aspect_ratio")), QStringLiteral("16:15"));
+        EXPECT_EQ(made.value(QStringLiteral("nb_read_frames")), QStringLiteral("5"));
+        EXPECT_EQ(made.value(QStringLiteral("start_time")), QStringLiteral("0.000000"));
+        EXPECT_GE(
+            psnr(output, source, QStringLiteral("[0:v]scale=interl=1:flags=bicubic,format=yuv420p[a];[a][1:v]psnr")),
+            42.0);
+    }
+    // With another height only one field can be used: the picture is as still as that field.
+    ASSERT_EQ(movencode(settingsPath(boxed), QStringLiteral("aic"), source, path("boxed.mov")).status, 0);
+    EXPECT_EQ(probe(path("boxed.mov")).value(QStringLiteral("field_order")), QStringLiteral("progressive"));
+    EXPECT_GE(psnr(path("boxed.mov"), source,
+                   QStringLiteral("[0:v]crop=960:720:160:0[a];[1:v]field=top,scale=960:720:flags=bicubic,setsar=1[b];"
+                                  "[a][b]psnr")),
+              38.0);
+}
+
+} // namespace
