@@ -2,7 +2,6 @@
 
 #include "base/alerts.h"
 #include "base/conversions.h"
-#include "base/filedelete.h"
 #include "base/log.h"
 #include "base/settings.h"
 #include "base/text.h"
