@@ -1,0 +1,274 @@
+#include "app/cameraclip.h"
+#include "base/bundle.h"
+#include "base/localisation.h"
+#include "support/qtprinters.h"
+#include "support/temphome.h"
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+struct VerdictRow {
+    const char* name;
+    const char* wrapper; // null: missing
+    const char* codec;
+    int width; // 0: missing
+    int height;
+    const char* interlacing;
+    const char* reason; // null: accepted
+};
+
+MediaInfoRecord recordOf(const VerdictRow& row)
+{
+    MediaInfoRecord infos;
+    if (row.wrapper != nullptr) {
+        infos.insert(record::wrapper, text(row.wrapper));
+    }
+    if (row.codec != nullptr) {
+        infos.insert(record::v0_codec, text(row.codec));
+    }
+    if (row.width != 0) {
+        infos.insert(record::v0_width, row.width);
+    }
+    if (row.height != 0) {
+        infos.insert(record::v0_height, row.height);
+    }
+    return infos;
+}
+
+class Verdict : public testing::TestWithParam<VerdictRow>
+{
+protected:
+    Verdict()
+    {
+        setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
+        setLanguage(QStringLiteral("en"));
+    }
+};
+
+const char* const noVideo = "no video that can be read";
+const char* const interlaced = "the picture is interlaced";
+
+const VerdictRow verdictRows[] = {
+    {"AvchdLite", "mpegts", "h264", 1280, 720, "PFF", nullptr},
+    {"SmallTransportStream", "mpegts", "h264", 320, 240, "PFF", nullptr},
+    {"CodecBeginsWithH264", "mpegts", "h264 (High)", 1280, 720, "PFF", nullptr},
+    {"QuickTimeJpeg", "mov,mp4,m4a,3gp,3g2,mj2", "mjpeg", 640, 480, "PFF", nullptr},
+    {"QuickTimeH264", "mov,mp4,m4a,3gp,3g2,mj2", "h264", 1280, 720, "PFF", nullptr},
+    {"AviJpeg", "avi", "mjpeg", 640, 480, "PFF", nullptr},
+    {"AviJpegBeginsOnly", "avi2", "mjpegb", 640, 480, "PFF", nullptr},
+    {"OneLineTooHigh", "mpegts", "h264", 1280, 721, "PFF", "1280x721 is larger than 1280x720"},
+    {"OneColumnTooWide", "mpegts", "h264", 1281, 720, "PFF", "1281x720 is larger than 1280x720"},
+    {"FullHd", "mpegts", "h264", 1920, 1080, "PFF", "1920x1080 is larger than 1280x720"},
+    {"TopFieldFirst", "mpegts", "h264", 1280, 720, "TFF", interlaced},
+    {"BottomFieldFirst", "mpegts", "h264", 1280, 720, "BFF", interlaced},
+    {"InterlacingUnknown", "mpegts", "h264", 1280, 720, "", interlaced},
+    {"TransportStreamIsNoPrefix", "mpegtsraw", "h264", 1280, 720, "PFF",
+     "h264 video in mpegtsraw is no camera clip format"},
+    {"JpegInTransportStream", "mpegts", "mjpeg", 640, 480, "PFF", "mjpeg video in mpegts is no camera clip format"},
+    {"H264InAvi", "avi", "h264", 640, 480, "PFF", "h264 video in avi is no camera clip format"},
+    {"Matroska", "matroska", "h264", 640, 480, "PFF", "h264 video in matroska is no camera clip format"},
+    {"Mpeg2InQuickTime", "mov", "mpeg2video", 640, 480, "PFF", "mpeg2video video in mov is no camera clip format"},
+    {"CodecInCapitals", "mpegts", "H264", 640, 480, "PFF", "H264 video in mpegts is no camera clip format"},
+    {"NoWidth", "mpegts", "h264", 0, 720, "PFF", noVideo},
+    {"NoHeight", "mpegts", "h264", 1280, 0, "PFF", noVideo},
+    {"NoWrapper", nullptr, "h264", 1280, 720, "PFF", noVideo},
+    {"NoCodec", "mpegts", nullptr, 1280, 720, "PFF", noVideo},
+    {"NothingFound", nullptr, nullptr, 0, 0, "PFF", noVideo},
+};
+
+} // namespace
+
+TEST_P(Verdict, IsThatOfTheTable)
+{
+    const ClipVerdict verdict = cameraClipVerdict(recordOf(GetParam()), text(GetParam().interlacing));
+    EXPECT_EQ(verdict.accepted, GetParam().reason == nullptr);
+    EXPECT_TEXT(verdict.reason, text(GetParam().reason));
+}
+
+INSTANTIATE_TEST_SUITE_P(CameraClip, Verdict, testing::ValuesIn(verdictRows), rowName<VerdictRow>);
+
+TEST(CameraClip, NoRecordIsNoClip)
+{
+    EXPECT_FALSE(cameraClipVerdict(std::nullopt, QStringLiteral("PFF")).accepted);
+}
+
+TEST(CameraClip, IsAcceptedInEveryLanguage)
+{
+    setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
+    for (const QString& language : availableLanguages()) {
+        setLanguage(language);
+        EXPECT_TRUE(cameraClipVerdict(recordOf(verdictRows[0]), QStringLiteral("PFF")).accepted)
+            << language.toStdString();
+    }
+    setLanguage(QStringLiteral("en"));
+}
+
+namespace
+{
+
+struct AspectRow {
+    const char* name;
+    int width;
+    int height;
+    float aspect;
+    const char* size;
+};
+
+class Aspect : public testing::TestWithParam<AspectRow>
+{
+};
+
+// 1.6, 1.4 and 1.8 lie on the edges of the classes: comparing in single precision would move 1.6 and 1.4.
+const AspectRow aspectRows[] = {
+    {"Wide", 1280, 720, 1.77F, "320x180"},
+    {"Classic", 640, 480, 1.33F, "240x180"},
+    {"BetweenKept", 720, 480, 1.5F, "240x180"},
+    {"SixteenToTen", 640, 400, 1.77F, "320x180"},
+    {"JustBelowSixteenToTen", 636, 400, 1.59F, "240x180"},
+    {"FourteenToTen", 720, 512, 1.33F, "240x180"},
+    {"JustAboveFourteenToTen", 722, 512, 1.41F, "240x180"},
+    {"EighteenToTen", 720, 400, 1.77F, "320x180"},
+    {"Scope", 1280, 544, 2.35F, "240x180"},
+    {"Square", 480, 480, 1.0F, "240x180"},
+    {"Tall", 480, 640, 0.75F, "240x180"},
+    {"NoWidth", 0, 720, 1.77F, "320x180"},
+    {"NoHeight", 1280, 0, 1.77F, "320x180"},
+};
+
+} // namespace
+
+TEST_P(Aspect, IsSnappedAndGivesTheThumbnailSize)
+{
+    const VerdictRow row = {"", nullptr, nullptr, GetParam().width, GetParam().height, "", nullptr};
+    const float aspect = clipAspect(recordOf(row));
+    EXPECT_FLOAT_EQ(aspect, GetParam().aspect);
+    EXPECT_TEXT(thumbnailSize(aspect), text(GetParam().size));
+}
+
+INSTANTIATE_TEST_SUITE_P(CameraClip, Aspect, testing::ValuesIn(aspectRows), rowName<AspectRow>);
+
+TEST(CameraClip, HeightOfZeroInTheRecordIsNoDivision)
+{
+    MediaInfoRecord infos;
+    infos.insert(record::v0_width, 640);
+    infos.insert(record::v0_height, 0);
+    EXPECT_FLOAT_EQ(clipAspect(infos), 1.77F);
+}
+
+namespace
+{
+
+struct LetterRow {
+    const char* name;
+    const char* line;
+    const char* letter;
+};
+
+class Letter : public testing::TestWithParam<LetterRow>
+{
+};
+
+const LetterRow letterRows[] = {
+    {"Progressive", "YUV4MPEG2 W640 H480 F25:1 Ip A0:0", "p"},
+    {"TopFirst", "YUV4MPEG2 W640 H480 F25:1 It A0:0", "t"},
+    {"BottomFirst", "YUV4MPEG2 W640 H480 F25:1 Ib A0:0", "b"},
+    {"FirstOccurrence", "YUV4MPEG2 It Ib", "t"},
+    {"WholeLineWithout", "YUV4MPEG2 W640", "YUV4MPEG2 W640"},
+    {"WholeLineOfOneLetter", "t", "t"},
+    {"NothingBehind", "YUV4MPEG2 I", ""},
+    {"EmptyLine", "", ""},
+};
+
+} // namespace
+
+TEST_P(Letter, IsTheOneBehindTheMark)
+{
+    EXPECT_TEXT(interlacingLetter(text(GetParam().line)), text(GetParam().letter));
+}
+
+INSTANTIATE_TEST_SUITE_P(CameraClip, Letter, testing::ValuesIn(letterRows), rowName<LetterRow>);
+
+TEST(CameraClip, FirstLineEndsAtEitherLineBreak)
+{
+    const TempFolder folder;
+    EXPECT_TEXT(firstLineOfFile(folder.makeFile(QStringLiteral("a"), "head\nFRAME")), QStringLiteral("head"));
+    EXPECT_TEXT(firstLineOfFile(folder.makeFile(QStringLiteral("b"), "head\r\nFRAME")), QStringLiteral("head"));
+    EXPECT_TEXT(firstLineOfFile(folder.makeFile(QStringLiteral("c"), "head")), QStringLiteral("head"));
+    EXPECT_TRUE(firstLineOfFile(folder.makeFile(QStringLiteral("d"), "")).isEmpty());
+}
+
+TEST(CameraClip, FirstLineIsBounded)
+{
+    const TempFolder folder;
+    EXPECT_EQ(firstLineOfFile(folder.makeFile(QStringLiteral("long"), QByteArray(100000, 'x'))).size(), 4096);
+}
+
+TEST(CameraClip, FirstLineOfAMissingFileIsNothing)
+{
+    const TempFolder folder;
+    EXPECT_TEXT(firstLineOfFile(folder.path(QStringLiteral("none"))), QString());
+}
+
+namespace
+{
+
+struct JpegRow {
+    const char* name;
+    const char* hex;
+    bool valid;
+};
+
+class Jpeg : public testing::TestWithParam<JpegRow>
+{
+};
+
+const JpegRow jpegRows[] = {
+    {"Baseline", "ffd8ffe000040000ffc0000b080010002001011100ffd9", true},
+    {"Progressive", "ffd8ffc2000b080010002001011100ffd9", true},
+    {"NoHeight", "ffd8ffc0000b080000002001011100ffd9", false},
+    {"NoWidth", "ffd8ffc0000b080010000001011100ffd9", false},
+    {"CutBeforeTheSize", "ffd8ffe000040000ffc0000b08", false},
+    {"StartOnly", "ffd8ff", false},
+    {"SegmentBeyondTheEnd", "ffd8ffe0ffff0000ffc0000b080010002001011100", false},
+    {"Png", "89504e470d0a1a0a", false},
+    {"Empty", "", false},
+};
+
+} // namespace
+
+TEST_P(Jpeg, IsRecognisedByItsFrameHeader)
+{
+    const TempFolder folder;
+    const QString file = folder.makeFile(QStringLiteral("x.jpg"), QByteArray::fromHex(GetParam().hex));
+    EXPECT_EQ(isJpegFile(file), GetParam().valid);
+}
+
+INSTANTIATE_TEST_SUITE_P(CameraClip, Jpeg, testing::ValuesIn(jpegRows), rowName<JpegRow>);
+
+TEST(CameraClip, SegmentsOfNoLengthDoNotHang)
+{
+    const TempFolder folder;
+    QByteArray bytes = QByteArray::fromHex("ffd8");
+    for (int i = 0; i < 1000; ++i) {
+        bytes += QByteArray::fromHex("ffe00000");
+    }
+    EXPECT_FALSE(isJpegFile(folder.makeFile(QStringLiteral("x.jpg"), bytes)));
+    EXPECT_FALSE(isJpegFile(folder.path(QStringLiteral("none.jpg"))));
+    EXPECT_FALSE(isJpegFile(QString()));
+}
+
+TEST(CameraClip, DescriptionTellsWhatIsKnown)
+{
+    MediaInfoRecord infos;
+    EXPECT_TRUE(clipDescription(infos).isEmpty());
+    infos.insert(record::v0_codec, QStringLiteral("h264"));
+    infos.insert(record::v0_width, 1280);
+    infos.insert(record::v0_height, 720);
+    infos.insert(record::v0_fps, QVariant(29.97F));
+    EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, 29.97 fps"));
+    infos.insert(record::w_duration, 65);
+    EXPECT_TRUE(clipDescription(infos).startsWith(QLatin1String("h264, 1280x720, 29.97 fps, ")));
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/appdelegate.h"
+#include "app/stepflags.h"
+#include "support/fakeface.h"
+#include "support/faketools.h"
+#include "support/qtprinters.h"
+#include "support/temphome.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace tavrix::test
+{
+
+// Sends the error stream, with all log lines, elsewhere while it lives: thousands of steps would fill the report.
+class QuietErrorStream
+{
+public:
+    QuietErrorStream();
+    ~QuietErrorStream();
+    QuietErrorStream(const QuietErrorStream&) = delete;
+    QuietErrorStream& operator=(const QuietErrorStream&) = delete;
+
+private:
+    int kept_;
+};
+
+// Settings, preferences and gate as a fresh start finds them, with folders of the test's own.
+void resetProcessState(const QString& temporaryFolder);
+
+// A controller with a face and tools that are pretended, ready to take drops; its start checks are skipped.
+class ControllerTest : public testing::Test
+{
+protected:
+    ControllerTest();
+    ~ControllerTest() override;
+
+    void makeController();
+    [[nodiscard]] WindowModel& model() { return controller->model(); }
+    [[nodiscard]] BatchList& rows() { return model().encBatchArrayController; }
+    [[nodiscard]] QString icons(); // "puce puceSuccess": the rows' icons in order
+    [[nodiscard]] QString sourceOf(int row);
+    [[nodiscard]] QString outputOf(const QString& source); // where a row of this source and format 3 goes
+    [[nodiscard]] QString resumeLog();
+
+    QString clip(const QString& name); // makes a source of that name
+    QStringList makeClips(int count);  // "clip01.mts" ...
+    // Drops the sources and lets their analysis run to its end.
+    void addRows(const QStringList& sources);
+    void pressStart() { controller->iba_batchEncGoBt(); }
+    void pressPause(); // toggles pause and play
+    void pressStop();
+    // Start, then every child to its end.
+    void runBatch();
+
+    // No alert open, intake open, no step of either machine left: what every quiet moment looks like.
+    void expectIdle();
+
+    const TempFolder folder;
+    const QString destination = folder.makeFolder(QStringLiteral("destination"));
+    const QString events = destination + QStringLiteral("/Tavrix events");
+    FakeFace face;
+    FakeTools tools;
+    LogCapture log;
+    std::unique_ptr<appDelegate> controller;
+};
+
+} // namespace tavrix::test

@@ -1,0 +1,240 @@
+#include "controllertest.h"
+
+#include "base/preferences.h"
+
+#include <QFile>
+
+#include <unistd.h>
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+constexpr int replaceButton = 0;
+constexpr int keepButton = 1;
+constexpr int timeOut = -1;
+
+class ExistingOutput : public ControllerTest
+{
+protected:
+    // Rows whose outputs exist already.
+    void prepare(int count)
+    {
+        sources = makeClips(count);
+        addRows(sources);
+        folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+        for (const QString& source : sources) {
+            ASSERT_TRUE(makeSparseFile(outputOf(source), 777));
+        }
+        face.alerts.clear();
+        face.events.clear();
+    }
+
+    [[nodiscard]] int questions() const
+    {
+        int found = 0;
+        for (const AlertRequest& alert : face.alerts) {
+            found += alert.hasCheckBox ? 1 : 0;
+        }
+        return found;
+    }
+
+    [[nodiscard]] bool isOld(int row) { return QFile(outputOf(sources.at(row))).size() == 777 * 1024; }
+
+    QStringList sources;
+};
+
+} // namespace
+
+TEST_F(ExistingOutput, QuestionIsPlainTimedAndNamesTheFile)
+{
+    prepare(1);
+    face.answer(keepButton);
+    runBatch();
+    const AlertRequest& alert = face.alerts.first();
+    EXPECT_TEXT(alert.title, outputOf(sources.at(0)).mid(events.size() + 1));
+    EXPECT_TEXT(alert.text, QStringLiteral("A converted clip of this name already exists. Do you want to replace it?"));
+    EXPECT_TEXTS(alert.buttons, QStringList({QStringLiteral("Replace"), QStringLiteral("Keep")}));
+    EXPECT_TRUE(alert.hasCheckBox);
+    EXPECT_TEXT(alert.checkBoxTitle, QStringLiteral("Apply to all clips of this batch"));
+    EXPECT_EQ(alert.seconds, 60);
+}
+
+TEST_F(ExistingOutput, KeptWithTheBoxTickedIsKeptWithoutAskingFromThenOn)
+{
+    prepare(3);
+    QFile::remove(outputOf(sources.at(0)));
+    face.answer(keepButton, true);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceFailure puceFailure"));
+    EXPECT_EQ(questions(), 1);
+    EXPECT_TRUE(isOld(1));
+    EXPECT_TRUE(isOld(2));
+    EXPECT_TEXT(rows().row(1).reason, QStringLiteral("an output of that name exists and was kept"));
+    EXPECT_FALSE(resumeLog().contains(sources.at(1)));
+    expectIdle();
+}
+
+TEST_F(ExistingOutput, AnswersWithoutTheBoxAreAskedEachTime)
+{
+    prepare(4);
+    face.answer(replaceButton);
+    face.answer(keepButton);
+    face.answer(replaceButton, true);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceFailure puceSuccess puceSuccess"));
+    EXPECT_EQ(questions(), 3);
+    EXPECT_FALSE(isOld(0));
+    EXPECT_TRUE(isOld(1));
+    EXPECT_FALSE(isOld(3));
+    expectIdle();
+}
+
+TEST_F(ExistingOutput, StoredAnswerEndsWithTheBatch)
+{
+    prepare(1);
+    face.answer(keepButton, true);
+    runBatch();
+    EXPECT_EQ(questions(), 1);
+    face.answer(replaceButton);
+    runBatch();
+    EXPECT_EQ(questions(), 2);
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
+}
+
+TEST_F(ExistingOutput, TimeOutReplaces)
+{
+    prepare(1);
+    face.answer(timeOut);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
+    EXPECT_FALSE(isOld(0));
+}
+
+TEST_F(ExistingOutput, ChoiceMadeBeforehandAsksNothing)
+{
+    prepare(2);
+    controller->setReplacePolicy(0);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceFailure puceFailure"));
+    controller->setReplacePolicy(1);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceSuccess"));
+    EXPECT_EQ(questions(), 0);
+    controller->setReplacePolicy(std::nullopt);
+    face.answer(keepButton, true);
+    runBatch();
+    EXPECT_EQ(questions(), 1);
+}
+
+TEST_F(ExistingOutput, TwoThousandKeptRowsDoNotGrowTheStack)
+{
+    const QuietErrorStream quiet;
+    constexpr int count = 300;
+    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+    for (const QString& source : makeClips(count)) {
+        BatchRow row;
+        row.out = 3;
+        row.dico = {{record::mainEncSrcPathStr, source}, {record::v0_codec, QStringLiteral("h264")}};
+        rows().append(row);
+        ASSERT_TRUE(makeSparseFile(outputOf(source), 300));
+    }
+    face.answer(keepButton, true);
+    quintptr lowest = 0;
+    quintptr highest = 0;
+    QObject::connect(controller.get(), &appDelegate::rowFinished, controller.get(), [&] {
+        const auto here = reinterpret_cast<quintptr>(__builtin_frame_address(0));
+        lowest = lowest == 0 ? here : qMin(lowest, here);
+        highest = qMax(highest, here);
+    });
+    pressStart();
+    settle();
+    EXPECT_EQ(questions(), 1);
+    EXPECT_EQ(icons().count(rowIcon::failure), count);
+    EXPECT_LE(highest - lowest, 4096U);
+    expectIdle();
+}
+
+TEST_F(ExistingOutput, TwoClipsWithOneOutputNameDoNotDestroyEachOther)
+{
+    const QStringList twins = {clip(QStringLiteral("one/a.mts")), clip(QStringLiteral("two/a.mts")),
+                               clip(QStringLiteral("three/a.mts"))};
+    addRows(twins);
+    if (outputOf(twins.at(0)) != outputOf(twins.at(1)) || outputOf(twins.at(0)) != outputOf(twins.at(2))) {
+        GTEST_SKIP() << "the clips were not made in one second";
+    }
+    controller->setReplacePolicy(1);
+    prefWrite(pref::replaceFilesCheck, 1);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceFailure puceFailure"));
+    EXPECT_TEXT(rows().row(1).reason, QStringLiteral("another clip of this batch has the same output name"));
+    EXPECT_TRUE(resumeLog().contains(QStringLiteral("failure             : another clip of this batch has the same "
+                                                    "output name (") +
+                                     outputOf(twins.at(0)) + QStringLiteral(")\n")));
+    EXPECT_EQ(questions(), 0);
+    EXPECT_EQ(tools.count(ToolKind::Encode), 1);
+    expectIdle();
+}
+
+TEST_F(ExistingOutput, NextBatchMayReplaceWhatTheOneBeforeWrote)
+{
+    sources = makeClips(1);
+    addRows(sources);
+    runBatch();
+    face.answer(replaceButton);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
+    EXPECT_EQ(tools.count(ToolKind::Encode), 2);
+}
+
+TEST_F(ExistingOutput, SourceIsNeverOverwritten)
+{
+    const QString first = clip(QStringLiteral("a.mov"));
+    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+    const QString second = outputOf(first);
+    ASSERT_TRUE(writeBytes(second, "precious"));
+    for (const QString& source : {first, second}) {
+        BatchRow row;
+        row.out = 3;
+        row.dico = {{record::mainEncSrcPathStr, source}, {record::v0_codec, QStringLiteral("h264")}};
+        rows().append(row);
+    }
+    controller->setReplacePolicy(1);
+    runBatch();
+    EXPECT_TEXT(rows().row(0).resultat, rowIcon::failure);
+    EXPECT_TEXT(rows().row(0).reason, QStringLiteral("the output would overwrite one of the sources"));
+    EXPECT_TRUE(resumeLog().contains(QStringLiteral("failure             : the output would overwrite")));
+    EXPECT_EQ(readBytes(second), QByteArray("precious"));
+}
+
+TEST_F(ExistingOutput, HardLinkOfASourceIsNeverOverwritten)
+{
+    const QString source = clip(QStringLiteral("a.mov"));
+    addRows({source});
+    tools.clips[source].wrapper = QStringLiteral("mov");
+    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+    ASSERT_EQ(::link(qPrintable(source), qPrintable(outputOf(source))), 0);
+    controller->setReplacePolicy(1);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceFailure"));
+    EXPECT_EQ(readBytes(source), QByteArray("clip"));
+}
+
+TEST_F(ExistingOutput, DropWhileTheQuestionIsOpenWaits)
+{
+    prepare(1);
+    const QString other = clip(QStringLiteral("other.mts"));
+    face.answers.push_back([&](const AlertRequest&) {
+        controller->dragNDropPerformDrag(nullptr, {other});
+        EXPECT_EQ(tools.count(ToolKind::Encode), 0);
+        return AlertOutcome{replaceButton, false};
+    });
+    pressStart();
+    EXPECT_EQ(tools.count(ToolKind::Encode), 1);
+    EXPECT_EQ(tools.count(ToolKind::Decode), 1);
+    ASSERT_TRUE(tools.finishAll());
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceSuccess"));
+    expectIdle();
+}

@@ -1,0 +1,112 @@
+#include "support/fakelauncher.h"
+
+#include "base/runloopgate.h"
+
+#include <QPointer>
+
+namespace tavrix::test
+{
+
+FakeLauncher::FakeLauncher(LaunchHandler onLaunch) : onLaunch_(std::move(onLaunch))
+{
+    connect(&RunLoopGate::instance(), &RunLoopGate::opened, this, [this] { deliver(); });
+}
+
+int FakeLauncher::launchTasksWithArguments(const QStringList& arguments)
+{
+    arguments_ = arguments;
+    if (arguments.isEmpty()) {
+        return 1;
+    }
+    running_ = true;
+    const int result = onLaunch_(this, arguments);
+    started_ = result == 0;
+    return result;
+}
+
+void FakeLauncher::suspend()
+{
+    if (!started_ || !running_ || suspended_) {
+        return;
+    }
+    suspended_ = true;
+    if (delegate() != nullptr) {
+        delegate()->taskLauncherTaskDidSuspend(this);
+    }
+}
+
+void FakeLauncher::resume()
+{
+    if (!started_ || !suspended_) {
+        return;
+    }
+    suspended_ = false;
+    if (delegate() != nullptr) {
+        delegate()->taskLauncherTaskDidResume(this);
+    }
+}
+
+void FakeLauncher::terminate()
+{
+    running_ = false;
+    if (!started_) {
+        return;
+    }
+    waiting_.clear();
+    const QPointer<FakeLauncher> alive(this);
+    resume();
+    if (!alive) {
+        return;
+    }
+    if (!endedByItself_) {
+        status_ = statusInterrupted;
+    }
+    if (delegate() != nullptr && !reported_) {
+        reported_ = true;
+        delegate()->taskLauncherTaskDidEnd(this);
+    }
+}
+
+void FakeLauncher::write(const QString& text)
+{
+    keep([this, text] {
+        if (delegate() != nullptr) {
+            delegate()->taskLauncherDidReceiveNewString(this, text);
+        }
+    });
+}
+
+void FakeLauncher::end(int status)
+{
+    if (ending_) {
+        return;
+    }
+    keep([this, status] {
+        status_ = status;
+        endedByItself_ = true;
+        terminate();
+    });
+    ending_ = true;
+    deliver();
+}
+
+void FakeLauncher::keep(std::function<void()> event)
+{
+    if (!started_ || !running_ || ending_) {
+        return;
+    }
+    waiting_.push_back(std::move(event));
+    deliver();
+}
+
+void FakeLauncher::deliver()
+{
+    const QPointer<FakeLauncher> alive(this);
+    while (alive && !waiting_.empty() && !RunLoopGate::instance().isClosed()) {
+        const std::function<void()> event = waiting_.front();
+        waiting_.erase(waiting_.begin());
+        event();
+    }
+}
+
+} // namespace tavrix::test

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "process/tasklauncher.h"
+
+#include <functional>
+#include <vector>
+
+namespace tavrix::test
+{
+
+// A launcher without processes. The test decides what its chain writes and when it ends; callbacks come as from the
+// real one: never while an application-modal alert is open, the end once, and a release inside a callback is allowed.
+class FakeLauncher : public taskLauncher
+{
+public:
+    // Answers what the launch returns: 0 starts the pretended chain.
+    using LaunchHandler = std::function<int(FakeLauncher*, const QStringList&)>;
+
+    explicit FakeLauncher(LaunchHandler onLaunch);
+
+    int launchTasksWithArguments(const QStringList& arguments) override;
+    [[nodiscard]] bool isRunning() const override { return running_; }
+    [[nodiscard]] bool isSuspended() const override { return suspended_; }
+    [[nodiscard]] int terminationStatus() const override { return status_; }
+    void suspend() override;
+    void resume() override;
+    void terminate() override;
+
+    // What the pretended chain does. Nothing happens after it has ended.
+    void write(const QString& text);
+    void end(int status);
+
+    [[nodiscard]] const QStringList& arguments() const { return arguments_; }
+    // Told to end, or ended by itself with the report still waiting.
+    [[nodiscard]] bool isEnding() const { return ending_; }
+
+private:
+    void keep(std::function<void()> event);
+    void deliver();
+
+    LaunchHandler onLaunch_;
+    QStringList arguments_;
+    std::vector<std::function<void()>> waiting_;
+    bool started_ = false;
+    bool running_ = false;
+    bool suspended_ = false;
+    bool ending_ = false;
+    bool endedByItself_ = false;
+    bool reported_ = false;
+    int status_ = 0;
+};
+
+} // namespace tavrix::test

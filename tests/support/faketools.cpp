@@ -1,0 +1,198 @@
+#include "support/faketools.h"
+
+#include "base/format.h"
+#include "support/temphome.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QFile>
+
+namespace tavrix::test
+{
+
+namespace
+{
+
+const QString inputOption = QStringLiteral("-i");
+
+ToolKind kindOf(const QStringList& arguments)
+{
+    if (arguments.first().endsWith(QLatin1String("/movencoder"))) {
+        return ToolKind::SecondPass;
+    }
+    if (arguments.contains(QStringLiteral("yuv4mpegpipe"))) {
+        return ToolKind::Decode;
+    }
+    return arguments.value(1) == QLatin1String("-vframes") ? ToolKind::Thumbnail : ToolKind::Encode;
+}
+
+QByteArray frameHeader(const QString& letter)
+{
+    return "YUV4MPEG2 W640 H480 F25:1 I" + letter.toUtf8() + " A0:0 C420mpeg2 XYSCSS=420MPEG2\nFRAME\n";
+}
+
+} // namespace
+
+QString FakeTools::Launch::source() const
+{
+    const qsizetype at = arguments.indexOf(inputOption);
+    return at < 0 ? arguments.value(arguments.size() - 2) : arguments.value(at + 1);
+}
+
+std::function<taskLauncher*()> FakeTools::factory()
+{
+    return [this] {
+        return new FakeLauncher(
+            [this](FakeLauncher* launcher, const QStringList& arguments) { return noteLaunch(launcher, arguments); });
+    };
+}
+
+int FakeTools::noteLaunch(FakeLauncher* launcher, const QStringList& arguments)
+{
+    Launch launch;
+    launch.kind = kindOf(arguments);
+    launch.arguments = arguments;
+    if (!results.empty()) {
+        launch.result = results.front();
+        results.pop_front();
+    }
+    launch.launcher = launch.result == 0 ? launcher : nullptr;
+    if (launch.kind == ToolKind::Encode) {
+        movieSources_.insert(launch.output(), launch.source());
+    }
+    launches << launch;
+    mostAtOnce = qMax(mostAtOnce, static_cast<int>(running().size()));
+    return launch.result;
+}
+
+QList<FakeTools::Launch> FakeTools::running() const
+{
+    QList<Launch> found;
+    for (const Launch& launch : launches) {
+        if (launch.launcher && launch.launcher->isRunning() && !launch.launcher->isEnding()) {
+            found << launch;
+        }
+    }
+    return found;
+}
+
+int FakeTools::count(ToolKind kind) const
+{
+    int found = 0;
+    for (const Launch& launch : launches) {
+        found += launch.kind == kind ? 1 : 0;
+    }
+    return found;
+}
+
+FakeTools::Launch FakeTools::current(ToolKind kind) const
+{
+    for (const Launch& launch : running()) {
+        if (launch.kind == kind) {
+            return launch;
+        }
+    }
+    return {};
+}
+
+FakeClip FakeTools::clipOf(const Launch& launch) const
+{
+    const bool secondPass = launch.kind == ToolKind::SecondPass;
+    return clips.value(secondPass ? movieSources_.value(launch.output()) : launch.source());
+}
+
+void FakeTools::writeFiles(const Launch& launch) const
+{
+    const FakeClip clip = clipOf(launch);
+    if (launch.kind == ToolKind::Decode) {
+        if (!clip.letter.isNull()) {
+            writeBytes(launch.output(), frameHeader(clip.letter));
+        }
+    } else if (launch.kind == ToolKind::Thumbnail) {
+        if (clip.image) {
+            writeBytes(launch.output(), tinyJpeg());
+        }
+    } else if (clip.kilobytes >= 0) {
+        makeSparseFile(launch.output(), clip.kilobytes);
+    }
+}
+
+void FakeTools::finish(const Launch& launch, int status) const
+{
+    if (!launch.launcher) {
+        return;
+    }
+    writeFiles(launch);
+    if (launch.kind == ToolKind::Decode) {
+        const FakeClip clip = clipOf(launch);
+        const QString text = clip.text.isNull() ? bannerOf(clip, launch.source()) : clip.text;
+        if (!text.isEmpty()) {
+            launch.launcher->write(text);
+        }
+    }
+    // The text may have had any consequence.
+    if (launch.launcher) {
+        launch.launcher->end(status);
+    }
+}
+
+bool FakeTools::finish(ToolKind kind, int status) const
+{
+    const Launch launch = current(kind);
+    if (!launch.launcher) {
+        return false;
+    }
+    finish(launch, status);
+    settle();
+    return true;
+}
+
+bool FakeTools::finishAll(int limit) const
+{
+    settle();
+    for (int i = 0; i < limit; ++i) {
+        const QList<Launch> left = running();
+        if (left.isEmpty()) {
+            return true;
+        }
+        finish(left.last());
+        settle();
+    }
+    return false;
+}
+
+QString bannerOf(const FakeClip& clip, const QString& source)
+{
+    return formatText(QStringLiteral("FFmpeg version git-N-23134-gabcdef, Copyright (c) 2000-2010\n"
+                                     "Input #0, %@, from '%@':\n"
+                                     "  Duration: %@, start: 0.300000, bitrate: 17000 kb/s\n"
+                                     "    Stream #0.0[0x1011]: Video: %@, yuv420p, %dx%d [PAR 1:1 DAR 16:9], 25 fps, "
+                                     "25 tbr, 90k tbn, 50 tbc\n"
+                                     "    Stream #0.1[0x1100]: Audio: ac3, 48000 Hz, stereo, s16, 192 kb/s\n"
+                                     "Output #0, yuv4mpegpipe, to 'frame.yuv':\n"),
+                      {clip.wrapper, source, clip.duration, clip.codec, clip.width, clip.height});
+}
+
+QByteArray tinyJpeg()
+{
+    return QByteArray::fromHex("ffd8ffe000104a46494600010100000100010000"
+                               "ffc0000b080001000101011100ffd9");
+}
+
+bool makeSparseFile(const QString& path, int kilobytes)
+{
+    // A new file each time, as the tools' own outputs are.
+    QFile::remove(path);
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.resize(qint64{kilobytes} * 1024);
+}
+
+void settle()
+{
+    for (int i = 0; i < 3; ++i) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+} // namespace tavrix::test
