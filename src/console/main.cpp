@@ -90,6 +90,10 @@ int convert(QCoreApplication& application, const ConsoleOptions& options)
     ConsoleFace face(&reporter, mayAsk);
     setAlertPresenter(&face);
     setDesktopServices(&face);
+    // Diagnostics belong in the detail log; what is written before it is open would only litter the terminal.
+    if (std::freopen("/dev/null", "a", stderr) == nullptr) {
+        return exitSomeFailed;
+    }
     int status = exitSomeFailed;
     {
         appDelegate controller(&face);
