@@ -1,0 +1,85 @@
+#include "process/childprocess.h"
+#include "process/tasklauncher.h"
+#include "processsupport.h"
+#include "support/qtprinters.h"
+#include "support/waituntil.h"
+
+#include <csignal>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+TEST(ChildProcess, StartsWithDefaultSignalsAndAnEmptyMask)
+{
+    sigset_t blocked;
+    sigset_t before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR1);
+    sigprocmask(SIG_BLOCK, &blocked, &before);
+    const auto previous = std::signal(SIGPIPE, SIG_IGN);
+    Recorder recorder;
+    taskLauncher launcher;
+    launcher.setDelegate(&recorder);
+    EXPECT_EQ(launcher.launchTasksWithArguments(fake({QStringLiteral("signals")})), 0);
+    std::signal(SIGPIPE, previous);
+    sigset_t now;
+    sigprocmask(SIG_SETMASK, &before, &now);
+    EXPECT_EQ(sigismember(&now, SIGUSR1), 1) << "the program's own mask is untouched";
+    EXPECT_TRUE(waitUntil([&] { return recorder.ends > 0; }));
+    EXPECT_TEXT(recorder.text, QStringLiteral("default"));
+}
+
+TEST(ChildProcess, AnIgnoredChildSignalDoesNotLoseTheStatus)
+{
+    const auto previous = std::signal(SIGCHLD, SIG_IGN);
+    Recorder recorder;
+    taskLauncher launcher;
+    launcher.setDelegate(&recorder);
+    EXPECT_EQ(launcher.launchTasksWithArguments(fake({QStringLiteral("exit"), QStringLiteral("8")})), 0);
+    EXPECT_TRUE(waitUntil([&] { return recorder.ends > 0; }));
+    std::signal(SIGCHLD, previous);
+    EXPECT_EQ(launcher.terminationStatus(), 8);
+}
+
+TEST(ChildProcess, RefusesArgumentsThatTheSystemWouldCut)
+{
+    ChildSetup setup;
+    setup.program = fakeChild();
+    setup.arguments = {QStringLiteral("out"), QString(QStringLiteral("a")) + QChar(u'\0') + QStringLiteral("b")};
+    QString failure;
+    EXPECT_FALSE(ChildProcess::start(setup, &failure).exists());
+    EXPECT_FALSE(failure.isEmpty());
+}
+
+class ExitDescriptor : public testing::TestWithParam<ExitWatch>
+{
+};
+
+TEST_P(ExitDescriptor, BecomesReadableAtTheEnd)
+{
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        for (;;)
+            pause();
+    }
+    const UniqueFd fd = openExitDescriptor(pid, GetParam());
+    ASSERT_TRUE(fd.isValid());
+    pollfd watched = {fd.get(), POLLIN, 0};
+    EXPECT_EQ(poll(&watched, 1, 0), 0);
+    kill(pid, SIGKILL);
+    EXPECT_EQ(poll(&watched, 1, 10000), 1);
+    int status = 0;
+    EXPECT_EQ(waitpid(pid, &status, WNOHANG), pid);
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, ExitDescriptor, testing::Values(ExitWatch::Kernel, ExitWatch::Thread),
+                         [](const auto& row) { return row.param == ExitWatch::Kernel ? "Kernel" : "Thread"; });
+
+} // namespace
