@@ -186,7 +186,7 @@ private:
     EncodeAction encRefuseRow(int row, const QString& reason);
     EncodeAction encQtEncStep();
     void encFinStep();
-    void encWriteClosingBlock(int row, float duration);
+    bool encWriteClosingBlock(int row, float duration);
     void encJudgeRow(int row, const QString& destination);
     [[nodiscard]] QString encDestination(int row) const;
     [[nodiscard]] bool isOneOfTheSources(const QString& path) const;

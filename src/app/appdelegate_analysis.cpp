@@ -21,9 +21,11 @@
 
 // The analysis: a step machine over the queue of sources. Every call performs the steps whose flags are set, and either
 // starts a child or goes on.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 QString existingFile(const QString& path)
 {
@@ -45,21 +47,24 @@ QString nextQueueKey(const QVariantMap& queue)
     return smallest;
 }
 
-// Moves every source one key down, without gaps.
-QVariantMap compacted(const QVariantMap& queue, const QString& takenKey)
+// Takes one source out and moves the others one key down, without gaps. Every source pays for all that wait behind it,
+// so each move is one look-up.
+void takeFromQueue(QVariantMap& queue, const QString& takenKey)
 {
     if (takenKey != QLatin1String("0")) {
-        QVariantMap rest = queue;
-        rest.remove(takenKey);
-        return rest;
+        queue.remove(takenKey);
+        return;
     }
-    QVariantMap moved = queue;
-    int i = 1;
-    for (; i <= 12344 && queue.contains(QString::number(i)); ++i) {
-        moved.insert(QString::number(i - 1), queue.value(QString::number(i)));
+    auto place = queue.find(takenKey);
+    for (int i = 1; i <= 12344; ++i) {
+        const auto next = queue.find(QString::number(i));
+        if (next == queue.end()) {
+            break;
+        }
+        place->swap(*next);
+        place = next;
     }
-    moved.remove(QString::number(i - 1));
-    return moved;
+    queue.erase(place);
 }
 
 QVariantMap storedQueue()
@@ -121,7 +126,7 @@ void appDelegate::analysisTakeNext()
     const QString key = nextQueueKey(queue);
     const QString current = queue.value(key).toString();
     logLine(QStringLiteral("analysis new file : %@"), {current});
-    queue = compacted(queue, key);
+    takeFromQueue(queue, key);
     prefWrite(pref::analysisSrcPathStr, current);
     prefWriteDico(pref::analysisSrcPathesDico, queue);
     if (getDEBUGDEV() != 0) {
@@ -148,7 +153,9 @@ void appDelegate::analysisDecodeStep()
     const QString caption = model_.analyseCaptionStr.stringValue();
     Q_EMIT analysisStarted(source, leadingInteger(caption), leadingInteger(textAfter(caption, QStringLiteral("/"))));
     analysisRejection_ = QString();
-    // A header left by an earlier source must not be taken for this one's.
+    // What an earlier source has left, by a stop or a stall, must not be taken for this one's.
+    analysisRetainedStr_ = QString();
+    prefDelete(pref::analysisIStr);
     removeOwnFile(frameFile(), getTMPFOLDER());
     setFlag(pref::analysisFfmpegParse);
     logLine(QStringLiteral("analysis task - deb"));
@@ -208,10 +215,9 @@ void appDelegate::analysisThumbnailStep(const MediaInfoRecord& infos)
     prefWrite(pref::imgPathStr, image);
     setFlag(pref::analysisFin);
     // The frame count stands before the input: the tool knows this form.
-    const bool started = taskLauncherAnalysisStart({toolPath(QStringLiteral("ffmpeg")), QStringLiteral("-vframes"),
-                                                    QStringLiteral("1"), QStringLiteral("-i"), source,
-                                                    QStringLiteral("-s"), thumbnailSize(clipAspect(infos)),
-                                                    QStringLiteral("-y"), image});
+    const bool started = taskLauncherAnalysisStart(
+        {toolPath(QStringLiteral("ffmpeg")), QStringLiteral("-vframes"), QStringLiteral("1"), QStringLiteral("-i"),
+         source, QStringLiteral("-s"), thumbnailSize(clipAspect(infos)), QStringLiteral("-y"), image});
     if (!started) {
         analysisStall();
     }
@@ -228,8 +234,7 @@ void appDelegate::analysisFinalStep()
         logLine(QStringLiteral("stocker…"));
         analysisAddRow(*infos);
     } else if (source != cancelMark) {
-        Q_EMIT sourceRejected(source, analysisRejection_.isNull() ? batchText("Clip_noVideo")
-                                                                  : analysisRejection_);
+        Q_EMIT sourceRejected(source, analysisRejection_.isNull() ? batchText("Clip_noVideo") : analysisRejection_);
     }
     prefDelete(pref::analysisSrcPathStr);
     if (!storedQueue().isEmpty() && model_.analysisStopInt.intValue() != 1) {
@@ -315,7 +320,7 @@ void appDelegate::releaseAnalysisTask()
 
 bool appDelegate::taskLauncherAnalysisStart(const QStringList& arguments)
 {
-    if (arguments.isEmpty()) {
+    if (arguments.isEmpty() || quitting_) {
         return false;
     }
     if (analysisTaskClass_ != nullptr) {

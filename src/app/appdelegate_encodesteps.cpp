@@ -27,9 +27,11 @@
 #include <sys/stat.h>
 
 // The steps of one row: prepare and launch, the second pass, the finish and its judgement.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int replaceAlertSeconds = 60;
 constexpr double smallestOutputKilobytes = 200;
@@ -127,9 +129,10 @@ appDelegate::EncodeAction appDelegate::encDebStep()
     encStartInt_ = secondsSince1970();
     encStartVideoInt_ = encStartInt_;
     const QString source = currentChild(record::mainEncSrcPathStr);
-    logResume(formatText(QStringLiteral("\n----------\n\nsource              : %@\ndestination         : %@\nformat       "
-                                        "       : %d\n"),
-                         {source, destination, out}));
+    logResume(
+        formatText(QStringLiteral("\n----------\n\nsource              : %@\ndestination         : %@\nformat       "
+                                  "       : %d\n"),
+                   {source, destination, out}));
     if ((out == 4 && getAIC() != 0) || (out == 5 && getPRORES() != 0)) {
         setFlag(pref::encQtEnc);
     }
@@ -189,8 +192,8 @@ QString appDelegate::encLoggedRefusal(const QString& reason, const QString& dest
 bool appDelegate::encHasSpace(int row, const QString& destination)
 {
     const double sourceSize = poidsFile(currentChild(record::mainEncSrcPathStr), QStringLiteral("m"));
-    const float estimate = encDstPoidsEstimatif(currentFloat(record::w_duration), sourceSize,
-                                                model_.encBatchArrayController.row(row).out);
+    const float estimate =
+        encDstPoidsEstimatif(currentFloat(record::w_duration), sourceSize, model_.encBatchArrayController.row(row).out);
     const int available = espaceDiskDispo(stringByDeletingLastPathComponent(destination));
     return static_cast<double>(estimate) <= available;
 }
@@ -261,31 +264,31 @@ void appDelegate::encFinStep()
         encStoppedEnd();
         return;
     }
-    if (begun) {
-        encWriteClosingBlock(row, duration);
-    }
+    // The closing block ends without a line feed, the opening one with one.
+    const bool closed = begun && encWriteClosingBlock(row, duration);
     if (model_.encBatchArrayController.row(row).resultat == rowIcon::current) {
         encJudgeRow(row, destination);
     }
     const BatchRow& finished = model_.encBatchArrayController.row(row);
     if (begun && finished.resultat == rowIcon::failure) {
-        logResume(formatText(QStringLiteral("failure             : %@\n"), {finished.reason}));
+        logResume(formatText(QStringLiteral("%@failure             : %@\n"),
+                             {closed ? QStringLiteral("\n") : QStringLiteral(""), finished.reason}));
     }
     Q_EMIT rowFinished(row, finished.resultat == rowIcon::success);
     encSend(stepBatch);
 }
 
-void appDelegate::encWriteClosingBlock(int row, float duration)
+bool appDelegate::encWriteClosingBlock(int row, float duration)
 {
     if (model_.encBatchArrayController.row(row).resultat == rowIcon::failure) {
-        return;
+        return false;
     }
     const qint64 elapsed = secondsSince1970() - encStartInt_;
     const double speed = static_cast<double>(duration) / static_cast<double>(elapsed > 0 ? elapsed : 1);
-    const QString maker =
-        formatText(QStringLiteral("(made by %@)"), {textOf(infoValue(QStringLiteral("TVXWebSite")))});
+    const QString maker = formatText(QStringLiteral("(made by %@)"), {textOf(infoValue(QStringLiteral("TVXWebSite")))});
     logResume(formatText(QStringLiteral("speed               : real time / %.2f\ndate                : %@\n%@"),
                          {speed, currentDateText(), maker}));
+    return true;
 }
 
 void appDelegate::encJudgeRow(int row, const QString& destination)

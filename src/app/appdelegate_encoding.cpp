@@ -16,9 +16,11 @@
 #include <QDateTime>
 
 // The batch: picks row after row, launches its child, and reacts to the start, pause and stop controls.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int missingSourceAlertSeconds = 10;
 
@@ -177,8 +179,7 @@ void appDelegate::encRowVanished(int index)
     displayAlertDelayed(alertText("D_batch_2"), formatText(alertText("D_batch_3"), {rows.row(index).src}),
                         QStringLiteral("OK"), QString(), QString(), 0, missingSourceAlertSeconds);
     if (index > 0) {
-        prefWrite(pref::encCurrentProcessingFile,
-                  rows.row(index - 1).dico.value(record::mainEncSrcPathStr).toString());
+        prefWrite(pref::encCurrentProcessingFile, rows.row(index - 1).dico.value(record::mainEncSrcPathStr).toString());
     }
     rows.setSelectedRow(index);
     encBatchRemove(nullptr);
@@ -246,7 +247,7 @@ void appDelegate::encLaunch()
 bool appDelegate::taskLauncherEncStart_progressMaxValueFloat_parseInt(const QStringList& arguments, float maximum,
                                                                       int parser)
 {
-    if (arguments.isEmpty()) {
+    if (arguments.isEmpty() || quitting_) {
         return false;
     }
     if (encTaskClass_ != nullptr) {

@@ -10,9 +10,11 @@
 #include "base/settings.h"
 
 // The end of the program.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int quitAlertSeconds = 20;
 
@@ -27,6 +29,10 @@ bool appDelegate::applicationShouldTerminateAfterLastWindowClosed()
 
 void appDelegate::applicationWillTerminate()
 {
+    // A running child's end must not start the next row on the way out.
+    if (encTaskClass_ != nullptr || analysisTaskClass_ != nullptr) {
+        quitWithoutQuestion();
+    }
     taskLauncherDone(nullptr);
     prefSynchronize();
 }
