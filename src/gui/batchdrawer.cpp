@@ -151,9 +151,7 @@ void BatchDrawer::refreshHead()
     format_->setEnabled(any && !running);
     preview_->setEnabled(any);
     remove_->setEnabled(any && controller_.model().batchEncRemoveBt.isEnabled());
-    if (any) {
-        format_->setCurrentIndex(rows.row(selected).out);
-    }
+    format_->setCurrentIndex(any ? rows.row(selected).out : -1);
 }
 
 void BatchDrawer::showMenu(const QPoint& place)

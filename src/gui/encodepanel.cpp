@@ -114,6 +114,12 @@ void EncodePanel::buildProgress(QVBoxLayout* layout)
     auto* bar = new QProgressBar(this);
     bar->setAccessibleName(QStringLiteral("@@Win_acc_progress"));
     bindProgress(bar, model.encTaskProgress);
+    // An empty bar would look like something that has stopped.
+    const auto showBar = [bar, &model] {
+        bar->setVisible(model.batchEncGoBt.state() == 1 && !model.encTaskProgress.isHidden());
+    };
+    follow(model.batchEncGoBt, bar, showBar);
+    follow(model.encTaskProgress, bar, showBar);
     line->addWidget(bar, 1);
     auto* control = new SegmentedView(model.encStopBt.segmentCount(), this);
     control->setAccessibleName(QStringLiteral("@@Win_acc_encodeControl"));

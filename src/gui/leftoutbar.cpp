@@ -32,6 +32,7 @@ LeftOutBar::LeftOutBar(appDelegate& controller, QWidget* parent)
     layout->addWidget(button_);
     listen();
     refresh();
+    showNotice(QStringLiteral("@@Win_welcome"));
 }
 
 void LeftOutBar::listen()

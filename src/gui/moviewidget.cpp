@@ -4,6 +4,8 @@
 #include "gui/windowtext.h"
 
 #include <QAudioOutput>
+#include <QCoreApplication>
+#include <QFileInfo>
 #include <QMediaPlayer>
 #include <QPainter>
 #include <QUrl>
@@ -19,10 +21,29 @@ namespace
 constexpr qint32 fallbackScale = 600;
 constexpr qint64 millisecondsPerSecond = 1000;
 
+// The player on the FFmpeg libraries reads whatever this program's tools read; the default one needs plug-ins of its
+// own for camera clips. The choice counts before the first player is made.
+bool chooseBackend()
+{
+    for (const QString& folder : QCoreApplication::libraryPaths()) {
+        if (QFileInfo::exists(folder + QStringLiteral("/multimedia/libffmpegmediaplugin.so")) &&
+            !qEnvironmentVariableIsSet("QT_MEDIA_BACKEND")) {
+            qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+        }
+    }
+    return true;
+}
+
+QMediaPlayer* makePlayer(QObject* parent)
+{
+    [[maybe_unused]] static const bool chosen = chooseBackend();
+    return new QMediaPlayer(parent);
+}
+
 } // namespace
 
 MovieWidget::MovieWidget(QWidget* parent)
-    : QWidget(parent), player_(new QMediaPlayer(this)), audio_(new QAudioOutput(this)), sink_(new QVideoSink(this))
+    : QWidget(parent), player_(makePlayer(this)), audio_(new QAudioOutput(this)), sink_(new QVideoSink(this))
 {
     setMinimumSize(320, 180);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
@@ -115,6 +136,7 @@ void MovieWidget::fail()
 {
     if (!failed_) {
         failed_ = true;
+        player_->stop();
         update();
         Q_EMIT failed();
     }

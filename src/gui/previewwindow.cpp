@@ -33,6 +33,12 @@ QToolButton* imageButton(const QString& image, const QString& name, QWidget* par
     return button;
 }
 
+QString minutesText(double seconds)
+{
+    const int whole = truncatedInt(seconds);
+    return formatText(QStringLiteral("%d:%02d"), {whole / 60, whole % 60});
+}
+
 void nameControl(QWidget* widget, const QString& words)
 {
     widget->setAccessibleName(words);
@@ -146,8 +152,7 @@ void PreviewWindow::showTime()
     if (!time_->isSliderDown()) {
         time_->setValue(duration > 0 ? truncatedInt(now / duration * timeSteps) : 0);
     }
-    timeText_->setText(
-        windowText("Win_timeOf", {secondesInt2Str(truncatedInt(now)), secondesInt2Str(truncatedInt(duration))}));
+    timeText_->setText(windowText("Win_timeOf", {minutesText(now), minutesText(duration)}));
 }
 
 void PreviewWindow::closeEvent(QCloseEvent* event)

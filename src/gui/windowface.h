@@ -25,6 +25,8 @@ public:
     [[nodiscard]] PreviewWindow* previewWindow() const { return preview_.get(); }
     [[nodiscard]] HelpWindow* helpWindow() const { return help_.get(); }
     void closeWindows();
+    // Tests and benchmarks keep their own output.
+    void setRedirectsOutput(bool redirects) { redirectsOutput_ = redirects; }
 
     QObject* window() override;
     QString selectFolder(const QString& title) override;
@@ -37,11 +39,13 @@ public:
     void showHelp() override;
     void hideHelp() override;
     void preview(const QString& path) override;
+    bool redirectsOutput() override { return redirectsOutput_; }
     void terminate() override;
 
 private:
     std::function<void()> end_;
     MainWindow* window_ = nullptr;
+    bool redirectsOutput_ = true;
     std::unique_ptr<PreviewWindow> preview_;
     std::unique_ptr<HelpWindow> help_;
 };

@@ -1,0 +1,233 @@
+#include "app/appdelegate.h"
+#include "base/alerts.h"
+#include "base/bundle.h"
+#include "base/localisation.h"
+#include "base/preferences.h"
+#include "gui/helpwindow.h"
+#include "gui/mainwindow.h"
+#include "gui/moviewidget.h"
+#include "gui/preferencessheet.h"
+#include "gui/previewwindow.h"
+#include "gui/theme.h"
+#include "gui/windowprogram.h"
+#include "platform/desktop.h"
+#include "support/waituntil.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QListView>
+#include <QProcess>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <clocale>
+#include <cstdio>
+
+// Makes the pictures of the window in its states, with real clips and the real tools: tavrix_screenshots FOLDER
+namespace
+{
+
+using tavrix::test::waitUntil;
+
+// Nothing of the real desktop is opened meanwhile.
+class QuietDesktop : public tavrix::DesktopServices
+{
+public:
+    bool openUrl(const QUrl&) override { return true; }
+    bool openFileWith(const QString&, const QString&) override { return true; }
+    bool reveal(const QString&) override { return true; }
+    void noteFileSystemChanged(const QString&) override {}
+};
+
+bool ffmpeg(const QStringList& arguments)
+{
+    return QProcess::execute(QStringLiteral("ffmpeg"),
+                             QStringList{QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"),
+                                         QStringLiteral("-y"), QStringLiteral("-f"), QStringLiteral("lavfi"),
+                                         QStringLiteral("-i")} +
+                                 arguments) == 0;
+}
+
+bool makeClips(const QString& folder)
+{
+    const auto clip = [&folder](const QString& picture, const QString& name, const QStringList& options) {
+        return ffmpeg(QStringList{picture} + options + QStringList{folder + QLatin1Char('/') + name});
+    };
+    const QStringList h264{QStringLiteral("-c:v"),      QStringLiteral("libx264"),  QStringLiteral("-preset"),
+                           QStringLiteral("ultrafast"), QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p")};
+    const QStringList mjpeg{QStringLiteral("-c:v"), QStringLiteral("mjpeg"), QStringLiteral("-pix_fmt"),
+                            QStringLiteral("yuvj420p")};
+    return clip(QStringLiteral("mandelbrot=size=1280x720:rate=25:end_scale=0.1,trim=duration=5"),
+                QStringLiteral("00001.MTS"), h264) &&
+           clip(QStringLiteral("testsrc2=size=1280x720:rate=25:duration=12"), QStringLiteral("00002.MTS"), h264) &&
+           clip(QStringLiteral("life=size=320x180:mold=10:rate=25:ratio=0.1:death_color=#C83232:life_color=#00ff00,"
+                               "scale=1280x720,trim=duration=6"),
+                QStringLiteral("Birthday party.mov"), h264) &&
+           clip(QStringLiteral("gradients=size=640x480:rate=25:duration=4"), QStringLiteral("DSC00042.AVI"), mjpeg) &&
+           clip(QStringLiteral("color=c=navy:size=320x240:rate=5:duration=1"), QStringLiteral("short.avi"), mjpeg) &&
+           clip(QStringLiteral("testsrc=size=1920x1080:rate=25:duration=1"), QStringLiteral("too large.mov"), h264);
+}
+
+class Session
+{
+public:
+    Session(const QString& clips, const QString& pictures, const QString& prefix)
+        : clips_(clips), pictures_(pictures), prefix_(prefix), program_([] {})
+    {
+        program_.face().setRedirectsOutput(false);
+    }
+
+    bool run(const QString& language, int theme)
+    {
+        tavrix::setLanguage(language);
+        tavrix::prefWrite(QStringLiteral("prefColor"), theme);
+        tavrix::prefWrite(QStringLiteral("prefCheckMatrix"), 1);
+        return program_.start() && empty() && analysing() && encoding() && finished() && question() && sheets();
+    }
+
+private:
+    tavrix::WindowModel& model() { return program_.controller().model(); }
+
+    bool save(QWidget* widget, const char* name)
+    {
+        waitUntil([] { return false; }, 150);
+        return widget != nullptr &&
+               widget->grab().save(pictures_ + prefix_ + QLatin1String(name) + QStringLiteral(".png"));
+    }
+    QWidget* dialog(const char* name) { return program_.window().findChild<QWidget*>(QLatin1String(name)); }
+
+    bool empty()
+    {
+        model().mainEncDstPathStr.setStringValue(QString());
+        return save(&program_.window(), "main-empty");
+    }
+    bool analysing()
+    {
+        program_.openFiles({clips_});
+        const QString wanted = QStringLiteral("3/6");
+        return waitUntil([&] { return model().analyseCaptionStr.stringValue() == wanted; }, 30000) &&
+               save(&program_.window(), "main-analysing") &&
+               waitUntil([&] { return !program_.controller().isAnalysing(); }, 60000);
+    }
+    bool encoding()
+    {
+        model().mainEncDstPathStr.setStringValue(QDir::homePath() + QStringLiteral("/Videos"));
+        QDir().mkpath(QDir::homePath() + QStringLiteral("/Videos"));
+        program_.controller().iba_batchEncGoBt();
+        return waitUntil(
+                   [&] {
+                       return model().encBatchArrayController.row(1).resultat == tavrix::rowIcon::current &&
+                              model().encTaskProgress.doubleValue() > 0.3 * model().encTaskProgress.maxValue();
+                   },
+                   120000) &&
+               save(&program_.window(), "main-encoding") &&
+               waitUntil([&] { return model().batchEncGoBt.state() == 0; }, 240000);
+    }
+    // The second run meets the outputs of the first.
+    bool question()
+    {
+        bool saved = false;
+        closeSheets();
+        QTimer::singleShot(600, &program_, [this, &saved] {
+            saved = save(dialog("alertDialog"), "alert");
+            program_.presenter().dismissAll();
+            model().mainEncProgressInt.setIntValue(0);
+        });
+        program_.controller().setReplacePolicy(std::nullopt);
+        QTimer answering;
+        QObject::connect(&answering, &QTimer::timeout, &program_, [this] { program_.presenter().dismissAll(); });
+        answering.start(1000);
+        program_.controller().iba_batchEncGoBt();
+        return waitUntil([&] { return model().batchEncGoBt.state() == 0; }, 240000) && saved;
+    }
+    void closeSheets()
+    {
+        waitUntil([this] {
+            for (auto* button : program_.window().findChildren<QPushButton*>(QStringLiteral("alertButton0"))) {
+                button->click();
+            }
+            return dialog("alertDialog") == nullptr;
+        });
+    }
+    bool finished()
+    {
+        closeSheets();
+        tavrix::BatchList& rows = model().encBatchArrayController;
+        rows.setSelectedRow(rows.count() - 1);
+        program_.window().findChild<QListView*>(QStringLiteral("encBatchArrayController"))->scrollToBottom();
+        const bool saved = save(&program_.window(), "main-finished");
+        program_.window().findChild<QPushButton*>(QStringLiteral("leftOutBt"))->click();
+        QWidget* list = dialog("leftOutDialog");
+        const bool listed = save(list, "left-out");
+        list->close();
+        return saved && listed;
+    }
+    bool sheets()
+    {
+        program_.controller().iba_menuPref();
+        const bool preferences = save(&program_.window().preferences(), "preferences");
+        program_.controller().iba_menuPrefClose();
+        program_.controller().iba_menuHelp(&model().versionStr);
+        tavrix::HelpWindow* help = program_.face().helpWindow();
+        auto* movie = help->findChild<tavrix::MovieWidget*>();
+        waitUntil([movie] { return movie->hasFrame() || movie->hasFailed(); }, 5000);
+        const bool moving = save(help, "help");
+        help->showPages();
+        const bool pages = save(help, "help-pages");
+        program_.controller().iba_helpQtClose();
+        program_.controller().iba_preview(1);
+        tavrix::PreviewWindow* preview = program_.face().previewWindow();
+        waitUntil(
+            [preview] {
+                return preview->movieWidget().currentTime().timeValue > 0 || preview->movieWidget().hasFailed();
+            },
+            5000);
+        const bool previewed = save(preview, "preview");
+        preview->close();
+        program_.controller().quitWithoutQuestion();
+        return preferences && moving && pages && previewed;
+    }
+
+    QString clips_;
+    QString pictures_;
+    QString prefix_;
+    tavrix::WindowProgram program_;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QTemporaryDir home(QDir::tempPath() + QStringLiteral("/anna-XXXXXX"));
+    qputenv("HOME", home.path().toUtf8());
+    qputenv("XDG_DATA_HOME", home.filePath(QStringLiteral("data")).toUtf8());
+    if (!qEnvironmentVariableIsSet("DISPLAY")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    QApplication::setQuitOnLastWindowClosed(false);
+    if (argc != 2) {
+        std::fputs("Usage: tavrix_screenshots FOLDER\n", stderr);
+        return 2;
+    }
+    const QString pictures = QFileInfo(QString::fromLocal8Bit(argv[1])).absoluteFilePath() + QLatin1Char('/');
+    const QString clips = home.filePath(QStringLiteral("clips"));
+    tavrix::setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
+    QuietDesktop desktop;
+    tavrix::setDesktopServices(&desktop);
+    if (!QDir().mkpath(pictures) || !QDir().mkpath(clips) || !makeClips(clips)) {
+        std::fputs("The clips cannot be made: is ffmpeg installed?\n", stderr);
+        return 1;
+    }
+    for (const auto& [language, theme] : {std::pair("en", 0), std::pair("fr", 2)}) {
+        const QString prefix = QStringLiteral("%1-theme%2-").arg(QLatin1String(language)).arg(theme);
+        Session session(clips, pictures, prefix);
+        if (!session.run(QLatin1String(language), theme)) {
+            std::fprintf(stderr, "Not all pictures could be made (%s)\n", language);
+            return 1;
+        }
+    }
+    return 0;
+}
