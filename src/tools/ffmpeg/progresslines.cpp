@@ -36,7 +36,7 @@ double numberIn(const std::optional<std::string>& text)
     if (!text)
         return 0;
     const double value = std::strtod(text->c_str(), nullptr);
-    return std::isfinite(value) ? value : 0;
+    return std::isfinite(value) && value != 0 ? value : 0; // no negative zero
 }
 
 /// Seconds of "00:01:02.50" or "62.50"; nothing for "N/A".

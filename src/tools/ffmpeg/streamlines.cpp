@@ -83,6 +83,8 @@ std::string classicCodec(const std::string& field)
     const std::string tag = codecTag(field);
     if ((name == "none" || name == "unknown") && !tag.empty())
         return tag;
+    if (name == "wrapped_avframe")
+        return "rawvideo";
     return name == "dts" ? "dca" : name;
 }
 

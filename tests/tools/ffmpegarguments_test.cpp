@@ -1,0 +1,293 @@
+// From the old command line to the present one.
+#include "tools/ffmpeg/arguments.h"
+#include "tools/ffmpeg/commandline.h"
+#include "tools/ffmpeg/filters.h"
+#include "tools/ffmpeg/muxers.h"
+#include "tools/ffmpeg/optionrules.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace tavrix::front
+{
+
+namespace
+{
+
+std::vector<std::string> words(const std::string& text)
+{
+    std::istringstream stream(text);
+    std::vector<std::string> list;
+    for (std::string word; stream >> word;)
+        list.push_back(word);
+    return list;
+}
+
+std::string joined(const std::vector<std::string>& list)
+{
+    std::string text;
+    for (const std::string& word : list)
+        text += (text.empty() ? "" : " ") + word;
+    return text;
+}
+
+FileUrls urlsOf(const CommandLine& line)
+{
+    FileUrls urls;
+    for (const FileEntry& input : line.inputs)
+        urls.inputs.push_back("<" + input.name + ">");
+    for (const FileEntry& output : line.outputs) {
+        const auto format = optionValue(output.options, "f");
+        urls.outputs.push_back(
+            {"<" + output.name + ">", format ? formatArguments(*format) : muxerArguments(output.name)});
+    }
+    return urls;
+}
+
+struct Row {
+    const char* name;
+    const char* classic;
+    const char* modern; // behind "-nostdin -v info"
+};
+
+const std::vector<Row>& rows()
+{
+    static const std::vector<Row> list = {
+        {"information", "-v 2 -i X", "-protocol_whitelist file,pipe,fd -i <X>"},
+        {"analysis", "-v 2 -i X -vframes 10 -s 640x480 -pix_fmt yuv420p -an -f yuv4mpegpipe -y P",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f yuv4mpegpipe -frames:v 10 -s 640x480 -pix_fmt yuv420p -an <P>"},
+        {"thumbnail_frames_before_the_input", "-vframes 1 -i X -s 320x180 -y P.jpg",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -c:v mjpeg -f image2 -update 1 -frames:v 1 -s 320x180 <P.jpg>"},
+        {"interlacing", "-vframes 1 -i X -s 640x480 -pix_fmt yuv420p -f yuv4mpegpipe -",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f yuv4mpegpipe -frames:v 1 -s 640x480 -pix_fmt yuv420p <->"},
+        {"small_screen_halved",
+         "-v 1 -i X -vsync 0 -r 30000/1001 -vcodec mpeg4 -vb 250k -vf scale=480:272,setdar=16:9 -acodec aac -strict "
+         "experimental -ab 64k -ac 2 -ar 44100 -g 25 -y O.mp4",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -r 30000/1001 -vcodec mpeg4 -b:v 250k -vf "
+         "scale=480:272,setdar=16/9 -acodec aac -strict experimental -b:a 64k -ac 2 -ar 44100 -g 25 -vsync cfr "
+         "<O.mp4>"},
+        {"small_screen_as_it_is",
+         "-v 1 -i X -vsync 0 -vcodec mpeg4 -vb 250k -vf scale=368:272,setdar=4:3 -acodec aac -ab 64k -y O.mp4",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -vcodec mpeg4 -b:v 250k -vf scale=368:272,setdar=4/3 "
+         "-acodec aac -b:a 64k -vsync vfr <O.mp4>"},
+        {"presets_before_the_codec",
+         "-v 1 -i X -vsync 0 -crf 20 -me_range 16 -vcodec libx264 -vb 1400k -maxrate 1500k -vf "
+         "scale=640:368,setdar=16:9 "
+         "-g 25 -y O.m4v",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f ipod -crf 20 -me_range 16 -vcodec libx264 -b:v 1400k -maxrate "
+         "1500k -vf scale=640:368,setdar=16/9 -g 25 -vsync vfr <O.m4v>"},
+        {"rewrap_to_avi", "-v 1 -i X -vsync 0 -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 -y O.avi",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 <O.avi>"},
+        {"copy_with_bitstream_filter",
+         "-v 1 -i X -vsync 0 -vcodec copy -vbsf h264_mp4toannexb -acodec pcm_s16le -ac 2 -ar 48000 -y O.mov",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f mov -vcodec copy -bsf:v h264_mp4toannexb -acodec pcm_s16le -ac "
+         "2 "
+         "-ar 48000 <O.mov>"},
+        {"quoted_filter", "-i X -vf 'setdar=16:9' -y O.mp4",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -vf setdar=16/9 <O.mp4>"},
+        {"aspect_option", "-i X -aspect 16:9 -y O.mp4",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -aspect 16:9 <O.mp4>"},
+        {"sound_check", "-t 5 -i X -vn -f wav -y /dev/null",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f wav -t 5 -vn </dev/null>"},
+        {"sound_check_forced", "-t 5 -f mpeg -i X -vn -f wav -y /dev/null",
+         "-y -f mpeg -protocol_whitelist file,pipe,fd -i <X> -f wav -t 5 -vn </dev/null>"},
+        {"digital_video", "-f dv -i X", "-f dv -protocol_whitelist file,pipe,fd -i <X>"},
+        {"yuv_from_a_pipe", "-f yuv4mpegpipe -i - -vcodec mpeg4 -y O.avi",
+         "-y -f yuv4mpegpipe -protocol_whitelist file,pipe,fd -i <-> -f avi -vcodec mpeg4 <O.avi>"},
+        {"duration", "-i X -vcodec copy -an -f null -y /dev/null",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f null -vcodec copy -an </dev/null>"},
+        {"size_before_an_input_is_what_the_file_says", "-s 320x240 -r 10 -i X -y O.avi",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi <O.avi>"},
+        {"size_of_a_raw_input_stays", "-f rawvideo -s 320x240 -pix_fmt yuv420p -i X -y O.avi",
+         "-y -f rawvideo -s 320x240 -pix_fmt yuv420p -protocol_whitelist file,pipe,fd -i <X> -f avi <O.avi>"},
+        {"maps_with_dots", "-i X -map 0.0 -map 0.2 -y O.mov",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f mov -map 0:0 -map 0:2 <O.mov>"},
+        {"two_inputs", "-i X -i Z -vcodec copy -y O.mov",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -protocol_whitelist file,pipe,fd -i <Z> -f mov -vcodec copy "
+         "<O.mov>"},
+        {"output_named_like_an_option", "-i X -y -clip.mp4",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 <-clip.mp4>"},
+        {"input_named_like_an_option", "-i -y -an -y O.mov",
+         "-y -protocol_whitelist file,pipe,fd -i <-y> -f mov -an <O.mov>"},
+        {"quality", "-i X -qscale 3 -b 2000k -y O.avi",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi -q:v 3 -b:v 2000k <O.avi>"},
+        {"messages_cannot_be_turned_off", "-nostats -hide_banner -loglevel quiet -i X",
+         "-protocol_whitelist file,pipe,fd -i <X>"},
+        {"constant_rate", "-i X -vsync 1 -vcodec mpeg4 -y O.avi",
+         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi -vcodec mpeg4 -vsync cfr <O.avi>"},
+        {"unknown_extension", "-i X -y O.nosuch", "-y -protocol_whitelist file,pipe,fd -i <X> <O.nosuch>"},
+    };
+    return list;
+}
+
+class ClassicArguments : public testing::TestWithParam<Row>
+{
+};
+
+TEST_P(ClassicArguments, BecomeModernOnes)
+{
+    const CommandLine line = parseCommandLine(words(GetParam().classic));
+    const std::string modern = joined(modernArguments(line, urlsOf(line), {}));
+    EXPECT_EQ(modern, std::string("-nostdin -v info ") + GetParam().modern);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, ClassicArguments, testing::ValuesIn(rows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(ClassicArguments, VerboseProbeSeesRepeatedFramesAndDiscontinuities)
+{
+    const CommandLine line =
+        parseCommandLine(words("-v 3 -vframes 35 -i X -s 320x240 -pix_fmt yuv420p -an -f null -y /dev/null"));
+    EXPECT_TRUE(levelsAreMarked(line));
+    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {})),
+              "-nostdin -v level+debug -y -protocol_whitelist file,pipe,fd -i <X> -f null -frames:v 35 -s 320x240 "
+              "-pix_fmt yuv420p -an -vsync cfr </dev/null>");
+}
+
+TEST(ClassicArguments, TimestampDebuggingRaisesTheLevel)
+{
+    const CommandLine line = parseCommandLine(words("-fdebug ts -i X"));
+    EXPECT_FALSE(levelsAreMarked(line));
+    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {})),
+              "-nostdin -v debug -fdebug ts -protocol_whitelist file,pipe,fd -i <X>");
+}
+
+TEST(ClassicArguments, BitstreamFilterIsLeftOutForOtherCodecs)
+{
+    const CommandLine line = parseCommandLine(words("-i X -vcodec copy -vbsf h264_mp4toannexb -y O.mov"));
+    EXPECT_TRUE(mayRefuseAnnexB(line));
+    Dialect dialect;
+    dialect.annexBFilter = false;
+    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), dialect)),
+              "-nostdin -v info -y -protocol_whitelist file,pipe,fd -i <X> -f mov -vcodec copy <O.mov>");
+    const CommandLine other = parseCommandLine(words("-i X -vcodec copy -vbsf h264_mp4toannexb,noise -y O.mov"));
+    EXPECT_EQ(joined(modernArguments(other, urlsOf(other), dialect)),
+              "-nostdin -v info -y -protocol_whitelist file,pipe,fd -i <X> -f mov -vcodec copy -bsf:v noise <O.mov>");
+    EXPECT_FALSE(mayRefuseAnnexB(parseCommandLine(words("-i X -vcodec copy -y O.mov"))));
+}
+
+TEST(ClassicArguments, FrameSpacingFollowsTheVersionThatRefusesTheOldName)
+{
+    struct {
+        const char* refused;
+        const char* version;
+        bool renamed;
+    } const cases[] = {
+        {"vsync", "5.1.9-0+deb12u1", true},
+        {"vsync", "7.1.5", true},
+        {"vsync", "8.0", true},
+        {"vsync", "N-118000-gabcdef", true},
+        {"vsync", "4.4.2", false},
+        {"nosuch", "8.0", false},
+        {"", "8.0", false},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(dialectAfterRefusal({}, row.refused, row.version).frameRateMode, row.renamed)
+            << row.refused << " " << row.version;
+    const CommandLine line = parseCommandLine(words("-i X -vsync 0 -r 25 -vcodec mpeg4 -y O.mp4"));
+    Dialect dialect;
+    dialect.frameRateMode = true;
+    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), dialect)),
+              "-nostdin -v info -y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -r 25 -vcodec mpeg4 -fps_mode cfr "
+              "<O.mp4>");
+}
+
+TEST(CommandLine, TellsAMissingValue)
+{
+    EXPECT_EQ(parseCommandLine(words("-v 2 -i")).missingValueFor, "i");
+    EXPECT_EQ(parseCommandLine(words("-i X -vcodec")).missingValueFor, "vcodec");
+    EXPECT_EQ(parseCommandLine(words("-i X -y O.mp4")).missingValueFor, "");
+}
+
+TEST(CommandLine, KnowsWhatAsksFfmpegAboutItself)
+{
+    for (const char* option : {"-version", "-codecs", "-h", "-formats", "-encoders"})
+        EXPECT_TRUE(parseCommandLine({option}).reportOnly) << option;
+    EXPECT_FALSE(parseCommandLine(words("-i X")).reportOnly);
+}
+
+TEST(CommandLine, OverwritesOnlyWhenAsked)
+{
+    EXPECT_TRUE(parseCommandLine(words("-i X -y O")).overwrite);
+    EXPECT_FALSE(parseCommandLine(words("-i X O")).overwrite);
+    EXPECT_TRUE(parseCommandLine(words("-n -i X O")).neverOverwrite);
+}
+
+TEST(Filters, AspectRatiosBecomeFractions)
+{
+    struct {
+        const char* classic;
+        const char* modern;
+    } const cases[] = {
+        {"setdar=16:9", "setdar=16/9"},
+        {"'setdar=16:9'", "setdar=16/9"},
+        {"\"setdar=4:3\"", "setdar=4/3"},
+        {"scale=480:272,setdar=16:9", "scale=480:272,setdar=16/9"},
+        {"setdar=16:9,scale=480:272", "setdar=16/9,scale=480:272"},
+        {"aspect=16:9", "setdar=16/9"},
+        {"pixelaspect=4:3", "setsar=4/3"},
+        {"setsar=1:1,setdar=16:9", "setsar=1/1,setdar=16/9"},
+        {"setdar=1.777", "setdar=1.777"},
+        {"setdar=16/9", "setdar=16/9"},
+        {"setdar=dar=16/9", "setdar=dar=16/9"},
+        {"setdar=16:9:5", "setdar=16:9:5"},
+        {"scale=16:9", "scale=16:9"},
+        {"drawtext=text='a,setdar=4:3'", "drawtext=text='a,setdar=4:3'"},
+        {"'a'b'", "'a'b'"},
+        {"", ""},
+        {"yadif", "yadif"},
+        {"setdar", "setdar"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(modernFilters(row.classic), row.modern) << row.classic;
+}
+
+TEST(Muxers, FollowTheExtension)
+{
+    struct {
+        const char* name;
+        const char* arguments;
+    } const cases[] = {
+        {"/a/b.mp4", "-f mp4"},
+        {"b.M4V", "-f ipod"},
+        {"b.mov", "-f mov"},
+        {"b.avi", "-f avi"},
+        {"b.jpg", "-c:v mjpeg -f image2 -update 1"},
+        {"b.png", "-c:v png -f image2 -update 1"},
+        {"b.tif", "-c:v tiff -f image2 -update 1"},
+        {"b.wav", "-f wav"},
+        {"b.mpg", "-f mpeg"},
+        {"b.mkv", "-f matroska"},
+        {"b.MTS", "-f mpegts"},
+        {"b.m2ts", "-f mpegts -mpegts_m2ts_mode 1"},
+        {"b.unknown", ""},
+        {"/a.mp4/b", ""},
+        {"mp4", ""},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(joined(muxerArguments(row.name)), row.arguments) << row.name;
+}
+
+TEST(Muxers, NumberedPicturesAreToldFromNames)
+{
+    EXPECT_TRUE(isPictureSequence("x%d.jpg"));
+    EXPECT_TRUE(isPictureSequence("x%%03d%04d.png"));
+    EXPECT_FALSE(isPictureSequence("x%d.mts"));
+    EXPECT_FALSE(isPictureSequence("100%.jpg"));
+    EXPECT_FALSE(isPictureSequence("x.jpg"));
+}
+
+TEST(OptionRules, KeepStreamSpecifiers)
+{
+    EXPECT_EQ(optionRule("codec:v").modernName, "codec:v");
+    EXPECT_EQ(optionRule("b:a").modernName, "b:a");
+    EXPECT_EQ(optionRule("vb").modernName, "b:v");
+    EXPECT_EQ(optionRule("b").modernName, "b:v");
+    EXPECT_TRUE(optionRule("nosuchoption").takesValue);
+}
+
+} // namespace
+
+} // namespace tavrix::front

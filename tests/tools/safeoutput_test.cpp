@@ -1,0 +1,201 @@
+#include "tools/common/safeoutput.h"
+
+#include "support/temphome.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tavrix
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using Style = SafeOutput::Style;
+
+class SafeOutputTest : public testing::TestWithParam<Style>
+{
+protected:
+    std::string name(const std::string& file) const { return m_folder.path().toStdString() + '/' + file; }
+    static void write(const std::string& path, const std::string& text)
+    {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    static std::string read(const std::string& path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    int count() const
+    {
+        int entries = 0;
+        for ([[maybe_unused]] const auto& entry : fs::directory_iterator(m_folder.path().toStdString()))
+            ++entries;
+        return entries;
+    }
+    std::optional<SafeOutput> open(const std::string& file)
+    {
+        return SafeOutput::open(name(file), m_error, GetParam());
+    }
+
+    test::TempFolder m_folder;
+    std::string m_error;
+};
+
+TEST_P(SafeOutputTest, AppearsOnlyWhenCommitted)
+{
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    write(output->path(), "picture");
+    EXPECT_EQ(output->size(), 7);
+    EXPECT_FALSE(fs::exists(name("clip.mp4")));
+    ASSERT_TRUE(output->commit(m_error)) << m_error;
+    EXPECT_EQ(read(name("clip.mp4")), "picture");
+    EXPECT_EQ(count(), 1);
+}
+
+TEST_P(SafeOutputTest, ReplacesAnExistingFileAtOnce)
+{
+    write(name("clip.mp4"), "old");
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    write(output->path(), "new");
+    EXPECT_EQ(read(name("clip.mp4")), "old");
+    ASSERT_TRUE(output->commit(m_error, SafeOutput::Durability::Unsynced)) << m_error;
+    EXPECT_EQ(read(name("clip.mp4")), "new");
+    EXPECT_EQ(count(), 1);
+}
+
+TEST_P(SafeOutputTest, LeavesNothingWhenDropped)
+{
+    write(name("clip.mp4"), "old");
+    {
+        auto output = open("clip.mp4");
+        ASSERT_TRUE(output.has_value()) << m_error;
+        write(output->path(), "new");
+    }
+    EXPECT_EQ(read(name("clip.mp4")), "old");
+    EXPECT_EQ(count(), 1);
+}
+
+TEST_P(SafeOutputTest, ReplacesALinkInsteadOfFollowingIt)
+{
+    write(name("target"), "kept");
+    fs::create_symlink("target", name("clip.mp4"));
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    write(output->path(), "new");
+    ASSERT_TRUE(output->commit(m_error)) << m_error;
+    EXPECT_EQ(read(name("target")), "kept");
+    EXPECT_FALSE(fs::is_symlink(name("clip.mp4")));
+    EXPECT_EQ(read(name("clip.mp4")), "new");
+}
+
+TEST_P(SafeOutputTest, FollowsTheUsersFileMask)
+{
+    const mode_t before = umask(027);
+    auto output = open("clip.mp4");
+    umask(before);
+    ASSERT_TRUE(output.has_value()) << m_error;
+    ASSERT_TRUE(output->commit(m_error)) << m_error;
+    struct stat info = {};
+    ASSERT_EQ(stat(name("clip.mp4").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0640U);
+}
+
+TEST_P(SafeOutputTest, SurvivesTheRenamingOfItsFolder)
+{
+    fs::create_directory(name("events"));
+    auto output = open("events/clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    ASSERT_EQ(::write(output->fd(), "x", 1), 1);
+    fs::rename(name("events"), name("renamed"));
+    ASSERT_TRUE(output->commit(m_error)) << m_error;
+    EXPECT_EQ(read(name("renamed/clip.mp4")), "x");
+}
+
+TEST_P(SafeOutputTest, TellsWhyItCannotStart)
+{
+    EXPECT_FALSE(open("no/such/folder/clip.mp4").has_value());
+    EXPECT_EQ(m_error, "No such file or directory");
+    fs::create_directory(name("folder.mp4"));
+    EXPECT_FALSE(open("folder.mp4").has_value());
+    EXPECT_EQ(m_error, "Is a directory");
+    EXPECT_FALSE(open(std::string(256, 'x')).has_value());
+    EXPECT_EQ(m_error, "File name too long");
+    EXPECT_EQ(count(), 1);
+}
+
+TEST_P(SafeOutputTest, TakesTheLongestName)
+{
+    const std::string longest = std::string(251, 'x') + ".mp4";
+    write(name(longest), "old");
+    auto output = open(longest);
+    ASSERT_TRUE(output.has_value()) << m_error;
+    ASSERT_EQ(::write(output->fd(), "x", 1), 1);
+    ASSERT_TRUE(output->commit(m_error)) << m_error;
+    EXPECT_EQ(read(name(longest)), "x");
+    EXPECT_EQ(count(), 1);
+}
+
+TEST_P(SafeOutputTest, IsInheritedByNobodyByChance)
+{
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    EXPECT_NE(fcntl(output->fd(), F_GETFD) & FD_CLOEXEC, 0);
+    EXPECT_GT(output->fd(), STDERR_FILENO);
+}
+
+TEST_P(SafeOutputTest, MovesWithItsOwner)
+{
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    SafeOutput moved = std::move(*output);
+    output.reset();
+    ASSERT_EQ(::write(moved.fd(), "x", 1), 1);
+    ASSERT_TRUE(moved.commit(m_error)) << m_error;
+    EXPECT_EQ(read(name("clip.mp4")), "x");
+}
+
+INSTANTIATE_TEST_SUITE_P(Styles, SafeOutputTest, testing::Values(Style::Anonymous, Style::Hidden),
+                         [](const auto& row) { return row.param == Style::Anonymous ? "Anonymous" : "Hidden"; });
+
+class HiddenOutput : public SafeOutputTest
+{
+};
+
+TEST_P(HiddenOutput, KeepsTheExtensionForItsWriter)
+{
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    const fs::path path(output->path());
+    EXPECT_EQ(path.extension(), ".mp4");
+    EXPECT_EQ(path.filename().string().front(), '.');
+}
+
+TEST_P(HiddenOutput, RemovesThoseOfKilledWritersOnly)
+{
+    auto running = open("first.mp4");
+    ASSERT_TRUE(running.has_value()) << m_error;
+    write(name(".tavrix-part-0123456789abcdef.mp4"), "left by a kill");
+    write(name(".tavrix-other"), "not one of them");
+    auto next = open("second.mp4");
+    ASSERT_TRUE(next.has_value()) << m_error;
+    EXPECT_FALSE(fs::exists(name(".tavrix-part-0123456789abcdef.mp4")));
+    EXPECT_TRUE(fs::exists(name(".tavrix-other")));
+    EXPECT_TRUE(fs::exists(running->path()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Style, HiddenOutput, testing::Values(Style::Hidden));
+
+} // namespace
+
+} // namespace tavrix

@@ -1,0 +1,66 @@
+// Runs the built ffmpeg tool on small clips made with the installed ffmpeg.
+#pragma once
+
+#include "support/temphome.h"
+
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace tavrix::test
+{
+
+struct ToolEnd {
+    bool bySignal = false;
+    int code = -1;
+    std::string out;
+    std::string err;
+};
+
+/// A tool that runs, in a process group of its own.
+class RunningTool
+{
+public:
+    struct Options {
+        std::map<std::string, std::string> environment;
+        std::string workingFolder;
+        long fileSizeLimit = -1; ///< bytes
+        std::string input;       ///< for its standard input
+    };
+
+    RunningTool(const std::vector<std::string>& arguments, const Options& options);
+    ~RunningTool();
+    RunningTool(const RunningTool&) = delete;
+    RunningTool& operator=(const RunningTool&) = delete;
+
+    [[nodiscard]] pid_t pid() const { return m_pid; }
+    /// Its child; 0 until there is one.
+    [[nodiscard]] pid_t child() const;
+    void signalGroup(int signal) const;
+    [[nodiscard]] bool hasEnded();
+    [[nodiscard]] ToolEnd wait();
+
+private:
+    pid_t m_pid = -1;
+    int m_status = 0;
+    bool m_reaped = false;
+    TempFolder m_folder;
+};
+
+[[nodiscard]] std::string toolPath();
+[[nodiscard]] ToolEnd runTool(const std::vector<std::string>& arguments, const RunningTool::Options& options = {});
+
+/// The path of a clip of that kind ("mts", "avi", "mov", "long"), made once per test program.
+[[nodiscard]] std::string clip(const std::string& kind);
+
+/// What ffprobe says of the first stream of `kind` ("v", "a"): "key=value" lines.
+[[nodiscard]] std::string probed(const std::string& file, const std::string& kind, const std::string& entries);
+
+[[nodiscard]] std::vector<std::string> entriesOf(const std::string& folder);
+[[nodiscard]] std::string fileContents(const std::string& path);
+void writeFile(const std::string& path, const std::string& text);
+/// Whether the process exists and is no zombie.
+[[nodiscard]] bool isAlive(pid_t pid);
+
+} // namespace tavrix::test
