@@ -23,7 +23,7 @@ protected:
     static void SetUpTestSuite()
     {
         shared_ = new TempFolder;
-        made_ = makeCameraMovie(camera(), 60, false);
+        made_ = makeCameraMovie(camera(), 40, false);
     }
     static void TearDownTestSuite()
     {
@@ -154,10 +154,15 @@ TEST_F(MovencoderFailure, ExistingOutputIsReplacedOnSuccess)
 
 TEST_F(MovencoderFailure, KilledInTheMiddleLeavesNothing)
 {
+    // Long enough for a progress line to come well before the end on any machine.
+    const TempFolder sources;
+    const QString longClip = sources.path(QStringLiteral("long.mov"));
+    ASSERT_TRUE(makeMedia({QStringLiteral("-stream_loop"), QStringLiteral("50"), QStringLiteral("-i"), camera(),
+                           QStringLiteral("-c"), QStringLiteral("copy"), longClip}));
     for (const int number : {SIGKILL, SIGTERM}) {
         QProcess process;
         process.start(movencoderPath(), {QStringLiteral("-s"), settingsPath(plain), QStringLiteral("-f"),
-                                         QStringLiteral("prores"), camera(), output()});
+                                         QStringLiteral("prores"), longClip, output()});
         ASSERT_TRUE(process.waitForReadyRead(60'000)) << "no progress line came";
         EXPECT_TRUE(process.readAllStandardOutput().startsWith("Processing ("));
         ASSERT_EQ(kill(static_cast<pid_t>(process.processId()), number), 0);

@@ -23,7 +23,7 @@ constexpr Lanes all(float value)
 }
 
 // One-dimensional scaled DCT after Arai, Agui and Nakajima over the eight vectors at stride `Step`, in place.
-template <int Step> [[gnu::always_inline]] inline void transformLanes(Lanes* v)
+template <std::ptrdiff_t Step> [[gnu::always_inline]] inline void transformLanes(Lanes* v)
 {
     const Lanes s07 = v[0] + v[7 * Step];
     const Lanes d07 = v[0] - v[7 * Step];
@@ -74,7 +74,7 @@ template <int Step> [[gnu::always_inline]] inline void transformLanes(Lanes* v)
 
 void loadSamples(const std::uint8_t* samples, std::ptrdiff_t stride, Lanes* block)
 {
-    for (int row = 0; row < 8; ++row, samples += stride) {
+    for (std::ptrdiff_t row = 0; row < 8; ++row, samples += stride) {
 #ifdef __SSE2__
         const __m128i zero = _mm_setzero_si128();
         const __m128i words = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples)), zero);

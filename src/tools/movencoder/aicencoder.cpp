@@ -40,7 +40,7 @@ struct Samples {
     const std::uint8_t* at;
     std::ptrdiff_t stride;
 };
-using Copy = std::array<std::uint8_t, 16 * 16>;
+using Copy = std::array<std::uint8_t, 256>;
 
 Samples samplesOf(const std::uint8_t* plane, std::ptrdiff_t stride, int planeWidth, int x, int y, int side, Copy& copy)
 {
@@ -48,7 +48,7 @@ Samples samplesOf(const std::uint8_t* plane, std::ptrdiff_t stride, int planeWid
     if (x + side <= planeWidth)
         return {at, stride};
     const auto present = static_cast<std::size_t>(planeWidth - x);
-    for (int line = 0; line < side; ++line, at += stride) {
+    for (std::ptrdiff_t line = 0; line < side; ++line, at += stride) {
         std::uint8_t* to = copy.data() + 16 * line;
         std::memcpy(to, at, present);
         std::fill(to + present, to + side, at[present - 1]);
@@ -80,15 +80,14 @@ void Encoder::collectMacroblock(const Picture& picture, int row, int column)
                                    geometry_.firstLumaLine(row, height_), 16, copy);
     const std::ptrdiff_t lowerBlocks = picture.interlaced ? luma.stride : 8 * luma.stride;
     const std::ptrdiff_t lineStep = picture.interlaced ? 2 * luma.stride : luma.stride;
-    for (int block = 0; block < 4; ++block) {
+    for (std::ptrdiff_t block = 0; block < 4; ++block) {
         const std::uint8_t* at = luma.at + (block & 1) * 8 + (block >> 1) * lowerBlocks;
-        transformBlock(at, lineStep, factors_, levels.data() + static_cast<std::ptrdiff_t>(64) * block);
+        transformBlock(at, lineStep, factors_, levels.data() + 64 * block);
     }
-    for (int plane = 1; plane < 3; ++plane) {
+    for (std::ptrdiff_t plane = 1; plane < 3; ++plane) {
         const Samples chroma = samplesOf(picture.planes[plane], picture.strides[plane], (width_ + 1) / 2, 8 * column,
                                          geometry_.firstChromaLine(row, height_), 8, copy);
-        transformBlock(chroma.at, chroma.stride, factors_,
-                       levels.data() + static_cast<std::ptrdiff_t>(64) * (3 + plane));
+        transformBlock(chroma.at, chroma.stride, factors_, levels.data() + 64 * (3 + plane));
     }
     coder_.addMacroblock(levels.data(), orders_[picture.interlaced ? 1 : 0]);
 }
@@ -117,7 +116,8 @@ std::size_t Encoder::measure(const Picture& picture, int quantiser, int rowStep)
             bytes += coder_.choose();
         }
     }
-    return firstSliceOffset() + bytes * static_cast<std::size_t>(geometry_.macroblockRows) / rows;
+    return firstSliceOffset() +
+           bytes * static_cast<std::size_t>(geometry_.macroblockRows) / std::max<std::size_t>(rows, 1);
 }
 
 void Encoder::writeHeader(std::vector<std::uint8_t>& frame, int quantiser, bool interlaced) const
