@@ -16,9 +16,11 @@
 
 #include <cstdio>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 FILE* newStdout = nullptr;
 FILE* newStderr = nullptr;
@@ -117,10 +119,12 @@ QString mailAddress(const QString& mailbox, const QString& versionField, int rev
     for (QString& word : words) {
         word = capitalized(word);
     }
-    const QString address = formatText(
-        QStringLiteral("mailto:%@@%@?subject=%@ - v%.02f (%@)&body=%@-r%d\n\n%@"),
-        {mailbox, textOf(infoValue(QStringLiteral("TVXMailDomain"))), bundleName(), floatPrefix(bundleVersion()),
-         localizedString(QStringLiteral("D_Langue")), words.join(QLatin1Char(' ')), revision, body});
+    // A joined list of nothing is nothing, which a format shows as a word.
+    const QString version = versionField.isEmpty() ? QStringLiteral("") : words.join(QLatin1Char(' '));
+    const QString address = formatText(QStringLiteral("mailto:%@@%@?subject=%@ - v%.02f (%@)&body=%@-r%d\n\n%@"),
+                                       {mailbox, textOf(infoValue(QStringLiteral("TVXMailDomain"))), bundleName(),
+                                        floatPrefix(bundleVersion()), localizedString(QStringLiteral("D_Langue")),
+                                        version, revision, body});
     return percentEscaped(address);
 }
 
