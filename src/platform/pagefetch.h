@@ -10,7 +10,7 @@ namespace tavrix
 
 struct FetchLimits {
     int milliseconds = 30000; // for the whole page
-    qint64 bytes = 4 * 1024 * 1024;
+    qint64 bytes = 4194304;
     int redirects = 5;
 };
 

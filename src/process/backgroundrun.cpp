@@ -106,7 +106,7 @@ QString backgroundRunCommand(const QStringList& arguments)
 
 QString backgroundRunName(const QString& command)
 {
-    const QString firstWord = textBefore(command, QStringLiteral(" "));
+    QString firstWord = textBefore(command, QStringLiteral(" "));
     if (testPresenceCocoa(firstWord))
         return firstWord;
     return textBefore(command, QStringLiteral("\" ")) + QLatin1Char('"');

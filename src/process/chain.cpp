@@ -75,11 +75,9 @@ Chain startChain(const QList<ChainCommand>& commands)
             return chain;
         }
         startOne(commands[index], links, input.get(), last, chain);
-        input = std::move(links.toNext.readEnd);
-        if (last) {
-            chain.output = std::move(input);
-            chain.error = std::move(links.error.readEnd);
-        }
+        UniqueFd& reader = last ? chain.output : input;
+        reader = std::move(links.toNext.readEnd);
+        chain.error = std::move(links.error.readEnd);
     }
     return chain;
 }

@@ -71,7 +71,7 @@ QString taskWithStr(const QString& command, const QString& directory)
     const std::optional<CapturedRun> run = runShell(command, directory);
     if (!run)
         return {};
-    const QString text = decodedUtf8(run->output);
+    QString text = decodedUtf8(run->output);
     if (text.isNull())
         return QLatin1String("");
     if (text.isEmpty()) {
@@ -123,7 +123,7 @@ QString ffmpegPathStr()
         folders << resources << stringByAppendingPathComponent(resources, QStringLiteral("tools"));
     folders << supportFolder();
     for (const QString& folder : folders) {
-        const QString path = stringByAppendingPathComponent(folder, name);
+        QString path = stringByAppendingPathComponent(folder, name);
         if (testPresenceCocoa(path))
             return path;
     }

@@ -108,7 +108,7 @@ protected:
         const QString out = folder.path(QStringLiteral("opener.out"));
         if (!waitUntil([&] { return itemExists(out); }))
             return {};
-        const QString content = QString::fromUtf8(readBytes(out).value_or(QByteArray()));
+        QString content = QString::fromUtf8(readBytes(out).value_or(QByteArray()));
         QFile::remove(out);
         return content;
     }
