@@ -83,7 +83,7 @@ std::vector<std::string> clipArguments(const std::string& kind)
         add({"-t", "1", "-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-c:a", "aac", "-f", "mov"});
     } else {
         add(picture("s=640x360:r=25"));
-        add({"-t", "60", "-c:v", "mpeg4", "-q:v", "8", "-f", "mov"});
+        add({"-t", "20", "-c:v", "mpeg4", "-q:v", "8", "-f", "mov"});
     }
     return words;
 }

@@ -115,7 +115,7 @@ ChildImage imageOf(const ChildRequest& request)
             image.variables.emplace_back(*variable);
     }
     for (const auto& [name, value] : request.environment)
-        image.variables.push_back(name + '=' + value);
+        image.variables.emplace_back(name).append("=").append(value);
     for (const std::string& variable : image.variables)
         image.environment.push_back(const_cast<char*>(variable.c_str()));
     image.environment.push_back(nullptr);

@@ -80,7 +80,7 @@ std::string codecTag(const std::string& field)
 std::string classicCodec(const std::string& field)
 {
     const std::string name = withoutParentheses(field);
-    const std::string tag = codecTag(field);
+    std::string tag = codecTag(field);
     if ((name == "none" || name == "unknown") && !tag.empty())
         return tag;
     if (name == "wrapped_avframe")

@@ -1,0 +1,145 @@
+// The tool before scripts in the place of ffmpeg, for what the installed one does not do on request.
+#include "tools/toolrun.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+namespace tavrix
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using test::clip;
+using test::fileContents;
+using test::runTool;
+using test::TempFolder;
+using test::ToolEnd;
+using test::writeFile;
+using Words = std::vector<std::string>;
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+class FakeFfmpeg : public testing::Test
+{
+protected:
+    std::string name(const std::string& file) const { return m_folder.path().toStdString() + '/' + file; }
+    ToolEnd runWith(const std::string& script, const Words& arguments)
+    {
+        fs::create_directories(name("bin"));
+        writeFile(name("bin/ffmpeg"), "#!/bin/sh\n" + script);
+        chmod(name("bin/ffmpeg").c_str(), 0755);
+        test::RunningTool::Options options;
+        options.environment["PATH"] = name("bin") + ":/usr/bin:/bin";
+        return runTool(arguments, options);
+    }
+    std::string output() const { return name("out.mov"); }
+    static std::string writes(const std::string& text)
+    {
+        return "for o; do :; done\nprintf '" + text + "' > \"${o#file:}\"\n";
+    }
+
+    TempFolder m_folder;
+};
+
+TEST_F(FakeFfmpeg, GivesItsStatusToTheCaller)
+{
+    for (const int status : {0, 1, 8, 183, 234})
+        EXPECT_EQ(runWith("exit " + std::to_string(status), {"-i", "x"}).code, status);
+    EXPECT_EQ(runWith("kill -9 $$", {"-i", "x"}).code, 128 + 9);
+}
+
+TEST_F(FakeFfmpeg, PublishesAfterAGoodEndOnly)
+{
+    EXPECT_EQ(runWith(writes("data") + "exit 3", {"-i", "x", "-y", output()}).code, 3);
+    EXPECT_FALSE(fs::exists(output()));
+    EXPECT_EQ(runWith(writes("data") + "kill -9 $$", {"-i", "x", "-y", output()}).code, 137);
+    EXPECT_FALSE(fs::exists(output()));
+    EXPECT_EQ(runWith(writes("data") + "exit 0", {"-i", "x", "-y", output()}).code, 0);
+    EXPECT_EQ(fileContents(output()), "data");
+}
+
+TEST_F(FakeFfmpeg, StatusZeroIsNoProof)
+{
+    for (const char* message :
+         {"Error writing trailer of x: No space left on device", "av_interleaved_write_frame(): Input/output error",
+          "Output file is empty, nothing was encoded (check -ss / -t / -frames parameters if used)"}) {
+        const std::string script = writes("data") + "echo '" + message + "' >&2; exit 0";
+        EXPECT_EQ(runWith(script, {"-i", "x", "-y", output()}).code, 1) << message;
+        EXPECT_FALSE(fs::exists(output())) << message;
+    }
+    EXPECT_EQ(runWith("exit 0", {"-i", "x", "-y", output()}).code, 1);
+    EXPECT_FALSE(fs::exists(output()));
+}
+
+TEST_F(FakeFfmpeg, WritesNumbersInTheCLocale)
+{
+    EXPECT_TRUE(contains(runWith("echo \"<$LC_ALL>\" >&2", {"-i", "x"}).err, "<C>\n"));
+}
+
+TEST_F(FakeFfmpeg, LaterVersionsGetTheNewNameOfAnOption)
+{
+    const std::string script =
+        "echo 'ffmpeg version 8.0 Copyright' >&2\n"
+        "case \" $* \" in *' -vsync '*) echo \"Unrecognized option 'vsync'.\" >&2; exit 8;; esac\n"
+        "echo \"got $*\" >&2\n" +
+        writes("data");
+    const ToolEnd end = runWith(script, {"-i", "x", "-vsync", "0", "-vcodec", "mpeg4", "-y", output()});
+    EXPECT_EQ(end.code, 0) << end.err;
+    EXPECT_TRUE(contains(end.err, "-fps_mode vfr"));
+    EXPECT_FALSE(contains(end.err, "Unrecognized"));
+    EXPECT_EQ(fileContents(output()), "data");
+}
+
+TEST_F(FakeFfmpeg, AnotherHolderOfTheStreamDoesNotDelayTheEnd)
+{
+    const ToolEnd end = runWith("sleep 5 & echo last words >&2; exit 5", {"-i", "x"});
+    EXPECT_EQ(end.code, 5);
+    EXPECT_TRUE(end.err.ends_with("last words\n"));
+}
+
+TEST_F(FakeFfmpeg, UndecodableBytesAreReplaced)
+{
+    EXPECT_TRUE(contains(runWith("printf 'caf\\351\\n' >&2", {"-i", "x"}).err, "caf\xef\xbf\xbd\n"));
+}
+
+TEST_F(FakeFfmpeg, LongLinesArriveWhole)
+{
+    const ToolEnd end = runWith("head -c 300000 /dev/zero | tr '\\0' y >&2; echo >&2", {"-i", "x"});
+    EXPECT_EQ(end.err, std::string(300000, 'y') + '\n');
+}
+
+TEST_F(FakeFfmpeg, TwoCopiesOfTheToolDoNotCallEachOther)
+{
+    fs::create_directories(name("a"));
+    fs::create_directories(name("b"));
+    fs::copy_file(test::toolPath(), name("a/ffmpeg"));
+    fs::copy_file(test::toolPath(), name("b/ffmpeg"));
+    test::RunningTool::Options options;
+    options.environment["PATH"] = name("a") + ':' + name("b") + ":/usr/bin:/bin";
+    const ToolEnd end = runTool({"-v", "2", "-i", clip("mov")}, options);
+    EXPECT_EQ(end.code, 1);
+    EXPECT_TRUE(contains(end.err, "At least one output file must be specified\n"));
+}
+
+TEST_F(FakeFfmpeg, IsNeverFoundThroughARelativeFolder)
+{
+    fs::create_directories(name("bin"));
+    writeFile(name("bin/ffmpeg"), "#!/bin/sh\nexit 77\n");
+    chmod(name("bin/ffmpeg").c_str(), 0755);
+    test::RunningTool::Options options;
+    options.environment["PATH"] = "bin:.:";
+    options.workingFolder = name("");
+    EXPECT_EQ(runTool({"-v", "2", "-i", clip("mov")}, options).code, 1);
+}
+
+} // namespace
+
+} // namespace tavrix
