@@ -100,7 +100,7 @@ void QTMOVIEVIEWrelease()
 
 QString ac_qtMovieviewPathStr()
 {
-    const QString path = getQTMOVIEVIEWSTR();
+    QString path = getQTMOVIEVIEWSTR();
     logDebug(QStringLiteral("QTMOVIEVIEWSTR : %@"), {path.isEmpty() ? QStringLiteral("nil") : path});
     return path;
 }

@@ -166,7 +166,7 @@ bool WaveExport::writeSamples(std::span<const std::int16_t> samples)
     std::vector<std::int16_t> stored(samples.begin(), samples.end());
     for (std::int16_t& sample : stored)
         sample = qToLittleEndian(sample);
-    const auto size = static_cast<qint64>(stored.size() * sizeof(std::int16_t));
+    const auto size = static_cast<qint64>(stored.size()) * static_cast<qint64>(sizeof(std::int16_t));
     constexpr qint64 mostWaveBytes = 0xFFFFFFFFLL - waveHeaderSize;
     if (dataBytes_ + size > mostWaveBytes)
         return failed(QStringLiteral("a WAVE file cannot hold that much sound"));
