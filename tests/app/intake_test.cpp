@@ -195,7 +195,7 @@ TEST_F(Intake, DropUnderAnAlertWaitsForItsEnd)
     face.whileOpen = [&](const AlertRequest&) {
         controller->dragNDropPerformDrag(nullptr, {source});
         controller->applicationOpenFiles({source});
-        settle();
+        settleUnderAnAlert();
         EXPECT_TRUE(tools.launches.isEmpty());
     };
     displayAlert(QStringLiteral("open"), QString(), 0, nullptr);

@@ -153,7 +153,7 @@ private:
             break;
         case 2:
             controller_.applicationOpenFiles({anySource()});
-            settle();
+            settleUnderAnAlert();
             break;
         case 3:
             QFile::remove(anySource());

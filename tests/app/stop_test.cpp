@@ -99,7 +99,7 @@ TEST_F(Stop, EncoderThatEndsWhileTheAlertIsOpen)
     const FakeTools::Launch launch = tools.running().last();
     face.whileOpen = [&](const AlertRequest&) {
         tools.finish(launch);
-        settle();
+        settleUnderAnAlert();
         EXPECT_TRUE(controller->isEncoding());
     };
     pressStop();

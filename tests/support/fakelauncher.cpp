@@ -69,32 +69,33 @@ void FakeLauncher::terminate()
 
 void FakeLauncher::write(const QString& text)
 {
-    keep([this, text] {
-        if (delegate() != nullptr) {
-            delegate()->taskLauncherDidReceiveNewString(this, text);
-        }
-    });
+    keep(
+        [this, text] {
+            if (delegate() != nullptr) {
+                delegate()->taskLauncherDidReceiveNewString(this, text);
+            }
+        },
+        false);
 }
 
 void FakeLauncher::end(int status)
 {
-    if (ending_) {
-        return;
-    }
-    keep([this, status] {
-        status_ = status;
-        endedByItself_ = true;
-        terminate();
-    });
-    ending_ = true;
-    deliver();
+    keep(
+        [this, status] {
+            status_ = status;
+            endedByItself_ = true;
+            terminate();
+        },
+        true);
 }
 
-void FakeLauncher::keep(std::function<void()> event)
+// The last thing it does is the delivery, which may destroy this object.
+void FakeLauncher::keep(std::function<void()> event, bool isEnd)
 {
     if (!started_ || !running_ || ending_) {
         return;
     }
+    ending_ = isEnd;
     waiting_.push_back(std::move(event));
     deliver();
 }

@@ -35,7 +35,7 @@ public:
     [[nodiscard]] bool isEnding() const { return ending_; }
 
 private:
-    void keep(std::function<void()> event);
+    void keep(std::function<void()> event, bool isEnd);
     void deliver();
 
     LaunchHandler onLaunch_;

@@ -187,6 +187,13 @@ bool makeSparseFile(const QString& path, int kilobytes)
     return file.open(QIODevice::WriteOnly) && file.resize(qint64{kilobytes} * 1024);
 }
 
+void settleUnderAnAlert()
+{
+    for (int i = 0; i < 3; ++i) {
+        QCoreApplication::sendPostedEvents();
+    }
+}
+
 void settle()
 {
     for (int i = 0; i < 3; ++i) {

@@ -75,5 +75,7 @@ private:
 bool makeSparseFile(const QString& path, int kilobytes);
 // Serves the event loop until nothing is waiting: kept deliveries, zero-delay calls, released objects.
 void settle();
+// The same inside of an open alert: objects that callbacks have released are still in use there.
+void settleUnderAnAlert();
 
 } // namespace tavrix::test
