@@ -1,7 +1,6 @@
 #include "gui/dragndropview.h"
 
 #include "app/appdelegate.h"
-#include "base/runloopgate.h"
 #include "gui/images.h"
 #include "gui/theme.h"
 
@@ -88,11 +87,7 @@ void dragNDropView::dropEvent(QDropEvent* event)
     event->setDropAction(Qt::CopyAction);
     event->accept();
     if (!paths.isEmpty() && delegate_ != nullptr) {
-        RunLoopGate::instance().deliver([view = QPointer(this), paths] {
-            if (view && view->delegate_) {
-                view->delegate_->dragNDropPerformDrag(view, paths);
-            }
-        });
+        delegate_->dragNDropPerformDrag(this, paths);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "gui/binding.h"
 #include "gui/dragndropview.h"
 #include "gui/droppanel.h"
+#include "gui/ecran.h"
 #include "gui/encodepanel.h"
 #include "gui/images.h"
 #include "gui/leftoutbar.h"
@@ -94,13 +95,22 @@ void MainWindow::watchDrawer()
     Drawer& drawer = controller_.model().drawer;
     drawerWasOpen_ = drawer.isOpen();
     connect(&drawer, &Control::changed, this, [this, &drawer] {
-        if (drawerWasOpen_ && !drawer.isOpen() && !isMaximized() && !isFullScreen()) {
-            const int room = drawer_->height();
+        if (!drawerWasOpen_ && drawer.isOpen()) {
+            heightOpen_ = height();
+        } else if (drawerWasOpen_ && !drawer.isOpen() && !isMaximized() && !isFullScreen()) {
             layout()->activate();
-            resize(width(), qMax(minimumSizeHint().height(), height() - room));
+            resize(width(), height() - qMax(0, heightOpen_ - heightBefore_));
         }
         drawerWasOpen_ = drawer.isOpen();
     });
+}
+
+void MainWindow::growToward(const QString& side, float delta)
+{
+    heightBefore_ = height();
+    if (!isMaximized() && !isFullScreen()) {
+        ecran(this, side, delta);
+    }
 }
 
 void MainWindow::watchTheme()

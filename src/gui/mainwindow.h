@@ -27,6 +27,8 @@ public:
     void chooseFiles();
     void chooseFolder();
     void showAbout();
+    // Grows toward a side by delta + 50 and stays on the screen; a maximised window keeps its size.
+    void growToward(const QString& side, float delta);
     [[nodiscard]] PreferencesSheet& preferences() const { return *preferences_; }
     [[nodiscard]] BatchDrawer& batchDrawer() const { return *drawer_; }
 
@@ -48,6 +50,8 @@ private:
     LeftOutBar* foot_ = nullptr;
     PreferencesSheet* preferences_ = nullptr;
     bool drawerWasOpen_ = false;
+    int heightBefore_ = 0; // of the window before it grew for the drawer
+    int heightOpen_ = 0;   // after that
 };
 
 } // namespace tavrix

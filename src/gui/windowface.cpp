@@ -1,6 +1,5 @@
 #include "gui/windowface.h"
 
-#include "gui/ecran.h"
 #include "gui/helpwindow.h"
 #include "gui/mainwindow.h"
 #include "gui/pickers.h"
@@ -38,8 +37,8 @@ void WindowFace::beep()
 
 void WindowFace::ecran(const QString& side, float delta)
 {
-    if (window_ != nullptr && !window_->isMaximized() && !window_->isFullScreen()) {
-        tavrix::ecran(window_, side, delta);
+    if (window_ != nullptr) {
+        window_->growToward(side, delta);
     }
 }
 

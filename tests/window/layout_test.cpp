@@ -1,0 +1,231 @@
+#include "windowharness.h"
+
+#include "base/localisation.h"
+#include "gui/batchdrawer.h"
+#include "gui/preferencessheet.h"
+#include "gui/rowdetails.h"
+#include "support/qtprinters.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QLabel>
+#include <QListView>
+#include <QMenuBar>
+#include <QScrollBar>
+
+namespace tavrix::test
+{
+namespace
+{
+
+// Buttons and one-line labels whose text is wider than they are.
+QStringList clippedTexts(QWidget& top)
+{
+    QStringList clipped;
+    for (const auto* button : top.findChildren<QAbstractButton*>()) {
+        if (button->isVisible() && !button->text().isEmpty() && button->width() < button->sizeHint().width()) {
+            clipped << button->text();
+        }
+    }
+    for (const auto* label : top.findChildren<QLabel*>()) {
+        const bool elides = label->minimumSizeHint().width() <= 40;
+        if (!label->isVisible() || label->text().isEmpty() || elides) {
+            continue;
+        }
+        const bool fits = label->wordWrap() ? label->height() >= label->heightForWidth(label->width())
+                                            : label->width() >= label->sizeHint().width();
+        if (!fits) {
+            clipped << label->text();
+        }
+    }
+    return clipped;
+}
+
+QStringList markedTexts(QWidget& top)
+{
+    QStringList marked;
+    const auto check = [&marked](const QString& text) {
+        if (text.startsWith(QStringLiteral("@@")) || text.startsWith(QStringLiteral("Win_"))) {
+            marked << text;
+        }
+    };
+    check(top.windowTitle());
+    for (const auto* widget : top.findChildren<QWidget*>()) {
+        check(widget->accessibleName());
+        check(widget->toolTip());
+        if (const auto* button = qobject_cast<const QAbstractButton*>(widget)) {
+            check(button->text());
+        }
+        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            check(label->text());
+        }
+    }
+    return marked;
+}
+
+QStringList unnamedControls(QWidget& top)
+{
+    QStringList unnamed;
+    for (auto* widget : top.findChildren<QWidget*>()) {
+        if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible() || qobject_cast<QMenuBar*>(widget)) {
+            continue;
+        }
+        const QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+        if (accessible == nullptr || accessible->text(QAccessible::Name).isEmpty() || widget->objectName().isEmpty()) {
+            unnamed << QString::fromLatin1(widget->metaObject()->className()) + QLatin1Char(' ') + widget->objectName();
+        }
+    }
+    return unnamed;
+}
+
+} // namespace
+
+class Layout : public WindowTest, public testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(Layout, NothingIsClippedUnnamedOrUntranslated)
+{
+    setLanguage(QLatin1String(GetParam()));
+    startProgram();
+    EXPECT_TEXTS(clippedTexts(window()), QStringList());
+    analysedClips(2);
+    useDestination();
+    rows().setSelectedRow(0);
+    settle();
+    EXPECT_TEXTS(clippedTexts(window()), QStringList());
+    EXPECT_TEXTS(markedTexts(window()), QStringList());
+    EXPECT_TEXTS(unnamedControls(window()), QStringList());
+    trigger("menuPref");
+    settle();
+    EXPECT_TEXTS(clippedTexts(window().preferences()), QStringList());
+    EXPECT_TEXTS(unnamedControls(window().preferences()), QStringList());
+}
+
+TEST_P(Layout, TheWindowFitsOnASmallScreen)
+{
+    setLanguage(QLatin1String(GetParam()));
+    startProgram();
+    analysedClips(1);
+    settle();
+    EXPECT_LE(window().minimumSizeHint().width(), 1024);
+    EXPECT_LE(window().minimumSizeHint().height(), 560);
+    window().resize(1024, 560);
+    settle();
+    EXPECT_EQ(window().height(), 560);
+    EXPECT_TEXTS(clippedTexts(window()), QStringList());
+    EXPECT_GE(find<QListView>("encBatchArrayController")->height(), 90);
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, Layout, testing::Values("en", "fr"),
+                         [](const auto& language) { return std::string(language.param); });
+
+using WindowBehaviour = WindowTest;
+
+TEST_F(WindowBehaviour, TabGoesThroughTheMainJobInOrder)
+{
+    startProgram();
+    analysedClips(1);
+    window().activateWindow();
+    auto* widget = find<QWidget>("dragndropImgView");
+    const QStringList wanted{QStringLiteral("mainEncDstPathStr"),       QStringLiteral("mainEncDstSelectBt"),
+                             QStringLiteral("mainEncDstRevealBt"),      QStringLiteral("changeFormatBt"),
+                             QStringLiteral("drawerToggleBt"),          QStringLiteral("batchEncGoBt"),
+                             QStringLiteral("encBatchArrayController"), QStringLiteral("batchEncRemoveAllBt")};
+    QStringList met;
+    for (int i = 0; i < 60; ++i) {
+        widget = widget->nextInFocusChain();
+        if (wanted.contains(widget->objectName()) && !met.contains(widget->objectName())) {
+            met << widget->objectName();
+        }
+    }
+    EXPECT_TEXTS(met, wanted);
+}
+
+// A "move" would make the other program delete the clips after the drop.
+TEST_F(WindowBehaviour, ADropIsACopyWhateverIsProposed)
+{
+    startProgram();
+    const QString clip = folder_.makeFile(QStringLiteral("a.MTS"), "clip");
+    EXPECT_EQ(drop({clip}, Qt::CopyAction | Qt::MoveAction, Qt::MoveAction), Qt::CopyAction);
+    EXPECT_TRUE(tools_.finishAll());
+    EXPECT_EQ(rows().count(), 1);
+    EXPECT_TRUE(itemExists(clip));
+    EXPECT_EQ(drop({folder_.makeFile(QStringLiteral("b.MTS"))}, Qt::MoveAction, Qt::MoveAction), Qt::IgnoreAction);
+    EXPECT_EQ(rows().count(), 1);
+}
+
+TEST_F(WindowBehaviour, ADropOfNothingNewSaysSo)
+{
+    startProgram();
+    drop({folder_.makeFile(QStringLiteral("notes.txt"))});
+    EXPECT_EQ(find<QLabel>("noticeStr")->text(), QStringLiteral("No new clip was found in what you dropped"));
+    EXPECT_TRUE(find<QLabel>("dragndropCaptionStr")->isVisible());
+}
+
+TEST_F(WindowBehaviour, AClickOnTheDropAreaOffersToChoose)
+{
+    startProgram();
+    QTest::mouseClick(find<QWidget>("dragndropImgView"), Qt::LeftButton);
+    QMenu* menu = find<QMenu>("dropMenu");
+    ASSERT_NE(menu, nullptr);
+    ASSERT_EQ(menu->actions().size(), 2);
+    robot_->choose(folder_.makeFile(QStringLiteral("chosen.MTS"), "clip"));
+    menu->actions().first()->trigger();
+    menu->close();
+    ASSERT_TRUE(waitFor([this] { return controller().isAnalysing(); }));
+}
+
+// Each picture is read once, however often the list is drawn, and 5,000 rows scroll without being measured one by one.
+TEST_F(WindowBehaviour, ALongListScrollsAndReadsEachThumbnailOnce)
+{
+    startProgram();
+    QImage picture(320, 180, QImage::Format_RGB32);
+    picture.fill(Qt::darkCyan);
+    const QString image = folder_.path(QStringLiteral("one.jpg"));
+    ASSERT_TRUE(picture.save(image));
+    constexpr int count = 5000;
+    for (int i = 0; i < count; ++i) {
+        BatchRow row;
+        row.order = i + 1;
+        row.src = QStringLiteral("clip%1.MTS").arg(i);
+        row.out = 3;
+        row.resultat = rowIcon::pending;
+        row.img = i < 40 ? image : QString();
+        row.dico.insert(record::mainEncSrcPathStr, folder_.path(row.src));
+        rows().append(row);
+    }
+    trigger("menuDrawer");
+    auto* list = find<QListView>("encBatchArrayController");
+    list->grab();
+    list->grab();
+    EXPECT_EQ(window().batchDrawer().details().thumbnailLoads(), 1);
+    QElapsedTimer clock;
+    clock.start();
+    constexpr int steps = 50;
+    for (int i = 0; i <= steps; ++i) {
+        list->verticalScrollBar()->setValue(list->verticalScrollBar()->maximum() * i / steps);
+        list->grab();
+    }
+    // Far above what a step takes, far below what drawing or measuring every row would.
+    EXPECT_LT(clock.elapsed() / steps, 100);
+    EXPECT_EQ(window().batchDrawer().details().thumbnailLoads(), 1);
+}
+
+TEST_F(WindowBehaviour, ThePlannedNameAndSizeOfARowAreFoundOut)
+{
+    startProgram();
+    analysedClips(1);
+    RowDetails& details = window().batchDrawer().details();
+    (void)details.outputName(rows().row(0));
+    ASSERT_TRUE(waitFor([&] { return !details.outputName(rows().row(0)).isEmpty(); }));
+    EXPECT_TRUE(details.outputName(rows().row(0)).startsWith(QStringLiteral("clip-")));
+    EXPECT_TRUE(details.outputName(rows().row(0)).endsWith(QStringLiteral("-clip1.mov")));
+    EXPECT_TRUE(details.summary(rows().row(0)).contains(QStringLiteral("Expected size: ")));
+}
+
+} // namespace tavrix::test
