@@ -36,7 +36,10 @@ QuietErrorStream::~QuietErrorStream()
 
 void resetProcessState(const QString& temporaryFolder)
 {
-    setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
+    // Setting the folder forgets what was read from it.
+    if (resourcePath() != QStringLiteral(TAVRIX_BUILD_RESOURCES)) {
+        setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
+    }
     setLanguage(QStringLiteral("en"));
     for (const QString& key : prefAllKeys()) {
         prefDelete(key);

@@ -24,6 +24,7 @@ namespace
 constexpr int sequences = 5000;
 constexpr unsigned firstSeed = 20101;
 constexpr int sourceCount = 5;
+constexpr int recoverySources = 2;
 // A step that called itself for every row or source would soon be beyond this.
 constexpr quintptr deepestStack = 256 * 1024;
 
@@ -34,15 +35,26 @@ struct World {
         for (int i = 0; i < sourceCount; ++i) {
             sources << folder.path(QStringLiteral("sources/clip%1.mts").arg(i));
         }
+        folder.makeFolder(QStringLiteral("destination"));
     }
 
     void renew() const
     {
-        QDir(events()).removeRecursively();
+        QDir outputs(events());
+        const QStringList files = outputs.entryList(QDir::Files | QDir::Hidden);
+        for (const QString& file : files) {
+            outputs.remove(file);
+        }
         folder.makeFolder(QStringLiteral("temporary"));
-        folder.makeFolder(QStringLiteral("destination"));
-        for (const QString& source : sources) {
-            folder.makeFile(source.mid(folder.path().size() + 1), "clip");
+        bringBack(sourceCount);
+    }
+
+    void bringBack(int count) const
+    {
+        for (const QString& source : sources.first(count)) {
+            if (!QFile::exists(source)) {
+                folder.makeFile(source.mid(folder.path().size() + 1), "clip");
+            }
         }
     }
 
@@ -332,14 +344,16 @@ private:
         EXPECT_EQ(currentRows(), controller_.isEncoding() && stillCurrent() ? 1 : 0) << where();
     }
 
-    int currentRows()
+    QStringList icons()
     {
-        int found = 0;
+        QStringList found;
         for (int i = 0; i < rows().count(); ++i) {
-            found += rows().row(i).resultat == rowIcon::current ? 1 : 0;
+            found << rows().row(i).resultat;
         }
         return found;
     }
+
+    int currentRows() { return static_cast<int>(icons().count(rowIcon::current)); }
 
     // A stop that waits for the end of an analysis has marked its row already.
     bool stillCurrent()
@@ -358,24 +372,21 @@ private:
             return;
         }
         tools_.results.clear();
-        world_.renew();
+        world_.bringBack(recoverySources);
         setFreeSpaceForTests(1000000);
         model().mainEncDstPathStr.setStringValue(world_.folder.path(QStringLiteral("destination")));
         controller_.setReplacePolicy(1);
-        controller_.draggedFiles(world_.sources);
+        controller_.draggedFiles(world_.sources.first(recoverySources));
         ASSERT_TRUE(tools_.finishAll(500)) << where();
         expectNoAnalysisLeft();
         // The first start may only swallow a stop that came too late.
-        for (int batch = 0; batch < 2; ++batch) {
+        for (int batch = 0; batch < 2 && icons().contains(rowIcon::pending); ++batch) {
             start();
             ASSERT_TRUE(tools_.finishAll(500)) << where();
             checkAtRest();
         }
-        for (int i = 0; i < rows().count(); ++i) {
-            EXPECT_TRUE(rows().row(i).resultat == rowIcon::success || rows().row(i).resultat == rowIcon::failure)
-                << where() << " row " << i;
-        }
-        EXPECT_EQ(expectedKeys(), QStringList()) << where();
+        EXPECT_FALSE(icons().contains(rowIcon::pending)) << where();
+        EXPECT_TEXTS(strayKeys(), QStringList()) << where();
     }
 
     void expectNoAnalysisLeft()
@@ -388,7 +399,7 @@ private:
     }
 
     // Preference keys that have no business after a whole batch.
-    static QStringList expectedKeys()
+    static QStringList strayKeys()
     {
         QStringList keys = prefAllKeys();
         keys.removeAll(pref::imgPathStr);
@@ -451,7 +462,7 @@ TEST(RandomEvents, LeaveTheControllerInAConsistentState)
         if (HasFailure()) {
             FAIL() << "seed " << seed;
         }
-        if (seed % 20 == 0) {
+        if (seed % 50 == 0) {
             // Names in the trash are numbered one by one, and the summary is read whole.
             QDir(trash).removeRecursively();
             QFile::remove(logResumePathStr());
