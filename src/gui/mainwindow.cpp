@@ -98,6 +98,8 @@ void MainWindow::watchDrawer()
         if (!drawerWasOpen_ && drawer.isOpen()) {
             heightOpen_ = height();
         } else if (drawerWasOpen_ && !drawer.isOpen() && !isMaximized() && !isFullScreen()) {
+            // The drawer's room counts as the smallest size until both layouts know that it has gone.
+            centralWidget()->layout()->activate();
             layout()->activate();
             resize(width(), height() - qMax(0, heightOpen_ - heightBefore_));
         }

@@ -180,6 +180,8 @@ TEST_F(MainJob, TheWholeJobByKeyboard)
     QTest::keyClick(list, Qt::Key_Down);
     EXPECT_EQ(rows().selectedRow(), 0);
     useDestination();
+    window().activateWindow();
+    ASSERT_TRUE(waitFor([this] { return QApplication::activeWindow() == &window(); }));
     QTest::keyClick(&window(), Qt::Key_Return, Qt::ControlModifier);
     ASSERT_TRUE(controller().isEncoding());
     QTest::keyClick(&window(), Qt::Key_P, Qt::ControlModifier);
