@@ -36,6 +36,7 @@ struct World {
             sources << folder.path(QStringLiteral("sources/clip%1.mts").arg(i));
         }
         folder.makeFolder(QStringLiteral("destination"));
+        fresh = folder.makeFile(QStringLiteral("fresh.mts"), "clip");
     }
 
     void renew() const
@@ -62,6 +63,7 @@ struct World {
 
     TempFolder folder;
     QStringList sources;
+    QString fresh; // never dropped before the end
 };
 
 // One life of the controller, with everything that can happen to it happening at random.
@@ -376,7 +378,8 @@ private:
         setFreeSpaceForTests(1000000);
         model().mainEncDstPathStr.setStringValue(world_.folder.path(QStringLiteral("destination")));
         controller_.setReplacePolicy(1);
-        controller_.draggedFiles(world_.sources.first(recoverySources));
+        // A stalled analysis is taken up again by a drop that brings something new.
+        controller_.draggedFiles(world_.sources.first(recoverySources) << world_.fresh);
         ASSERT_TRUE(tools_.finishAll(500)) << where();
         expectNoAnalysisLeft();
         // The first start may only swallow a stop that came too late.

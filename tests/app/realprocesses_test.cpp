@@ -9,7 +9,9 @@
 #include <QFile>
 
 #include <csignal>
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 using namespace tavrix;
 using namespace tavrix::test;
@@ -19,8 +21,8 @@ namespace
 
 // A tool that behaves like the converter's: a decode writes header and description, a thumbnail run a picture, an
 // encode works until it is let go and then leaves its output under the final name. A grandchild does the work, so that
-// signals must reach the whole group. "$0.go" lets an encode go on to its end; "$0.pids" holds the ids of both
-// processes.
+// signals must reach the whole group. A line in "$0.go" lets an encode go on to its end; "$0.pids" holds the ids of
+// both processes.
 const char* const toolScript = R"(
 for last; do :; done
 case " $* " in
@@ -38,12 +40,13 @@ case " $* " in
 esac
 (i=0; while [ $i -lt 50000000 ]; do i=$((i + 1)); done) &
 worker=$!
+rm -f "$0.go"
+mkfifo "$0.go"
 echo "$$ $worker" > "$0.pids.part"
 mv "$0.pids.part" "$0.pids"
 printf 'frame=1 time=15.00 bitrate=1\n' >&2
-while [ ! -e "$0.go" ]; do sleep 0.01; done
+read -r line < "$0.go"
 kill $worker
-rm -f "$0.go"
 truncate -s 300K "$last"
 exit 0
 )";
@@ -90,7 +93,18 @@ protected:
         ASSERT_TRUE(waitUntil([this] { return model().mainEncProgressPercentStr.stringValue() == u"50 %"; }));
     }
 
-    void letGo() { ASSERT_TRUE(writeBytes(tool + QStringLiteral(".go"), "")); }
+    void letGo() const
+    {
+        int fifo = -1;
+        const QByteArray path = QFile::encodeName(tool + QStringLiteral(".go"));
+        // Nobody may be reading yet.
+        ASSERT_TRUE(waitUntil([&] {
+            fifo = ::open(path.constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+            return fifo >= 0;
+        }));
+        EXPECT_EQ(::write(fifo, "\n", 1), 1);
+        ::close(fifo);
+    }
 
     // State letter of a process; 0 when there is none.
     static char state(int pid)
