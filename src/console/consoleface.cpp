@@ -3,6 +3,7 @@
 #include "base/format.h"
 #include "base/localisation.h"
 #include "base/text.h"
+#include "console/unixsignals.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -10,38 +11,54 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 QString consoleText(const char* key)
 {
     return localizedString(QLatin1String(key), QStringLiteral("Console"));
 }
 
-// One line of standard input, or nothing when the time has passed or the input has ended. No event loop runs meanwhile.
-QString typedLine(int seconds)
+struct TypedLine {
+    QString text;             // nothing when the time has passed or the input has ended
+    bool interrupted = false; // a signal that ends the batch came instead
+};
+
+// One line of standard input. No event loop runs meanwhile, so that signals are looked for here.
+TypedLine typedLine(int seconds)
 {
-    QDeadlineTimer deadline(seconds > 0 ? seconds * 1000LL : -1);
-    pollfd input = {STDIN_FILENO, POLLIN, 0};
-    while (true) {
+    const QDeadlineTimer deadline(seconds > 0 ? seconds * 1000LL : -1);
+    const int signalFile = watchedSignalsFile();
+    std::array<pollfd, 2> inputs = {pollfd{STDIN_FILENO, POLLIN, 0}, pollfd{signalFile, POLLIN, 0}};
+    bool interrupted = false;
+    bool typed = false;
+    while (!typed && !interrupted) {
         const int wait = deadline.isForever() ? -1 : static_cast<int>(deadline.remainingTime());
-        const int ready = ::poll(&input, 1, wait);
-        if (ready > 0) {
+        const int ready = ::poll(inputs.data(), inputs.size(), wait);
+        if (ready == 0 || (ready < 0 && errno != EINTR)) {
             break;
         }
-        if (ready == 0 || errno != EINTR) {
-            return {};
-        }
+        interrupted = endingSignalWaits();
+        typed = ready > 0 && inputs[0].revents != 0;
     }
-    char buffer[256];
-    const ssize_t length = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    if (signalFile >= 0) {
+        ::close(signalFile);
+    }
+    if (interrupted || !typed) {
+        return {QString(), interrupted};
+    }
+    std::array<char, 256> buffer = {};
+    const ssize_t length = ::read(STDIN_FILENO, buffer.data(), buffer.size());
     if (length <= 0) {
         return {};
     }
-    return QString::fromUtf8(buffer, length).trimmed() + QLatin1String("");
+    return {QLatin1String("") + QString::fromUtf8(buffer.data(), length).trimmed(), false};
 }
 
 } // namespace
@@ -66,9 +83,7 @@ AlertOutcome typedAnswer(const QString& line, const QStringList& buttons, bool h
     return outcome;
 }
 
-ConsoleFace::ConsoleFace(Reporter* reporter, bool mayAsk) : reporter_(reporter), mayAsk_(mayAsk)
-{
-}
+ConsoleFace::ConsoleFace(Reporter* reporter, bool mayAsk) : reporter_(reporter), mayAsk_(mayAsk) {}
 
 void ConsoleFace::terminate()
 {
@@ -96,12 +111,16 @@ AlertOutcome ConsoleFace::ask(const AlertRequest& request)
     }
     while (true) {
         reporter_->message(request.title, request.text + choices, QString());
-        const QString line = typedLine(request.seconds);
-        if (line.isNull()) {
+        const TypedLine line = typedLine(request.seconds);
+        if (line.interrupted) {
+            // Who stops the program has not agreed to the default, which is to replace.
+            return {1, false};
+        }
+        if (line.text.isNull()) {
             reporter_->message(consoleText("Con_noAnswer"), QString(), request.buttons.first());
             return {-1, false};
         }
-        const AlertOutcome outcome = typedAnswer(line, request.buttons, request.hasCheckBox);
+        const AlertOutcome outcome = typedAnswer(line.text, request.buttons, request.hasCheckBox);
         if (outcome.button >= 0) {
             return outcome;
         }
@@ -137,8 +156,6 @@ bool ConsoleFace::reveal(const QString& /*path*/)
     return true;
 }
 
-void ConsoleFace::noteFileSystemChanged(const QString& /*path*/)
-{
-}
+void ConsoleFace::noteFileSystemChanged(const QString& /*path*/) {}
 
 } // namespace tavrix

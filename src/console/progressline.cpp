@@ -7,10 +7,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int widestName = 32;
 constexpr int widestBar = 30;
@@ -31,47 +34,50 @@ int characterWidth(char32_t c)
     return isWide(c) ? 2 : 1;
 }
 
-QString fromCharacters(const QList<char32_t>& characters)
-{
-    return QString::fromUcs4(characters.constData(), characters.size());
-}
-
 } // namespace
 
 int displayWidth(const QString& text)
 {
     int width = 0;
-    for (const char32_t c : text.toUcs4()) {
+    for (const char32_t c : text.toStdU32String()) {
         width += characterWidth(c);
     }
     return width;
 }
 
+QString printable(const QString& text)
+{
+    QString shown = text;
+    for (QChar& c : shown) {
+        if (c.category() == QChar::Other_Control) {
+            c = QLatin1Char('?');
+        }
+    }
+    return shown;
+}
+
 QString elided(const QString& text, int width)
 {
-    QList<char32_t> characters;
-    for (const char32_t c : text.toUcs4()) {
-        // A file name must not steer the terminal.
-        characters << (QChar::category(c) == QChar::Other_Control ? U'?' : c);
+    const QString shown = printable(text);
+    if (displayWidth(shown) <= width) {
+        return shown;
     }
-    if (displayWidth(fromCharacters(characters)) <= width) {
-        return fromCharacters(characters);
+    if (width <= 0) {
+        return QStringLiteral("");
     }
+    const std::u32string characters = shown.toStdU32String();
     const int head = (width - 1) / 2;
-    const int tail = std::max(0, width - 1 - head);
-    QList<char32_t> front;
-    QList<char32_t> back;
-    int used = 0;
-    for (auto it = characters.cbegin(); it != characters.cend() && used + characterWidth(*it) <= head; ++it) {
-        used += characterWidth(*it);
-        front << *it;
+    const int tail = width - 1 - head;
+    std::size_t front = 0;
+    for (int used = 0; (used += characterWidth(characters.at(front))) <= head;) {
+        ++front;
     }
-    used = 0;
-    for (auto it = characters.crbegin(); it != characters.crend() && used + characterWidth(*it) <= tail; ++it) {
-        used += characterWidth(*it);
-        back.prepend(*it);
+    std::size_t back = characters.size();
+    for (int used = 0; (used += characterWidth(characters.at(back - 1))) <= tail;) {
+        --back;
     }
-    return fromCharacters(front) + QChar(0x2026) + fromCharacters(back);
+    return QString::fromStdU32String(characters.substr(0, front)) + QChar(0x2026) +
+           QString::fromStdU32String(characters.substr(back));
 }
 
 QString clockText(double seconds)
@@ -109,9 +115,10 @@ QString progressLine(const ProgressState& state, int width)
 QString sizeText(qint64 bytes)
 {
     static const std::array<const char*, 4> units = {"kB", "MB", "GB", "TB"};
+    constexpr double leastShownAsThousand = 999.95;
     double value = static_cast<double>(bytes) / 1000;
     std::size_t unit = 0;
-    while (value >= 1000 && unit + 1 < units.size()) {
+    while (value >= leastShownAsThousand && unit + 1 < units.size()) {
         value /= 1000;
         ++unit;
     }

@@ -10,9 +10,11 @@
 
 #include <algorithm>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int defaultWidth = 80;
 constexpr int widestShownName = 60;
@@ -30,9 +32,7 @@ QString shownName(const QString& path)
 
 } // namespace
 
-TextReporter::TextReporter(std::FILE* stream, bool terminal) : stream_(stream), terminal_(terminal)
-{
-}
+TextReporter::TextReporter(std::FILE* stream, bool terminal) : stream_(stream), terminal_(terminal) {}
 
 int TextReporter::terminalWidth() const
 {
@@ -95,7 +95,7 @@ void TextReporter::accepted(const QString& path, const QVariantMap& infos)
 
 void TextReporter::rejected(const QString& path, const QString& reason)
 {
-    line(formatText(consoleText("Con_rejected"), {place(), shownName(path), reason}));
+    line(formatText(consoleText("Con_rejected"), {place(), shownName(path), printable(reason)}));
 }
 
 void TextReporter::rowStarted(int number, int total, const QString& source)
@@ -127,37 +127,39 @@ void TextReporter::rowFinished(int number, int total, const RowReport& row)
     if (row.success) {
         line(formatText(consoleText("Con_rowDone"), {number, total, shownName(row.source), sizeText(row.bytes)}));
     } else {
-        line(formatText(consoleText("Con_rowFailed"), {number, total, shownName(row.source), row.reason}));
+        line(formatText(consoleText("Con_rowFailed"), {number, total, shownName(row.source), printable(row.reason)}));
     }
 }
 
 void TextReporter::message(const QString& title, const QString& text, const QString& answer)
 {
-    QString shown = title;
+    QString shown = printable(title);
     if (!text.isEmpty() && text != title) {
-        shown += QStringLiteral(": ") + text;
+        shown += QStringLiteral(": ") + printable(text);
     }
     if (!answer.isEmpty()) {
-        shown += QStringLiteral(" [") + answer + QStringLiteral("]");
+        shown += QStringLiteral(" [") + printable(answer) + QStringLiteral("]");
     }
     line(shown);
 }
 
 void TextReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int /*exitCode*/)
 {
+    if (rows.isEmpty() && leftOut == 0) {
+        return;
+    }
     const auto done = std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.success; });
     line(QString());
-    line(formatText(consoleText("Con_summary"),
-                    {qint64(done), qint64(rows.size()) - qint64(done), leftOut}));
+    line(formatText(consoleText("Con_summary"), {qint64(done), qint64(rows.size()) - qint64(done), leftOut}));
     for (const RowReport& row : rows) {
         if (row.success) {
-            line(formatText(QStringLiteral("  %@  %@"), {row.output, sizeText(row.bytes)}));
+            line(formatText(QStringLiteral("  %@  %@"), {printable(row.output), sizeText(row.bytes)}));
         } else {
-            line(formatText(consoleText("Con_summaryFailed"), {shownName(row.source), row.reason}));
+            line(formatText(consoleText("Con_summaryFailed"), {shownName(row.source), printable(row.reason)}));
         }
     }
     if (done > 0) {
-        line(formatText(consoleText("Con_folder"), {folder}));
+        line(formatText(consoleText("Con_folder"), {printable(folder)}));
     }
 }
 

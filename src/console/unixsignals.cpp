@@ -11,9 +11,11 @@
 #include <cerrno>
 #include <cstring>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 sigset_t watchedSignals()
 {
@@ -35,7 +37,7 @@ UnixSignals::UnixSignals(QObject* parent) : QObject(parent)
         logLine(QStringLiteral("signals             :-( %@"), {std::strerror(errno)});
         return;
     }
-    const int descriptor = ::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+    const int descriptor = watchedSignalsFile();
     if (descriptor < 0) {
         logLine(QStringLiteral("signals             :-( %@"), {std::strerror(errno)});
         ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
@@ -70,6 +72,30 @@ void UnixSignals::readSignals()
             Q_EMIT terminated();
         }
     }
+}
+
+int watchedSignalsFile()
+{
+    const sigset_t set = watchedSignals();
+    return ::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+bool endingSignalWaits()
+{
+    sigset_t waiting;
+    sigemptyset(&waiting);
+    ::sigpending(&waiting);
+    if (sigismember(&waiting, SIGTSTP) == 1) {
+        sigset_t stop;
+        sigemptyset(&stop);
+        sigaddset(&stop, SIGTSTP);
+        const timespec now = {0, 0};
+        if (::sigtimedwait(&stop, nullptr, &now) == SIGTSTP) {
+            ::kill(::getpid(), SIGSTOP);
+        }
+    }
+    return sigismember(&waiting, SIGINT) == 1 || sigismember(&waiting, SIGTERM) == 1 ||
+           sigismember(&waiting, SIGHUP) == 1;
 }
 
 } // namespace tavrix

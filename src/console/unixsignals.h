@@ -28,4 +28,11 @@ private:
     QSocketNotifier* notifier_ = nullptr;
 };
 
+// A signal file that can be read when a watched signal waits: for a wait without an event loop. The caller only polls
+// and closes it; -1 when it cannot be had.
+[[nodiscard]] int watchedSignalsFile();
+// True when a watched signal that ends the batch or the program waits; it stays waiting. A waiting stop by the terminal
+// is obeyed here and now.
+[[nodiscard]] bool endingSignalWaits();
+
 } // namespace tavrix

@@ -1,0 +1,94 @@
+#include "console/consoleface.h"
+
+#include "consoletest.h"
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+struct AnswerCase {
+    const char* name;
+    const char* line;
+    bool hasCheckBox;
+    int button;
+    bool checked;
+};
+
+class TypedAnswer : public testing::TestWithParam<AnswerCase>
+{
+};
+
+TEST_P(TypedAnswer, choosesAButton)
+{
+    const AnswerCase& row = GetParam();
+    const AlertOutcome outcome = typedAnswer(text(row.line), {text("Replace"), text("Keep")}, row.hasCheckBox);
+    EXPECT_EQ(outcome.button, row.button);
+    EXPECT_EQ(outcome.checked, row.checked);
+}
+
+const AnswerCase answerCases[] = {
+    {"empty", "", true, 0, false},
+    {"blanks", "  \n", true, 0, false},
+    {"first", "1", true, 0, false},
+    {"second", "2\n", true, 1, false},
+    {"secondForAll", "2*", true, 1, true},
+    {"starFirst", "*2", true, 1, true},
+    {"starWithoutBox", "2*", false, -1, false},
+    {"third", "3", true, -1, false},
+    {"zero", "0", true, -1, false},
+    {"negative", "-1", true, -1, false},
+    {"words", "keep", true, -1, false},
+    {"longNumber", "22", true, -1, false},
+    {"leadingZero", "02", true, -1, false},
+    {"onlyAStar", "*", true, -1, false},
+};
+
+INSTANTIATE_TEST_SUITE_P(Lines, TypedAnswer, testing::ValuesIn(answerCases), rowName<AnswerCase>);
+
+using ConsoleFaceTest = ConsoleTest;
+
+TEST_F(ConsoleFaceTest, alertsBecomeMessagesWithTheDefaultAnswer)
+{
+    NotingReporter reporter;
+    ConsoleFace face(&reporter, false);
+    const AlertOutcome question =
+        face.runModal({text("a.mov"), text("Replace it?"), {text("Replace"), text("Keep")}, 0, 60, true, {}});
+    EXPECT_EQ(question.button, 0);
+    const AlertOutcome notice = face.runModal({text("No disk"), QString(), {text("OK")}, 2, 0, false, {}});
+    EXPECT_EQ(notice.button, 0);
+    EXPECT_TEXTS(reporter.notes, QStringList({text("message a.mov|Replace it?|Replace"), text("message No disk||")}));
+}
+
+TEST_F(ConsoleFaceTest, aNoticeIsNeverAsked)
+{
+    NotingReporter reporter;
+    ConsoleFace face(&reporter, true);
+    EXPECT_EQ(face.runModal({text("Over"), QString(), {text("OK")}, 0, 0, false, {}}).button, 0);
+    EXPECT_TEXTS(reporter.notes, QStringList({text("message Over||")}));
+}
+
+TEST_F(ConsoleFaceTest, sheetsAreToldAndAnsweredAtOnce)
+{
+    NotingReporter reporter;
+    ConsoleFace face(&reporter, true);
+    int answers = 0;
+    face.showSheet({text("Over"), QString(), {text("OK")}, 0, 0, false, {}}, nullptr,
+                   [&answers](const AlertOutcome& outcome) { answers += outcome.button == 0 ? 1 : 0; });
+    face.showSheet({text("Over"), QString(), {text("OK")}, 0, 0, false, {}}, nullptr, {});
+    EXPECT_EQ(answers, 1);
+    EXPECT_EQ(reporter.notes.size(), 2);
+}
+
+TEST_F(ConsoleFaceTest, aTextQuestionGetsItsDefault)
+{
+    NotingReporter reporter;
+    ConsoleFace face(&reporter, true);
+    EXPECT_TEXT(
+        face.runTextInput({text("Name"), QString(), {text("OK"), text("Cancel")}, 0, 0, false, {}}, text("clip"))
+            .value_or(QString()),
+        text("clip"));
+}
+
+} // namespace

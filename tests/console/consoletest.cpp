@@ -1,0 +1,81 @@
+#include "consoletest.h"
+
+#include "base/bundle.h"
+#include "base/filesizes.h"
+#include "base/format.h"
+#include "base/paths.h"
+#include "base/preferences.h"
+#include "base/settings.h"
+
+namespace tavrix::test
+{
+
+ConsoleTest::ConsoleTest()
+{
+    setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
+    setLanguage(QStringLiteral("en"));
+    for (const QString& key : prefAllKeys()) {
+        prefDelete(key);
+    }
+    setTMPFOLDER(folder.makeFolder(QStringLiteral("temporary")) + u'/');
+    setOPENPERM(1);
+    setAIC(0);
+    setPRORES(0);
+    setFreeSpaceForTests(1000000);
+}
+
+ConsoleTest::~ConsoleTest()
+{
+    setFreeSpaceForTests(-1);
+    setTMPFOLDER(QString());
+    setLanguage(QStringLiteral("en"));
+}
+
+void NotingReporter::queued(int count)
+{
+    notes << formatText(QStringLiteral("queued %d"), {count});
+}
+
+void NotingReporter::analysing(const QString& path, int number, int total)
+{
+    notes << formatText(QStringLiteral("analysing %d/%d %@"), {number, total, lastPathComponent(path)});
+}
+
+void NotingReporter::accepted(const QString& path, const QVariantMap& /*infos*/)
+{
+    notes << QStringLiteral("accepted ") + lastPathComponent(path);
+}
+
+void NotingReporter::rejected(const QString& path, const QString& reason)
+{
+    notes << formatText(QStringLiteral("rejected %@: %@"), {lastPathComponent(path), reason});
+}
+
+void NotingReporter::rowStarted(int number, int total, const QString& source)
+{
+    notes << formatText(QStringLiteral("started %d/%d %@"), {number, total, source});
+}
+
+void NotingReporter::rowProgress(double value, double maximum)
+{
+    notes << formatText(QStringLiteral("progress %.1f of %.1f"), {value, maximum});
+}
+
+void NotingReporter::rowFinished(int number, int total, const RowReport& row)
+{
+    notes << formatText(QStringLiteral("finished %d/%d %@"),
+                        {number, total, row.success ? QStringLiteral("done") : row.reason});
+}
+
+void NotingReporter::message(const QString& title, const QString& text, const QString& answer)
+{
+    notes << QStringLiteral("message ") + QStringList{title, text, answer}.join(u'|');
+}
+
+void NotingReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& /*folder*/, int exitCode)
+{
+    notes << formatText(QStringLiteral("summary of %d, %d left out, status %d"),
+                        {qint64(rows.size()), leftOut, exitCode});
+}
+
+} // namespace tavrix::test

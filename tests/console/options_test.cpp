@@ -1,0 +1,140 @@
+#include "console/options.h"
+
+#include "consoletest.h"
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+using Mode = ConsoleOptions::Mode;
+
+struct OptionsCase {
+    const char* name;
+    QStringList words;
+    ConsoleOptions expected;
+};
+
+ConsoleOptions options(Mode mode, const QStringList& sources = {})
+{
+    ConsoleOptions made;
+    made.mode = mode;
+    made.sources = sources;
+    return made;
+}
+
+ConsoleOptions converting(const QStringList& sources, int format, const QString& output, ExistingPolicy existing,
+                          bool json)
+{
+    ConsoleOptions made = options(Mode::Convert, sources);
+    made.format = format;
+    made.output = output;
+    made.existing = existing;
+    made.json = json;
+    return made;
+}
+
+ConsoleOptions wrong(const char* error)
+{
+    ConsoleOptions made = options(Mode::Wrong);
+    made.error = text(error);
+    return made;
+}
+
+class ConsoleOptionsTable : public ConsoleTest, public testing::WithParamInterface<OptionsCase>
+{
+};
+
+TEST_P(ConsoleOptionsTable, wordsBecomeOptions)
+{
+    const ConsoleOptions parsed = parseConsoleOptions(GetParam().words);
+    const ConsoleOptions& expected = GetParam().expected;
+    ASSERT_EQ(parsed.mode, expected.mode) << parsed.error.toStdString();
+    if (expected.mode == Mode::Wrong) {
+        EXPECT_TEXT(parsed.error, expected.error);
+        return;
+    }
+    EXPECT_EQ(parsed.format, expected.format);
+    EXPECT_TEXT(parsed.output, expected.output);
+    EXPECT_EQ(parsed.existing, expected.existing);
+    EXPECT_EQ(parsed.json, expected.json);
+    EXPECT_TEXTS(parsed.sources, expected.sources);
+}
+
+const OptionsCase optionsCases[] = {
+    {"oneSource", {text("a")}, options(Mode::Convert, {text("a")})},
+    {"allOptions",
+     {text("--format"), text("5"), text("--output"), text("/d"), text("--existing"), text("replace"), text("--json"),
+      text("a"), text("b")},
+     converting({text("a"), text("b")}, 5, text("/d"), ExistingPolicy::Replace, true)},
+    {"valuesBehindEqualSigns",
+     {text("--format=0"), text("--output=a=b"), text("--existing=keep"), text("x")},
+     converting({text("x")}, 0, text("a=b"), ExistingPolicy::Keep, false)},
+    {"optionsBehindSources",
+     {text("a"), text("--existing"), text("ask"), text("b")},
+     converting({text("a"), text("b")}, -1, {}, ExistingPolicy::Ask, false)},
+    {"twoDashesEndTheOptions",
+     {text("--json"), text("--"), text("--json"), text("-i.avi"), text("--")},
+     converting({text("--json"), text("-i.avi"), text("--")}, -1, {}, ExistingPolicy::Default, true)},
+    {"aLoneDashIsASource", {text("-")}, options(Mode::Convert, {text("-")})},
+    {"anEmptyWordIsASource", {QStringLiteral("")}, options(Mode::Convert, {QStringLiteral("")})},
+    {"theLastValueCounts",
+     {text("--format=1"), text("--format=2"), text("a")},
+     converting({text("a")}, 2, {}, ExistingPolicy::Default, false)},
+    {"anOptionIsAValueWhereOneIsDue",
+     {text("--output"), text("--json"), text("a")},
+     converting({text("a")}, -1, text("--json"), ExistingPolicy::Default, false)},
+    {"help", {text("--help")}, options(Mode::Help)},
+    {"shortHelp", {text("-h")}, options(Mode::Help)},
+    {"version", {text("--version")}, options(Mode::Version)},
+    {"nothing", {}, wrong("no file or folder given")},
+    {"onlyOptions", {text("--json")}, wrong("no file or folder given")},
+    {"unknownOption", {text("--fast"), text("a")}, wrong("unknown option --fast")},
+    {"unknownLetter", {text("-f"), text("a")}, wrong("unknown option -f")},
+    {"aFlagTakesNoValue", {text("--json=1"), text("a")}, wrong("unknown option --json=1")},
+    {"formatTooLarge",
+     {text("--format"), text("6"), text("a")},
+     wrong("'6' is no output format: give a number from 0 to 5")},
+    {"formatNegative", {text("--format=-1"), text("a")}, wrong("'-1' is no output format: give a number from 0 to 5")},
+    {"formatNoNumber",
+     {text("--format=mov"), text("a")},
+     wrong("'mov' is no output format: give a number from 0 to 5")},
+    {"formatEmpty", {text("--format="), text("a")}, wrong("'' is no output format: give a number from 0 to 5")},
+    {"formatWithPercentSigns",
+     {text("--format=%@%1"), text("a")},
+     wrong("'%@%1' is no output format: give a number from 0 to 5")},
+    {"missingFormat", {text("a"), text("--format")}, wrong("--format needs a value")},
+    {"missingOutput", {text("a"), text("--output=")}, wrong("--output needs a value")},
+    {"unknownPolicy",
+     {text("--existing=never"), text("a")},
+     wrong("'never' is no answer for --existing: give replace, keep or ask")},
+    {"theFirstMistakeIsTold", {text("--fast"), text("--slow")}, wrong("unknown option --fast")},
+};
+
+INSTANTIATE_TEST_SUITE_P(Words, ConsoleOptionsTable, testing::ValuesIn(optionsCases), rowName<OptionsCase>);
+
+using ConsoleUsage = ConsoleTest;
+
+TEST_F(ConsoleUsage, namesEveryOptionAndEveryFormat)
+{
+    const QString usage = consoleUsage();
+    for (const char* option : {"--format", "--output", "--existing", "--json", "--help", "--version"}) {
+        EXPECT_TRUE(usage.contains(text(option))) << option;
+    }
+    for (int format = 0; format < 6; ++format) {
+        EXPECT_TRUE(usage.contains(text("\n  ") + QString::number(format) + text("  "))) << format;
+    }
+    EXPECT_FALSE(usage.contains(text("prefCaption"))) << "every format has a text";
+    EXPECT_FALSE(usage.contains(text("Con_")));
+}
+
+TEST_F(ConsoleUsage, isThereInFrench)
+{
+    const QString english = consoleUsage();
+    setLanguage(text("fr"));
+    EXPECT_NE(consoleUsage(), english);
+    EXPECT_FALSE(consoleUsage().contains(text("Con_")));
+}
+
+} // namespace

@@ -1,0 +1,221 @@
+#include "console/jsonreporter.h"
+#include "console/textreporter.h"
+
+#include "consoletest.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+RowReport doneRow()
+{
+    return {text("/c/00001.MTS"), text("/d/Tavrix events/2010-07-14.mov"), {}, 12345678, true};
+}
+
+RowReport failedRow()
+{
+    return {text("/c/00002.MTS"), {}, text("No space left on device"), 0, false};
+}
+
+QVariantMap clipRecord()
+{
+    return {{text("v0_codec"), text("h264")}, {text("v0_width"), 1280}, {text("v0_height"), 720}};
+}
+
+using TextReporterTest = ConsoleTest;
+
+TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    reporter.queued(3);
+    reporter.analysing(text("/c/00001.MTS"), 1, 3);
+    reporter.accepted(text("/c/00001.MTS"), clipRecord());
+    reporter.analysing(text("/c/odd.mov"), 2, 3);
+    reporter.accepted(text("/c/odd.mov"), {});
+    reporter.analysing(text("/c/film.avi"), 3, 3);
+    reporter.rejected(text("/c/film.avi"), text("1920x1080 is larger than 1280x720"));
+    reporter.rowStarted(1, 2, text("00001.MTS"));
+    reporter.rowProgress(5, 10);
+    reporter.rowFinished(1, 2, doneRow());
+    reporter.rowStarted(2, 2, text("00002.MTS"));
+    reporter.rowFinished(2, 2, failedRow());
+    reporter.summary({doneRow(), failedRow()}, 1, text("/d/Tavrix events"), 1);
+    EXPECT_TEXTS(
+        stream.lines(),
+        QStringList({text("3 source(s) to analyse"), text("1/3 00001.MTS: h264, 1280x720"),
+                     text("2/3 odd.mov: not readable as a clip; its row will say why"),
+                     text("3/3 film.avi: left out: 1920x1080 is larger than 1280x720"), text("Encoding 1/2: 00001.MTS"),
+                     text("Done 1/2: 00001.MTS (12.3 MB)"), text("Encoding 2/2: 00002.MTS"),
+                     text("FAILED 2/2: 00002.MTS: No space left on device"), text(""),
+                     text("1 done, 1 failed, 1 left out"), text("  /d/Tavrix events/2010-07-14.mov  12.3 MB"),
+                     text("  FAILED 00002.MTS: No space left on device"), text("Outputs are in /d/Tavrix events")}));
+}
+
+TEST_F(TextReporterTest, namesNoFolderWhenNothingWasMade)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    reporter.summary({failedRow()}, 0, text("/d/Tavrix events"), 1);
+    EXPECT_FALSE(stream.text().contains(text("/d/")));
+}
+
+TEST_F(TextReporterTest, hasNothingToSumUpWithoutSources)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    reporter.summary({}, 0, text("/d/Tavrix events"), 3);
+    EXPECT_TEXT(stream.text(), text(""));
+}
+
+struct MessageCase {
+    const char* name;
+    const char* title;
+    const char* text;
+    const char* answer;
+    const char* expected;
+};
+
+class TextMessages : public ConsoleTest, public testing::WithParamInterface<MessageCase>
+{
+};
+
+TEST_P(TextMessages, areOneLine)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    reporter.message(text(GetParam().title), text(GetParam().text), text(GetParam().answer));
+    EXPECT_TEXTS(stream.lines(), QStringList({text(GetParam().expected)}));
+}
+
+const MessageCase messageCases[] = {
+    {"titleOnly", "Over", nullptr, nullptr, "Over"},
+    {"titleAndText", "a.mov", "Replace?", nullptr, "a.mov: Replace?"},
+    {"withAnswer", "a.mov", "Replace?", "Keep", "a.mov: Replace? [Keep]"},
+    {"theSameTwice", "Keep", "Keep", nullptr, "Keep"},
+    {"percentSigns", "%@ %1 %s", "%d", nullptr, "%@ %1 %s: %d"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Messages, TextMessages, testing::ValuesIn(messageCases), rowName<MessageCase>);
+
+TEST_F(TextReporterTest, redrawsItsBarInPlaceOnATerminal)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), true);
+    reporter.rowStarted(1, 1, text("00001.MTS"));
+    const QString begin = stream.text();
+    EXPECT_TRUE(begin.startsWith(text("\r\033[K1/1 00001.MTS")));
+    EXPECT_TRUE(begin.contains(text("[....")));
+    EXPECT_TRUE(begin.contains(text("  0 %")));
+    EXPECT_FALSE(begin.contains(u'\n'));
+    reporter.rowProgress(10, 10);
+    const QString end = stream.text().mid(begin.size());
+    EXPECT_TRUE(end.startsWith(text("\r\033[K1/1 ")));
+    EXPECT_TRUE(end.contains(text("####]")));
+    EXPECT_TRUE(end.contains(text("100 %")));
+    const qsizetype drawn = stream.text().size();
+    reporter.rowFinished(1, 1, doneRow());
+    EXPECT_TEXT(stream.text().mid(drawn), text("\r\033[KDone 1/1: 00001.MTS (12.3 MB)\n"));
+}
+
+TEST_F(TextReporterTest, doesNotRedrawForEveryStep)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), true);
+    reporter.rowStarted(1, 1, text("00001.MTS"));
+    for (int i = 0; i < 1000; ++i) {
+        reporter.rowProgress(i, 1000);
+    }
+    EXPECT_LT(stream.text().count(text("\r\033[K")), 200);
+}
+
+TEST_F(TextReporterTest, isNotSteeredByNames)
+{
+    const QString evil = text("a\x1b]0;x\x07\x1b[2J\nb.mts");
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    RowReport row = {evil, text("/d/") + evil, {}, 300000, true};
+    reporter.analysing(evil, 1, 1);
+    reporter.accepted(evil, clipRecord());
+    reporter.rejected(evil, evil);
+    reporter.rowStarted(1, 1, evil);
+    reporter.rowFinished(1, 1, row);
+    reporter.message(evil, evil + evil, evil);
+    row.success = false;
+    row.reason = evil;
+    reporter.rowFinished(1, 1, row);
+    row.success = true;
+    reporter.summary({row}, 0, text("/d\x1b"), 0);
+    const QString written = stream.text();
+    EXPECT_FALSE(written.contains(u'\x1b'));
+    EXPECT_FALSE(written.contains(u'\x07'));
+    EXPECT_EQ(written.count(u'\n'), 10) << "one line a call, four for the summary";
+}
+
+class JsonReporterTest : public ConsoleTest
+{
+protected:
+    QJsonObject last() const
+    {
+        const QStringList lines = stream.lines();
+        return lines.isEmpty() ? QJsonObject() : QJsonDocument::fromJson(lines.last().toUtf8()).object();
+    }
+    static QJsonObject object(const char* json) { return QJsonDocument::fromJson(json).object(); }
+
+    TextStream stream;
+    JsonReporter reporter{stream.file()};
+};
+
+TEST_F(JsonReporterTest, writesOneObjectALine)
+{
+    reporter.queued(3);
+    EXPECT_EQ(last(), object(R"({"event":"queued","count":3})"));
+    reporter.analysing(text("/c/00001.MTS"), 1, 3);
+    EXPECT_EQ(last(), object(R"({"event":"analysing","source":"/c/00001.MTS","number":1,"total":3})"));
+    reporter.rejected(text("/c/film.avi"), text("too \"large\"\n"));
+    EXPECT_EQ(last(), object(R"({"event":"rejected","source":"/c/film.avi","reason":"too \"large\"\n"})"));
+    reporter.rowStarted(2, 3, text("été.mts"));
+    EXPECT_EQ(last(), object(R"({"event":"row-started","row":2,"total":3,"source":"été.mts"})"));
+    reporter.rowProgress(1.5, 30);
+    EXPECT_EQ(last(), object(R"({"event":"progress","row":2,"value":1.5,"maximum":30})"));
+    reporter.rowFinished(2, 3, failedRow());
+    EXPECT_EQ(last(), object(R"({"event":"row-finished","row":2,"total":3,"source":"/c/00002.MTS","success":false,
+                                 "reason":"No space left on device"})"));
+    reporter.rowFinished(3, 3, doneRow());
+    EXPECT_EQ(last(), object(R"({"event":"row-finished","row":3,"total":3,"source":"/c/00001.MTS","success":true,
+                                 "output":"/d/Tavrix events/2010-07-14.mov","bytes":12345678})"));
+    reporter.message(text("title"), text("words"), text("Keep"));
+    EXPECT_EQ(last(), object(R"({"event":"message","title":"title","text":"words","answer":"Keep"})"));
+    EXPECT_EQ(stream.lines().size(), 8);
+}
+
+TEST_F(JsonReporterTest, endsWithAllRows)
+{
+    reporter.summary({doneRow(), failedRow()}, 2, text("/d/Tavrix events"), 1);
+    EXPECT_EQ(last(), object(R"({"event":"end","leftOut":2,"folder":"/d/Tavrix events","exitCode":1,"rows":[
+        {"source":"/c/00001.MTS","success":true,"output":"/d/Tavrix events/2010-07-14.mov","bytes":12345678},
+        {"source":"/c/00002.MTS","success":false,"reason":"No space left on device"}]})"));
+}
+
+TEST_F(JsonReporterTest, showsFloatsShort)
+{
+    reporter.accepted(text("/c/00001.MTS"), {{text("v0_fps"), 59.94F}, {text("w_duration"), 29.5F}, {text("out"), 3}});
+    EXPECT_TRUE(stream.text().contains(text("\"v0_fps\":59.94,"))) << stream.text().toStdString();
+    EXPECT_EQ(last().value(text("record")).toObject().value(text("out")).toInt(), 3);
+}
+
+TEST_F(JsonReporterTest, keepsSizesBeyondThirtyTwoBits)
+{
+    RowReport row = doneRow();
+    row.bytes = 5000000000;
+    reporter.rowFinished(1, 1, row);
+    EXPECT_EQ(last().value(text("bytes")).toInteger(), 5000000000);
+}
+
+} // namespace
