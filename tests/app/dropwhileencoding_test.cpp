@@ -117,13 +117,16 @@ TEST_F(DropWhileEncoding, EncoderThatEndsDuringAStalledAnalysisIsJudgedAfterIt)
 TEST_F(DropWhileEncoding, OutputOfTheEncoderIsNeitherTranscriptNorProgress)
 {
     controller->draggedFiles({dropped});
+    const FakeTools::Launch decode = tools.current(ToolKind::Decode);
     FakeClip other;
     other.width = 1920;
     other.height = 1080;
-    encoder.launcher->write(bannerOf(other, first) + QStringLiteral("time=12.00"));
+    tools.writeFiles(decode);
+    decode.launcher->write(bannerOf(FakeClip(), dropped));
+    encoder.launcher->write(bannerOf(other, first) + QStringLiteral("time=12.00: Unknown format"));
     EXPECT_TRUE(model().mainEncProgressPercentStr.stringValue().isEmpty());
-    ASSERT_TRUE(tools.finish(ToolKind::Decode));
-    encoder.launcher->write(QStringLiteral(": Unknown format"));
+    decode.launcher->end(0);
+    settle();
     ASSERT_TRUE(tools.finish(ToolKind::Thumbnail));
     ASSERT_EQ(rows().count(), 2);
     EXPECT_EQ(rows().row(1).dico.value(record::v0_width).toInt(), 1280);
