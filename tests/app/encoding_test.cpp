@@ -229,7 +229,7 @@ TEST_F(Encoding, FailedLaunchFailsTheRowAndTheNextOneFollows)
     expectNormalEnd();
 }
 
-TEST_F(Encoding, ThousandsOfRowsThatCannotBeLaunchedDoNotGrowTheStack)
+TEST_F(Encoding, ManyRowsThatCannotBeLaunchedDoNotGrowTheStack)
 {
     const QuietErrorStream quiet;
     constexpr int count = 300;
@@ -490,7 +490,6 @@ TEST_F(Encoding, NameThatIsTooLongForTheFileSystemIsCut)
     const QString source = clip(QString(240, u'x') + QStringLiteral(".mts"));
     addRows({source});
     ASSERT_EQ(rows().count(), 1);
-    EXPECT_TEXT(rows().row(0).img, rows().row(0).img);
     runBatch();
     EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
     EXPECT_EQ(rows().row(0).output.mid(rows().row(0).output.lastIndexOf(u'/') + 1).toUtf8().size(), 255);

@@ -129,7 +129,7 @@ TEST_F(ExistingOutput, ChoiceMadeBeforehandAsksNothing)
     EXPECT_EQ(questions(), 1);
 }
 
-TEST_F(ExistingOutput, TwoThousandKeptRowsDoNotGrowTheStack)
+TEST_F(ExistingOutput, ManyKeptRowsDoNotGrowTheStack)
 {
     const QuietErrorStream quiet;
     constexpr int count = 300;
