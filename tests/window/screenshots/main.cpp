@@ -112,7 +112,7 @@ private:
     }
     bool encoding()
     {
-        model().mainEncDstPathStr.setStringValue(QDir::homePath() + QStringLiteral("/Videos"));
+        model().mainEncDstPathStr.setStringValue(QStringLiteral("~/Videos"));
         QDir().mkpath(QDir::homePath() + QStringLiteral("/Videos"));
         program_.controller().iba_batchEncGoBt();
         return waitUntil(
