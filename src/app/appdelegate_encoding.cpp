@@ -312,7 +312,11 @@ void appDelegate::encStopPressed()
 {
     model_.mainEncProgressInt.setIntValue(1);
     const QString destination = prefReadChildDico(pref::processEncDico, record::dstPathStr);
-    encFailRow(encBatchInprogressRowIdentification(), batchText("Enc_stopped"));
+    const int row = encBatchInprogressRowIdentification();
+    encFailRow(row, batchText("Enc_stopped"));
+    if (row >= 0) {
+        Q_EMIT rowFinished(row, false);
+    }
     removePartialOutput(destination);
     prefDelete(pref::encDeb);
     prefDelete(pref::encQtEnc);
