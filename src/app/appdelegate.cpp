@@ -8,9 +8,11 @@
 
 #include <QCoreApplication>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 appDelegate* applicationDelegate = nullptr;
 

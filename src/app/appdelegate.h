@@ -11,7 +11,8 @@
 #include <memory>
 #include <optional>
 
-namespace tavrix {
+namespace tavrix
+{
 
 class InstanceLock;
 

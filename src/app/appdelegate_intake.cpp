@@ -14,9 +14,11 @@
 #include <QFileInfo>
 
 // Source intake: what is dropped or opened becomes the analysis queue.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 QSet<QString> acceptedExtensions()
 {

@@ -16,9 +16,11 @@
 #include <QUrl>
 
 // Menu and button actions that start nothing: preferences, help, folders, logs, mail.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int mailAlertSeconds = 30;
 constexpr float drawerHeight = 320;

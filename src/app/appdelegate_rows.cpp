@@ -9,9 +9,11 @@
 #include "base/settings.h"
 
 // Removing rows of the batch list.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int removeAllAlertSeconds = 60;
 

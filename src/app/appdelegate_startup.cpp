@@ -25,9 +25,11 @@
 #include <sys/stat.h>
 
 // The start of the program.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int defaultOutputFormat = 3;
 
@@ -126,8 +128,8 @@ void appDelegate::makeTemporaryFolder()
     // A copy of the same user with another home may be working there.
     temporaryLock_ = std::make_unique<InstanceLock>();
     if (temporaryLock_->take(base + bundleName() + QStringLiteral(".lock")) == InstanceLock::Result::HeldByAnother) {
-        folder = formatText(QStringLiteral("%@%@-%d/"),
-                            {base, bundleName(), qint64(QCoreApplication::applicationPid())});
+        folder =
+            formatText(QStringLiteral("%@%@-%d/"), {base, bundleName(), qint64(QCoreApplication::applicationPid())});
     }
     if (!base.isNull() && removeOwnFolder(folder) && mkdirCocoa(folder)) {
         ::chmod(folder.toUtf8().constData(), 0700);
@@ -142,8 +144,7 @@ void appDelegate::makeTemporaryFolder()
 
 void appDelegate::takeCodecInventory()
 {
-    const QList<int> answers =
-        codecsCheck({QStringLiteral("WMV "), QStringLiteral("DIV6"), QStringLiteral("ICOD")});
+    const QList<int> answers = codecsCheck({QStringLiteral("WMV "), QStringLiteral("DIV6"), QStringLiteral("ICOD")});
     setWMV(answers.value(0));
     setDIVX(answers.value(1));
     setAIC(answers.value(2));

@@ -1,6 +1,7 @@
 #include "app/batchlist.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
 BatchList::BatchList(QObject* parent) : QAbstractListModel(parent)
 {

@@ -5,10 +5,12 @@
 #include <QAbstractListModel>
 #include <QList>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Status icons of a row; the machine reads the name back to know a row's state.
-namespace rowIcon {
+namespace rowIcon
+{
 inline const QString pending = QStringLiteral("puce");
 inline const QString current = QStringLiteral("puceCurrent");
 inline const QString success = QStringLiteral("puceSuccess");
@@ -17,14 +19,14 @@ inline const QString failure = QStringLiteral("puceFailure");
 
 // One row of the batch.
 struct BatchRow {
-    int order = 0;           // 1-based position given at insertion
-    QString src;             // last path component of the source
-    int out = 0;             // output format
-    QString resultat;        // status icon's name
-    MediaInfoRecord dico;    // the source's record
-    QString img;             // path of the thumbnail; nothing when there is no valid image
-    QString reason;          // why the row failed; nothing unless it did
-    QString output;          // path of the finished output; nothing until then
+    int order = 0;        // 1-based position given at insertion
+    QString src;          // last path component of the source
+    int out = 0;          // output format
+    QString resultat;     // status icon's name
+    MediaInfoRecord dico; // the source's record
+    QString img;          // path of the thumbnail; nothing when there is no valid image
+    QString reason;       // why the row failed; nothing unless it did
+    QString output;       // path of the finished output; nothing until then
 };
 
 // The batch list, in encoding order. Indices out of range are ignored by the setters.
@@ -32,7 +34,16 @@ class BatchList : public QAbstractListModel
 {
     Q_OBJECT
 public:
-    enum Role { OrderRole = Qt::UserRole + 1, SrcRole, OutRole, ResultatRole, DicoRole, ImgRole, ReasonRole, OutputRole };
+    enum Role {
+        OrderRole = Qt::UserRole + 1,
+        SrcRole,
+        OutRole,
+        ResultatRole,
+        DicoRole,
+        ImgRole,
+        ReasonRole,
+        OutputRole
+    };
 
     explicit BatchList(QObject* parent = nullptr);
 

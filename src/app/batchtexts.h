@@ -2,7 +2,8 @@
 
 #include "base/localisation.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Text of the table that says why a source makes no row and why a row failed.
 [[nodiscard]] inline QString batchText(const char* key)

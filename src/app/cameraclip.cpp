@@ -11,9 +11,11 @@
 
 #include <cmath>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr int maximumWidth = 1280;
 constexpr int maximumHeight = 720;
@@ -117,7 +119,9 @@ bool isJpegFile(const QString& path)
     qsizetype at = 2;
     while (at + 9 <= bytes.size() && bytes.at(at) == '\xFF') {
         const auto marker = static_cast<unsigned char>(bytes.at(at + 1));
-        const auto byteAt = [&bytes](qsizetype i) { return static_cast<unsigned char>(bytes.at(i)); };
+        const auto byteAt = [&bytes](qsizetype i) {
+            return static_cast<unsigned char>(bytes.at(i));
+        };
         if (marker >= 0xC0 && marker <= 0xC2) {
             return (byteAt(at + 5) | byteAt(at + 6)) != 0 && (byteAt(at + 7) | byteAt(at + 8)) != 0;
         }

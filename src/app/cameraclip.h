@@ -5,7 +5,8 @@
 #include <optional>
 
 // Rules that decide whether a source is a camera clip and how it is shown.
-namespace tavrix {
+namespace tavrix
+{
 
 struct ClipVerdict {
     bool accepted = false;

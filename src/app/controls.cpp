@@ -1,6 +1,7 @@
 #include "app/controls.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
 Control::Control(const char* name, QObject* parent) : QObject(parent)
 {

@@ -8,7 +8,8 @@
 
 // The observable controls of the main window, free of any widget: they carry the state that the step machines read and
 // write. A face binds widgets or terminal lines to them. Every setter emits changed() when the state really changes.
-namespace tavrix {
+namespace tavrix
+{
 
 class Control : public QObject
 {

@@ -4,20 +4,22 @@
 
 #include <QStringList>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 constexpr qsizetype maximumNameBytes = 255;
 
 bool isOrdinaryLine(const QString& line)
 {
     static const QStringList beginnings = {
-        QStringLiteral("frame="),         QStringLiteral("size="),   QStringLiteral("video:"),
-        QStringLiteral("Stream "),        QStringLiteral("Input #"), QStringLiteral("Output #"),
-        QStringLiteral("Press [q]"),      QStringLiteral("Metadata"), QStringLiteral("Duration"),
-        QStringLiteral("Program "),       QStringLiteral("Processing ("), QStringLiteral("FFmpeg version"),
-        QStringLiteral("built on"),       QStringLiteral("configuration"), QStringLiteral("lib"),
+        QStringLiteral("frame="),    QStringLiteral("size="),         QStringLiteral("video:"),
+        QStringLiteral("Stream "),   QStringLiteral("Input #"),       QStringLiteral("Output #"),
+        QStringLiteral("Press [q]"), QStringLiteral("Metadata"),      QStringLiteral("Duration"),
+        QStringLiteral("Program "),  QStringLiteral("Processing ("),  QStringLiteral("FFmpeg version"),
+        QStringLiteral("built on"),  QStringLiteral("configuration"), QStringLiteral("lib"),
     };
     for (const QString& beginning : beginnings) {
         if (line.startsWith(beginning)) {

@@ -2,10 +2,11 @@
 
 #include <QString>
 
-namespace tavrix {
+namespace tavrix
+{
 
-// The line of a tool's transcript that best tells why it failed: the last one that is neither progress nor mapping nor a
-// description of streams. Nothing when there is none.
+// The line of a tool's transcript that best tells why it failed: the last one that is neither progress nor mapping nor
+// a description of streams. Nothing when there is none.
 [[nodiscard]] QString failureLine(const QString& transcript);
 
 // The base name cut by whole characters, so that "<base>.<extension>" is a name that file systems accept (255 bytes).

@@ -1,18 +1,15 @@
 #include "app/face.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
 QString ApplicationFace::selectFolder(const QString& /*title*/)
 {
     return {};
 }
 
-void ApplicationFace::ecran(const QString& /*side*/, float /*delta*/)
-{
-}
+void ApplicationFace::ecran(const QString& /*side*/, float /*delta*/) {}
 
-void ApplicationFace::preview(const QString& /*path*/)
-{
-}
+void ApplicationFace::preview(const QString& /*path*/) {}
 
 } // namespace tavrix

@@ -4,7 +4,8 @@
 #include <QString>
 #include <QUrl>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // What the controller asks of its face (window, console, test) besides alerts and desktop services. The defaults do
 // nothing, so that a face implements what it has.

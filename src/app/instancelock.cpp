@@ -9,7 +9,8 @@
 
 #include <cerrno>
 
-namespace tavrix {
+namespace tavrix
+{
 
 InstanceLock::~InstanceLock()
 {

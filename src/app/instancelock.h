@@ -2,7 +2,8 @@
 
 #include <QString>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Keeps a second copy of the program out: a lock file that the kernel frees with the process, however it ends.
 class InstanceLock

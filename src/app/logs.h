@@ -3,7 +3,8 @@
 #include <QString>
 
 // The two log files of a run.
-namespace tavrix {
+namespace tavrix
+{
 
 [[nodiscard]] QString detailsLogPath();
 [[nodiscard]] QString logResumePathStr();
@@ -15,6 +16,7 @@ void redirectLogs2File(const QString& path);
 void rotateLogs();
 
 // "mailto:" address of a message to the maker; the body is added as it is.
-[[nodiscard]] QString mailAddress(const QString& mailbox, const QString& versionField, int revision, const QString& body);
+[[nodiscard]] QString mailAddress(const QString& mailbox, const QString& versionField, int revision,
+                                  const QString& body);
 
 } // namespace tavrix

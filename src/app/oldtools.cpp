@@ -18,9 +18,11 @@
 #include <cerrno>
 #include <cstring>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 QByteArray procFile(int pid, const char* name)
 {

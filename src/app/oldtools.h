@@ -4,7 +4,8 @@
 #include <QString>
 
 // Tool processes that an earlier run of the program has left behind.
-namespace tavrix {
+namespace tavrix
+{
 
 // Shell line that lists the ids of processes which carry the tool's path; nothing for a tools folder that cannot stand
 // between double quotes.

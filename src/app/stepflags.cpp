@@ -3,7 +3,8 @@
 #include "base/preferences.h"
 #include "base/text.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
 bool isFlagSet(const QString& name)
 {

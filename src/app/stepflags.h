@@ -3,9 +3,11 @@
 #include <QString>
 
 // Names of the working state that both step machines keep in the preferences store.
-namespace tavrix {
+namespace tavrix
+{
 
-namespace pref {
+namespace pref
+{
 inline const QString prefCheckMatrix = QStringLiteral("prefCheckMatrix");
 inline const QString prefColor = QStringLiteral("prefColor");
 inline const QString prefDefautDstPathStr = QStringLiteral("prefDefautDstPathStr");

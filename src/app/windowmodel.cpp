@@ -1,8 +1,10 @@
 #include "app/windowmodel.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 QStringList colorImageNames()
 {

@@ -3,10 +3,12 @@
 #include "app/batchlist.h"
 #include "app/controls.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Images of the pause/play/stop control; the action is chosen by the pressed segment's image name.
-namespace controlImage {
+namespace controlImage
+{
 inline const QString pause = QStringLiteral("btPause");
 inline const QString play = QStringLiteral("btPlay");
 inline const QString stop = QStringLiteral("btStop");

@@ -8,7 +8,8 @@
 #include <optional>
 
 // Message boxes. The logic here knows no widget: a face (window, terminal, test) presents what is asked.
-namespace tavrix {
+namespace tavrix
+{
 
 // What a face must show. Texts are plain text, never markup; "%" stands for itself.
 struct AlertRequest {
@@ -44,8 +45,8 @@ void setAlertPresenter(AlertPresenter* presenter);
 // Single default button. Style 2 is critical. Without window: modal, answers 1000. With window: a sheet, answers 0.
 int displayAlert(const QString& title, const QString& text, int style, QObject* window);
 void displayAlertSheet(const QString& title, const QString& text, QObject* window);
-// Title of the chosen button; after `seconds` the default's. The alternate counts only with a default, the other only with
-// an alternate. Missing titles answer "OK", "Button 2", "Bouton 3". 1 second or less waits for an answer.
+// Title of the chosen button; after `seconds` the default's. The alternate counts only with a default, the other only
+// with an alternate. Missing titles answer "OK", "Button 2", "Bouton 3". 1 second or less waits for an answer.
 QString displayAlertDelayed(const QString& title, const QString& text, const QString& defaultButton,
                             const QString& alternateButton, const QString& otherButton, int style, int seconds);
 struct CheckBoxAnswer {
@@ -68,8 +69,8 @@ class utilsAlert
 {
 public:
     static void alertDidEndReturnCodeContextInfo(QObject* sheetWindow, int returnCode, void* contextInfo);
-    // Text of the key in the table ("" names "Localized", nothing "Localizable"), formatted with the variables that lead
-    // the list without an empty one.
+    // Text of the key in the table ("" names "Localized", nothing "Localizable"), formatted with the variables that
+    // lead the list without an empty one.
     [[nodiscard]] static QString LocalisationString_localFichier_variable1_variable2_variable3_variable4_variable5(
         const QString& key, const QString& table, const QString& variable1, const QString& variable2,
         const QString& variable3, const QString& variable4, const QString& variable5);

@@ -5,7 +5,8 @@
 #include <QVariant>
 
 // The application's information property list and the places of its files.
-namespace tavrix {
+namespace tavrix
+{
 
 // Resource folder, without a trailing "/": the first that exists of <program folder>/../resources and
 // <program folder>/../lib/tavrix. setResourcePath overrides it (tests) and forgets what was read from the old one.
@@ -32,8 +33,8 @@ void setResourcePath(const QString& folder);
 // Private per-user folder for temporary files, ending with "/": $TMPDIR when it is the user's own, else
 // "/tmp/tavrix-<uid>", created with mode 0700, its owner checked, never a link. Nothing when it cannot be had.
 [[nodiscard]] QString systemTemporaryFolder();
-// Makes the folder with mode 0700 unless it is there. True when it is a real folder (no link), the user's own and closed
-// to everybody else; its parent must exist.
+// Makes the folder with mode 0700 unless it is there. True when it is a real folder (no link), the user's own and
+// closed to everybody else; its parent must exist.
 [[nodiscard]] bool ensurePrivateFolder(const QString& path);
 
 } // namespace tavrix

@@ -6,7 +6,8 @@
 
 // Conversions between tool output, numbers and the short texts of the batch list. Several keep rounding rules of their
 // own; none fails: unreadable text gives 0 or 0.0.
-namespace tavrix {
+namespace tavrix
+{
 
 // Lists and texts
 [[nodiscard]] QStringList linesToArray(const QString& text); // split at every newline character, empty lines dropped

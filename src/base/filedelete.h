@@ -3,7 +3,8 @@
 #include <QString>
 
 // Deleting, with the guards that keep volumes, homes and wildcard texts out of reach. Links are never followed.
-namespace tavrix {
+namespace tavrix
+{
 
 // True when the item is gone (or never was). Refused: an item directly in the root, texts that begin with a wildcard,
 // paths with "." or ".." components, the home folder and its ancestors, mount points. Names that are not plain URL text

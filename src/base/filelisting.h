@@ -7,7 +7,8 @@
 
 // Listings and path names of sources. Listings are sorted by name (case-insensitively, then by code) and hold hidden
 // entries; links to folders are not descended into.
-namespace tavrix {
+namespace tavrix
+{
 
 // Direct entries as full paths; no value for nothing, empty for an unreadable folder.
 [[nodiscard]] std::optional<QStringList> lsCocoa(const QString& folder);

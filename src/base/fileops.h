@@ -4,7 +4,8 @@
 #include <QStringList>
 
 // Copying, moving, linking, folders, modes and dates. A leading tilde is expanded.
-namespace tavrix {
+namespace tavrix
+{
 
 // False when the source does not exist, or the destination exists and the flag is not exactly "y". Otherwise true, also
 // when the copy or move itself fails (it is logged): test presence afterwards. Source and destination being the same

@@ -3,7 +3,8 @@
 #include <QString>
 
 // Presence, size, rights and free space. Paths have a leading tilde expanded; nothing is a missing path.
-namespace tavrix {
+namespace tavrix
+{
 
 // True when the path can be opened for reading, folders included. Never blocks on a FIFO; false for dangling links.
 [[nodiscard]] bool testPresenceC(const QString& path);

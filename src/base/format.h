@@ -7,7 +7,8 @@
 #include <initializer_list>
 
 // printf-like formatting of texts and logs, always in the C locale and with the C library's rounding.
-namespace tavrix {
+namespace tavrix
+{
 
 // One argument of formatText. Nothing prints as "(null)"; lists and dictionaries print on one line.
 class FormatArg
@@ -36,8 +37,8 @@ private:
 };
 
 // Fills %@, %d, %i, %u, %x, %X, %f (with flags, width, precision and l, ll, q, h modifiers) and %%.
-// An inserted text is never expanded again. Missing arguments leave their place empty; extra ones are ignored. What is no
-// such place stays as it stands.
+// An inserted text is never expanded again. Missing arguments leave their place empty; extra ones are ignored. What is
+// no such place stays as it stands.
 [[nodiscard]] QString formatText(const QString& format, std::initializer_list<FormatArg> arguments = {});
 [[nodiscard]] QString formatText(const QString& format, const QList<FormatArg>& arguments);
 

@@ -2,8 +2,10 @@
 
 #include <QString>
 
-// Rules for paths as texts. Runs of "/" count as one and a trailing one is ignored. Nothing gives nothing unless stated.
-namespace tavrix {
+// Rules for paths as texts. Runs of "/" count as one and a trailing one is ignored. Nothing gives nothing unless
+// stated.
+namespace tavrix
+{
 
 // "/tmp/" gives "tmp", "/" gives "/", "" gives "".
 [[nodiscard]] QString lastPathComponent(const QString& path);
@@ -16,8 +18,8 @@ namespace tavrix {
 [[nodiscard]] QString stringByAppendingPathComponent(const QString& path, const QString& component);
 // Leading "~" or "~user" replaced; any other text unchanged, also its trailing "/".
 [[nodiscard]] QString stringByExpandingTildeInPath(const QString& path);
-// Tilde, "//", "/./" and a trailing "/" resolved; ".." in absolute paths only; a leading "/private" dropped when the rest
-// exists.
+// Tilde, "//", "/./" and a trailing "/" resolved; ".." in absolute paths only; a leading "/private" dropped when the
+// rest exists.
 [[nodiscard]] QString stringByStandardizingPath(const QString& path);
 // $HOME when it is absolute, else the user database's entry, else "/". No trailing "/".
 [[nodiscard]] QString homeFolder();

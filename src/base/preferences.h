@@ -6,15 +6,17 @@
 
 #include <optional>
 
-// The user's settings and the working state of the step machines, kept in memory and saved as an XML property list under
+// The user's settings and the working state of the step machines, kept in memory and saved as an XML property list
+// under
 // "~/Library/Preferences/<identifier>.plist" (mode 0600, atomically) by a short delayed timer and by prefSynchronize.
 // Main thread only. A damaged file is set aside as "<file>.damaged" and reads as no preferences.
-namespace tavrix {
+namespace tavrix
+{
 
 // The value as text ("%@" of it); "" when the key or its value is missing. Never nothing.
 [[nodiscard]] QString prefRead(const QString& key);
-bool prefWrite(const QString& key, const QVariant& value); // false when either is missing
-bool prefDelete(const QString& key);                       // always true
+bool prefWrite(const QString& key, const QVariant& value);                 // false when either is missing
+bool prefDelete(const QString& key);                                       // always true
 [[nodiscard]] std::optional<QVariantMap> prefReadDico(const QString& key); // no value when missing or no dictionary
 bool prefWriteDico(const QString& key, const std::optional<QVariantMap>& dictionary);
 [[nodiscard]] QString prefReadChildDico(const QString& key, const QString& childKey);

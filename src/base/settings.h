@@ -3,7 +3,8 @@
 #include <QString>
 
 // Process-wide settings. Main thread only; plain values without locks.
-namespace tavrix {
+namespace tavrix
+{
 
 // Temporary folder of this run, ending with "/". Unset: "/private/tmp/<bundle name>", without a trailing "/".
 [[nodiscard]] QString getTMPFOLDER();

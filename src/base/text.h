@@ -5,14 +5,15 @@
 #include <QStringList>
 
 // Rules for texts that everything else presumes. A null QString is "nothing", an empty one is "": the two differ.
-namespace tavrix {
+namespace tavrix
+{
 
 // Integer at the head of a text: blanks and control characters are skipped, then one optional sign directly before
 // ASCII digits. 0 when there is none or for nothing; saturates at the limits of 32 bits.
 [[nodiscard]] int leadingInteger(QStringView text);
 
-// Floating-point number at the head of a text, after the same skipping: the longest run of digits, signs, ".", "e", "E",
-// read as C does (no hexadecimal, inf, nan or comma). 0 when none can be read; *ok tells.
+// Floating-point number at the head of a text, after the same skipping: the longest run of digits, signs, ".", "e",
+// "E", read as C does (no hexadecimal, inf, nan or comma). 0 when none can be read; *ok tells.
 [[nodiscard]] double floatPrefix(QStringView text, bool* ok = nullptr);
 
 // The same number, but it must stand at the very start: nothing is skipped.

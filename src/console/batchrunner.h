@@ -6,7 +6,8 @@
 
 #include <QObject>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Exit statuses of the console program.
 inline constexpr int exitAllDone = 0;

@@ -6,7 +6,8 @@
 #include "console/reporter.h"
 #include "platform/desktop.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
 // The terminal as a face: alerts become lines; the replace question is asked when a person can answer it.
 class ConsoleFace : public ApplicationFace, public AlertPresenter, public DesktopServices
@@ -37,8 +38,8 @@ private:
     int exitCode_ = 0;
 };
 
-// The choice that a typed line makes among the buttons: a number from 1, with "*" beside it for the check box. Button -1
-// when it is none of them; an empty line chooses the default.
+// The choice that a typed line makes among the buttons: a number from 1, with "*" beside it for the check box. Button
+// -1 when it is none of them; an empty line chooses the default.
 [[nodiscard]] AlertOutcome typedAnswer(const QString& line, const QStringList& buttons, bool hasCheckBox);
 
 } // namespace tavrix

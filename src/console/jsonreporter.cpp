@@ -5,9 +5,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 QString name(const char* text)
 {
@@ -37,9 +39,7 @@ QJsonValue jsonValue(const QVariant& value)
 
 } // namespace
 
-JsonReporter::JsonReporter(std::FILE* stream) : stream_(stream)
-{
-}
+JsonReporter::JsonReporter(std::FILE* stream) : stream_(stream) {}
 
 void JsonReporter::write(const char* event, QJsonObject object)
 {
@@ -103,10 +103,8 @@ void JsonReporter::summary(const QList<RowReport>& rows, int leftOut, const QStr
     for (const RowReport& row : rows) {
         list.append(rowObject(row));
     }
-    write("end", {{name("rows"), list},
-                  {name("leftOut"), leftOut},
-                  {name("folder"), folder},
-                  {name("exitCode"), exitCode}});
+    write("end",
+          {{name("rows"), list}, {name("leftOut"), leftOut}, {name("folder"), folder}, {name("exitCode"), exitCode}});
 }
 
 } // namespace tavrix

@@ -4,7 +4,8 @@
 
 #include <QJsonObject>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // One JSON object a line, each with the member "event". The set of events is documented in docs/console.md.
 class JsonReporter : public Reporter

@@ -24,7 +24,8 @@
 
 using namespace tavrix;
 
-namespace {
+namespace
+{
 
 // The detail log takes over the standard streams; the terminal is kept under a descriptor of its own.
 std::FILE* keptTerminal()
@@ -146,7 +147,8 @@ int main(int argc, char** argv)
         break;
     }
     if (const QString missing = missingSource(absolutePaths(options.sources)); !missing.isNull()) {
-        return wrongUsage(formatText(localizedString(QStringLiteral("Con_missing"), QStringLiteral("Console")), {missing}));
+        return wrongUsage(
+            formatText(localizedString(QStringLiteral("Con_missing"), QStringLiteral("Console")), {missing}));
     }
     if (!options.output.isNull() && !mkdirCocoa(absolutePaths({options.output}).first())) {
         return wrongUsage(

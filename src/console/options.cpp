@@ -4,9 +4,11 @@
 #include "base/format.h"
 #include "base/localisation.h"
 
-namespace tavrix {
+namespace tavrix
+{
 
-namespace {
+namespace
+{
 
 QString consoleText(const char* key)
 {

@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-namespace tavrix {
+namespace tavrix
+{
 
 enum class ExistingPolicy { Default, Replace, Keep, Ask };
 
@@ -11,9 +12,9 @@ enum class ExistingPolicy { Default, Replace, Keep, Ask };
 struct ConsoleOptions {
     enum class Mode { Convert, Help, Version, Wrong };
     Mode mode = Mode::Convert;
-    QString error;      // what is wrong, for Mode::Wrong
-    int format = -1;    // output format 0 to 5, -1 = the one of the preferences
-    QString output;     // destination folder; nothing = the default one
+    QString error;   // what is wrong, for Mode::Wrong
+    int format = -1; // output format 0 to 5, -1 = the one of the preferences
+    QString output;  // destination folder; nothing = the default one
     ExistingPolicy existing = ExistingPolicy::Default;
     bool json = false;
     QStringList sources; // as given

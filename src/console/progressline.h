@@ -3,7 +3,8 @@
 #include <QString>
 
 // Texts of the terminal's progress display; pure.
-namespace tavrix {
+namespace tavrix
+{
 
 // Columns that a text takes on a terminal: wide characters count two, combining and control ones none.
 [[nodiscard]] int displayWidth(const QString& text);

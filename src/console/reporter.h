@@ -6,7 +6,8 @@
 
 #include <cstdio>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // One finished row of the summary.
 struct RowReport {

@@ -5,7 +5,8 @@
 
 #include <QElapsedTimer>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Plain lines; on a terminal also a progress bar that is redrawn in place.
 class TextReporter : public Reporter

@@ -4,7 +4,8 @@
 
 class QSocketNotifier;
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Turns termination and job-control signals into calls from the event loop.
 class UnixSignals : public QObject

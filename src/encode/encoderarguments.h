@@ -5,7 +5,8 @@
 #include <optional>
 
 // From a row's values to the argument list of its encode.
-namespace tavrix {
+namespace tavrix
+{
 
 // Element 0 is the tool's path. No value when source or destination is nothing. The codec name is not used.
 [[nodiscard]] std::optional<QStringList> encodage(const QString& sourcePath, const QString& destinationPath,

@@ -4,11 +4,12 @@
 
 #include <optional>
 
-namespace tavrix {
+namespace tavrix
+{
 
 // Moves the first pass's output aside under its master name and returns the argument list of the second pass. No value
-// when the free space does not suffice (the move has then happened). Duration in seconds; a settings name of nothing or ""
-// is chosen by the display aspect.
+// when the free space does not suffice (the move has then happened). Duration in seconds; a settings name of nothing or
+// "" is chosen by the display aspect.
 [[nodiscard]] std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duration, float aspect,
                                                       const QString& settingsName);
 // "1280x720pLetterbox" for 4:3, else "1280x720p".

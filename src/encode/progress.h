@@ -3,13 +3,14 @@
 #include <QString>
 
 // Numbers from the progress lines of the tools.
-namespace tavrix {
+namespace tavrix
+{
 
 // The number after the first occurrence of the marker, or 0.
 [[nodiscard]] float progresses(const QString& line, const QString& marker);
-[[nodiscard]] float progressFfmpeg(const QString& line);          // seconds reached
-[[nodiscard]] float progressMov2wavMux2mov(const QString& line);  // percent
-[[nodiscard]] float progressMovencoder(const QString& line);      // percent
+[[nodiscard]] float progressFfmpeg(const QString& line);         // seconds reached
+[[nodiscard]] float progressMov2wavMux2mov(const QString& line); // percent
+[[nodiscard]] float progressMovencoder(const QString& line);     // percent
 [[nodiscard]] float progressNormalize(const QString& line);
 [[nodiscard]] QString progressFfmpegGrepStr();
 [[nodiscard]] QString progressMov2wavMux2movGrepStr();

@@ -5,11 +5,12 @@
 #include <optional>
 
 // The parser of the tool's description of a source.
-namespace tavrix {
+namespace tavrix
+{
 
-// Record of the last input block of the banner that an end marker follows. Without a path, nothing for an absent or empty
-// banner; an empty record for one that describes no input. With a path and a banner that lacks "Input #" the tool is run
-// on the path; nothing when its text describes no input either.
+// Record of the last input block of the banner that an end marker follows. Without a path, nothing for an absent or
+// empty banner; an empty record for one that describes no input. With a path and a banner that lacks "Input #" the tool
+// is run on the path; nothing when its text describes no input either.
 [[nodiscard]] std::optional<MediaInfoRecord> ffInfos(const QString& sourcePath, const QString& banner);
 // Record of a captured banner; nothing when either argument is nothing, or the parser answers nothing.
 [[nodiscard]] std::optional<MediaInfoRecord> analysisFf(const QString& verboseFFmpegStr, const QString& interlacingStr);

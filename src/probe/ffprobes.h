@@ -4,19 +4,20 @@
 #include <QStringList>
 
 // Small questions put to ffmpeg about a source or about itself. None reports to the user: false, 0 or nothing.
-namespace tavrix {
+namespace tavrix
+{
 
-[[nodiscard]] int ffRevisionInt();                       // revision of the tool's banner, 0 without "git-N-"
+[[nodiscard]] int ffRevisionInt(); // revision of the tool's banner, 0 without "git-N-"
 [[nodiscard]] int ffRevisionFromBanner(const QString& banner);
-[[nodiscard]] bool ffmpegSuccess(const QString& text);   // false for nothing, "" and texts that name a failure
+[[nodiscard]] bool ffmpegSuccess(const QString& text); // false for nothing, "" and texts that name a failure
 [[nodiscard]] QString forceFormatLite(const QString& text);
 [[nodiscard]] QString forceFormat(const QString& path, const QString& text); // nothing = no forcing
 [[nodiscard]] QString forceFormatFromAnswer(const QString& fileAnswer, const QString& text);
 [[nodiscard]] bool ffmpegSuccessAudioCodec(const QString& path);
-[[nodiscard]] int durationM2v(const QString& path);      // whole seconds
+[[nodiscard]] int durationM2v(const QString& path); // whole seconds
 [[nodiscard]] bool mpegTs(const QString& path, const QString& text);
 [[nodiscard]] bool ffmpegVsync(const QString& path, const QString& text, const QString& forcedFormat);
-[[nodiscard]] QStringList ffAspectArgs(const QString& aspect);                // two elements, by the tool's revision
+[[nodiscard]] QStringList ffAspectArgs(const QString& aspect); // two elements, by the tool's revision
 [[nodiscard]] QStringList ffAspectArgs(const QString& aspect, int revision);
 // One text when asString ("-aspect 16:9"), else the list; the revision is asked anew at every call.
 [[nodiscard]] QStringList ffAspect(const QString& aspect, bool asString);

@@ -4,31 +4,33 @@
 #include <QVariantMap>
 
 // The media info record: a flat dictionary that describes one source. A missing key means unknown.
-namespace tavrix {
+namespace tavrix
+{
 
 using MediaInfoRecord = QVariantMap;
 
-namespace record {
-inline const QString wrapper = QStringLiteral("wrapper");          // container name, text
-inline const QString w_duration = QStringLiteral("w_duration");    // seconds, int
-inline const QString w_offset = QStringLiteral("w_offset");        // seconds, float
-inline const QString w_bitrate = QStringLiteral("w_bitrate");      // kb/s, int
-inline const QString w_width = QStringLiteral("w_width");          // pixels, int
-inline const QString w_height = QStringLiteral("w_height");        // pixels, int
-inline const QString w_dar = QStringLiteral("w_dar");              // text N:M
-inline const QString w_qtasync = QStringLiteral("w_qtasync");      // 1 when the size is not known yet
-inline const QString w_nsav = QStringLiteral("w_nsav");            // bool, the movie refuses to be saved
-inline const QString v0_width = QStringLiteral("v0_width");        // pixels, int
-inline const QString v0_height = QStringLiteral("v0_height");      // pixels, int
-inline const QString v0_codec = QStringLiteral("v0_codec");        // codec name, text
-inline const QString v0_fps = QStringLiteral("v0_fps");            // frames per second, float
-inline const QString v0_aspect = QStringLiteral("v0_aspect");      // display aspect chosen for the source, float
-inline const QString a0_offset = QStringLiteral("a0_offset");      // time value in the track's own scale, qint64
+namespace record
+{
+inline const QString wrapper = QStringLiteral("wrapper");       // container name, text
+inline const QString w_duration = QStringLiteral("w_duration"); // seconds, int
+inline const QString w_offset = QStringLiteral("w_offset");     // seconds, float
+inline const QString w_bitrate = QStringLiteral("w_bitrate");   // kb/s, int
+inline const QString w_width = QStringLiteral("w_width");       // pixels, int
+inline const QString w_height = QStringLiteral("w_height");     // pixels, int
+inline const QString w_dar = QStringLiteral("w_dar");           // text N:M
+inline const QString w_qtasync = QStringLiteral("w_qtasync");   // 1 when the size is not known yet
+inline const QString w_nsav = QStringLiteral("w_nsav");         // bool, the movie refuses to be saved
+inline const QString v0_width = QStringLiteral("v0_width");     // pixels, int
+inline const QString v0_height = QStringLiteral("v0_height");   // pixels, int
+inline const QString v0_codec = QStringLiteral("v0_codec");     // codec name, text
+inline const QString v0_fps = QStringLiteral("v0_fps");         // frames per second, float
+inline const QString v0_aspect = QStringLiteral("v0_aspect");   // display aspect chosen for the source, float
+inline const QString a0_offset = QStringLiteral("a0_offset");   // time value in the track's own scale, qint64
 inline const QString mainEncSrcPathStr = QStringLiteral("mainEncSrcPathStr"); // full path of the source
-inline const QString imgPathStr = QStringLiteral("imgPathStr");    // full path of the thumbnail
-inline const QString out = QStringLiteral("out");                  // output format, int
-inline const QString dstPathStr = QStringLiteral("dstPathStr");    // output file of the row being encoded
-inline const QString purgePathStr1 = QStringLiteral("purgePathStr1"); // intermediate of the second pass
+inline const QString imgPathStr = QStringLiteral("imgPathStr");               // full path of the thumbnail
+inline const QString out = QStringLiteral("out");                             // output format, int
+inline const QString dstPathStr = QStringLiteral("dstPathStr");               // output file of the row being encoded
+inline const QString purgePathStr1 = QStringLiteral("purgePathStr1");         // intermediate of the second pass
 
 // Keys of numbered streams: stream('v', 0, "fps") is "v0_fps".
 [[nodiscard]] inline QString stream(char kind, int number, const char* name)

@@ -3,10 +3,11 @@
 #include "base/filelisting.h"
 
 // Sources that come from recorders: bundles, descriptions, recording dates.
-namespace tavrix {
+namespace tavrix
+{
 
-[[nodiscard]] QString bundledVideoName(const QString& path);          // nothing for nothing
-[[nodiscard]] float bundledVideoEyetvDuration(const QString& path);   // seconds, 0.0 on failure
+[[nodiscard]] QString bundledVideoName(const QString& path);        // nothing for nothing
+[[nodiscard]] float bundledVideoEyetvDuration(const QString& path); // seconds, 0.0 on failure
 [[nodiscard]] float eyetvDurationFromText(const QString& description);
 // Base name of the output: "clip-<date>-<name>". Nothing for nothing.
 [[nodiscard]] QString dateCreation2iMovieName(const QString& sourcePath);

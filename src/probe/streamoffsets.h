@@ -5,9 +5,11 @@
 #include <QVariantMap>
 
 // Start offsets of a source's streams, in milliseconds, from timestamp-debugging output.
-namespace tavrix {
+namespace tavrix
+{
 
-// Keys such as "a1_offsetPts" (the stream's own number) for offsets above 30 ms in size; empty when nothing is measured.
+// Keys such as "a1_offsetPts" (the stream's own number) for offsets above 30 ms in size; empty when nothing is
+// measured.
 [[nodiscard]] QVariantMap ptsDtsOffsetMs(const QString& transcript);
 // Runs the tool and returns one offset per audio stream (at most four); empty on failure.
 [[nodiscard]] QList<int> offsetTracks(const QString& source, const QString& mode);

@@ -5,7 +5,8 @@
 #include <QStringList>
 
 // Fixed lists of the formats that the converter knows, built on each call.
-namespace tavrix {
+namespace tavrix
+{
 
 [[nodiscard]] QList<float> standardsFpsArray();
 [[nodiscard]] QStringList elementariesStreamsArray();

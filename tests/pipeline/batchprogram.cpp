@@ -7,9 +7,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-namespace tavrix::test {
+namespace tavrix::test
+{
 
-namespace {
+namespace
+{
 
 constexpr int patienceMilliseconds = 120000;
 
@@ -73,7 +75,8 @@ void BatchProgram::start(const QStringList& arguments)
     process_->setProcessEnvironment(environment);
     process_->setStandardInputFile(QProcess::nullDevice());
     process_->setStandardErrorFile(QProcess::nullDevice());
-    process_->start(QStringLiteral(TAVRIX_BUILD_BIN "/tavrix-batch"), QStringList{QStringLiteral("--json")} + arguments);
+    process_->start(QStringLiteral(TAVRIX_BUILD_BIN "/tavrix-batch"),
+                    QStringList{QStringLiteral("--json")} + arguments);
     process_->waitForStarted(patienceMilliseconds);
 }
 

@@ -12,7 +12,8 @@
 #include <memory>
 
 // Runs the real console program with the real tools, in a home of its own, and reads the JSON lines it prints.
-namespace tavrix::test {
+namespace tavrix::test
+{
 
 struct BatchResult {
     int exitCode = -1;

@@ -4,9 +4,11 @@
 #include <QJsonDocument>
 #include <QProcess>
 
-namespace tavrix::test {
+namespace tavrix::test
+{
 
-namespace {
+namespace
+{
 
 QStringList words(const char* text)
 {

@@ -5,7 +5,8 @@
 #include <QStringList>
 
 // Clips made by the installed ffmpeg, and what ffprobe says of files.
-namespace tavrix::test {
+namespace tavrix::test
+{
 
 // Runs a program to its end; false when it failed.
 bool runTool(const QString& program, const QStringList& arguments, QByteArray* output = nullptr);
@@ -18,8 +19,8 @@ struct ClipRequest {
 };
 // False when the clip could not be made.
 bool makeClip(const QString& path, const ClipRequest& request);
-[[nodiscard]] ClipRequest avchdLiteClip();     // H.264 and AC-3 for a transport stream
-[[nodiscard]] ClipRequest motionJpegClip();    // 640x480 Motion-JPEG with PCM for AVI
+[[nodiscard]] ClipRequest avchdLiteClip();  // H.264 and AC-3 for a transport stream
+[[nodiscard]] ClipRequest motionJpegClip(); // 640x480 Motion-JPEG with PCM for AVI
 [[nodiscard]] ClipRequest smallMotionJpegClip();
 [[nodiscard]] ClipRequest interlacedClip();
 [[nodiscard]] ClipRequest fullHdClip();

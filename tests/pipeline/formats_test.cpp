@@ -10,7 +10,8 @@
 
 using namespace tavrix::test;
 
-namespace {
+namespace
+{
 
 QString text(const char* literal)
 {
@@ -77,8 +78,8 @@ TEST_P(Formats, outputHasTheCodecSizeAspectRateAndSoundOfItsFormat)
     TempFolder destination;
     BatchProgram program;
     const QString source = clips->path(row.motionJpeg ? text("P1000002.AVI") : text("00001.MTS"));
-    const BatchResult result = program.run(
-        {text("--format"), QString::number(row.format), text("--output"), destination.path(), source});
+    const BatchResult result =
+        program.run({text("--format"), QString::number(row.format), text("--output"), destination.path(), source});
     ASSERT_EQ(result.exitCode, 0);
     ASSERT_EQ(result.outputs().size(), 1);
     const QString output = result.outputs().first();
@@ -99,9 +100,9 @@ TEST_P(Formats, outputHasTheCodecSizeAspectRateAndSoundOfItsFormat)
     EXPECT_EQ(audio.value(text("channels")).toInt(), row.channels);
     EXPECT_NEAR(secondsOf(probe.value(text("format")).toObject(), "duration"), 6.0, 0.1);
     EXPECT_LE(std::abs(secondsOf(video, "start_time") - secondsOf(audio, "start_time")), 0.040);
-    EXPECT_TRUE(runTool(text("/usr/bin/ffmpeg"), {text("-nostdin"), text("-v"), text("error"), text("-xerror"),
-                                                  text("-i"), text("file:") + output, text("-f"), text("null"),
-                                                  text("-")}));
+    EXPECT_TRUE(
+        runTool(text("/usr/bin/ffmpeg"), {text("-nostdin"), text("-v"), text("error"), text("-xerror"), text("-i"),
+                                          text("file:") + output, text("-f"), text("null"), text("-")}));
     EXPECT_EQ(filesBelow(destination.path()).size(), 1) << "intermediates were left behind";
 }
 

@@ -11,7 +11,8 @@
 
 using namespace tavrix::test;
 
-namespace {
+namespace
+{
 
 QString text(const char* literal)
 {

@@ -10,7 +10,8 @@
 
 using namespace tavrix::test;
 
-namespace {
+namespace
+{
 
 QString text(const char* literal)
 {
@@ -122,8 +123,8 @@ struct KillCase {
 
 TEST_F(Interruption, killingAnyOfTheProcessesAtAnyMomentLeavesNothingHalfDone)
 {
-    const KillCase cases[] = {{"tavrix-batch", 0, 2}, {"tavrix-batch", 0, 7}, {"tavrix-batch", 4, 8},
-                              {"tools/ffmpeg", 0, 6}, {"tools/ffmpeg", 3, 2}, {"bin/ffmpeg", 0, 7},
+    const KillCase cases[] = {{"tavrix-batch", 0, 2}, {"tavrix-batch", 0, 7},    {"tavrix-batch", 4, 8},
+                              {"tools/ffmpeg", 0, 6}, {"tools/ffmpeg", 3, 2},    {"bin/ffmpeg", 0, 7},
                               {"bin/ffmpeg", 2, 2},   {"tools/movencoder", 4, 7}};
     for (const KillCase& killCase : cases) {
         SCOPED_TRACE(std::string(killCase.victim) + " in format " + std::to_string(killCase.format));
