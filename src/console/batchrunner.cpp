@@ -50,7 +50,6 @@ void BatchRunner::connectController()
     });
     connect(controller_, &appDelegate::analysisEnded, this, &BatchRunner::analysisOver);
     connect(controller_, &appDelegate::rowStarted, this, [this, &rows](int row) {
-        runningRow_ = row;
         reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src);
     });
     connect(controller_, &appDelegate::rowProgress, this, [this](int /*row*/, float value, float maximum) {
@@ -61,10 +60,6 @@ void BatchRunner::connectController()
         rows_ << RowReport{path, {}, consoleText("Con_vanished"), 0, false};
     });
     connect(controller_, &appDelegate::batchEnded, this, [this](bool stopped) {
-        // The controller reports no end of the row that was stopped.
-        if (runningRow_ >= 0) {
-            noteRow(runningRow_, false);
-        }
         const bool failed =
             std::any_of(rows_.cbegin(), rows_.cend(), [](const RowReport& row) { return !row.success; });
         finish(stopped || failed ? exitSomeFailed : exitAllDone);
@@ -95,7 +90,6 @@ void BatchRunner::analysisOver()
 
 void BatchRunner::noteRow(int row, bool success)
 {
-    runningRow_ = -1;
     const BatchList& rows = controller_->model().encBatchArrayController;
     const BatchRow& finished = rows.row(row);
     RowReport report{finished.dico.value(record::mainEncSrcPathStr).toString(), finished.output, finished.reason, 0,

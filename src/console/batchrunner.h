@@ -44,7 +44,6 @@ private:
     Reporter* reporter_;
     QList<RowReport> rows_;
     int leftOut_ = 0;
-    int runningRow_ = -1; // -1 between rows
     bool interrupted_ = false;
     bool finished_ = false;
     bool pausedHere_ = false;

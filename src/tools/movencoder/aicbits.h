@@ -113,7 +113,8 @@ private:
     void advance(std::uint32_t length)
     {
         pending_ += length;
-        std::uint64_t word = held_ << (64 - pending_);
+        // Without pending bits what is written does not count; the mask keeps the shift defined.
+        std::uint64_t word = held_ << ((64 - pending_) & 63);
         if constexpr (std::endian::native == std::endian::little)
             word = __builtin_bswap64(word);
         std::memcpy(at_, &word, sizeof word);
