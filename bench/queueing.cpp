@@ -48,7 +48,7 @@ public:
     }
     [[nodiscard]] bool isRunning() const override { return running_; }
     [[nodiscard]] bool isSuspended() const override { return false; }
-    [[nodiscard]] int terminationStatus() const override { return statusInterrupted; }
+    [[nodiscard]] int terminationStatus() const override { return EXIT_FAILURE; }
     void suspend() override {}
     void resume() override {}
     void terminate() override { running_ = false; }
