@@ -101,14 +101,15 @@ void BatchDelegate::paintWords(QPainter* painter, const QRect& place, const Batc
     bold.setBold(true);
     const int height = QFontMetrics(plain).lineSpacing();
     QRect line(place.left(), place.center().y() - height * 3 / 2, place.width(), height);
-    const auto write = [painter, &line, height](const QFont& font, const QColor& color, const QString& text) {
+    const auto write = [painter, &line, height](const QFont& font, const QColor& color, const QString& text,
+                                                Qt::TextElideMode elide = Qt::ElideRight) {
         painter->setFont(font);
         painter->setPen(color);
-        const QString shown = QFontMetrics(font).elidedText(text, Qt::ElideMiddle, line.width());
+        const QString shown = QFontMetrics(font).elidedText(text, elide, line.width());
         painter->drawText(line, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
         line.translate(0, height);
     };
-    write(bold, theme.text, formatText(QStringLiteral("%d.  %@"), {row.order, row.src}));
+    write(bold, theme.text, formatText(QStringLiteral("%d.  %@"), {row.order, row.src}), Qt::ElideMiddle);
     write(plain, theme.secondaryText, RowDetails::description(row));
     if (row.reason.isEmpty()) {
         write(plain, theme.secondaryText, thirdLine(row));

@@ -179,6 +179,11 @@ void BatchDrawer::showMenu(const QPoint& place)
 
 bool BatchDrawer::eventFilter(QObject* watched, QEvent* event)
 {
+    BatchList& rows = controller_.model().encBatchArrayController;
+    if (watched == list_ && event->type() == QEvent::FocusIn && rows.selectedRow() < 0 && rows.count() > 0) {
+        // The arrow keys cannot select the only row of a list: there is no way to move to it.
+        rows.setSelectedRow(qMax(0, list_->currentIndex().row()));
+    }
     if (watched == list_ && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter) {

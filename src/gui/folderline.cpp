@@ -20,6 +20,7 @@ FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& s
     auto* edit = new QLineEdit(this);
     edit->setPlaceholderText(QStringLiteral("@@Win_folderPlaceholder"));
     edit->setAccessibleName(QStringLiteral("@@Win_acc_folder"));
+    edit->setMinimumWidth(150);
     bindText(edit, field);
     follow(field, edit, [edit, &field] { edit->setToolTip(field.stringValue().toHtmlEscaped()); });
     layout->addWidget(edit, 1);

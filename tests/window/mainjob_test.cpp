@@ -176,12 +176,13 @@ TEST_F(MainJob, TheWholeJobByKeyboard)
     EXPECT_TRUE(tools_.finishAll());
     ASSERT_EQ(rows().count(), 1);
     auto* list = find<QListView>("encBatchArrayController");
+    window().activateWindow();
+    ASSERT_TRUE(waitFor([this] { return QApplication::activeWindow() == &window(); }));
     list->setFocus();
+    ASSERT_TRUE(waitFor([list] { return list->hasFocus(); }));
     QTest::keyClick(list, Qt::Key_Down);
     EXPECT_EQ(rows().selectedRow(), 0);
     useDestination();
-    window().activateWindow();
-    ASSERT_TRUE(waitFor([this] { return QApplication::activeWindow() == &window(); }));
     QTest::keyClick(&window(), Qt::Key_Return, Qt::ControlModifier);
     ASSERT_TRUE(controller().isEncoding());
     QTest::keyClick(&window(), Qt::Key_P, Qt::ControlModifier);

@@ -152,6 +152,17 @@ TEST_F(Questions, DeleteKeyRemovesTheSelectedRow)
     EXPECT_EQ(rows().row(0).src, QStringLiteral("clip2.MTS"));
 }
 
+TEST_F(Questions, TheOnlyRowIsSelectedWhenTheListGetsTheFocus)
+{
+    startProgram();
+    analysedClips(1);
+    EXPECT_EQ(rows().selectedRow(), -1);
+    window().activateWindow();
+    find<QListView>("encBatchArrayController")->setFocus(Qt::TabFocusReason);
+    ASSERT_TRUE(waitFor([this] { return rows().selectedRow() == 0; }));
+    EXPECT_TRUE(find<QAbstractButton>("batchEncRemoveBt")->isEnabled());
+}
+
 TEST_F(Questions, TheRowBeingEncodedCannotBeRemoved)
 {
     startProgram();
