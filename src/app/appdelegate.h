@@ -220,6 +220,8 @@ private:
     QString analysisRetainedStr_;     // nothing = no text kept for the final step
     QString analysisRejection_;       // why the current source makes no row
     bool analysisBatchRunning_ = false;
+    int analysisQueueHead_ = 0; // where the stored queue begins
+    int analysisTakes_ = 0;     // sources taken from long queues in this batch
     bool encPausedForDrop_ = false;
     bool encControlDisabledForDrop_ = false;
 

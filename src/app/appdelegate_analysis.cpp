@@ -27,16 +27,20 @@ namespace tavrix
 namespace
 {
 
+constexpr int longQueue = 256;
+
 QString existingFile(const QString& path)
 {
     return !path.isEmpty() && testPresenceCocoa(path) ? path : QString();
 }
 
-// Key of the next source: "0", or the smallest number when an interrupted queue has a gap.
-QString nextQueueKey(const QVariantMap& queue)
+// Key of the next source: "0", or the smallest number when the queue begins later. `hint` is where it last began.
+QString nextQueueKey(const QVariantMap& queue, int hint)
 {
-    if (queue.contains(QStringLiteral("0"))) {
-        return QStringLiteral("0");
+    for (const QString& key : {QStringLiteral("0"), QString::number(hint)}) {
+        if (queue.contains(key)) {
+            return key;
+        }
     }
     QString smallest;
     for (auto it = queue.keyBegin(); it != queue.keyEnd(); ++it) {
@@ -47,24 +51,20 @@ QString nextQueueKey(const QVariantMap& queue)
     return smallest;
 }
 
-// Takes one source out and moves the others one key down, without gaps. Every source pays for all that wait behind it,
-// so each move is one look-up.
+// Takes one source out and moves those that follow it to the keys from "0" on.
 void takeFromQueue(QVariantMap& queue, const QString& takenKey)
 {
-    if (takenKey != QLatin1String("0")) {
-        queue.remove(takenKey);
-        return;
-    }
-    auto place = queue.find(takenKey);
+    const int taken = leadingInteger(takenKey);
+    queue.remove(takenKey);
     for (int i = 1; i <= 12344; ++i) {
-        const auto next = queue.find(QString::number(i));
+        const auto next = queue.find(QString::number(taken + i));
         if (next == queue.end()) {
             break;
         }
-        place->swap(*next);
-        place = next;
+        const QVariant source = next.value();
+        queue.erase(next);
+        queue.insert(QString::number(i - 1), source);
     }
-    queue.erase(place);
 }
 
 QVariantMap storedQueue()
@@ -123,14 +123,24 @@ void appDelegate::analysisTakeNext()
     if (!prefRead(pref::analysisSrcPathStr).isEmpty() || queue.isEmpty()) {
         return;
     }
-    const QString key = nextQueueKey(queue);
+    const QString key = nextQueueKey(queue, analysisQueueHead_);
     const QString current = queue.value(key).toString();
     logLine(QStringLiteral("analysis new file : %@"), {current});
-    takeFromQueue(queue, key);
     prefWrite(pref::analysisSrcPathStr, current);
-    prefWriteDico(pref::analysisSrcPathesDico, queue);
+    const qsizetype left = queue.size() - 1;
+    // Moving all that waits costs time in proportion to the queue: a long one is moved up only now and then.
+    if (queue.size() <= longQueue || analysisTakes_++ % longQueue == 0) {
+        prefDelete(pref::analysisSrcPathesDico);
+        takeFromQueue(queue, key);
+        prefWriteDico(pref::analysisSrcPathesDico, queue);
+        analysisQueueHead_ = 0;
+    } else {
+        queue.clear();
+        prefDeleteChildDico(pref::analysisSrcPathesDico, key);
+        analysisQueueHead_ = leadingInteger(key) + 1;
+    }
     if (getDEBUGDEV() != 0) {
-        displayAlert(formatText(QStringLiteral("reliquat = %d"), {qint64(queue.size())}), QString(), 0, nullptr);
+        displayAlert(formatText(QStringLiteral("reliquat = %d"), {qint64(left)}), QString(), 0, nullptr);
     }
 }
 

@@ -72,6 +72,8 @@ void appDelegate::draggedFiles(const QStringList& paths)
     // One store of the whole queue: the keys are those that one write per source would leave.
     prefWriteDico(pref::analysisSrcPathesDico, queue);
     analysisBatchRunning_ = true;
+    analysisQueueHead_ = 0;
+    analysisTakes_ = 0;
     setFlag(pref::analysisDeb);
     Q_EMIT sourcesQueued(static_cast<int>(fresh.size()));
     analysis();

@@ -375,6 +375,26 @@ TEST_F(Analysis, QueueBeyondTheCompactionLimitLeavesAGap)
     EXPECT_TEXT(left.value(QStringLiteral("12345")).toString(), QStringLiteral("/none/12345"));
 }
 
+TEST_F(Analysis, LongQueueIsTakenInItsOrderAndMovedUpNowAndThen)
+{
+    const QuietErrorStream quiet;
+    QVariantMap queue;
+    for (int i = 0; i < 700; ++i) {
+        queue.insert(QString::number(i), QString(QStringLiteral("/none/") + QString::number(i)));
+    }
+    prefWriteDico(pref::analysisSrcPathesDico, queue);
+    int movedUp = 0;
+    for (int i = 0; i < 700; ++i) {
+        prefDelete(pref::analysisSrcPathStr);
+        controller->analysis();
+        ASSERT_EQ(prefRead(pref::analysisSrcPathStr), QStringLiteral("/none/") + QString::number(i));
+        const QVariantMap left = prefReadDico(pref::analysisSrcPathesDico).value_or(QVariantMap());
+        ASSERT_EQ(left.size(), 699 - i);
+        movedUp += left.value(QStringLiteral("0")).toString() == QStringLiteral("/none/") + QString::number(i + 1);
+    }
+    EXPECT_GT(movedUp, 256) << "a short rest begins at 0 again";
+}
+
 TEST_F(Analysis, GapAtTheEndOfAHugeQueueDoesNotLoop)
 {
     const QStringList sources = makeClips(4);
