@@ -34,7 +34,7 @@ public:
     {
         const QStringList chosen = selectedFiles();
         if (chosen.size() == 1 && QFileInfo(chosen.constFirst()).isDir()) {
-            QDialog::done(Accepted);
+            done(Accepted);
             return;
         }
         QFileDialog::accept();
@@ -71,7 +71,7 @@ QStringList chosenFiles(QFileDialog::FileMode mode, const QString& title, const 
     dialog.setNameFilter(patterns.join(QLatin1Char(' ')));
     // The chooser's own menu must not rename or delete clips.
     dialog.setOption(QFileDialog::ReadOnly);
-    const QStringList paths = chosenPaths(dialog, title, startFolder());
+    QStringList paths = chosenPaths(dialog, title, startFolder());
     if (!paths.isEmpty()) {
         defaultFolder = stringByDeletingLastPathComponent(paths.first());
     }
@@ -112,7 +112,7 @@ QString selectFile(const QString& /*unused*/, const QStringList& types)
 {
     const QStringList paths = chosenFiles(QFileDialog::ExistingFile, localizedString(QStringLiteral("selectFileStr")),
                                           selectFilePatterns(types));
-    const QString path = paths.isEmpty() ? QString() : paths.first();
+    QString path = paths.isEmpty() ? QString() : paths.first();
     logLine(QStringLiteral("returnedStr : %@"), {path});
     return path;
 }
