@@ -142,6 +142,7 @@ private:
     void makeTemporaryFolder();
     void takeCodecInventory();
     void restorePreferences();
+    void removeLeftOverIntermediate();
     void endChildren();
     void finishQuit();
 

@@ -6,6 +6,7 @@
 #include "app/stepflags.h"
 #include "base/alerts.h"
 #include "base/bundle.h"
+#include "base/conversions.h"
 #include "base/filedelete.h"
 #include "base/fileops.h"
 #include "base/filesizes.h"
@@ -167,6 +168,7 @@ void appDelegate::encGoRazGui()
 void appDelegate::restorePreferences()
 {
     prefSynchronize();
+    removeLeftOverIntermediate();
     for (const QString& key : prefAllKeys()) {
         if (!isKeptAtStart(key)) {
             prefDelete(key);
@@ -187,6 +189,16 @@ void appDelegate::restorePreferences()
         model_.mainEncDstPathStr.setStringValue(folder);
     }
     prefSynchronize();
+}
+
+// A run that was killed in its second pass has left the first pass's movie under its master name.
+void appDelegate::removeLeftOverIntermediate()
+{
+    const QString destination = prefReadChildDico(pref::processEncDico, record::dstPathStr);
+    const QString intermediate = prefReadChildDico(pref::processEncDico, record::purgePathStr1);
+    if (!intermediate.isEmpty() && intermediate == oldSrcPathStr2DstPathStr(destination)) {
+        removeIntermediate(destination);
+    }
 }
 
 void appDelegate::applicationDidFinishLaunching()

@@ -3,6 +3,7 @@
 #include "app/instancelock.h"
 #include "app/logs.h"
 #include "base/bundle.h"
+#include "base/conversions.h"
 #include "base/preferences.h"
 #include "base/settings.h"
 #include "support/waituntil.h"
@@ -109,6 +110,25 @@ TEST_F(StartUp, FlagsLeftByACrashAreCleanedAndNothingResumes)
     addRows({clip(QStringLiteral("new.mts"))});
     ASSERT_EQ(rows().count(), 2);
     EXPECT_TEXT(sourceOf(0), sources.at(0));
+}
+
+TEST_F(StartUp, IntermediateOfARunKilledInItsSecondPassIsRemoved)
+{
+    const QString output = folder.path(QStringLiteral("Movies/Tavrix events/clip-2026-01-02 03;04;05-00001.mov"));
+    const QString master = oldSrcPathStr2DstPathStr(output);
+    const auto leave = [&](const QString& purge) {
+        ASSERT_TRUE(QDir().mkpath(folder.path(QStringLiteral("Movies/Tavrix events"))));
+        ASSERT_TRUE(writeBytes(master, "first pass"));
+        prefWriteDico(pref::processEncDico,
+                      QVariantMap({{record::dstPathStr, output}, {record::purgePathStr1, purge}}));
+        ASSERT_TRUE(prefSynchronize());
+        prefReload();
+        ASSERT_TRUE(start());
+    };
+    leave(folder.path(QStringLiteral("another.mov")));
+    EXPECT_TRUE(itemExists(master)) << "only what the second pass has noted is its own";
+    leave(master);
+    EXPECT_FALSE(itemExists(master));
 }
 
 TEST_F(StartUp, SettingsAreRestored)
