@@ -37,6 +37,8 @@ Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
         if (stopped.isNull())
             stopped = reason;
         reply->abort();
+        // An abort in the middle of a redirection is not always followed by the end of the reply.
+        loop.quit();
     };
     const auto take = [&] {
         page += reply->readAll();
@@ -51,6 +53,7 @@ Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
     });
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, take);
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QObject::connect(reply.get(), &QNetworkReply::errorOccurred, &loop, &QEventLoop::quit);
     QTimer::singleShot(limits.milliseconds, &loop, [&] { stop(QStringLiteral("timed out")); });
     if (!reply->isFinished())
         loop.exec();

@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <cerrno>
+#include <cstring>
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -63,6 +65,11 @@ std::optional<QByteArray> readBytes(const QString& path)
         return std::nullopt;
     }
     return file.readAll();
+}
+
+QString missingFileText()
+{
+    return QString::fromLocal8Bit(std::strerror(ENOENT));
 }
 
 bool itemExists(const QString& path)

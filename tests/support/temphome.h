@@ -34,6 +34,8 @@ private:
 // Nothing else than these bytes is in the file afterwards; false when it cannot be written.
 bool writeBytes(const QString& path, const QByteArray& bytes);
 [[nodiscard]] std::optional<QByteArray> readBytes(const QString& path);
+// What the system says of a missing file, in the language of the environment.
+[[nodiscard]] QString missingFileText();
 // True for a dangling link too.
 [[nodiscard]] bool itemExists(const QString& path);
 
