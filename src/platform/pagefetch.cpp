@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -19,15 +20,32 @@ namespace
 struct Fetched {
     std::optional<QByteArray> page;
     QString failure;
+    QUrl redirectedTo; // empty for an answer that is the page or a failure
 };
 
-// Runs in the worker thread, with everything of Qt's that it needs created there.
-Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
+Fetched failedFetch(const QString& reason)
 {
-    QNetworkAccessManager manager;
+    return {std::nullopt, reason, {}};
+}
+
+Fetched fetchedAnswer(const QNetworkReply& reply, const QByteArray& page)
+{
+    if (reply.error() != QNetworkReply::NoError)
+        return failedFetch(QStringLiteral("error %1").arg(static_cast<int>(reply.error())));
+    const QUrl target = reply.attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    if (!target.isEmpty())
+        return {std::nullopt, QString(), reply.url().resolved(target)};
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status < 200 || status > 299)
+        return failedFetch(QStringLiteral("status %1").arg(status));
+    return {page, QString(), {}};
+}
+
+// One request and its answer; a redirection is told, not followed.
+Fetched fetchOnce(QNetworkAccessManager& manager, const QUrl& url, const QDeadlineTimer& deadline, qint64 bytes)
+{
     QNetworkRequest request(url);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setMaximumRedirectsAllowed(limits.redirects);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     const std::unique_ptr<QNetworkReply> reply(manager.get(request));
 
     QEventLoop loop;
@@ -36,39 +54,39 @@ Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
     const auto stop = [&](const QString& reason) {
         if (stopped.isNull())
             stopped = reason;
-        reply->abort();
-        // An abort in the middle of a redirection is not always followed by the end of the reply.
         loop.quit();
     };
     const auto take = [&] {
         page += reply->readAll();
-        if (page.size() > limits.bytes)
+        if (page.size() > bytes)
             stop(QStringLiteral("too large"));
     };
-    QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, [&](const QUrl& target) {
-        if (!isWebAddress(target))
-            stop(QStringLiteral("redirected elsewhere"));
-        else
-            Q_EMIT reply->redirectAllowed();
-    });
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, take);
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    QObject::connect(reply.get(), &QNetworkReply::errorOccurred, &loop, &QEventLoop::quit);
-    QTimer::singleShot(limits.milliseconds, &loop, [&] { stop(QStringLiteral("timed out")); });
+    QTimer::singleShot(deadline.remainingTime(), &loop, [&] { stop(QStringLiteral("timed out")); });
     if (!reply->isFinished())
         loop.exec();
     if (stopped.isNull() && reply->isOpen())
         take();
+    return stopped.isNull() ? fetchedAnswer(*reply, page) : failedFetch(stopped);
+}
 
-    if (!stopped.isNull())
-        return {std::nullopt, stopped};
-    if (reply->error() != QNetworkReply::NoError)
-        return {std::nullopt, QStringLiteral("error %1").arg(static_cast<int>(reply->error()))};
-    // A reply that is sent round in circles can end without an error and without an answer.
-    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (status < 200 || status > 299)
-        return {std::nullopt, QStringLiteral("status %1").arg(status)};
-    return {page, QString()};
+// Runs in the worker thread, with everything of Qt's that it needs created there. Redirections are followed here, one
+// request after the other: when Qt follows them itself, an answer is now and then never reported as finished.
+Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
+{
+    QNetworkAccessManager manager;
+    const QDeadlineTimer deadline(limits.milliseconds);
+    QUrl next = url;
+    for (int redirects = 0; redirects <= limits.redirects; ++redirects) {
+        const Fetched fetched = fetchOnce(manager, next, deadline, limits.bytes);
+        if (fetched.redirectedTo.isEmpty())
+            return fetched;
+        if (!isWebAddress(fetched.redirectedTo))
+            return failedFetch(QStringLiteral("redirected elsewhere"));
+        next = fetched.redirectedTo;
+    }
+    return failedFetch(QStringLiteral("redirected too often"));
 }
 
 } // namespace
