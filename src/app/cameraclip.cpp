@@ -120,7 +120,7 @@ bool isJpegFile(const QString& path)
     while (at + 9 <= bytes.size() && bytes.at(at) == '\xFF') {
         const auto marker = static_cast<unsigned char>(bytes.at(at + 1));
         const auto byteAt = [&bytes](qsizetype i) {
-            return static_cast<unsigned char>(bytes.at(i));
+            return qsizetype{static_cast<unsigned char>(bytes.at(i))};
         };
         if (marker >= 0xC0 && marker <= 0xC2) {
             return (byteAt(at + 5) | byteAt(at + 6)) != 0 && (byteAt(at + 7) | byteAt(at + 8)) != 0;

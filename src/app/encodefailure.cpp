@@ -35,7 +35,7 @@ QString failureLine(const QString& transcript)
 {
     const QStringList lines = linesToArray(transcript);
     for (auto it = lines.crbegin(); it != lines.crend(); ++it) {
-        const QString line = it->trimmed();
+        QString line = it->trimmed();
         // Indented "key : value" lines describe streams; messages of the tool start at the margin.
         if (!line.isEmpty() && !it->startsWith(QLatin1Char(' ')) && !isOrdinaryLine(line)) {
             return line;
