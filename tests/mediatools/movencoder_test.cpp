@@ -143,6 +143,30 @@ TEST_F(MovencoderPicture, RunningRowChoosesTheFormat)
     EXPECT_EQ(probe(other).value(QStringLiteral("codec_name")), QStringLiteral("prores"));
 }
 
+// The running row's first pass, whose name carries no more weight than the record that goes with it.
+TEST_F(MovencoderPicture, FirstPassOfTheRunningRowVanishesAndNoOtherInput)
+{
+    const QString firstPass = folder_.path(QStringLiteral("out_MASTER.mov"));
+    const QString home = folder_.path(QStringLiteral("home"));
+    const QString list = QStringLiteral("<plist version=\"1.0\"><dict><key>processEncDico</key><dict><key>out</key>"
+                                        "<integer>4</integer><key>dstPathStr</key><string>%1</string>"
+                                        "<key>purgePathStr1</key><string>%2</string></dict></dict></plist>")
+                             .arg(output(), firstPass);
+    folder_.makeFile(QStringLiteral("home/Library/Preferences/org.tavrix.Tavrix.plist"), list.toUtf8());
+    const EnvironmentChange change("HOME", home.toUtf8().constData());
+    ASSERT_TRUE(QFile::copy(camera(), firstPass));
+
+    const QString other = folder_.path(QStringLiteral("other.mov"));
+    ASSERT_EQ(movencode(settingsPath(plain), QString(), firstPass, other).status, 0);
+    EXPECT_TRUE(QFile::exists(firstPass)) << "the record is of another output";
+    ASSERT_EQ(movencode(settingsPath(plain), QStringLiteral("aic"), firstPass, output()).status, 0);
+    EXPECT_TRUE(QFile::exists(firstPass)) << "somebody chose the format by hand";
+    ASSERT_EQ(movencode(settingsPath(plain), QString(), firstPass, output()).status, 0);
+    EXPECT_FALSE(QFile::exists(firstPass));
+    EXPECT_EQ(probe(output()).value(QStringLiteral("nb_read_frames")), QStringLiteral("24"));
+    EXPECT_EQ(decodeErrors(output()).toStdString(), "");
+}
+
 TEST_F(MovencoderPicture, BytesPerFrameBoundTheSize)
 {
     const QString settings = folder_.makeFile(

@@ -253,6 +253,20 @@ TEST(MovencoderFormatChoiceFile, MissingOrDamagedPreferencesSayNothing)
     EXPECT_EQ(formatOfRunningRow(damaged.toStdString(), "a", "b"), std::nullopt);
 }
 
+TEST(MovencoderFirstPass, IsKnownByItsName)
+{
+    const std::string output = "/m/Tavrix events/clip-a.b.mov";
+    EXPECT_TRUE(isFirstPassOf(output, "/m/Tavrix events/clip-a.b_MASTER.mov"));
+    EXPECT_TRUE(isFirstPassOf(output, "/m/Tavrix events/clip_MASTER.mov")) << "long names are cut";
+    EXPECT_TRUE(isFirstPassOf("clip.mov", "clip_MASTER.mov"));
+    EXPECT_FALSE(isFirstPassOf(output, "/m/clip-a.b_MASTER.mov"));
+    EXPECT_FALSE(isFirstPassOf(output, "/m/Tavrix events/clip-a.b_MASTER.MTS"));
+    EXPECT_FALSE(isFirstPassOf(output, "/m/Tavrix events/clip_MASTER-2.mov"));
+    EXPECT_FALSE(isFirstPassOf(output, "/m/Tavrix events/00001.mov"));
+    EXPECT_FALSE(isFirstPassOf("/m/a_MASTER/clip.mov", "/m/a_MASTER/clip.mov"));
+    EXPECT_FALSE(isFirstPassOf("/m/a_MASTER.mov", "/m/a_MASTER.mov"));
+}
+
 TEST(MovencoderOptions, PathsAndSettingsAreTaken)
 {
     std::string error;

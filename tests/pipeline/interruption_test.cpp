@@ -151,6 +151,23 @@ TEST_F(Interruption, killingAnyOfTheProcessesAtAnyMomentLeavesNothingHalfDone)
     expectNothingLeft();
 }
 
+TEST_F(Interruption, killingTheProgramInTheSecondPassLeavesNoFirstPass)
+{
+    start(5);
+    QDeadlineTimer deadline(60000);
+    const auto secondPassRuns = [&] {
+        return !program.processesRunning(text("tools/movencoder")).isEmpty() &&
+               filesBelow(destination.path()).isEmpty();
+    };
+    while (!secondPassRuns() && !deadline.hasExpired()) {
+    }
+    ASSERT_FALSE(deadline.hasExpired());
+    ASSERT_EQ(::kill(static_cast<pid_t>(program.pid()), SIGKILL), 0);
+    program.finish();
+    EXPECT_TRUE(program.allProcessesGone());
+    EXPECT_EQ(filesBelow(destination.path()), QStringList());
+}
+
 TEST_F(Interruption, aSecondCopyIsRefusedAndLeavesTheFirstAlone)
 {
     start(0);

@@ -8,6 +8,7 @@
 #include "tools/movencoder/progress.h"
 
 #include <optional>
+#include <unistd.h>
 
 namespace tavrix::movencoder
 {
@@ -55,12 +56,15 @@ public:
     {
     }
 
-    [[nodiscard]] bool run(int fd, std::string& error)
+    [[nodiscard]] bool run(InputFate fate, int fd, std::string& error)
     {
         std::string reason;
         reader_ = MovieReader::open(input_, reason);
         if (!reader_)
             return fail(input_, reason, error);
+        // Where the name cannot be removed now, the program that made the file removes it at the end of the row.
+        if (fate == InputFate::RemovedOnceOpen)
+            static_cast<void>(unlink(input_.c_str()));
         for (;;) {
             switch (reader_->next(reason)) {
             case MovieReader::Item::Failure:
@@ -195,10 +199,10 @@ private:
 
 } // namespace
 
-bool convertMovie(const std::string& input, const std::string& output, int fd, Format format,
+bool convertMovie(const std::string& input, InputFate fate, const std::string& output, int fd, Format format,
                   const FormatSettings& settings, std::string& error)
 {
-    return Conversion(input, output, format, settings).run(fd, error);
+    return Conversion(input, output, format, settings).run(fate, fd, error);
 }
 
 } // namespace tavrix::movencoder

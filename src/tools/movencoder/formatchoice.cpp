@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdlib>
 #include <pwd.h>
+#include <string_view>
 #include <unistd.h>
 
 namespace tavrix::movencoder
@@ -24,6 +25,21 @@ std::string homeFolder()
     if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr)
         return found->pw_dir;
     return {};
+}
+
+struct NamePieces {
+    std::string_view folder; // up to and with the last slash
+    std::string_view base;
+    std::string_view extension; // with its dot
+};
+
+NamePieces piecesOf(std::string_view path)
+{
+    const std::size_t slash = path.rfind('/');
+    const std::size_t name = slash == std::string_view::npos ? 0 : slash + 1;
+    const std::size_t dot = path.rfind('.');
+    const std::size_t end = dot == std::string_view::npos || dot < name ? path.size() : dot;
+    return {path.substr(0, name), path.substr(name, end - name), path.substr(end)};
 }
 
 } // namespace
@@ -49,6 +65,14 @@ std::optional<Format> formatOfRunningRow(const std::string& preferences, const s
         return std::nullopt;
     const auto number = integerOf(plist_dict_get_item(record, "out"));
     return number ? formatOfNumber(*number) : std::nullopt;
+}
+
+bool isFirstPassOf(const std::string& output, const std::string& input)
+{
+    const NamePieces made = piecesOf(output);
+    const NamePieces read = piecesOf(input);
+    return output != input && read.folder == made.folder && read.extension == made.extension &&
+           read.base.ends_with("_MASTER");
 }
 
 } // namespace tavrix::movencoder

@@ -18,4 +18,8 @@ namespace tavrix::movencoder
 [[nodiscard]] std::optional<Format> formatOfRunningRow(const std::string& preferences, const std::string& input,
                                                        const std::string& output);
 
+// Whether `input` has the name of a first pass of `output`: in the same folder, with the same extension, and with
+// "_MASTER" at the end of its base name.
+[[nodiscard]] bool isFirstPassOf(const std::string& output, const std::string& input);
+
 } // namespace tavrix::movencoder

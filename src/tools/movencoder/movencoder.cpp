@@ -59,8 +59,13 @@ bool work(const Options& options, std::string& error)
         return false;
     }
     auto format = options.format;
-    if (!format)
+    auto fate = InputFate::Kept;
+    if (!format) {
         format = formatOfRunningRow(preferencesPath(), options.input, options.output);
+        // Should both this tool and its program be killed, nobody is left to remove the row's first pass.
+        if (format && isFirstPassOf(options.output, options.input))
+            fate = InputFate::RemovedOnceOpen;
+    }
     const auto& section = settings->of(format.value_or(settings->defaultFormat));
     if (!section) {
         error = options.settings + ": there is no section for " + formatName(*format);
@@ -73,8 +78,8 @@ bool work(const Options& options, std::string& error)
         error = options.output + ": " + reason;
         return false;
     }
-    if (!convertMovie(options.input, options.output, output->fd(), format.value_or(settings->defaultFormat), *section,
-                      error))
+    if (!convertMovie(options.input, fate, options.output, output->fd(), format.value_or(settings->defaultFormat),
+                      *section, error))
         return false;
     if (!output->commit(reason)) {
         error = options.output + ": " + reason;
