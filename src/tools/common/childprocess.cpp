@@ -50,25 +50,6 @@ private:
     sigset_t m_before = {};
 };
 
-class Descriptor
-{
-public:
-    explicit Descriptor(int fd = -1) : m_fd(fd) {}
-    ~Descriptor() { reset(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    [[nodiscard]] int get() const { return m_fd; }
-    void reset(int fd = -1)
-    {
-        if (m_fd >= 0)
-            close(m_fd);
-        m_fd = fd;
-    }
-
-private:
-    int m_fd;
-};
-
 bool openPipe(Descriptor& reading, Descriptor& writing)
 {
     std::array<int, 2> ends = {-1, -1};
@@ -132,7 +113,6 @@ ChildImage imageOf(const ChildRequest& request)
     };
     // Handlers end with this program; what is ignored would stay so.
     std::signal(SIGPIPE, SIG_DFL);
-    std::signal(SIGCHLD, SIG_DFL);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -204,8 +184,12 @@ ChildEnd reap(pid_t child)
     const SignalBlock block;
     runningChild = 0;
     int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    pid_t reaped = -1;
+    while ((reaped = waitpid(child, &status, 0)) < 0 && errno == EINTR) {
     }
+    // An end that nobody can tell of is no good one.
+    if (reaped != child)
+        return {true, SIGKILL};
     if (WIFSIGNALED(status))
         return {true, WTERMSIG(status)};
     return {false, WEXITSTATUS(status)};
@@ -225,6 +209,8 @@ std::optional<ChildEnd> runChild(const ChildRequest& request, const std::functio
         return std::nullopt;
     }
     const ChildImage image = imageOf(request);
+    // Where the caller ignores this signal, the system would drop the child's status.
+    std::signal(SIGCHLD, SIG_DFL);
     const pid_t parent = getpid();
     pid_t child = -1;
     {

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <unistd.h>
 
 namespace tavrix
 {
@@ -10,11 +11,32 @@ namespace tavrix
 /// The system's text for an error number.
 [[nodiscard]] std::string errorText(int number);
 
+/// Owns a descriptor and closes it; -1 is none.
+class Descriptor
+{
+public:
+    explicit Descriptor(int fd = -1) : m_fd(fd) {}
+    ~Descriptor() { reset(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    [[nodiscard]] int get() const { return m_fd; }
+    void reset(int fd = -1)
+    {
+        if (m_fd >= 0)
+            close(m_fd);
+        m_fd = fd;
+    }
+
+private:
+    int m_fd;
+};
+
 /// Moves a new descriptor out of the range of the standard streams, where a tool that was started with one of them
 /// closed would have it taken for that stream. Close-on-exec. A negative descriptor stays as it is, with errno.
 [[nodiscard]] int aboveStandardStreams(int fd);
 
-/// Writes everything, through interruptions and partial writes. False, with errno, when that fails.
+/// Writes everything, through interruptions and partial writes, and waits for room where the descriptor does not block.
+/// False, with errno, when that fails.
 [[nodiscard]] bool writeAll(int fd, std::string_view bytes);
 
 } // namespace tavrix

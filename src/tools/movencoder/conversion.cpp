@@ -8,7 +8,6 @@
 #include "tools/movencoder/progress.h"
 
 #include <optional>
-#include <unistd.h>
 
 namespace tavrix::movencoder
 {
@@ -51,24 +50,21 @@ PictureFacts factsOf(const MovieReader& reader, AVFrame& picture, const FormatSe
 class Conversion
 {
 public:
-    Conversion(const std::string& input, const std::string& output, Format format, const FormatSettings& settings)
+    Conversion(const InputMovie& input, const std::string& output, Format format, const FormatSettings& settings)
         : input_(input), output_(output), format_(format), settings_(settings)
     {
     }
 
-    [[nodiscard]] bool run(InputFate fate, int fd, std::string& error)
+    [[nodiscard]] bool run(int fd, std::string& error)
     {
         std::string reason;
-        reader_ = MovieReader::open(input_, reason);
+        reader_ = MovieReader::open(input_.path, reason);
         if (!reader_)
-            return fail(input_, reason, error);
-        // Where the name cannot be removed now, the program that made the file removes it at the end of the row.
-        if (fate == InputFate::RemovedOnceOpen)
-            static_cast<void>(unlink(input_.c_str()));
+            return fail(input_.name, reason, error);
         for (;;) {
             switch (reader_->next(reason)) {
             case MovieReader::Item::Failure:
-                return fail(input_, reason, error);
+                return fail(input_.name, reason, error);
             case MovieReader::Item::Sound:
                 if (!takeSound(error))
                     return false;
@@ -98,7 +94,7 @@ private:
         for (unsigned i = 0; i < usableCores(); ++i) {
             std::shared_ptr<PictureEncoder> encoder = makePictureEncoder(format_, settings_, facts, reason);
             if (!encoder)
-                return fail(input_, reason, error);
+                return fail(input_.name, reason, error);
             if (!writer_)
                 writer_ = MovieWriter::open(fd, *reader_, format_, *encoder, facts, reason);
             if (!writer_)
@@ -123,7 +119,7 @@ private:
     {
         FramePtr picture = reader_->takePicture();
         if (!picture)
-            return fail(input_, "out of memory", error);
+            return fail(input_.name, "out of memory", error);
         if (!pipeline_ && !start(fd, *picture, error))
             return false;
         while (pipeline_->full()) {
@@ -148,7 +144,7 @@ private:
             return writer_->writeSound(*reader_->packet(), reason) || fail(output_, reason, error);
         PacketPtr copy(av_packet_alloc());
         if (!copy || av_packet_ref(copy.get(), reader_->packet()) < 0)
-            return fail(input_, "out of memory", error);
+            return fail(input_.name, "out of memory", error);
         earlySounds_.push_back(std::move(copy));
         return true;
     }
@@ -157,7 +153,7 @@ private:
     {
         CodedPicture coded = pipeline_->take();
         if (!coded.error.empty())
-            return fail(input_, coded.error, error);
+            return fail(input_.name, coded.error, error);
         if (ended_ && pipeline_->empty())
             coded.duration = reader_->lastDuration(coded.time, coded.duration);
         std::string reason;
@@ -183,7 +179,7 @@ private:
         return writer_->finish(reason) || fail(output_, reason, error);
     }
 
-    const std::string& input_;
+    const InputMovie& input_;
     const std::string& output_;
     Format format_;
     const FormatSettings& settings_;
@@ -199,10 +195,10 @@ private:
 
 } // namespace
 
-bool convertMovie(const std::string& input, InputFate fate, const std::string& output, int fd, Format format,
+bool convertMovie(const InputMovie& input, const std::string& output, int fd, Format format,
                   const FormatSettings& settings, std::string& error)
 {
-    return Conversion(input, output, format, settings).run(fate, fd, error);
+    return Conversion(input, output, format, settings).run(fd, error);
 }
 
 } // namespace tavrix::movencoder

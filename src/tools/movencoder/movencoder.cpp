@@ -8,6 +8,7 @@
 #include "tools/movencoder/progress.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -50,36 +51,44 @@ bool outputAllowed(const Options& options, std::string& error)
     return true;
 }
 
+// The row's first pass loses its name at once: should this tool and its program be killed, nobody is left to remove it.
+// Where that fails the file is read and, at the end of the row, removed by its name.
+void openNameless(InputMovie& input, Descriptor& file)
+{
+    file.reset(open(input.name.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file.get() >= 0 && unlink(input.name.c_str()) == 0)
+        input.path = "/proc/self/fd/" + std::to_string(file.get());
+}
+
 bool work(const Options& options, std::string& error)
 {
+    if (!outputAllowed(options, error))
+        return false;
+    auto format = options.format;
+    InputMovie input{options.input, options.input};
+    Descriptor firstPass;
+    if (!format) {
+        format = formatOfRunningRow(preferencesPath(), options.input, options.output);
+        if (format && isFirstPassOf(options.output, options.input))
+            openNameless(input, firstPass);
+    }
     std::string reason;
     const auto settings = readSettings(options.settings, reason);
     if (!settings) {
         error = options.settings + ": " + reason;
         return false;
     }
-    auto format = options.format;
-    auto fate = InputFate::Kept;
-    if (!format) {
-        format = formatOfRunningRow(preferencesPath(), options.input, options.output);
-        // Should both this tool and its program be killed, nobody is left to remove the row's first pass.
-        if (format && isFirstPassOf(options.output, options.input))
-            fate = InputFate::RemovedOnceOpen;
-    }
     const auto& section = settings->of(format.value_or(settings->defaultFormat));
     if (!section) {
         error = options.settings + ": there is no section for " + formatName(*format);
         return false;
     }
-    if (!outputAllowed(options, error))
-        return false;
     auto output = SafeOutput::open(options.output, reason);
     if (!output) {
         error = options.output + ": " + reason;
         return false;
     }
-    if (!convertMovie(options.input, fate, options.output, output->fd(), format.value_or(settings->defaultFormat),
-                      *section, error))
+    if (!convertMovie(input, options.output, output->fd(), format.value_or(settings->defaultFormat), *section, error))
         return false;
     if (!output->commit(reason)) {
         error = options.output + ": " + reason;
