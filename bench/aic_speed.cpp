@@ -145,6 +145,7 @@ Result measureOnce(const std::function<EncodeOne()>& make, const Pictures& pictu
         encoders.push_back(make());
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> workers;
+    workers.reserve(encoders.size());
     for (const EncodeOne& encode : encoders) {
         workers.emplace_back([&] {
             for (int number = next++; number < pictureCount; number = next++)

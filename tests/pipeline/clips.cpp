@@ -97,7 +97,8 @@ QJsonObject probed(const QString& path)
 
 QJsonObject streamOf(const QJsonObject& probe, const QString& type)
 {
-    for (const QJsonValue& stream : probe.value(QLatin1String("streams")).toArray()) {
+    const QJsonArray streams = probe.value(QLatin1String("streams")).toArray();
+    for (const auto& stream : streams) {
         if (stream.toObject().value(QLatin1String("codec_type")).toString() == type) {
             return stream.toObject();
         }

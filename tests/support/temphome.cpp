@@ -39,7 +39,7 @@ QString TempFolder::path(const QString& name) const
 
 QString TempFolder::makeFile(const QString& name, const QByteArray& bytes) const
 {
-    const QString file = path(name);
+    QString file = path(name);
     EXPECT_TRUE(QDir().mkpath(file.left(file.lastIndexOf(u'/'))));
     EXPECT_TRUE(writeBytes(file, bytes)) << file.toStdString();
     return file;
@@ -47,7 +47,7 @@ QString TempFolder::makeFile(const QString& name, const QByteArray& bytes) const
 
 QString TempFolder::makeFolder(const QString& name) const
 {
-    const QString folder = path(name);
+    QString folder = path(name);
     EXPECT_TRUE(QDir().mkpath(folder)) << folder.toStdString();
     return folder;
 }
