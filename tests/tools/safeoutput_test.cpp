@@ -99,6 +99,30 @@ TEST_P(SafeOutputTest, ReplacesALinkInsteadOfFollowingIt)
     EXPECT_EQ(read(name("clip.mp4")), "new");
 }
 
+TEST_P(SafeOutputTest, LeavesALinkToAFolderAlone)
+{
+    fs::create_directory(name("folder"));
+    fs::create_directory_symlink("folder", name("clip.mp4"));
+    EXPECT_FALSE(open("clip.mp4").has_value());
+    EXPECT_EQ(m_error, "Is a directory");
+    EXPECT_TRUE(fs::is_symlink(name("clip.mp4")));
+    EXPECT_EQ(count(), 2);
+}
+
+TEST_P(SafeOutputTest, NeedsNotListItsFolder)
+{
+    if (geteuid() == 0)
+        GTEST_SKIP() << "permissions do not bind this user";
+    fs::create_directory(name("events"));
+    fs::permissions(name("events"), fs::perms::owner_write | fs::perms::owner_exec);
+    auto output = open("events/clip.mp4");
+    fs::permissions(name("events"), fs::perms::owner_all);
+    ASSERT_TRUE(output.has_value()) << m_error;
+    ASSERT_EQ(::write(output->fd(), "x", 1), 1);
+    ASSERT_TRUE(output->commit(m_error)) << m_error;
+    EXPECT_EQ(read(name("events/clip.mp4")), "x");
+}
+
 TEST_P(SafeOutputTest, FollowsTheUsersFileMask)
 {
     const mode_t before = umask(027);

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -30,6 +31,9 @@ bool writeAll(int fd, std::string_view bytes)
         const ssize_t written = write(fd, bytes.data(), bytes.size());
         if (written < 0) {
             if (errno == EINTR)
+                continue;
+            pollfd room = {fd, POLLOUT, 0};
+            if (errno == EAGAIN && (poll(&room, 1, -1) >= 0 || errno == EINTR))
                 continue;
             return false;
         }

@@ -81,6 +81,21 @@ void removeAbandoned(int folderFd)
     }
 }
 
+/// A folder that may be written to but not listed is good enough.
+int openFolder(const std::string& path)
+{
+    int fd = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0 && errno == EACCES)
+        fd = ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return aboveStandardStreams(fd);
+}
+
+/// Some file systems know no flushing.
+bool flushToDisk(int fd)
+{
+    return fsync(fd) == 0 || errno == EINVAL;
+}
+
 /// Network file systems report late write errors when a descriptor is closed; closing a copy keeps the lock.
 bool flushByClosing(int fd)
 {
@@ -106,13 +121,13 @@ std::optional<SafeOutput> SafeOutput::open(const std::string& finalPath, std::st
         return std::nullopt;
     }
     struct stat existing = {};
-    output.m_folderFd = aboveStandardStreams(::open(output.m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    output.m_folderFd = openFolder(output.m_folder);
     if (output.m_folderFd < 0) {
         error = errorText(errno);
         return std::nullopt;
     }
-    if (fstatat(output.m_folderFd, output.m_name.c_str(), &existing, AT_SYMLINK_NOFOLLOW) == 0 &&
-        S_ISDIR(existing.st_mode)) {
+    // A link to a folder is as little to be replaced as the folder itself.
+    if (fstatat(output.m_folderFd, output.m_name.c_str(), &existing, 0) == 0 && S_ISDIR(existing.st_mode)) {
         error = errorText(EISDIR);
         return std::nullopt;
     }
@@ -199,7 +214,7 @@ std::int64_t SafeOutput::size() const
 
 bool SafeOutput::commit(std::string& error, Durability durability)
 {
-    const bool flushed = (durability == Durability::Unsynced || fsync(m_fd) == 0) && flushByClosing(m_fd);
+    const bool flushed = (durability == Durability::Unsynced || flushToDisk(m_fd)) && flushByClosing(m_fd);
     const bool published = flushed && publish();
     if (!published)
         error = errorText(errno);
