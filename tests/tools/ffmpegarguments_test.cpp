@@ -194,6 +194,27 @@ TEST(ClassicArguments, FrameSpacingFollowsTheVersionThatRefusesTheOldName)
               "<O.mp4>");
 }
 
+TEST(CommandLine, OptionThatIsNotKnownTakesNoOptionForItsValue)
+{
+    struct {
+        const char* text;
+        const char* input;
+        const char* output;
+    } const rows[] = {
+        {"-nosuch -i X O.mp4", "X", "O.mp4"},       {"-nosuch value -i X O.mp4", "X", "O.mp4"},
+        {"-i X -nosuch -an O.mp4", "X", "O.mp4"},   {"-i X -nosuch -1 O.mp4", "X", "O.mp4"},
+        {"-i X -xerror O.mp4", "X", "O.mp4"},       {"-i X -sameq O.mp4", "X", "O.mp4"},
+        {"-i X -metadata -an O.mp4", "X", "O.mp4"},
+    };
+    for (const auto& row : rows) {
+        const CommandLine line = parseCommandLine(words(row.text));
+        ASSERT_EQ(line.inputs.size(), 1U) << row.text;
+        ASSERT_EQ(line.outputs.size(), 1U) << row.text;
+        EXPECT_EQ(line.inputs.front().name, row.input) << row.text;
+        EXPECT_EQ(line.outputs.front().name, row.output) << row.text;
+    }
+}
+
 TEST(CommandLine, TellsAMissingValue)
 {
     EXPECT_EQ(parseCommandLine(words("-v 2 -i")).missingValueFor, "i");
@@ -277,6 +298,31 @@ TEST(Muxers, NumberedPicturesAreToldFromNames)
     EXPECT_FALSE(isPictureSequence("x%d.mts"));
     EXPECT_FALSE(isPictureSequence("100%.jpg"));
     EXPECT_FALSE(isPictureSequence("x.jpg"));
+}
+
+TEST(Muxers, NumberedPicturesHaveNumbersWhereThePatternSays)
+{
+    struct {
+        const char* pattern;
+        const char* name;
+        bool matches;
+    } const cases[] = {
+        {"x%03d.jpg", "x001.jpg", true}, {"x%03d.jpg", "x1000.jpg", true}, {"x%d.jpg", "x7.jpg", true},
+        {"x%d.jpg", "x.jpg", false},     {"x%d.jpg", "y7.jpg", false},     {"x%d.jpg", "x7.jpeg", false},
+        {"x%d.jpg", "x7", false},        {"%%%d.jpg", "%12.jpg", true},    {"%%%d.jpg", "12.jpg", false},
+        {"x%d.jpg", "x%d.jpg", false},   {"a%d-%d.png", "a1-2.png", true}, {"a%d-%d.png", "a1-.png", false},
+        {"100%.jpg", "100%.jpg", true},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(isPictureOf(row.pattern, row.name), row.matches) << row.pattern << ' ' << row.name;
+}
+
+TEST(Muxers, SomeWriteNoFileOfTheOutputsNameAlone)
+{
+    EXPECT_TRUE(writesOtherFiles({"-f", "null"}));
+    EXPECT_TRUE(writesOtherFiles(muxerArguments("a.m3u8")));
+    EXPECT_FALSE(writesOtherFiles({"-f", "mov"}));
+    EXPECT_FALSE(writesOtherFiles({}));
 }
 
 TEST(OptionRules, KeepStreamSpecifiers)

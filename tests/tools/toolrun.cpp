@@ -4,6 +4,7 @@
 #include <QProcess>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -40,6 +41,23 @@ void redirect(const std::string& path, int fd, int flags)
     if (opened < 0 || dup2(opened, fd) < 0)
         _exit(126);
     close(opened);
+}
+
+void arrangeSurroundings(const RunningTool::Options& options)
+{
+    for (const auto& [name, value] : options.environment)
+        setenv(name.c_str(), value.c_str(), 1);
+    for (const int signal : options.ignoredSignals)
+        std::signal(signal, SIG_IGN);
+    if (options.nobodyReadsErrors) {
+        std::array<int, 2> ends = {-1, -1};
+        if (pipe(ends.data()) != 0 || dup2(ends[1], STDERR_FILENO) < 0)
+            _exit(126);
+        close(ends[0]);
+        close(ends[1]);
+    }
+    for (const int stream : options.closedStreams)
+        close(stream);
 }
 
 bool runInstalled(const std::vector<std::string>& arguments)
@@ -108,8 +126,7 @@ RunningTool::RunningTool(const std::vector<std::string>& arguments, const Option
     redirect(in, STDIN_FILENO, O_RDONLY);
     redirect(out, STDOUT_FILENO, O_WRONLY | O_CREAT | O_TRUNC);
     redirect(err, STDERR_FILENO, O_WRONLY | O_CREAT | O_TRUNC);
-    for (const auto& [name, value] : options.environment)
-        setenv(name.c_str(), value.c_str(), 1);
+    arrangeSurroundings(options);
     if (!options.workingFolder.empty() && chdir(options.workingFolder.c_str()) != 0)
         _exit(126);
     if (options.fileSizeLimit >= 0) {

@@ -27,6 +27,9 @@ public:
         std::string workingFolder;
         long fileSizeLimit = -1; ///< bytes
         std::string input;       ///< for its standard input
+        std::vector<int> ignoredSignals;
+        std::vector<int> closedStreams;
+        bool nobodyReadsErrors = false; ///< its error stream is a pipe without a reader
     };
 
     RunningTool(const std::vector<std::string>& arguments, const Options& options);

@@ -26,7 +26,8 @@ public:
             }
             const std::string name = word.substr(1);
             const OptionRule rule = optionRule(name);
-            if (name != "i" && !rule.takesValue) {
+            const bool isFlag = !rule.takesValue || (!isKnownOption(name) && startsOption(words, i + 1));
+            if (name != "i" && isFlag) {
                 addOption({name, std::nullopt}, rule.side);
                 continue;
             }
@@ -44,6 +45,13 @@ public:
     }
 
 private:
+    /// Whether a word can only be the next option, and not the value of one that is not known.
+    static bool startsOption(const std::vector<std::string>& words, std::size_t i)
+    {
+        return i < words.size() && words[i].starts_with('-') &&
+               (words[i] == "-i" || isKnownOption(std::string_view(words[i]).substr(1)));
+    }
+
     void addValued(const std::string& name, const std::string& value, OptionSide side)
     {
         if (name == "i")

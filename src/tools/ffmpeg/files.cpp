@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,7 +34,32 @@ bool isPipe(const std::string& name)
 
 bool isStandardInput(const std::string& name)
 {
-    return name == "-" || name == "pipe:" || name == "pipe:0";
+    constexpr std::array<std::string_view, 6> names = {"-",          "pipe:",     "pipe:0",
+                                                       "/dev/stdin", "/dev/fd/0", "/proc/self/fd/0"};
+    return std::ranges::find(names, name) != names.end();
+}
+
+/// Whether a name stands for something that a process has open ("/dev/stdout"): there is nothing to put under it.
+bool isOpenDescriptor(std::string name)
+{
+    constexpr int longestChain = 40; // where the system gives up, too
+    for (int links = 0; links < longestChain; ++links) {
+        if (name.starts_with("/dev/fd/") || name.starts_with("/proc/"))
+            return true;
+        std::array<char, PATH_MAX> target = {};
+        const ssize_t length = readlink(name.c_str(), target.data(), target.size());
+        if (length <= 0)
+            return false;
+        const auto folder = target.front() == '/' ? 0 : name.rfind('/') + 1;
+        name.replace(folder, std::string::npos, target.data(), static_cast<std::size_t>(length));
+    }
+    return false;
+}
+
+bool isSeekable(const std::string& name)
+{
+    struct stat info = {};
+    return stat(name.c_str(), &info) != 0 || !(S_ISFIFO(info.st_mode) || S_ISCHR(info.st_mode));
 }
 
 /// Formats whose "file" is a device or a description.
@@ -50,9 +76,29 @@ bool hasControlCharacter(const std::string& name)
     return std::ranges::any_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; });
 }
 
-bool isSameFile(const struct stat& a, const struct stat& b)
+bool isSameFile(const std::string& a, const std::string& b)
 {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+    struct stat first = {};
+    struct stat second = {};
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+/// The folder of a file and its name in there.
+std::pair<std::string, std::string> splitName(const std::string& name)
+{
+    const auto slash = name.rfind('/');
+    if (slash == std::string::npos)
+        return {".", name};
+    return {name.substr(0, slash + 1), name.substr(slash + 1)};
+}
+
+/// Whether numbered pictures would be written over `input`.
+bool wouldTouchPicture(const std::string& output, const std::string& input)
+{
+    const auto [pictures, pattern] = splitName(output);
+    const auto [folder, name] = splitName(input);
+    return (pattern == name || isPictureOf(pattern, name)) && isSameFile(pictures, folder);
 }
 
 std::string descriptorUrl(int fd)
@@ -102,6 +148,7 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
     const std::string shown = onOneLine(input.name);
     std::string url = "file:" + input.name;
     m_readsStandardInput = m_readsStandardInput || isStandardInput(input.name);
+    m_canBeReadAgain = m_canBeReadAgain && !isPipe(input.name) && isSeekable(input.name);
     if (isPipe(input.name) || readsNoFile(input)) {
         url = input.name;
     } else if (hasControlCharacter(input.name)) {
@@ -115,12 +162,11 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
         m_openDescriptors.push_back(fd);
         url = descriptorUrl(fd);
     } else if (input.name.size() > longestPrintedName) {
-        const auto slash = input.name.rfind('/');
-        const std::string folder = slash == std::string::npos ? "." : input.name.substr(0, slash + 1);
+        const auto [folder, name] = splitName(input.name);
         const int fd = aboveStandardStreams(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         if (fd >= 0) {
             m_openDescriptors.push_back(fd);
-            url = descriptorUrl(fd) + '/' + input.name.substr(slash == std::string::npos ? 0 : slash + 1);
+            url = descriptorUrl(fd) + '/' + name;
         }
     }
     m_urls.inputs.push_back(url);
@@ -144,17 +190,21 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
         passOutput("file:" + output.name, std::move(muxer));
         return true;
     }
-    if (isPictureSequence(output.name) && !wantsOneFrame(output)) {
+    const bool sequence = isPictureSequence(output.name) && !wantsOneFrame(output);
+    for (const FileEntry& input : line.inputs) {
+        if (sequence ? wouldTouchPicture(output.name, input.name) : isSameFile(output.name, input.name)) {
+            error = "Output file '" + shown + "' is also an input - exiting";
+            return false;
+        }
+    }
+    if (sequence) {
         passOutput("file:" + output.name,
                    guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"});
         return true;
     }
-    for (const FileEntry& input : line.inputs) {
-        struct stat inputInfo = {};
-        if (exists && stat(input.name.c_str(), &inputInfo) == 0 && isSameFile(info, inputInfo)) {
-            error = "Output file '" + shown + "' is also an input - exiting";
-            return false;
-        }
+    if (isOpenDescriptor(output.name) || writesOtherFiles(muxer)) {
+        passOutput("file:" + output.name, std::move(muxer));
+        return true;
     }
     if (exists && (!line.overwrite || line.neverOverwrite)) {
         error = "File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting";

@@ -29,6 +29,8 @@ public:
     [[nodiscard]] TranscriptNames names() const;
     [[nodiscard]] std::vector<int> inheritedDescriptors() const;
     [[nodiscard]] bool readsStandardInput() const { return m_readsStandardInput; }
+    /// False when an input is a stream that a second reader would find half empty.
+    [[nodiscard]] bool canBeReadAgain() const { return m_canBeReadAgain; }
 
     /// The name of the first output that holds not a byte; nothing when all have some.
     [[nodiscard]] std::optional<std::string> emptyOutput() const;
@@ -52,6 +54,7 @@ private:
     std::vector<int> m_openDescriptors;
     std::vector<Output> m_outputs;
     bool m_readsStandardInput = false;
+    bool m_canBeReadAgain = true;
 };
 
 } // namespace tavrix::front

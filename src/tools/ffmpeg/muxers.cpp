@@ -27,7 +27,7 @@ constexpr std::array rows = {
     Row{"m2v", "mpeg2video"}, Row{"m1v", "mpeg1video"},   Row{"mjpg", "mjpeg"},   Row{"mjpeg", "mjpeg"},
     Row{"gif", "gif"},        Row{"y4m", "yuv4mpegpipe"}, Row{"yuv", "rawvideo"}, Row{"jpg", "image2"},
     Row{"jpeg", "image2"},    Row{"png", "image2"},       Row{"bmp", "image2"},   Row{"tif", "image2"},
-    Row{"tiff", "image2"},    Row{"ppm", "image2"},
+    Row{"tiff", "image2"},    Row{"ppm", "image2"},       Row{"m3u8", "hls"},     Row{"mpd", "dash"},
 };
 
 std::string lowerExtension(std::string_view fileName)
@@ -39,6 +39,21 @@ std::string lowerExtension(std::string_view fileName)
     for (char& c : extension)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return extension;
+}
+
+std::size_t leadingDigits(std::string_view text)
+{
+    const auto end = text.find_first_not_of("0123456789");
+    return end == std::string_view::npos ? text.size() : end;
+}
+
+/// The length of "%d" or "%03d" at the start of `text`; 0 when there is none.
+std::size_t numberFieldLength(std::string_view text)
+{
+    if (!text.starts_with('%'))
+        return 0;
+    const std::size_t digits = leadingDigits(text.substr(1));
+    return text.size() > digits + 1 && text[digits + 1] == 'd' ? digits + 2 : 0;
 }
 
 std::string_view pictureCodec(std::string_view extension)
@@ -84,13 +99,35 @@ bool isPictureSequence(std::string_view fileName)
     if (formatFor(lowerExtension(fileName)) != "image2")
         return false;
     for (auto i = fileName.find('%'); i != std::string_view::npos; i = fileName.find('%', i + 1)) {
-        auto end = i + 1;
-        while (end < fileName.size() && std::isdigit(static_cast<unsigned char>(fileName[end])) != 0)
-            ++end;
-        if (end < fileName.size() && fileName[end] == 'd')
+        if (numberFieldLength(fileName.substr(i)) > 0)
             return true;
     }
     return false;
+}
+
+bool isPictureOf(std::string_view pattern, std::string_view name)
+{
+    while (!pattern.empty()) {
+        const std::size_t field = numberFieldLength(pattern);
+        const std::size_t digits = field > 0 ? leadingDigits(name) : 0;
+        if (field > 0 && digits == 0)
+            return false;
+        if (pattern.starts_with("%%"))
+            pattern.remove_prefix(1);
+        if (field == 0 && (name.empty() || name.front() != pattern.front()))
+            return false;
+        pattern.remove_prefix(field > 0 ? field : 1);
+        name.remove_prefix(field > 0 ? digits : 1);
+    }
+    return name.empty();
+}
+
+bool writesOtherFiles(const std::vector<std::string>& muxer)
+{
+    constexpr std::array<std::string_view, 7> formats = {"null", "segment", "stream_segment", "ssegment",
+                                                         "hls",  "dash",    "smoothstreaming"};
+    return std::ranges::any_of(
+        muxer, [&](const std::string& word) { return std::ranges::find(formats, word) != formats.end(); });
 }
 
 bool isScratchFormat(const std::vector<std::string>& muxer)

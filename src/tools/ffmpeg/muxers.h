@@ -18,6 +18,12 @@ namespace tavrix::front
 /// Whether `fileName` asks for numbered pictures ("x%03d.jpg").
 [[nodiscard]] bool isPictureSequence(std::string_view fileName);
 
+/// Whether `name` is one of the numbered pictures that `pattern` stands for; both without their folder.
+[[nodiscard]] bool isPictureOf(std::string_view pattern, std::string_view name);
+
+/// Whether the format writes no file of the output's name, or others beside it that are found by that name.
+[[nodiscard]] bool writesOtherFiles(const std::vector<std::string>& muxer);
+
 /// Whether a file of that format is scratch material that a crash of the machine may take.
 [[nodiscard]] bool isScratchFormat(const std::vector<std::string>& muxer);
 

@@ -22,8 +22,8 @@ struct OptionRule {
     std::string modernName; ///< the spelling that ffmpeg 4 to 7 know, without the dash
 };
 
-/// The rule for an option given without its dash ("vframes", "codec:v"); options that are not known take a value and
-/// belong to the file that follows.
+/// The rule for an option given without its dash ("vframes", "codec:v"); options that are not known take a value,
+/// unless another option follows, and belong to the next file.
 [[nodiscard]] OptionRule optionRule(std::string_view name);
 
 /// Whether an option of this name is in the table (the stream specifier is ignored).
