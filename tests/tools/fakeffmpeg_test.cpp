@@ -1,6 +1,7 @@
 // The tool before scripts in the place of ffmpeg, for what the installed one does not do on request.
 #include "tools/toolrun.h"
 
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
@@ -31,12 +32,11 @@ class FakeFfmpeg : public testing::Test
 {
 protected:
     std::string name(const std::string& file) const { return m_folder.path().toStdString() + '/' + file; }
-    ToolEnd runWith(const std::string& script, const Words& arguments)
+    ToolEnd runWith(const std::string& script, const Words& arguments, test::RunningTool::Options options = {})
     {
         fs::create_directories(name("bin"));
         writeFile(name("bin/ffmpeg"), "#!/bin/sh\n" + script);
         chmod(name("bin/ffmpeg").c_str(), 0755);
-        test::RunningTool::Options options;
         options.environment["PATH"] = name("bin") + ":/usr/bin:/bin";
         return runTool(arguments, options);
     }
@@ -77,6 +77,48 @@ TEST_F(FakeFfmpeg, StatusZeroIsNoProof)
     }
     EXPECT_EQ(runWith("exit 0", {"-i", "x", "-y", output()}).code, 1);
     EXPECT_FALSE(fs::exists(output()));
+}
+
+TEST_F(FakeFfmpeg, SourceThatCannotBeReadToItsEndIsAFailure)
+{
+    for (const char* message : {"file:x: Input/output error", "file:x: Stale file handle", "file:x: No such device",
+                                "[in#0/mpegts @ 0x1] Error during demuxing: Input/output error" /* 7.x, by hand */}) {
+        const std::string script = writes("data") + "echo '" + message + "' >&2; exit 0";
+        const ToolEnd end = runWith(script, {"-i", "x", "-y", output()});
+        EXPECT_EQ(end.code, 1) << message;
+        EXPECT_TRUE(contains(end.err, "Output incomplete, discarded: x: ")) << end.err;
+        EXPECT_FALSE(fs::exists(output())) << message;
+    }
+}
+
+TEST_F(FakeFfmpeg, ClipThatIsDamagedAtItsEndIsConvertedAsFarAsItGoes)
+{
+    const std::string script = writes("data") + "echo 'file:x: Invalid data found when processing input' >&2; exit 0";
+    EXPECT_EQ(runWith(script, {"-i", "x", "-y", output()}).code, 0);
+    EXPECT_EQ(fileContents(output()), "data");
+}
+
+TEST_F(FakeFfmpeg, WordsOfAFailureInANameMeanNothing)
+{
+    const std::string input = "No space left on device/Error muxing.mts";
+    const std::string script =
+        writes("data") + "echo \"Input #0, mpegts, from 'file:" + input + "':\" >&2\necho 'Output #0, mov, to '$o >&2";
+    const std::string final = name("Conversion failed!.mov");
+    const ToolEnd end = runWith(script, {"-i", input, "-y", final});
+    EXPECT_EQ(end.code, 0) << end.err;
+    EXPECT_TRUE(contains(end.err, "from '" + input + "':\n"));
+    EXPECT_EQ(fileContents(final), "data");
+}
+
+TEST_F(FakeFfmpeg, FailureIsSeenAlsoWhereTheCallerIgnoresTheSignalOfItsChildren)
+{
+    test::RunningTool::Options options;
+    options.ignoredSignals = {SIGCHLD};
+    EXPECT_EQ(runWith(writes("half") + "exit 3", {"-i", "x", "-y", output()}, options).code, 3);
+    EXPECT_EQ(runWith(writes("half") + "kill -9 $$", {"-i", "x", "-y", output()}, options).code, 128 + 9);
+    EXPECT_FALSE(fs::exists(output()));
+    EXPECT_EQ(runWith(writes("data") + "exit 0", {"-i", "x", "-y", output()}, options).code, 0);
+    EXPECT_EQ(fileContents(output()), "data");
 }
 
 TEST_F(FakeFfmpeg, WritesNumbersInTheCLocale)

@@ -208,6 +208,16 @@ TEST(ErrorLines, TellDamagedOutputs)
         EXPECT_FALSE(tellsWriteFailure(line)) << line;
 }
 
+TEST(Failures, OfReadingAreOfTheDeviceAndNotOfTheClip)
+{
+    for (const char* reason : {"Input/output error", "Stale file handle", "No such device", "No such device or address",
+                               "Transport endpoint is not connected", "Connection timed out", "Cannot allocate memory"})
+        EXPECT_TRUE(tellsReadFailure(reason)) << reason;
+    for (const char* reason : {"Invalid data found when processing input", "End of file",
+                               "corrupt input packet in stream 0", "No such file or directory", ""})
+        EXPECT_FALSE(tellsReadFailure(reason)) << reason;
+}
+
 TEST(ErrorLines, TellWhatIsRefused)
 {
     EXPECT_EQ(refusedOption("Unrecognized option 'vsync'."), "vsync");

@@ -70,6 +70,22 @@ std::optional<OpenFailure> laterOpenFailure(std::string_view line)
     return std::nullopt;
 }
 
+bool tellsReadFailure(std::string_view reason)
+{
+    constexpr std::array<std::string_view, 9> reasons = {
+        "Input/output error",
+        "Remote I/O error",
+        "Stale file handle",
+        "No such device",
+        "No such device or address",
+        "No medium found",
+        "Transport endpoint is not connected",
+        "Connection timed out",
+        "Cannot allocate memory",
+    };
+    return std::ranges::find(reasons, reason) != reasons.end();
+}
+
 bool repeatsOpenFailure(std::string_view line)
 {
     return line.starts_with("Error opening input file ") || line.starts_with("Error opening input files: ");

@@ -12,12 +12,17 @@ namespace tavrix::front
 /// was "Unknown format"); nothing for a text that names no such reason.
 [[nodiscard]] std::optional<std::string> classicOpenFailure(std::string_view reason);
 
-/// "[in#0 @ 0x55] Error opening input: <reason>" of later versions: the input's number and the reason.
+/// An input's number, and why it could not be opened or read.
 struct OpenFailure {
     std::size_t input = 0;
     std::string reason;
 };
+/// The failure in "[in#0 @ 0x55] Error opening input: <reason>" of later versions; nothing for other lines.
 [[nodiscard]] std::optional<OpenFailure> laterOpenFailure(std::string_view line);
+
+/// Whether an input's failure is one of its disk, device or network, and not of the clip: what stands behind that place
+/// is then missing in the output, and ffmpeg ends with status 0 all the same.
+[[nodiscard]] bool tellsReadFailure(std::string_view reason);
 
 /// Lines that only repeat a failure already told in the old words.
 [[nodiscard]] bool repeatsOpenFailure(std::string_view line);

@@ -10,6 +10,7 @@
 #include "tools/ffmpeg/transcript.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <optional>
 #include <unistd.h>
@@ -86,6 +87,8 @@ public:
             return 1;
         }
         watchForInterruption();
+        // An encode does not end because nobody reads its messages any more.
+        std::signal(SIGPIPE, SIG_IGN);
         Attempt attempt = once({});
         const Dialect next = dialectAfter(attempt.findings);
         if (next != Dialect() && interruptingSignal() == 0)
@@ -94,10 +97,11 @@ public:
     }
 
 private:
-    [[nodiscard]] static Dialect dialectAfter(const Findings& findings)
+    [[nodiscard]] Dialect dialectAfter(const Findings& findings) const
     {
         Dialect next = dialectAfterRefusal({}, findings.refusedOption, findings.version);
-        next.annexBFilter = !findings.annexBRefused;
+        // A second start would miss what the first has taken out of a pipe.
+        next.annexBFilter = !findings.annexBRefused || !m_files.canBeReadAgain();
         return next;
     }
 
@@ -173,6 +177,8 @@ private:
             return {};
         if (!findings.writeFailure.empty())
             return "Output incomplete, discarded: " + findings.writeFailure;
+        if (!findings.readFailure.empty())
+            return "Output incomplete, discarded: " + findings.readFailure;
         const auto empty = m_files.emptyOutput();
         if (empty)
             return *empty + ": nothing was written";

@@ -1,7 +1,6 @@
 #include "tools/ffmpeg/transcript.h"
 
 #include "tools/ffmpeg/banner.h"
-#include "tools/ffmpeg/errorlines.h"
 #include "tools/ffmpeg/metadatalines.h"
 #include "tools/ffmpeg/progresslines.h"
 #include "tools/ffmpeg/streamlines.h"
@@ -82,10 +81,11 @@ std::vector<TranscriptLine> Transcript::translate(std::string_view rawLine, char
             lines.push_back({validUtf8(classic), end});
         return lines;
     }
-    line = withShownNames(line);
-    if (concernsOwnSpelling(line))
+    const std::string bare = withoutNames(line);
+    if (concernsOwnSpelling(bare))
         return lines;
-    note(line);
+    line = withShownNames(std::move(line));
+    note(bare, line);
     trackSection(line);
     if (m_section == Section::Mapping) {
         m_mapping.push_back(validUtf8(translateOther(line)));
@@ -146,14 +146,26 @@ std::string Transcript::withShownNames(std::string line) const
     return line;
 }
 
-void Transcript::note(const std::string& line)
+/// For what is concluded from a line: a file may bear the words of a failure.
+std::string Transcript::withoutNames(std::string line) const
+{
+    for (const auto* files : {&m_names.outputs, &m_names.inputs}) {
+        for (const FileName& file : *files) {
+            if (file.url.starts_with("file:"))
+                line = replacedName(line, file.url, "");
+        }
+    }
+    return line;
+}
+
+void Transcript::note(const std::string& line, const std::string& shown)
 {
     if (const auto option = refusedOption(line))
         m_findings.refusedOption = *option;
     m_findings.annexBRefused = m_findings.annexBRefused || refusesAnnexB(line);
     m_findings.nothingEncoded = m_findings.nothingEncoded || tellsNothingEncoded(line);
     if (m_findings.writeFailure.empty() && tellsWriteFailure(line))
-        m_findings.writeFailure = line;
+        m_findings.writeFailure = shown;
     if (const auto stream = streamWithoutParameters(line))
         m_withoutParameters.insert(*stream);
 }
@@ -181,29 +193,36 @@ void Transcript::trackSection(const std::string& line)
     }
 }
 
+/// "<input>: <reason>".
+std::optional<OpenFailure> Transcript::namedFailure(const std::string& line) const
+{
+    for (std::size_t input = 0; input < m_names.inputs.size(); ++input) {
+        const std::string head = m_names.inputs[input].url + ": ";
+        if (line.starts_with(head))
+            return OpenFailure{input, line.substr(head.size())};
+    }
+    return std::nullopt;
+}
+
 /// The failure of an input, which was told in other words; `classic` stays empty when nothing is to be printed.
 bool Transcript::translateFailure(const std::string& line, std::string& classic)
 {
     if (repeatsOpenFailure(line))
         return m_failureTold;
-    std::size_t input = 0;
-    std::optional<std::string> reason;
-    if (const auto later = laterOpenFailure(line)) {
-        input = later->input;
-        reason = classicOpenFailure(later->reason).value_or("Error while opening file (" + later->reason + ')');
-    } else {
-        for (; input < m_names.inputs.size() && !reason; ++input) {
-            const std::string head = m_names.inputs[input].url + ": ";
-            if (line.starts_with(head))
-                reason = classicOpenFailure(std::string_view(line).substr(head.size()));
-            if (reason)
-                break;
-        }
-    }
-    if (!reason || input >= m_names.inputs.size())
+    const auto later = laterOpenFailure(line);
+    const auto failure = later ? later : namedFailure(line);
+    if (!failure || failure->input >= m_names.inputs.size())
+        return false;
+    const std::string& shown = m_names.inputs[failure->input].shown;
+    if (m_findings.readFailure.empty() && tellsReadFailure(failure->reason))
+        m_findings.readFailure = shown + ": " + failure->reason;
+    auto reason = classicOpenFailure(failure->reason);
+    if (!reason && later)
+        reason = "Error while opening file (" + failure->reason + ')';
+    if (!reason)
         return false;
     m_failureTold = true;
-    classic = m_names.inputs[input].shown + ": " + *reason;
+    classic = shown + ": " + *reason;
     return true;
 }
 

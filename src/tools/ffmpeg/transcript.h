@@ -1,6 +1,8 @@
 // What ffmpeg prints, in the words of the old build.
 #pragma once
 
+#include "tools/ffmpeg/errorlines.h"
+
 #include <optional>
 #include <set>
 #include <string>
@@ -36,6 +38,7 @@ struct Findings {
     bool inputDescribed = false;  ///< an input was opened
     bool outputDescribed = false; ///< an output was opened
     std::string writeFailure;     ///< the line that tells of a damaged output
+    std::string readFailure;      ///< the input that could not be read to its end, and why
     bool nothingEncoded = false;
 };
 
@@ -59,8 +62,10 @@ private:
 
     [[nodiscard]] bool stripLevel(std::string& line) const;
     [[nodiscard]] std::string withShownNames(std::string line) const;
-    void note(const std::string& line);
+    [[nodiscard]] std::string withoutNames(std::string line) const;
+    void note(const std::string& line, const std::string& shown);
     void trackSection(const std::string& line);
+    [[nodiscard]] std::optional<OpenFailure> namedFailure(const std::string& line) const;
     [[nodiscard]] bool translateFailure(const std::string& line, std::string& classic);
     [[nodiscard]] std::string translateOther(const std::string& line);
     void releaseMapping(std::vector<TranscriptLine>& lines);
