@@ -1,7 +1,10 @@
 #include "tools/common/safeoutput.h"
 
 #include "support/temphome.h"
+#include "support/waituntil.h"
 
+#include <array>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +13,7 @@
 #include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tavrix
@@ -216,6 +220,49 @@ TEST_P(HiddenOutput, RemovesThoseOfKilledWritersOnly)
     EXPECT_FALSE(fs::exists(name(".tavrix-part-0123456789abcdef.mp4")));
     EXPECT_TRUE(fs::exists(name(".tavrix-other")));
     EXPECT_TRUE(fs::exists(running->path()));
+}
+
+// Starts an output in a process of its own, which then does what `act` says and waits to be killed.
+template <class Act> void runAndKill(const std::string& path, Act act)
+{
+    std::array<int, 2> ends = {-1, -1};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    const pid_t writer = fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        close(ends[0]);
+        std::string error;
+        auto output = SafeOutput::open(path, error, Style::Hidden);
+        const bool done = output && ::write(output->fd(), "x", 1) == 1 && act(*output);
+        [[maybe_unused]] const ssize_t told = ::write(ends[1], done ? "y" : "n", 1);
+        while (true)
+            pause();
+    }
+    close(ends[1]);
+    char answer = 0;
+    EXPECT_EQ(::read(ends[0], &answer, 1), 1);
+    EXPECT_EQ(answer, 'y');
+    kill(writer, SIGKILL);
+    EXPECT_EQ(waitpid(writer, nullptr, 0), writer);
+    // The guard has a copy of the pipe's end until it stands guard.
+    EXPECT_EQ(::read(ends[0], &answer, 1), 0);
+    close(ends[0]);
+}
+
+TEST_P(HiddenOutput, GoesWithItsWriterEvenWhenThatIsKilled)
+{
+    runAndKill(name("clip.mp4"), [](SafeOutput&) { return true; });
+    EXPECT_TRUE(test::waitUntil([this] { return count() == 0; }));
+}
+
+TEST_P(HiddenOutput, StaysWhenItsWriterIsKilledAfterTheCommit)
+{
+    runAndKill(name("clip.mp4"), [](SafeOutput& output) {
+        std::string error;
+        return output.commit(error);
+    });
+    EXPECT_EQ(read(name("clip.mp4")), "x");
+    EXPECT_EQ(count(), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Style, HiddenOutput, testing::Values(Style::Hidden));

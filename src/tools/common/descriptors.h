@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 namespace tavrix
 {
@@ -20,6 +21,8 @@ public:
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
     [[nodiscard]] int get() const { return m_fd; }
+    /// Hands the descriptor over, open.
+    [[nodiscard]] int release() { return std::exchange(m_fd, -1); }
     void reset(int fd = -1)
     {
         if (m_fd >= 0)

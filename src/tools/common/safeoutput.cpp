@@ -1,6 +1,7 @@
 #include "tools/common/safeoutput.h"
 
 #include "tools/common/descriptors.h"
+#include "tools/common/fileguard.h"
 
 #include <cerrno>
 #include <cstring>
@@ -145,8 +146,9 @@ bool SafeOutput::openAnonymous()
     if (m_fd < 0)
         return false;
     m_path = descriptorPath(m_fd);
-    // Without /proc the file could be neither handed over nor published.
-    if (access(m_path.c_str(), W_OK) == 0)
+    // Without /proc the file could be neither handed over nor published. The lock is for the moment in which the file
+    // has a hidden name.
+    if (access(m_path.c_str(), W_OK) == 0 && flock(m_fd, LOCK_EX | LOCK_NB) == 0)
         return true;
     close(std::exchange(m_fd, -1));
     return false;
@@ -170,6 +172,7 @@ bool SafeOutput::openHidden()
         if (locked && fstat(fd, &info) == 0 && info.st_nlink > 0) {
             m_fd = fd;
             m_hiddenName = name;
+            m_guard = guardFile(m_folderFd, name);
             m_path = (m_folder.ends_with('/') ? m_folder : m_folder + '/') + name;
             return true;
         }
@@ -182,7 +185,8 @@ bool SafeOutput::openHidden()
 SafeOutput::SafeOutput(SafeOutput&& other) noexcept
     : m_finalPath(std::move(other.m_finalPath)), m_folder(std::move(other.m_folder)), m_name(std::move(other.m_name)),
       m_hiddenName(std::exchange(other.m_hiddenName, {})), m_path(std::move(other.m_path)),
-      m_folderFd(std::exchange(other.m_folderFd, -1)), m_fd(std::exchange(other.m_fd, -1))
+      m_folderFd(std::exchange(other.m_folderFd, -1)), m_fd(std::exchange(other.m_fd, -1)),
+      m_guard(std::exchange(other.m_guard, -1))
 {
 }
 
@@ -197,6 +201,7 @@ SafeOutput& SafeOutput::operator=(SafeOutput&& other) noexcept
         m_path = std::move(other.m_path);
         m_folderFd = std::exchange(other.m_folderFd, -1);
         m_fd = std::exchange(other.m_fd, -1);
+        m_guard = std::exchange(other.m_guard, -1);
     }
     return *this;
 }
@@ -233,6 +238,7 @@ bool SafeOutput::publish()
         if (errno != EEXIST)
             return false;
         // A file cannot be linked over another one: give it a hidden name for the moment before the rename.
+        removeAbandoned(m_folderFd);
         std::string name;
         for (int attempt = 0; attempt < nameAttempts && m_hiddenName.empty(); ++attempt) {
             name = freshHiddenName(m_name);
@@ -253,6 +259,8 @@ void SafeOutput::discard()
     if (!m_hiddenName.empty() && m_folderFd >= 0)
         unlinkat(m_folderFd, m_hiddenName.c_str(), 0);
     m_hiddenName.clear();
+    if (m_guard >= 0)
+        close(std::exchange(m_guard, -1));
     if (m_fd >= 0)
         close(std::exchange(m_fd, -1));
     if (m_folderFd >= 0)

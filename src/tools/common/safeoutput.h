@@ -11,7 +11,8 @@ namespace tavrix
 
 /// An output file in the making. Where the file system allows it the file has no name at all until `commit`
 /// (O_TMPFILE), so that even a kill leaves nothing behind; elsewhere it has a hidden name in the same folder, with the
-/// extension of the final one, which is removed on failure, and by the next output into that folder after a kill.
+/// extension of the final one, which is removed on failure, by a guard after a kill, and where even that could not be,
+/// by the next output into that folder.
 /// What stands under the final name stays untouched until `commit`; a symbolic link there is replaced, not followed.
 class SafeOutput
 {
@@ -64,6 +65,7 @@ private:
     std::string m_path;
     int m_folderFd = -1;
     int m_fd = -1;
+    int m_guard = -1; // closed after the hidden name has gone
 };
 
 } // namespace tavrix
