@@ -91,6 +91,23 @@ TEST_F(FakeFfmpeg, SourceThatCannotBeReadToItsEndIsAFailure)
     }
 }
 
+TEST_F(FakeFfmpeg, SourceThatShrinksMeanwhileIsAFailure)
+{
+    const std::string source = name("source.mts");
+    const auto run = [&](const std::string& change) {
+        writeFile(source, "0123456789");
+        return runWith(writes("data") + change + " '" + source + "'", {"-i", source, "-y", output()});
+    };
+    const ToolEnd end = run("printf 1 >");
+    EXPECT_EQ(end.code, 1);
+    EXPECT_TRUE(contains(end.err, source + " has become shorter meanwhile\n")) << end.err;
+    EXPECT_FALSE(fs::exists(output()));
+    for (const char* harmless : {"printf 1 >>", "rm", "touch"}) {
+        EXPECT_EQ(run(harmless).code, 0) << harmless;
+        EXPECT_EQ(fileContents(output()), "data");
+    }
+}
+
 TEST_F(FakeFfmpeg, ClipThatIsDamagedAtItsEndIsConvertedAsFarAsItGoes)
 {
     const std::string script = writes("data") + "echo 'file:x: Invalid data found when processing input' >&2; exit 0";

@@ -56,10 +56,9 @@ bool isOpenDescriptor(std::string name)
     return false;
 }
 
-bool isSeekable(const std::string& name)
+bool isStream(const struct stat& info)
 {
-    struct stat info = {};
-    return stat(name.c_str(), &info) != 0 || !(S_ISFIFO(info.st_mode) || S_ISCHR(info.st_mode));
+    return S_ISFIFO(info.st_mode) || S_ISCHR(info.st_mode);
 }
 
 /// Formats whose "file" is a device or a description.
@@ -148,7 +147,11 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
     const std::string shown = onOneLine(input.name);
     std::string url = "file:" + input.name;
     m_readsStandardInput = m_readsStandardInput || isStandardInput(input.name);
-    m_canBeReadAgain = m_canBeReadAgain && !isPipe(input.name) && isSeekable(input.name);
+    struct stat info = {};
+    const bool exists = stat(input.name.c_str(), &info) == 0;
+    m_canBeReadAgain = m_canBeReadAgain && !isPipe(input.name) && !(exists && isStream(info));
+    if (exists && S_ISREG(info.st_mode))
+        m_inputSizes.push_back({input.name, info.st_size});
     if (isPipe(input.name) || readsNoFile(input)) {
         url = input.name;
     } else if (hasControlCharacter(input.name)) {
@@ -250,6 +253,16 @@ std::vector<int> RunFiles::inheritedDescriptors() const
             descriptors.push_back(output.file->fd());
     }
     return descriptors;
+}
+
+std::optional<std::string> RunFiles::shortenedInput() const
+{
+    for (const InputSize& input : m_inputSizes) {
+        struct stat info = {};
+        if (stat(input.name.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size < input.bytes)
+            return onOneLine(input.name);
+    }
+    return std::nullopt;
 }
 
 std::optional<std::string> RunFiles::emptyOutput() const

@@ -6,6 +6,7 @@
 #include "tools/ffmpeg/commandline.h"
 #include "tools/ffmpeg/transcript.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,6 +33,8 @@ public:
     /// False when an input is a stream that a second reader would find half empty.
     [[nodiscard]] bool canBeReadAgain() const { return m_canBeReadAgain; }
 
+    /// The name of the first input that has become shorter since it was opened: its end cannot have been read.
+    [[nodiscard]] std::optional<std::string> shortenedInput() const;
     /// The name of the first output that holds not a byte; nothing when all have some.
     [[nodiscard]] std::optional<std::string> emptyOutput() const;
     /// Puts the outputs under their names. False, with the line to print, at the first that cannot be.
@@ -48,7 +51,13 @@ private:
     [[nodiscard]] bool openFile(const FileEntry& output, std::vector<std::string> muxer, std::string& error);
     void passOutput(const std::string& url, std::vector<std::string> muxer);
 
+    struct InputSize {
+        std::string name;
+        std::int64_t bytes = 0;
+    };
+
     FileUrls m_urls;
+    std::vector<InputSize> m_inputSizes; // of the regular files
     std::vector<FileName> m_inputNames;
     std::vector<FileName> m_outputNames;
     std::vector<int> m_openDescriptors;

@@ -179,6 +179,8 @@ private:
             return "Output incomplete, discarded: " + findings.writeFailure;
         if (!findings.readFailure.empty())
             return "Output incomplete, discarded: " + findings.readFailure;
+        if (const auto shortened = m_files.shortenedInput())
+            return "Output incomplete, discarded: " + *shortened + " has become shorter meanwhile";
         const auto empty = m_files.emptyOutput();
         if (empty)
             return *empty + ": nothing was written";
