@@ -1,6 +1,8 @@
 #include "encode/encoderarguments.h"
 
 #include "base/bundle.h"
+#include "base/format.h"
+#include "base/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 
@@ -184,6 +186,58 @@ TEST(EncoderArgumentList, StepsAreLogged)
                     .has_value());
     EXPECT_EQ(log.lines().join(u'|'), QStringLiteral("encodage            - deb|encodage - fin"));
 }
+
+struct LogRow {
+    const char* name;
+    int out;
+    QStringList lists; // the formats of the lines that hold the argument list, in their order
+};
+
+class EncoderLog : public testing::TestWithParam<LogRow>
+{
+protected:
+    void TearDown() override
+    {
+        setDEBUG(0);
+        setDEBUGDEVForTests(0);
+    }
+};
+
+TEST_P(EncoderLog, TellsEveryStepWhileDebugging)
+{
+    setDEBUG(1);
+    setDEBUGDEVForTests(1);
+    const test::LogCapture log;
+    const auto list = encodage(QStringLiteral("/M/a.mts"), QStringLiteral("/D/o.m4v"), QStringLiteral("mpegts"),
+                               QString(), 25.0F, GetParam().out, 1.0F);
+    ASSERT_TRUE(list.has_value());
+    QStringList lines = log.lines();
+    lines.removeIf([](const QString& line) {
+        return line.startsWith(QStringLiteral("tmpStr def : ")) || line.startsWith(QStringLiteral("encoding : ")) ||
+               line.startsWith(QStringLiteral("returnedMArray : "));
+    });
+    QStringList expected = {QStringLiteral("encodage            - deb"),
+                            QStringLiteral("srcPathStr          : /M/a.mts"),
+                            QStringLiteral("dstPathStr          : /D/o.m4v"),
+                            formatText(QStringLiteral("outInt              : %d"), {GetParam().out})};
+    for (const QString& format : GetParam().lists) {
+        // Only the first line of the movie branch shows an unfinished list.
+        const bool atStart = format.startsWith(QStringLiteral("argsArray 3deb"));
+        expected.append(formatText(format, {atStart ? list->mid(0, 7) : *list}));
+    }
+    expected += {formatText(QStringLiteral("argsArray fin       : %@"), {*list}), QStringLiteral("encodage - fin")};
+    EXPECT_TEXTS(lines, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, EncoderLog,
+    testing::Values(
+        LogRow{"SmallScreen", 0, {QStringLiteral("argsArray fin - 0   : %@")}},
+        LogRow{"H264", 1, {QStringLiteral("argsArray fin - 1   : %@")}},
+        LogRow{"Rewrap", 2, {QStringLiteral("argsArray fin - 2   : %@")}},
+        LogRow{"Movie", 3, {QStringLiteral("argsArray 3deb: %@"), QStringLiteral("argsArray deb - 3   : %@")}},
+        LogRow{"ProRes", 5, {QStringLiteral("argsArray 3deb: %@"), QStringLiteral("argsArray deb - 3   : %@")}}),
+    test::rowName<LogRow>);
 
 class Extensions : public testing::TestWithParam<ExtensionRow>
 {

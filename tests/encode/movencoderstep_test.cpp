@@ -5,6 +5,7 @@
 #include "base/filesizes.h"
 #include "base/preferences.h"
 #include "base/propertylist.h"
+#include "base/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 
@@ -125,6 +126,49 @@ TEST_F(MovencoderStep, TooLittleSpaceRefusesAfterTheMove)
     EXPECT_FALSE(test::itemExists(output_));
     EXPECT_EQ(test::readBytes(intermediate_), QByteArray("first pass"));
     EXPECT_TEXT(prefReadChildDico(dictionary, destinationKey), QStringLiteral(""));
+}
+
+TEST_F(MovencoderStep, FractionOfAMegabyteTooLittleRefuses)
+{
+    setFreeSpaceForTests(108);
+    const LogCapture log;
+    EXPECT_FALSE(encPostQtEnc(output_, 595.0F, 1.78F, QString()).has_value());
+    EXPECT_TRUE(log.contains(QStringLiteral("necessary=108 ? available=108")));
+}
+
+TEST_F(MovencoderStep, SpaceIsComparedInSinglePrecision)
+{
+    // 16777217 megabytes are not told from 16777216.
+    setFreeSpaceForTests(16777217);
+    EXPECT_TRUE(encPostQtEnc(output_, 91512096.0F, 1.78F, QString()).has_value());
+}
+
+TEST_F(MovencoderStep, ShortClipNeedsLessThanNothing)
+{
+    setFreeSpaceForTests(0);
+    const LogCapture log;
+    EXPECT_TRUE(encPostQtEnc(output_, 5.0F, 1.78F, QString()).has_value());
+    EXPECT_TRUE(log.contains(QStringLiteral("encDstPoidsEstimatif= -0.083333")));
+    EXPECT_TRUE(log.contains(QStringLiteral("necessary=-0 ? available=0")));
+}
+
+TEST_F(MovencoderStep, FailedMoveKeepsTheFirstPassAndIsRefused)
+{
+    ASSERT_TRUE(QFile::link(QStringLiteral("nowhere"), intermediate_));
+    setFreeSpaceForTests(-1);
+    EXPECT_FALSE(encPostQtEnc(output_, 60.0F, 1.78F, QString()).has_value());
+    EXPECT_EQ(test::readBytes(output_), QByteArray("first pass"));
+    EXPECT_TRUE(test::itemExists(intermediate_));
+}
+
+TEST_F(MovencoderStep, ArgumentsAreLoggedForDevelopers)
+{
+    const LogCapture log;
+    setDEBUGDEVForTests(1);
+    const auto list = encPostQtEnc(output_, 60.0F, 1.78F, QString());
+    setDEBUGDEVForTests(0);
+    ASSERT_TRUE(list.has_value());
+    EXPECT_TRUE(log.contains(formatText(QStringLiteral("movencoder - fin : %@"), {*list})));
 }
 
 TEST_F(MovencoderStep, MissingFirstPassIsLeftToTheTool)

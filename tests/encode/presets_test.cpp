@@ -2,6 +2,7 @@
 
 #include "base/alerts.h"
 #include "base/bundle.h"
+#include "base/format.h"
 #include "base/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
@@ -131,6 +132,18 @@ TEST(PresetFolder, MissingFileIsSilentMissingFolderIsNot)
     const auto empty = ffpresetParserFunction(presets, file);
     ASSERT_TRUE(empty.has_value());
     EXPECT_TRUE(empty->isEmpty());
+}
+
+TEST(PresetFolder, FileAndOptionsAreLogged)
+{
+    const TempFolder folder;
+    const Resources resources(folder.makeFolder(QStringLiteral("res")));
+    const QString path = folder.makeFile(QStringLiteral("res/tools/presets/a.ffpreset"), "a=1\n");
+    const LogCapture log;
+    const auto options = ffpresetParserFunction(presets, file);
+    ASSERT_TRUE(options.has_value());
+    EXPECT_TRUE(log.contains(QStringLiteral("tmpStr def : ") + path));
+    EXPECT_TRUE(log.contains(formatText(QStringLiteral("returnedMArray : %@"), {*options})));
 }
 
 TEST(PresetFolder, MissingFolderAlertsWhileDebugging)

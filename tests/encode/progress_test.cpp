@@ -131,6 +131,10 @@ TEST(ProgressTemplates, ComputeThePercentage)
     EXPECT_TEXT(taskWithStrBasic(progressMpeg2enc(enc, 3.0F, 7)), QStringLiteral("4.761900"));
     const QString player = folder.makeFile(QStringLiteral("play.txt"), "A:  10.0 (10.0)\nA:  30.0 (30.0) of 60\n");
     EXPECT_TEXT(taskWithStrBasic(progressMplayer(player, 60)), QStringLiteral("50.000000"));
+    // The calculator is given no number then.
+    const QString empty = folder.makeFile(QStringLiteral("empty.txt"), "");
+    EXPECT_TEXT(taskWithStrBasic(progressMpeg2enc(empty, 3.0F, 7)), QStringLiteral(""));
+    EXPECT_TEXT(taskWithStrBasic(progressMplayer(empty, 60)), QStringLiteral(""));
 }
 
 TEST(Progress, SizeOfTheOutputInMegabytes)
