@@ -75,8 +75,10 @@ std::vector<Atom> childAtoms(ByteView container, bool* wellFormed)
     std::size_t offset = 0;
     while (fits && container.size() - offset >= shortHeader) {
         const ByteView rest = container.subspan(offset);
-        if (FieldReader(rest).u32() == 0)
+        if (FieldReader(rest).u32() == 0) {
+            fits = std::all_of(rest.begin(), rest.end(), [](std::uint8_t byte) { return byte == 0; });
             break;
+        }
         const std::optional<HeaderFields> header = headerFields(rest);
         fits = header && header->size <= rest.size();
         if (!fits)

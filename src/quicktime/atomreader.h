@@ -50,8 +50,8 @@ struct Atom {
     ByteView payload;
 };
 
-// The container's atoms in order; *wellFormed tells whether they fill it exactly. A zero word may end the list, and up
-// to seven bytes may be left over.
+// The container's atoms in order; *wellFormed tells whether they fill it exactly. Zeros may end the list, and up to
+// seven bytes may be left over.
 [[nodiscard]] std::vector<Atom> childAtoms(ByteView container, bool* wellFormed = nullptr);
 // The first child of that type; an empty view when there is none.
 [[nodiscard]] ByteView childPayload(ByteView container, std::uint32_t type);

@@ -225,6 +225,58 @@ bool isSelfContained(ByteView dref)
     return true;
 }
 
+bool hasWholeAtoms(ByteView container)
+{
+    bool wellFormed = true;
+    static_cast<void>(childAtoms(container, &wellFormed));
+    return wellFormed;
+}
+
+// Bytes of one entry of a sample table; 0 for other atoms.
+std::uint64_t tableEntryBytes(std::uint32_t type)
+{
+    switch (type) {
+    case atomType("stss"):
+    case atomType("stsz"):
+    case atomType("stco"):
+        return 4;
+    case atomType("stts"):
+    case atomType("ctts"):
+    case atomType("co64"):
+        return 8;
+    case atomType("stsc"):
+        return 12;
+    default:
+        return 0;
+    }
+}
+
+// Whether a table holds as many entries as it says.
+bool isWholeTable(const Atom& atom)
+{
+    std::uint64_t entryBytes = tableEntryBytes(atom.type);
+    if (entryBytes == 0)
+        return true;
+    FieldReader reader(atom.payload, 4);
+    std::uint64_t needed = 8;
+    if (atom.type == atomType("stsz")) {
+        needed += 4;
+        // One size for all samples stands in place of the entries.
+        if (reader.u32() != 0)
+            entryBytes = 0;
+    }
+    needed += reader.u32() * entryBytes;
+    return reader.ok() && needed <= atom.payload.size();
+}
+
+bool hasWholeTables(ByteView stbl)
+{
+    bool whole = true;
+    for (const Atom& atom : childAtoms(stbl, &whole))
+        whole = whole && isWholeTable(atom);
+    return whole;
+}
+
 bool readMedia(ByteView mdia, TrackAtoms& track)
 {
     bool wellFormed = true;
@@ -241,6 +293,7 @@ bool readMedia(ByteView mdia, TrackAtoms& track)
     track.stbl = childPayload(minf, atomType("stbl"));
     track.selfContained = isSelfContained(childPayload(childPayload(minf, atomType("dinf")), atomType("dref")));
     const ByteView stsd = childPayload(track.stbl, atomType("stsd"));
+    wellFormed = wellFormed && hasWholeAtoms(minf) && hasWholeTables(track.stbl);
     return (stsd.empty() || readDescription(stsd, track)) && wellFormed;
 }
 
@@ -287,10 +340,12 @@ void readUserData(ByteView udta, std::uint64_t fileOffset, MovieAtoms& movie)
 void readMovie(MovieAtoms& movie)
 {
     bool wellFormed = true;
+    bool hasHeader = false;
     for (const Atom& atom : childAtoms(movie.bytes, &wellFormed)) {
         const std::uint64_t payloadOffset = movie.fileOffset + atom.offset + (atom.whole.size() - atom.payload.size());
         if (atom.type == atomType("mvhd")) {
             readMovieHeader(atom.payload, movie);
+            hasHeader = true;
         } else if (atom.type == atomType("trak")) {
             TrackAtoms track;
             movie.damaged = !readTrack(atom.payload, track) || movie.damaged;
@@ -303,7 +358,7 @@ void readMovie(MovieAtoms& movie)
             movie.fragmented = true;
         }
     }
-    movie.damaged = movie.damaged || !wellFormed;
+    movie.damaged = movie.damaged || !wellFormed || (!hasHeader && !movie.tracks.empty());
 }
 
 } // namespace

@@ -112,6 +112,33 @@ TEST(AtomPatchTest, everyDamagedFileIsLeftAlone)
     }
 }
 
+TEST(AtomPatchTest, damageDeepInTheMovieIsNoticed)
+{
+    const TempFolder folder;
+    const QByteArray whole = movieBytes(markedMovie());
+    struct Damage {
+        const char* atom;
+        int byte; // from the type
+        char value;
+    };
+    // Sizes that reach past what holds the atom or are 0, entry counts that the table does not hold, a lost header.
+    const Damage damages[] = {{"trak", -4, 0x7F}, {"trak", -1, 0}, {"mdia", -3, 0x7F}, {"minf", -2, 0x7F},
+                              {"stbl", -2, 0x7F}, {"stsd", -3, 1}, {"stts", -3, 1},    {"stsc", -3, 1},
+                              {"stts", 8, 1},     {"stco", 9, 1},  {"stsc", 10, 1},    {"mvhd", 0, 'x'},
+                              {"mdhd", -1, 9},    {"nsav", -1, 10}};
+    for (const Damage& damage : damages) {
+        QByteArray bytes = whole;
+        const qsizetype at = bytes.indexOf(damage.atom);
+        ASSERT_GE(at, 4) << damage.atom;
+        bytes[at + damage.byte] = damage.value;
+        if (damage.value == 0)
+            bytes.replace(at - 4, 4, QByteArray(4, '\0'));
+        const QString path = folder.makeFile(QStringLiteral("a.mov"), bytes);
+        EXPECT_EQ(patch(path).result, AtomPatchResult::Refused) << damage.atom << damage.byte;
+        EXPECT_EQ(readBytes(path), bytes);
+    }
+}
+
 TEST(AtomPatchTest, otherFilesAreLeftAlone)
 {
     const TempFolder folder;

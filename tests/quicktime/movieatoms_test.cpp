@@ -72,9 +72,10 @@ TEST(ChildAtomsTest, toleratesAZeroWordAndAFewBytesAtTheEnd)
 TEST(ChildAtomsTest, stopsAtAnAtomThatDoesNotFit)
 {
     const Bytes good = atomBytes("abcd", {});
-    for (const Bytes& bad : {Bytes{0, 0, 0, 9, 'x', 'x', 'x', 'x'}, Bytes{0, 0, 0, 7, 'x', 'x', 'x', 'x'},
-                             Bytes{0, 0, 0, 1, 'x', 'x', 'x', 'x', 0, 0, 0, 0, 0, 0, 0, 15},
-                             Bytes{0, 0, 0, 1, 'x', 'x', 'x', 'x', 255, 255, 255, 255, 255, 255, 255, 255}}) {
+    for (const Bytes& bad :
+         {Bytes{0, 0, 0, 9, 'x', 'x', 'x', 'x'}, Bytes{0, 0, 0, 7, 'x', 'x', 'x', 'x'},
+          Bytes{0, 0, 0, 0, 'x', 'x', 'x', 'x'}, Bytes{0, 0, 0, 1, 'x', 'x', 'x', 'x', 0, 0, 0, 0, 0, 0, 0, 15},
+          Bytes{0, 0, 0, 1, 'x', 'x', 'x', 'x', 255, 255, 255, 255, 255, 255, 255, 255}}) {
         Bytes all = good;
         all.insert(all.end(), bad.begin(), bad.end());
         bool wellFormed = true;
