@@ -1,9 +1,13 @@
 // The tool in odd surroundings: streams that are closed or nobody's, names that are no files of their own.
+#include "tools/common/descriptors.h"
 #include "tools/toolrun.h"
 
+#include <array>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -44,10 +48,35 @@ protected:
 
 TEST_F(FfmpegSurroundings, EncodeGoesOnWhenNobodyReadsItsMessages)
 {
+    std::array<int, 2> ends = {-1, -1};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    const Descriptor writing(ends[1]);
+    close(ends[0]);
     Options options;
-    options.nobodyReadsErrors = true;
+    options.errorStream = writing.get();
     EXPECT_EQ(runTool({"-i", clip("mov"), "-vcodec", "mpeg4", "-an", "-y", name("out.mov")}, options).code, 0);
     EXPECT_TRUE(contains(probed(name("out.mov"), "v", "nb_frames"), "nb_frames=25"));
+}
+
+TEST_F(FfmpegSurroundings, EveryLineIsWrittenAtOnce)
+{
+    // Such a pipe keeps what is written at once together, and apart from the rest.
+    std::array<int, 2> ends = {-1, -1};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC | O_DIRECT), 0);
+    const Descriptor reading(ends[0]);
+    Descriptor writing(ends[1]);
+    Options options;
+    options.errorStream = writing.get();
+    test::RunningTool tool({"-v", "1", "-i", clip("mts"), "-vcodec", "mpeg4", "-y", name("out.mov")}, options);
+    writing.reset();
+    int lines = 0;
+    std::array<char, 4096> buffer = {};
+    for (ssize_t size = 0; (size = read(reading.get(), buffer.data(), buffer.size())) > 0; ++lines) {
+        const std::string_view text(buffer.data(), static_cast<std::size_t>(size));
+        EXPECT_EQ(text.find_first_of("\r\n"), text.size() - 1) << text;
+    }
+    EXPECT_GT(lines, 10);
+    EXPECT_EQ(tool.wait().code, 0);
 }
 
 TEST_F(FfmpegSurroundings, ClosedStreamsAreNotTakenForFiles)

@@ -4,7 +4,6 @@
 #include <QProcess>
 
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -49,13 +48,8 @@ void arrangeSurroundings(const RunningTool::Options& options)
         setenv(name.c_str(), value.c_str(), 1);
     for (const int signal : options.ignoredSignals)
         std::signal(signal, SIG_IGN);
-    if (options.nobodyReadsErrors) {
-        std::array<int, 2> ends = {-1, -1};
-        if (pipe(ends.data()) != 0 || dup2(ends[1], STDERR_FILENO) < 0)
-            _exit(126);
-        close(ends[0]);
-        close(ends[1]);
-    }
+    if (options.errorStream >= 0 && dup2(options.errorStream, STDERR_FILENO) < 0)
+        _exit(126);
     for (const int stream : options.closedStreams)
         close(stream);
 }

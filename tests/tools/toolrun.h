@@ -29,7 +29,7 @@ public:
         std::string input;       ///< for its standard input
         std::vector<int> ignoredSignals;
         std::vector<int> closedStreams;
-        bool nobodyReadsErrors = false; ///< its error stream is a pipe without a reader
+        int errorStream = -1; ///< its error stream, in place of what `ToolEnd` has then nothing of
     };
 
     RunningTool(const std::vector<std::string>& arguments, const Options& options);

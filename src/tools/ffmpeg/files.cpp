@@ -144,37 +144,43 @@ bool RunFiles::open(const CommandLine& line, std::string& error)
 
 bool RunFiles::openInput(const FileEntry& input, std::string& error)
 {
-    const std::string shown = onOneLine(input.name);
-    std::string url = "file:" + input.name;
-    m_readsStandardInput = m_readsStandardInput || isStandardInput(input.name);
     struct stat info = {};
     const bool exists = stat(input.name.c_str(), &info) == 0;
+    m_readsStandardInput = m_readsStandardInput || isStandardInput(input.name);
     m_canBeReadAgain = m_canBeReadAgain && !isPipe(input.name) && !(exists && isStream(info));
     if (exists && S_ISREG(info.st_mode))
         m_inputSizes.push_back({input.name, info.st_size});
+    const std::string shown = onOneLine(input.name);
+    std::string url = "file:" + input.name;
     if (isPipe(input.name) || readsNoFile(input)) {
         url = input.name;
     } else if (hasControlCharacter(input.name)) {
         // Such a name would break the lines of the transcript.
-        const int fd = aboveStandardStreams(::open(input.name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+        const int fd = keep(::open(input.name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
         if (fd < 0) {
             const std::string reason = errorText(errno);
             error = shown + ": " + classicOpenFailure(reason).value_or("Error while opening file (" + reason + ')');
             return false;
         }
-        m_openDescriptors.push_back(fd);
         url = descriptorUrl(fd);
     } else if (input.name.size() > longestPrintedName) {
         const auto [folder, name] = splitName(input.name);
-        const int fd = aboveStandardStreams(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        if (fd >= 0) {
-            m_openDescriptors.push_back(fd);
+        const int fd = keep(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        if (fd >= 0)
             url = descriptorUrl(fd) + '/' + name;
-        }
     }
     m_urls.inputs.push_back(url);
     m_inputNames.push_back({url, shown});
     return true;
+}
+
+/// Holds a descriptor open until the end; a negative one stays as it is, with errno.
+int RunFiles::keep(int descriptor)
+{
+    const int fd = aboveStandardStreams(descriptor);
+    if (fd >= 0)
+        m_openDescriptors.push_back(fd);
+    return fd;
 }
 
 bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std::string& error)
@@ -194,26 +200,24 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
         return true;
     }
     const bool sequence = isPictureSequence(output.name) && !wantsOneFrame(output);
-    for (const FileEntry& input : line.inputs) {
-        if (sequence ? wouldTouchPicture(output.name, input.name) : isSameFile(output.name, input.name)) {
-            error = "Output file '" + shown + "' is also an input - exiting";
-            return false;
-        }
+    const auto touches = [&](const FileEntry& input) {
+        return sequence ? wouldTouchPicture(output.name, input.name) : isSameFile(output.name, input.name);
+    };
+    if (std::ranges::any_of(line.inputs, touches)) {
+        error = "Output file '" + shown + "' is also an input - exiting";
+        return false;
     }
-    if (sequence) {
-        passOutput("file:" + output.name,
-                   guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"});
-        return true;
-    }
-    if (isOpenDescriptor(output.name) || writesOtherFiles(muxer)) {
-        passOutput("file:" + output.name, std::move(muxer));
-        return true;
-    }
-    if (exists && (!line.overwrite || line.neverOverwrite)) {
+    const bool descriptor = isOpenDescriptor(output.name);
+    if (exists && !sequence && !descriptor && (!line.overwrite || line.neverOverwrite)) {
         error = "File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting";
         return false;
     }
-    return openFile(output, std::move(muxer), error);
+    if (sequence)
+        muxer = guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"};
+    if (!sequence && !descriptor && !writesOtherFiles(muxer))
+        return openFile(output, std::move(muxer), error);
+    passOutput("file:" + output.name, std::move(muxer));
+    return true;
 }
 
 bool RunFiles::openFile(const FileEntry& output, std::vector<std::string> muxer, std::string& error)

@@ -47,6 +47,7 @@ private:
     };
 
     [[nodiscard]] bool openInput(const FileEntry& input, std::string& error);
+    [[nodiscard]] int keep(int descriptor);
     [[nodiscard]] bool openOutput(const FileEntry& output, const CommandLine& line, std::string& error);
     [[nodiscard]] bool openFile(const FileEntry& output, std::vector<std::string> muxer, std::string& error);
     void passOutput(const std::string& url, std::vector<std::string> muxer);
