@@ -12,8 +12,9 @@ namespace tavrix
 [[nodiscard]] std::optional<QStringList> encodage(const QString& sourcePath, const QString& destinationPath,
                                                   const QString& wrapper, const QString& codec, float framesPerSecond,
                                                   int out, float aspect);
+// The extension without its dot; the codec may be nothing.
 [[nodiscard]] QString encDstExtensionStr(int out, const QString& codec);
-// Expected size of the output in the unit of the source size, from the duration in seconds.
+// Expected size of the output in the unit of the source size, from the duration in seconds; logs it.
 [[nodiscard]] float encDstPoidsEstimatif(float duration, double sourceSize, int out);
 
 } // namespace tavrix

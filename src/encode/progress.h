@@ -16,10 +16,10 @@ namespace tavrix
 [[nodiscard]] QString progressMov2wavMux2movGrepStr();
 [[nodiscard]] QString progressNormalizeGrepStr();
 [[nodiscard]] QString progressMovencoderGrepStr();
-// Shell commands that compute a percentage from a tool's log; nothing for a log path with \ " $ or a backquote.
+// Shell commands that compute a percentage from a tool's log; nothing for no log path or one with \ " $ or a backquote.
 [[nodiscard]] QString progressMpeg2enc(const QString& logPath, float divisor, int divisor2);
 [[nodiscard]] QString progressMplayer(const QString& logPath, int divisor);
-[[nodiscard]] float progressPoidsMo(const QString& path); // megabytes, -1 when missing
+[[nodiscard]] float progressPoidsMo(const QString& path); // megabytes, -1 when missing or nothing
 
 // Parser selectors of a running encode.
 inline constexpr int parseFfmpeg = 0;

@@ -2,6 +2,7 @@
 #include "tools/toolrun.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
@@ -159,7 +160,12 @@ TEST_F(FakeFfmpeg, LaterVersionsGetTheNewNameOfAnOption)
 
 TEST_F(FakeFfmpeg, AnotherHolderOfTheStreamDoesNotDelayTheEnd)
 {
-    const ToolEnd end = runWith("sleep 5 & echo last words >&2; exit 5", {"-i", "x"});
+    const ToolEnd end =
+        runWith("sleep 60 & echo $! > '" + name("holder") + "'; echo last words >&2; exit 5", {"-i", "x"});
+    const pid_t holder = std::atoi(fileContents(name("holder")).c_str());
+    ASSERT_GT(holder, 0);
+    EXPECT_TRUE(test::isAlive(holder));
+    kill(holder, SIGKILL);
     EXPECT_EQ(end.code, 5);
     EXPECT_TRUE(end.err.ends_with("last words\n"));
 }

@@ -130,6 +130,22 @@ TEST_F(StoppedFfmpeg, EndsWithTheEncoderWhenAskedTo)
     }
 }
 
+TEST_F(StoppedFfmpeg, EndsWhenAskedToAlsoUnderACallerThatBlocksSignals)
+{
+    sigset_t term;
+    sigemptyset(&term);
+    sigaddset(&term, SIGTERM);
+    sigset_t before;
+    ASSERT_EQ(sigprocmask(SIG_BLOCK, &term, &before), 0);
+    RunningTool tool(arguments(), {});
+    ASSERT_EQ(sigprocmask(SIG_SETMASK, &before, nullptr), 0);
+    ASSERT_TRUE(becomes([&] { return tool.child() != 0; }));
+    kill(tool.pid(), SIGTERM);
+    ASSERT_TRUE(becomes([&] { return tool.hasEnded(); }));
+    EXPECT_EQ(tool.wait().code, SIGTERM);
+    EXPECT_TRUE(entriesOf(folder()).empty());
+}
+
 TEST_F(StoppedFfmpeg, EndsByTheInterruptKeyWithoutPublishing)
 {
     RunningTool tool(arguments(), {});

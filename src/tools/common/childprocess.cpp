@@ -256,12 +256,17 @@ void watchForInterruption()
     struct sigaction action = {};
     action.sa_handler = onEndingSignal;
     sigfillset(&action.sa_mask);
+    sigset_t ending;
+    sigemptyset(&ending);
     for (const int signal : endingSignals) {
         struct sigaction before = {};
         // A signal that the parent had ignored, as nohup does, stays ignored.
         if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
             sigaction(signal, &action, nullptr);
+        sigaddset(&ending, signal);
     }
+    // A caller that takes its own signals from a queue leaves them blocked here.
+    sigprocmask(SIG_UNBLOCK, &ending, nullptr);
 }
 
 void endBySignal(int signal)
