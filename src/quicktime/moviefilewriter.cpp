@@ -69,7 +69,9 @@ bool copyStretch(const ReadAt& readAt, std::uint64_t offset, std::uint64_t size,
             return false;
         }
         if (!writeBytes(file, part)) {
-            *reason = file.errorString();
+            // A short write alone leaves the file without a reason.
+            *reason = file.error() == QFileDevice::NoError ? QStringLiteral("the file cannot be written")
+                                                           : file.errorString();
             return false;
         }
         offset += part.size();

@@ -1,6 +1,7 @@
 #include "quicktime/waveexport.h"
 
 #include "quicktime/avinput.h"
+#include "quicktime/moviefilewriter.h"
 #include "quicktime/soundsink.h"
 
 #include <QSaveFile>
@@ -105,6 +106,8 @@ private:
     bool takeFrame(SoundSink& sink);
     bool writeSamples(std::span<const std::int16_t> samples);
     bool failed(const QString& reason);
+    // A short write alone leaves the file without a reason.
+    bool failedWrite();
     bool failed(int error) { return failed(avErrorText(error)); }
 
     std::unique_ptr<AvInput> input_;
@@ -124,6 +127,12 @@ bool WaveExport::failed(const QString& reason)
 {
     reason_ = reason;
     return false;
+}
+
+bool WaveExport::failedWrite()
+{
+    return failed(file_->error() == QFileDevice::NoError ? QStringLiteral("the file cannot be written")
+                                                         : file_->errorString());
 }
 
 bool WaveExport::openDecoder(const QString& sourcePath)
@@ -171,7 +180,7 @@ bool WaveExport::writeSamples(std::span<const std::int16_t> samples)
     if (dataBytes_ + size > mostWaveBytes)
         return failed(QStringLiteral("a WAVE file cannot hold that much sound"));
     if (file_->write(reinterpret_cast<const char*>(stored.data()), size) != size)
-        return failed(file_->errorString());
+        return failedWrite();
     dataBytes_ += size;
     return true;
 }
@@ -232,17 +241,21 @@ bool WaveExport::run(const QString& sourcePath, const QString& destinationPath, 
 {
     if (!openDecoder(sourcePath))
         return false;
+    const std::int64_t frames = rescaled(timeline.duration(), sampleRate_, timeline.timeScale());
+    if (!hasRoomFor(destinationPath, static_cast<std::uint64_t>(std::max<std::int64_t>(frames, 0)) *
+                                         static_cast<std::uint64_t>(channels_) * sizeof(std::int16_t)))
+        return failed(QStringLiteral("not enough space on the volume"));
     file_ = std::make_unique<QSaveFile>(destinationPath);
     if (!file_->open(QIODevice::WriteOnly))
         return failed(file_->errorString());
     if (file_->write(waveHeader(sampleRate_, channels_, 0)) != waveHeaderSize)
-        return failed(file_->errorString());
+        return failedWrite();
     SoundSink sink(timeline, sampleRate_, channels_,
                    [this](std::span<const std::int16_t> samples) { return writeSamples(samples); });
     if (!decodeAll(sink))
         return false;
     if (!file_->seek(0) || file_->write(waveHeader(sampleRate_, channels_, dataBytes_)) != waveHeaderSize)
-        return failed(file_->errorString());
+        return failedWrite();
     return file_->commit() || failed(file_->errorString());
 }
 

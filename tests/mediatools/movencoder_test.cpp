@@ -254,6 +254,21 @@ TEST_F(MovencoderShapes, AnamorphicWideScreenFillsThePicture)
         40.0);
 }
 
+TEST_F(MovencoderShapes, RgbPicturesAreTaggedAsWhatTheyBecome)
+{
+    const QString source = path("screen.mov");
+    ASSERT_TRUE(makeMedia({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                           QStringLiteral("testsrc2=s=1280x720:r=25"), QStringLiteral("-t"), QStringLiteral("0.08"),
+                           QStringLiteral("-c:v"), QStringLiteral("libx264rgb"), source}));
+    ASSERT_EQ(probe(source).value(QStringLiteral("color_space")), QStringLiteral("gbr"));
+    for (const char* format : {"aic", "prores"}) {
+        SCOPED_TRACE(format);
+        const QString output = path(format) + QStringLiteral(".mov");
+        ASSERT_EQ(movencode(settingsPath(plain), QLatin1String(format), source, output).status, 0);
+        EXPECT_EQ(probe(output).value(QStringLiteral("color_space")), QStringLiteral("smpte170m"));
+    }
+}
+
 TEST_F(MovencoderShapes, InterlacedPicturesKeepTheirFieldsAtTheirSize)
 {
     const QString source = path("camera.mts");

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace tavrix::test;
@@ -56,6 +57,18 @@ TEST_F(MovencoderFailure, InputThatIsNoMovie)
     const QString missing = folder_.path(QStringLiteral("missing.mov"));
     expectFailure(movencode(settingsPath(plain), QString(), missing, output()), missing);
     EXPECT_EQ(entriesOf(folder_.path()), QStringList{QStringLiteral("prose.mov")});
+}
+
+TEST_F(MovencoderFailure, InputThatIsNoFile)
+{
+    const QString pipe = folder_.path(QStringLiteral("pipe.mov"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString& input : {pipe, folder_.path(), QStringLiteral("/dev/null")}) {
+        const ToolResult result = movencode(settingsPath(plain), QString(), input, output());
+        expectFailure(result, input);
+        EXPECT_TRUE(result.errors.contains("not a regular file")) << result.errors.constData();
+    }
+    EXPECT_EQ(entriesOf(folder_.path()), QStringList{QStringLiteral("pipe.mov")});
 }
 
 TEST_F(MovencoderFailure, InputWithoutVideo)

@@ -9,6 +9,10 @@
 
 #include <optional>
 
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
 namespace tavrix::movencoder
 {
 
@@ -23,6 +27,12 @@ bool keepsFields(const AVFrame& picture, const Fit& fit)
     return picture.interlaced_frame != 0 && picture.height == fit.pictureHeight;
 }
 
+bool isRgb(const AVFrame& picture)
+{
+    const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format));
+    return descriptor != nullptr && (descriptor->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+}
+
 PictureFacts factsOf(const MovieReader& reader, AVFrame& picture, const FormatSettings& settings)
 {
     const AVRational aspect = reader.pixelAspect(picture);
@@ -34,6 +44,9 @@ PictureFacts factsOf(const MovieReader& reader, AVFrame& picture, const FormatSe
     facts.transfer = picture.color_trc;
     facts.matrix = picture.colorspace;
     facts.chromaLocation = picture.chroma_location;
+    // The converter brings RGB pictures to this matrix; their own tag would say that there is none.
+    if (isRgb(picture))
+        facts.matrix = AVCOL_SPC_SMPTE170M;
     facts.timeBase = reader.video()->time_base;
     // Untagged standard-definition pictures would change their colours by being enlarged, so they get their tag.
     const bool enlarged = picture.height < leastHighDefinitionHeight && facts.fit.height >= leastHighDefinitionHeight;

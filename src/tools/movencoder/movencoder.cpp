@@ -28,6 +28,17 @@ void complain(const std::string& message)
     static_cast<void>(writeAll(STDERR_FILENO, "movencoder: " + message + "\n"));
 }
 
+// Opening a pipe would wait for a writer, and a movie is read back and forth. A missing file is told by the reader.
+bool inputAllowed(const std::string& path, std::string& error)
+{
+    struct stat facts {
+    };
+    if (stat(path.c_str(), &facts) != 0 || S_ISREG(facts.st_mode))
+        return true;
+    error = path + ": not a regular file";
+    return false;
+}
+
 // Whether `output` may be written: it must not be one of the files that are read, nor anything but a file.
 bool outputAllowed(const Options& options, std::string& error)
 {
@@ -62,7 +73,7 @@ void openNameless(InputMovie& input, Descriptor& file)
 
 bool work(const Options& options, std::string& error)
 {
-    if (!outputAllowed(options, error))
+    if (!inputAllowed(options.input, error) || !outputAllowed(options, error))
         return false;
     auto format = options.format;
     InputMovie input{options.input, options.input};
