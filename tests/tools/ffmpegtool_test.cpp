@@ -309,8 +309,14 @@ TEST_F(FfmpegTool, TakesAFullDiskAsAFailureThoughFfmpegEndsWithZero)
 
 TEST_F(FfmpegTool, TakesAnOutputWithoutFramesAsAFailure)
 {
-    const ToolEnd end = runTool({"-ss", "3600", "-vframes", "1", "-i", clip("mov"), "-y", name("out.jpg")});
-    EXPECT_NE(end.code, 0) << end.err;
+    for (const Words& words :
+         {Words{"-ss", "3600", "-vframes", "1", "-i", clip("mov"), "-y", name("out.jpg")},
+          Words{"-i", clip("mts"), "-ss", "3600", "-vcodec", "copy", "-an", "-y", name("out.mov")},
+          Words{"-i", clip("mts"), "-ss", "3600", "-vcodec", "copy", "-acodec", "aac", "-y", name("out.m4v")},
+          Words{"-i", clip("mts"), "-t", "0", "-y", name("out.mp4")}}) {
+        const ToolEnd end = runTool(words);
+        EXPECT_NE(end.code, 0) << end.err;
+    }
     EXPECT_TRUE(entries().empty());
 }
 

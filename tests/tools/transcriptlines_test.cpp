@@ -196,6 +196,25 @@ TEST(ErrorLines, OpenFailuresHaveTheirOldWords)
         EXPECT_EQ(classicOpenFailure(row.modern).value_or("-"), row.classic) << row.modern;
 }
 
+TEST(ProgressLines, TellWhetherThereWasContent)
+{
+    EXPECT_TRUE(countsFrames("frame=    1 fps=0.0 q=2.0 size=       0kB time=00:00:00.03 bitrate=  10.5kbits/s"));
+    EXPECT_FALSE(countsFrames("frame=    0 fps=0.0 q=-1.0 Lsize=       0kB time=00:00:00.00 bitrate=N/A speed=   0x"));
+    EXPECT_FALSE(countsFrames("size=       1kB time=00:00:00.03 bitrate=  10.5kbits/s"));
+    const std::string zeros = "video:0kB audio:0kB subtitle:0kB other streams:0kB global headers:0kB muxing overhead: ";
+    EXPECT_TRUE(tellsNoContent(zeros + "unknown"));
+    EXPECT_FALSE(tellsNoContent(zeros + "120.5%"));
+    // 7.x, by hand
+    EXPECT_TRUE(tellsNoContent("[out#0/mov @ 0x1] video:0KiB audio:0KiB subtitle:0KiB other streams:0KiB global "
+                               "headers:0KiB muxing overhead: unknown"));
+    for (const char* line :
+         {"video:1kB audio:0kB subtitle:0kB other streams:0kB global headers:0kB muxing overhead: unknown",
+          "video:0kB audio:10kB subtitle:0kB other streams:0kB global headers:0kB muxing overhead: unknown",
+          "video:0kB audio:0kB subtitle:1kB other streams:0kB global headers:0kB muxing overhead: unknown",
+          "video:0kB audio:0kB subtitle:0kB other streams:1kB global headers:0kB muxing overhead: unknown", ""})
+        EXPECT_FALSE(tellsNoContent(line)) << line;
+}
+
 TEST(ErrorLines, TellDamagedOutputs)
 {
     for (const char* line :

@@ -95,6 +95,19 @@ std::optional<std::string> classicProgressLine(std::string_view line, double& kn
     return result + "    ";
 }
 
+bool countsFrames(std::string_view line)
+{
+    return isProgressLine(line) && numberIn(valueOf(line, "frame")) > 0;
+}
+
+bool tellsNoContent(std::string_view line)
+{
+    const auto summary = classicSummaryLine(line);
+    return summary && summary->starts_with("video:0kB audio:0kB ") && summary->ends_with("muxing overhead unknown") &&
+           line.find(" subtitle:0") != std::string_view::npos &&
+           line.find(" other streams:0") != std::string_view::npos;
+}
+
 std::optional<std::string> classicSummaryLine(std::string_view line)
 {
     const auto start = line.starts_with("[out#") ? line.find("] video:") : std::string_view::npos;

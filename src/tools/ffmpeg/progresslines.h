@@ -20,4 +20,11 @@ namespace tavrix::front
 /// nothing for other lines.
 [[nodiscard]] std::optional<std::string> classicSummaryLine(std::string_view line);
 
+/// Whether a progress line counts a picture.
+[[nodiscard]] bool countsFrames(std::string_view line);
+
+/// Whether the summary says that no sound and hardly any picture was written: what is too little for a kilobyte is
+/// rounded to none.
+[[nodiscard]] bool tellsNoContent(std::string_view line);
+
 } // namespace tavrix::front

@@ -163,7 +163,10 @@ void Transcript::note(const std::string& line, const std::string& shown)
     if (const auto option = refusedOption(line))
         m_findings.refusedOption = *option;
     m_findings.annexBRefused = m_findings.annexBRefused || refusesAnnexB(line);
-    m_findings.nothingEncoded = m_findings.nothingEncoded || tellsNothingEncoded(line);
+    m_framesCounted = m_framesCounted || countsFrames(line);
+    // Without pictures the header alone makes the file, and ffmpeg does not always say so.
+    const bool noContent = tellsNoContent(line) && !m_framesCounted;
+    m_findings.nothingEncoded = m_findings.nothingEncoded || tellsNothingEncoded(line) || noContent;
     if (m_findings.writeFailure.empty() && tellsWriteFailure(line))
         m_findings.writeFailure = shown;
     if (const auto stream = streamWithoutParameters(line))

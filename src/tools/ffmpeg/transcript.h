@@ -79,6 +79,7 @@ private:
     std::set<int> m_describedStreams;
     std::set<int> m_withoutParameters;
     bool m_failureTold = false;
+    bool m_framesCounted = false;
     double m_knownTime = 0;
 };
 
