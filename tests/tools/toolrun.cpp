@@ -28,6 +28,7 @@ namespace
 std::vector<char*> pointers(const std::vector<std::string>& words)
 {
     std::vector<char*> list;
+    list.reserve(words.size() + 1);
     for (const std::string& word : words)
         list.push_back(const_cast<char*>(word.c_str()));
     list.push_back(nullptr);
@@ -184,7 +185,7 @@ ToolEnd runTool(const std::vector<std::string>& arguments, const RunningTool::Op
 
 std::string clip(const std::string& kind)
 {
-    const std::string path = clipFolder().path().toStdString() + "/clip." + kind;
+    std::string path = clipFolder().path().toStdString() + "/clip." + kind;
     if (!fs::exists(path)) {
         std::vector<std::string> arguments = clipArguments(kind);
         arguments.push_back(path);
