@@ -161,6 +161,20 @@ TEST(PresetFolder, MissingFolderAlertsWhileDebugging)
     EXPECT_TEXT(presenter.last->text, QStringLiteral("Le dossier de presets n'existe pas :-( '(null)/(null)'"));
 }
 
+// The first folder that exists hides the others: it has to hold what both passes look for.
+TEST(OwnPresets, StandTogetherInTheFolderThatIsFoundFirst)
+{
+    const Resources resources(QStringLiteral(TAVRIX_BUILD_RESOURCES));
+    for (const char* name : {"libx264-0.ffpreset", "appleSd.ffpreset"}) {
+        const auto options = ffpresetParserFunction(presets, QString::fromLatin1(name));
+        ASSERT_TRUE(options.has_value()) << name;
+        EXPECT_FALSE(options->isEmpty()) << name;
+    }
+    for (const char* name : {"1280x720p", "1280x720pLetterbox"}) {
+        EXPECT_TRUE(test::itemExists(resourcePath() + QStringLiteral("/presets/") + QString::fromLatin1(name))) << name;
+    }
+}
+
 // The program's own presets in a real encode: an encoder that does not know an option says so.
 TEST(OwnPresets, AreUnderstoodByTheInstalledEncoder)
 {

@@ -140,7 +140,7 @@ TEST(ProgressTemplates, ComputeThePercentage)
 TEST(Progress, SizeOfTheOutputInMegabytes)
 {
     const TempFolder folder;
-    const QString file = folder.makeFile(QStringLiteral("a.mov"), QByteArray(512 * 1024, 'x'));
+    const QString file = folder.makeFile(QStringLiteral("a.mov"), QByteArray(qsizetype{512} * 1024, 'x'));
     EXPECT_EQ(progressPoidsMo(file), 0.5F);
     EXPECT_EQ(progressPoidsMo(folder.path(QStringLiteral("missing"))), -1.0F);
     EXPECT_EQ(progressPoidsMo(QString()), -1.0F);
