@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 #include "base/paths.h"
+#include "quicktime/componentregistry.h"
 
 #include <array>
 
@@ -12,11 +13,6 @@ namespace tavrix
 
 namespace
 {
-
-std::uint32_t swappedTag(std::uint32_t tag)
-{
-    return ((tag & 0xFFU) << 24) | ((tag & 0xFF00U) << 8) | ((tag >> 8) & 0xFF00U) | (tag >> 24);
-}
 
 // A named pipe would block the open itself, where no limit applies.
 bool isRegularFile(const QByteArray& path)
@@ -39,7 +35,7 @@ StreamFacts streamFacts(AVFormatContext* context, AVStream* stream, const FileFa
     facts.id = stream->id;
     facts.type = parameters.codec_type;
     facts.codec = parameters.codec_id;
-    facts.tag = swappedTag(parameters.codec_tag);
+    facts.tag = fourCharCodeOfTag(parameters.codec_tag);
     facts.width = parameters.width;
     facts.height = parameters.height;
     const AVRational aspect = av_guess_sample_aspect_ratio(context, stream, nullptr);

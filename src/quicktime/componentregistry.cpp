@@ -34,12 +34,6 @@ constexpr ProresProfile proresProfiles[] = {
     {"Apple ProRes 422 LT", fourCharCode("apcs")},  {"Apple ProRes 422 Proxy", fourCharCode("apco")},
 };
 
-// libavcodec keeps tags with the first character in the lowest byte.
-quint32 swappedTag(unsigned int tag)
-{
-    return ((tag & 0xFFU) << 24) | ((tag & 0xFF00U) << 8) | ((tag >> 8) & 0xFF00U) | (tag >> 24);
-}
-
 Encoder encoderOf(const QByteArray& name, quint32 subType, quint32 manufacturer)
 {
     Encoder encoder;
@@ -56,10 +50,10 @@ quint32 subTypeOf(AVCodecID id)
     unsigned int tag = 0;
     const AVCodecTag* const movTags[] = {avformat_get_mov_video_tags(), nullptr};
     if (av_codec_get_tag2(movTags, id, &tag) != 0)
-        return swappedTag(tag);
+        return fourCharCodeOfTag(tag);
     const AVCodecTag* const riffTags[] = {avformat_get_riff_video_tags(), nullptr};
     if (av_codec_get_tag2(riffTags, id, &tag) != 0)
-        return swappedTag(tag);
+        return fourCharCodeOfTag(tag);
     return 0;
 }
 

@@ -37,6 +37,12 @@ public:
            quint32(quint8(text[3]));
 }
 
+// The code of a tag as libavcodec keeps it, with the first character in the lowest byte.
+[[nodiscard]] constexpr quint32 fourCharCodeOfTag(quint32 tag)
+{
+    return ((tag & 0xFFU) << 24) | ((tag & 0xFF00U) << 8) | ((tag >> 8) & 0xFF00U) | (tag >> 24);
+}
+
 // Not owned; null returns to the registry of the FFmpeg libraries and the program's own encoder.
 void setComponentRegistry(ComponentRegistry* registry);
 [[nodiscard]] ComponentRegistry& componentRegistry();

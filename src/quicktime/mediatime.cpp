@@ -61,6 +61,18 @@ float secondsFloat(const MediaTime& time)
     return time.timeScale == 0 ? 0.0F : static_cast<float>(time.timeValue) / static_cast<float>(time.timeScale);
 }
 
+qint64 truncated64(double value)
+{
+    constexpr double limit = 9.2e18;
+    if (std::isnan(value))
+        return 0;
+    if (value >= limit)
+        return std::numeric_limits<qint64>::max();
+    if (value <= -limit)
+        return std::numeric_limits<qint64>::min();
+    return static_cast<qint64>(value);
+}
+
 qint64 valueInScale(const MediaTime& time, qint32 scale)
 {
     if (time.timeScale <= 0)

@@ -27,6 +27,8 @@ struct MediaTimeRange {
 // Seconds in the precision of the name; 0 for a scale of 0.
 [[nodiscard]] double secondsDouble(const MediaTime& time);
 [[nodiscard]] float secondsFloat(const MediaTime& time);
+// Towards zero, saturating; 0 for what is no number.
+[[nodiscard]] qint64 truncated64(double value);
 // The same instant in another scale, rounded to the nearest unit, saturating; 0 for a scale of 0.
 [[nodiscard]] qint64 valueInScale(const MediaTime& time, qint32 scale);
 

@@ -12,21 +12,12 @@
 #include "quicktime/movieslots.h"
 
 #include <cmath>
-#include <limits>
 
 namespace tavrix
 {
 
 namespace
 {
-
-qint64 truncated64(double value)
-{
-    constexpr double limit = 9.2e18;
-    if (!(std::fabs(value) < limit))
-        return 0;
-    return static_cast<qint64>(value);
-}
 
 bool failedCutJob(const char* reason)
 {

@@ -5,26 +5,11 @@
 #include "quicktime/moviequeries.h"
 #include "quicktime/movieslots.h"
 
-#include <cmath>
-#include <limits>
-
 namespace tavrix
 {
 
 namespace
 {
-
-qint64 truncated64(double value)
-{
-    constexpr double limit = 9.2e18;
-    if (std::isnan(value))
-        return 0;
-    if (value >= limit)
-        return std::numeric_limits<qint64>::max();
-    if (value <= -limit)
-        return std::numeric_limits<qint64>::min();
-    return static_cast<qint64>(value);
-}
 
 // False when neither the plain nor, where allowed, the asynchronous way opens the file.
 bool openForView(const QString& path, MovieView& view, bool asyncFlag)

@@ -51,7 +51,7 @@ std::uint32_t codeOfStream(const StreamFacts& stream, bool isAvi)
                                         nullptr};
     if (av_codec_get_tag2(tables, stream.codec, &tag) == 0)
         return stream.tag;
-    return ((tag & 0xFFU) << 24) | ((tag & 0xFF00U) << 8) | ((tag >> 8) & 0xFF00U) | (tag >> 24);
+    return fourCharCodeOfTag(tag);
 }
 
 void takeSoundFacts(const StreamFacts& stream, SampleDescription& description)

@@ -5,6 +5,9 @@
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 
+#include <cmath>
+#include <limits>
+
 namespace tavrix::test
 {
 
@@ -113,6 +116,15 @@ TEST(QTStringFromTimeTest, isThreePiecesWithMicroseconds)
     EXPECT_TEXT(QTStringFromTime(QTMakeTime(-90, 60)), QStringLiteral("-0:00:01.500000"));
     EXPECT_TEXT(QTStringFromTime(QTMakeTime(5, 0)), QStringLiteral("0:00:00.000000"));
     EXPECT_TEXT(QTStringFromTime(QTMakeTime(1001, 30000)), QStringLiteral("0:00:00.033367"));
+}
+
+TEST(MediaTimeTest, unitsAreTruncatedAndSaturate)
+{
+    EXPECT_EQ(truncated64(1499.99), 1499);
+    EXPECT_EQ(truncated64(-1.9), -1);
+    EXPECT_EQ(truncated64(1e30), std::numeric_limits<qint64>::max());
+    EXPECT_EQ(truncated64(-1e30), std::numeric_limits<qint64>::min());
+    EXPECT_EQ(truncated64(std::nan("")), 0);
 }
 
 TEST(MediaTimeTest, convertsBetweenScalesRoundingToTheNearest)

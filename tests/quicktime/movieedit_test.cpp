@@ -291,6 +291,14 @@ TEST_F(MovieEditTest, everyFailureOfTheJobReleasesTheMovie)
                                         QStringLiteral("QTKit CoupeTailleMovi:-( fin (echec Export)")}));
 }
 
+TEST_F(MovieEditTest, aStartBeyondAnyMovieIsAFailureNotAWholeCopy)
+{
+    const LogCapture log;
+    EXPECT_FALSE(movieCutForceSize(source_, destination_, 1e30, 30, 0, 0, 0));
+    EXPECT_TRUE(log.contains(QStringLiteral("QTKit CoupeTailleMovi:-( fin (echec MovieCoupe)")));
+    EXPECT_FALSE(itemExists(destination_));
+}
+
 TEST_F(MovieEditTest, theSourceIsNeverDeletedAsDestination)
 {
     const QString link = folder_.path(QStringLiteral("link.mov"));
