@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavrix
 {
@@ -28,25 +29,36 @@ bool hasDotComponent(const QString& path)
     return components.contains(QStringLiteral(".")) || components.contains(QStringLiteral(".."));
 }
 
-// True for the home folder, every folder that holds it, and every mounted volume: losing one is losing all the user
-// has.
-bool isPrecious(const QByteArray& item)
+// True when the path or, for a link, what it leads to is that item.
+bool namesItem(const QString& path, const struct stat& item)
 {
-    const std::optional<struct stat> status = linkStatus(item);
-    if (!status)
-        return false;
-    if (isMountPoint(item))
-        return true;
-    QString folder = homeFolder();
+    const std::optional<struct stat> own = linkStatus(nativePath(path));
+    const std::optional<struct stat> target = followedStatus(nativePath(path));
+    return (own && sameInode(*own, item)) || (target && sameInode(*target, item));
+}
+
+bool isOnTheWayTo(QString folder, const struct stat& item)
+{
     for (;;) {
-        const std::optional<struct stat> ancestor = followedStatus(nativePath(folder));
-        if (ancestor && sameInode(*ancestor, *status))
+        if (namesItem(folder, item))
             return true;
         const QString parent = stringByDeletingLastPathComponent(folder);
         if (parent == folder || parent.isEmpty())
             return false;
         folder = parent;
     }
+}
+
+// True for the home folder, every folder or link that leads to it, and every mounted volume: losing one is losing all
+// the user has.
+bool isPrecious(const QByteArray& item)
+{
+    const std::optional<struct stat> status = linkStatus(item);
+    if (!status)
+        return false;
+    const QString home = homeFolder();
+    return isMountPoint(item) || isOnTheWayTo(home, *status) ||
+           isOnTheWayTo(QFile::decodeName(resolvedPath(nativePath(home))), *status);
 }
 
 // Logs and answers true when the path must not be deleted.
@@ -158,6 +170,12 @@ bool removeItem(const QString& path, const QByteArray& item)
     return gone;
 }
 
+std::function<void(const QString&)>& deletionObserver()
+{
+    static std::function<void(const QString&)> observer;
+    return observer;
+}
+
 bool isAtOrBelow(const QByteArray& folder, const QByteArray& root)
 {
     return folder == root || root == "/" || folder.startsWith(root + '/');
@@ -184,14 +202,21 @@ bool rmCocoa(const QString& path)
         return false;
     }
     logDebug(QStringLiteral("rmCocoa             - pre-fin"));
+    if (deletionObserver())
+        deletionObserver()(expanded);
     logDebug(QStringLiteral("rmCocoa             - fin - %@"), {expanded});
     return true;
+}
+
+void setDeletionObserver(std::function<void(const QString& path)> observer)
+{
+    deletionObserver() = std::move(observer);
 }
 
 bool moveToTrash(const QString& path)
 {
     const QByteArray item = systemItemPath(path);
-    if (isPrecious(item))
+    if (hasDotComponent(path) || isPrecious(item))
         logLine(QStringLiteral("trash               :-( refused : %@"), {path});
     else if (linkStatus(item))
         leaveToTrash(item);

@@ -1,5 +1,6 @@
 #include "platform/desktop.h"
 
+#include "base/filedelete.h"
 #include "base/log.h"
 #include "base/paths.h"
 
@@ -70,6 +71,7 @@ std::unique_ptr<DesktopServices> makeSystemDesktopServices(const QString& opener
 void setDesktopServices(DesktopServices* services)
 {
     replacement = services;
+    setDeletionObserver([](const QString& path) { desktopServices().noteFileSystemChanged(path); });
 }
 
 DesktopServices& desktopServices()

@@ -24,12 +24,14 @@ public:
 [[nodiscard]] std::unique_ptr<DesktopServices>
 makeSystemDesktopServices(const QString& opener = QStringLiteral("/usr/bin/xdg-open"));
 
-// Not owned; null returns to the system's.
+// Not owned; null returns to the system's. The services are told of every guarded delete.
 void setDesktopServices(DesktopServices* services);
 [[nodiscard]] DesktopServices& desktopServices();
 
+// Failures of these three are logged. A leading tilde is expanded.
 bool revealInFinder(const QString& path); // true for any path, false for nothing
+// With its default application for "" or nothing as name. Always true.
 bool openWith(const QString& path, const QString& applicationName);
-void openFileFolder(const QString& path);
+void openFileFolder(const QString& path); // the folder or file itself; does nothing for "" or nothing
 
 } // namespace tavrix

@@ -91,6 +91,42 @@ TEST(RefusedDeletes, TheHomeAndAllThatHoldsIt)
     EXPECT_FALSE(itemExists(folder.path(QStringLiteral("homes/other"))));
 }
 
+TEST(RefusedDeletes, AHomeBehindALinkAndTheLinksThatLeadToIt)
+{
+    const TempFolder folder;
+    const QString keep = folder.makeFile(QStringLiteral("disk/homes/me/keep"), "k");
+    ASSERT_TRUE(QFile::link(folder.path(QStringLiteral("disk/homes")), folder.path(QStringLiteral("homes"))));
+    ASSERT_TRUE(QFile::link(folder.path(QStringLiteral("homes/me")), folder.path(QStringLiteral("me"))));
+    for (const char* home : {"me", "homes/me", "homes/me/"}) {
+        const EnvironmentChange change("HOME", QFile::encodeName(folder.path(text(home))).constData());
+        for (const char* part : {"disk", "disk/homes", "disk/homes/me"}) {
+            EXPECT_FALSE(rmCocoa(folder.path(text(part)))) << home << ' ' << part;
+            EXPECT_FALSE(removeOwnFolder(folder.path(text(part)))) << home << ' ' << part;
+        }
+        EXPECT_FALSE(rmCocoa(folder.path(text(home)))) << home;
+    }
+    const EnvironmentChange change("HOME", QFile::encodeName(folder.path(QStringLiteral("homes/me"))).constData());
+    EXPECT_FALSE(rmCocoa(folder.path(QStringLiteral("homes"))));
+    EXPECT_TRUE(rmCocoa(folder.path(QStringLiteral("me"))));
+    EXPECT_EQ(readBytes(keep), QByteArray("k"));
+}
+
+TEST(Delete, TellsItsObserverAlsoOfWhatWasNotThere)
+{
+    const TempFolder folder;
+    const QString file = folder.makeFile(QStringLiteral("a"));
+    const EnvironmentChange home("HOME", QFile::encodeName(folder.makeFolder(QStringLiteral("home"))).constData());
+    QStringList told;
+    setDeletionObserver([&told](const QString& path) { told.append(path); });
+    EXPECT_TRUE(rmCocoa(file));
+    EXPECT_TRUE(rmCocoa(file));
+    EXPECT_TRUE(rmCocoa(QStringLiteral("~/missing")));
+    EXPECT_FALSE(rmCocoa(QStringLiteral("/etc")));
+    setDeletionObserver({});
+    EXPECT_TRUE(rmCocoa(file));
+    EXPECT_TEXTS(told, (QStringList{file, file, folder.path(QStringLiteral("home/missing"))}));
+}
+
 TEST(Delete, AbsenceIsSuccess)
 {
     const TempFolder folder;
@@ -221,6 +257,15 @@ TEST_F(Trash, AnswersTrueWhateverHappens)
     EXPECT_TRUE(moveToTrash(QStringLiteral("")));
     EXPECT_TRUE(moveToTrash(folder.path(QStringLiteral("missing"))));
     EXPECT_TRUE(moveToTrash(QStringLiteral("/proc/version")));
+}
+
+TEST_F(Trash, DoesNotTakeAFolderByAWayThroughItsContents)
+{
+    folder.makeFile(QStringLiteral("t/sub/x"), "x");
+    EXPECT_TRUE(moveToTrash(folder.path(QStringLiteral("t/sub/.."))));
+    EXPECT_TRUE(moveToTrash(folder.path(QStringLiteral("t/."))));
+    EXPECT_EQ(readBytes(folder.path(QStringLiteral("t/sub/x"))), QByteArray("x"));
+    EXPECT_TEXTS(trashed(), QStringList());
 }
 
 TEST_F(Trash, AFileInItsPlaceLeavesTheProgramsOwnTrash)

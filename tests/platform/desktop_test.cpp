@@ -1,3 +1,4 @@
+#include "base/filedelete.h"
 #include "base/paths.h"
 #include "platform/desktop.h"
 #include "platform/network.h"
@@ -78,6 +79,16 @@ TEST_F(Desktop, OpensAFolderAndLogsIt)
     openFileFolder(QStringLiteral(""));
     EXPECT_TEXTS(fake.calls, QStringList({QStringLiteral("url file:///tmp/a")}));
     EXPECT_TEXTS(log.lines(), QStringList({QStringLiteral("pathStr : /tmp/a")}));
+}
+
+TEST_F(Desktop, IsToldOfEveryGuardedDelete)
+{
+    const TempFolder folder;
+    const QString file = folder.makeFile(QStringLiteral("clip"));
+    EXPECT_TRUE(rmCocoa(file));
+    EXPECT_TRUE(rmCocoa(file));
+    EXPECT_FALSE(rmCocoa(QStringLiteral("/etc")));
+    EXPECT_TEXTS(fake.calls, QStringList({QStringLiteral("changed ") + file, QStringLiteral("changed ") + file}));
 }
 
 TEST_F(Desktop, OpensOnlyWebAddresses)

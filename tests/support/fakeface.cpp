@@ -91,9 +91,4 @@ bool FakeFace::reveal(const QString& path)
     return desktopWorks;
 }
 
-void FakeFace::noteFileSystemChanged(const QString& path)
-{
-    events << QStringLiteral("changed:") + path;
-}
-
 } // namespace tavrix::test

@@ -64,7 +64,7 @@ public:
     bool openUrl(const QUrl& url) override;
     bool openFileWith(const QString& path, const QString& application) override;
     bool reveal(const QString& path) override;
-    void noteFileSystemChanged(const QString& path) override;
+    void noteFileSystemChanged(const QString& /*path*/) override {}
 
 private:
     QObject window_;
