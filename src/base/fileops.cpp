@@ -48,9 +48,17 @@ QByteArray resolvedPlace(const QByteArray& item)
     return (resolved == "/" ? resolved : resolved + '/') + item.mid(slash + 1);
 }
 
+// A folder can be neither copied nor moved into itself. A link to a folder can: it goes alone.
+bool leadsIntoItself(const Transfer& transfer)
+{
+    const std::optional<struct stat> status = linkStatus(transfer.source);
+    return status && S_ISDIR(status->st_mode) &&
+           liesBelow(resolvedPlace(transfer.destination), resolvedPath(transfer.source));
+}
+
 bool copyNow(const Transfer& transfer, QString* reason)
 {
-    if (liesBelow(resolvedPlace(transfer.destination), resolvedPath(transfer.source))) {
+    if (leadsIntoItself(transfer)) {
         *reason = systemErrorText(EINVAL);
         return false;
     }
@@ -107,10 +115,10 @@ bool prepare(const Transfer& transfer, const QString& source, const QString& des
                 logDebug(QStringLiteral("New already exists   :-( %@"), {destination});
             return false;
         }
-        // Removing the destination first would remove the source itself.
-        if (isSameFile(source, destination) ||
+        // Removing the destination first would remove the source itself or a part of it.
+        if (isSameFile(source, destination) || leadsIntoItself(transfer) ||
             liesBelow(resolvedPlace(transfer.source), resolvedPath(transfer.destination))) {
-            logLine(QStringLiteral("New is the current   :-/ %@"), {destination});
+            logLine(QStringLiteral("New overlaps current:-/ %@"), {destination});
             return true;
         }
         if (rmCocoa(destination))

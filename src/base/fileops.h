@@ -8,14 +8,16 @@ namespace tavrix
 {
 
 // False when the source does not exist, or the destination exists and the flag is not exactly "y". Otherwise true, also
-// when the copy or move itself fails (it is logged): test presence afterwards. Source and destination being the same
-// file leaves it alone and answers true.
+// when the copy or move itself fails (it is logged): test presence afterwards. Nothing is removed or written when both
+// are the same file or one holds the other; the answer is true then as well.
 bool cpCocoa(const QString& source, const QString& destination, const QString& overwriteFlag);
 bool mvCocoa(const QString& source, const QString& destination, const QString& overwriteFlag);
+// Symbolic link at linkPath to the source, which need not exist. False, with a log line, when it cannot be made.
 bool ln_sCocoa(const QString& source, const QString& linkPath);
-[[nodiscard]] QString srcFromLn(const QString& linkPath); // nothing when it is no link
-// Creates the folder with its parents; an existing one is success.
+[[nodiscard]] QString srcFromLn(const QString& linkPath); // as the link holds it; nothing when it is no link
+// Creates the folder with its parents; an existing one is success. False, with a log line, otherwise.
 bool mkdirCocoa(const QString& path);
+// The decimal number 777 gives the mode 0777, any other 0755. The flag "R" is only logged. False only for nothing.
 bool chmodCocoa(const QString& path, int mode, const QString& recursiveFlag);
 // True when a folder can be made in the path (a folder) or in its parent.
 [[nodiscard]] bool droitsAcces(const QString& path);

@@ -34,6 +34,23 @@ bool copyAll(const FileDescriptor& from, const FileDescriptor& to)
     }
 }
 
+// A file system that cannot sync a folder (EINVAL) keeps nothing back either.
+bool reachesDisk(const FileDescriptor& item)
+{
+    return ::fsync(item.get()) == 0 || errno == EINVAL;
+}
+
+// The folder's entry of a new item has to be as durable as the item.
+bool parentReachesDisk(const QByteArray& item)
+{
+    const qsizetype slash = item.lastIndexOf('/');
+    QByteArray parent(".");
+    if (slash >= 0)
+        parent = slash == 0 ? QByteArray("/") : item.left(slash);
+    const FileDescriptor folder = openFile(parent, O_RDONLY | O_DIRECTORY);
+    return folder.isOpen() && reachesDisk(folder);
+}
+
 bool keepAttributes(const FileDescriptor& copy, const struct stat& original)
 {
     const std::array<timespec, 2> times{original.st_atim, original.st_mtim};
@@ -49,7 +66,7 @@ bool copyRegularFile(const QByteArray& source, const QByteArray& destination, co
     if (!to.isOpen())
         return false;
     const bool copied =
-        copyAll(from, to) && keepAttributes(to, original) && (!durable || ::fsync(to.get()) == 0) && to.close();
+        copyAll(from, to) && keepAttributes(to, original) && (!durable || reachesDisk(to)) && to.close();
     if (!copied) {
         const int error = errno;
         ::unlink(destination.constData());
@@ -99,7 +116,7 @@ bool copyFolder(const QByteArray& source, const QByteArray& destination, const s
             return false;
     // Only now: every entry made has changed the folder's date, and a read-only mode would have kept them out.
     const FileDescriptor folder = openFile(destination, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    if (folder.isOpen() && keepAttributes(folder, original) && (!durable || ::fsync(folder.get()) == 0))
+    if (folder.isOpen() && keepAttributes(folder, original) && (!durable || reachesDisk(folder)))
         return true;
     *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
     return false;
@@ -130,7 +147,12 @@ bool copyTree(const QByteArray& source, const QByteArray& destination, bool dura
         *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText(EEXIST);
         return false;
     }
-    if (copyItem(source, destination, durable, reason))
+    bool copied = copyItem(source, destination, durable, reason);
+    if (copied && durable && !parentReachesDisk(destination)) {
+        *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
+        copied = false;
+    }
+    if (copied)
         return true;
     if (linkStatus(destination) && !removeTree(destination))
         *reason += QStringLiteral("; ") + QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();

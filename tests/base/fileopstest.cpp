@@ -118,6 +118,27 @@ TEST_P(Transfer, AFolderIsNotPutIntoItself)
     EXPECT_FALSE(itemExists(folder.path(QStringLiteral("t/inner"))));
 }
 
+TEST_P(Transfer, WhatStandsInTheSourceIsNotRemovedForIt)
+{
+    folder.makeFile(QStringLiteral("t/a"), "a");
+    folder.makeFile(QStringLiteral("t/inner/b"), "b");
+    for (const char* destination : {"t/a", "t/inner", "t/inner/b"}) {
+        EXPECT_TRUE(run(folder.path(QStringLiteral("t")), folder.path(text(destination)), "y")) << destination;
+        EXPECT_EQ(readBytes(folder.path(QStringLiteral("t/a"))), QByteArray("a")) << destination;
+        EXPECT_EQ(readBytes(folder.path(QStringLiteral("t/inner/b"))), QByteArray("b")) << destination;
+    }
+}
+
+TEST_P(Transfer, ALinkGoesIntoTheFolderItLeadsTo)
+{
+    folder.makeFolder(QStringLiteral("t"));
+    const QString link = folder.path(QStringLiteral("link"));
+    ASSERT_TRUE(QFile::link(folder.path(QStringLiteral("t")), link));
+    EXPECT_TRUE(run(link, folder.path(QStringLiteral("t/inner")), nullptr));
+    EXPECT_TEXT(srcFromLn(folder.path(QStringLiteral("t/inner"))), folder.path(QStringLiteral("t")));
+    EXPECT_EQ(itemExists(link), GetParam().keepsSource);
+}
+
 TEST_P(Transfer, WholeFoldersKeepLinksDatesAndModes)
 {
     folder.makeFile(QStringLiteral("t/sub/.hidden"), "h");
