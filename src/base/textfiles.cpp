@@ -10,6 +10,7 @@
 #include "base/paths.h"
 #include "base/posixfile.h"
 #include "base/settings.h"
+#include "base/shellquoting.h"
 #include "base/text.h"
 
 #include <QFile>
@@ -56,14 +57,6 @@ TextRead readDetecting(const QString& path)
     return read;
 }
 
-// Inside double quotes of a command line.
-QString quotedForShell(QString text)
-{
-    for (const QChar special : {u'\\', u'"', u'$', u'`'})
-        text.replace(special, QStringLiteral("\\") + special);
-    return text;
-}
-
 // A missing file counts as copyable: the shell then leaves an empty copy. Pipes and devices would never end, and a link
 // or a special file in the copy's place would be written through.
 bool canBeCopiedByShell(const QString& path, const QString& copy)
@@ -77,7 +70,7 @@ bool canBeCopiedByShell(const QString& path, const QString& copy)
 void copyByShell(const QString& path, const QString& copy)
 {
     const QString command =
-        formatText(QStringLiteral("/bin/cat \"%@\" > \"%@\""), {quotedForShell(path), quotedForShell(copy)});
+        formatText(QStringLiteral("/bin/cat \"%@\" > \"%@\""), {shellDoubleQuoted(path), shellDoubleQuoted(copy)});
     QProcess shell;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_CTYPE"), QStringLiteral("en_US.UTF-8"));

@@ -44,19 +44,6 @@ bool isQuotedWord(const QString& text)
 
 } // namespace
 
-QString shellDoubleQuoted(const QString& value)
-{
-    if (!containsAny(value, QLatin1String("\\\"$`")))
-        return value;
-    QString escaped;
-    for (const QChar c : value) {
-        if (QLatin1String("\\\"$`").contains(c))
-            escaped += QLatin1Char('\\');
-        escaped += c;
-    }
-    return escaped;
-}
-
 QString shellSingleQuoted(const QString& value)
 {
     return QString(value).replace(QLatin1String("'"), QLatin1String("'\\''"));

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "base/shellquoting.h"
+
 #include <QString>
 
 // Putting values into shell command texts so that any file name is data, while ordinary paths stay as they are.
 namespace tavrix
 {
 
-// For a slot between double quotes: a backslash before \ " $ and the backquote.
-[[nodiscard]] QString shellDoubleQuoted(const QString& value);
 // For a slot between single quotes: ' becomes '\''.
 [[nodiscard]] QString shellSingleQuoted(const QString& value);
 // For a slot without quotes: as is when harmless or already quoted by the caller, else wrapped in single quotes.
