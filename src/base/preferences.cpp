@@ -48,6 +48,9 @@ public:
         scheduleSave();
     }
 
+    // True after a save that failed: the file lacks changes that reads already show.
+    [[nodiscard]] bool hasUnappliedChanges() const { return saveFailed_; }
+
     bool save();
 
     void forget()
@@ -56,6 +59,7 @@ public:
         loaded_ = false;
         dirty_ = false;
         setAside_ = false;
+        saveFailed_ = false;
         if (timer_)
             timer_->stop();
     }
@@ -63,6 +67,7 @@ public:
 private:
     void load();
     bool putDamagedFileAside();
+    bool writeFile();
     void scheduleSave();
 
     QVariantMap values_;
@@ -70,6 +75,7 @@ private:
     bool loaded_ = false;
     bool dirty_ = false;
     bool setAside_ = false; // a damaged file still stands in the way
+    bool saveFailed_ = false;
     QPointer<QTimer> timer_;
 };
 
@@ -122,16 +128,20 @@ void PreferenceStore::scheduleSave()
 
 bool PreferenceStore::save()
 {
-    if (!dirty_)
-        return true;
+    if (dirty_)
+        saveFailed_ = !writeFile();
+    dirty_ = saveFailed_;
+    return !saveFailed_;
+}
+
+bool PreferenceStore::writeFile()
+{
     if (!putDamagedFileAside())
         return false;
     QString reason;
     const std::optional<QByteArray> xml = propertyListToXml(values_, &reason);
-    if (xml && mkdirCocoa(stringByDeletingLastPathComponent(path_)) && replaceFileAtomically(path_, *xml, &reason)) {
-        dirty_ = false;
+    if (xml && mkdirCocoa(stringByDeletingLastPathComponent(path_)) && replaceFileAtomically(path_, *xml, &reason))
         return true;
-    }
     logLine(QStringLiteral("preferences         :-( %@ : %@"), {path_, reason});
     return false;
 }
@@ -173,6 +183,8 @@ bool prefDelete(const QString& key)
 {
     if (!key.isNull() && allValues().remove(key) > 0)
         PreferenceStore::instance().changed();
+    if (PreferenceStore::instance().hasUnappliedChanges())
+        logLine(QStringLiteral("hasUnappliedChanges :-("));
     return true;
 }
 

@@ -281,8 +281,14 @@ TEST_F(Preferences, AFailedSaveStaysPending)
     const LogCapture log;
     EXPECT_FALSE(prefSynchronize());
     EXPECT_FALSE(log.lines().isEmpty());
+    EXPECT_FALSE(log.contains(key("hasUnappliedChanges :-(")));
+    EXPECT_TRUE(prefDelete(key("b")));
+    EXPECT_EQ(log.lines().count(key("hasUnappliedChanges :-(")), 1);
     ASSERT_TRUE(QFile::remove(folder.path(key("Library"))));
     EXPECT_TRUE(prefSynchronize());
+    EXPECT_TRUE(prefWrite(key("b"), 1));
+    EXPECT_TRUE(prefDelete(key("b")));
+    EXPECT_EQ(log.lines().count(key("hasUnappliedChanges :-(")), 1);
     restart();
     EXPECT_TEXT(prefRead(key("a")), key("1"));
 }
