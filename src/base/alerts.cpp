@@ -4,6 +4,7 @@
 #include "base/localisation.h"
 #include "base/log.h"
 #include "base/runloopgate.h"
+#include "base/text.h"
 
 #include <QMetaObject>
 
@@ -41,11 +42,6 @@ AlertPresenter& presenter()
 {
     static SilentPresenter silent;
     return chosenPresenter ? *chosenPresenter : silent;
-}
-
-QString notNothing(const QString& text)
-{
-    return text.isNull() ? QStringLiteral("") : text;
 }
 
 QStringList buttonTitles(const QString& defaultButton, const QString& alternateButton, const QString& otherButton)

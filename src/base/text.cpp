@@ -40,12 +40,6 @@ bool isNumberCharacter(QChar character)
            character == u'e' || character == u'E';
 }
 
-// The part of a text that exists but may be empty: never nothing.
-QString existing(QString part)
-{
-    return part.isNull() ? QStringLiteral("") : part;
-}
-
 } // namespace
 
 int leadingInteger(QStringView text)
@@ -110,10 +104,10 @@ QStringList componentsSeparated(const QString& text, const QString& separator)
     QStringList pieces;
     qsizetype start = 0;
     for (qsizetype hit = findText(text, separator); hit >= 0; hit = findText(text, separator, start)) {
-        pieces.append(existing(text.mid(start, hit - start)));
+        pieces.append(notNothing(text.mid(start, hit - start)));
         start = hit + separator.size();
     }
-    pieces.append(existing(text.mid(start)));
+    pieces.append(notNothing(text.mid(start)));
     return pieces;
 }
 
@@ -125,13 +119,13 @@ QString textAfter(const QString& text, const QString& marker, const QString& end
     }
     const qsizetype start = hit + marker.size();
     const qsizetype stop = findText(text, end, start);
-    return existing(stop < 0 ? text.mid(start) : text.mid(start, stop - start));
+    return notNothing(stop < 0 ? text.mid(start) : text.mid(start, stop - start));
 }
 
 QString textBefore(const QString& text, const QString& marker)
 {
     const qsizetype hit = findText(text, marker);
-    return hit < 0 ? text : existing(text.left(hit));
+    return hit < 0 ? text : notNothing(text.left(hit));
 }
 
 bool isNewline(QChar character)
@@ -144,7 +138,12 @@ QString decodedUtf8(const QByteArray& bytes)
 {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder.decode(bytes);
-    return decoder.hasError() ? QString() : existing(text);
+    return decoder.hasError() ? QString() : notNothing(text);
+}
+
+QString notNothing(const QString& text)
+{
+    return text.isNull() ? QStringLiteral("") : text;
 }
 
 QString capitalized(const QString& text)

@@ -39,6 +39,9 @@ namespace tavrix
 // Strict UTF-8: nothing when the bytes are not valid UTF-8, "" for no bytes. A leading byte-order mark is dropped.
 [[nodiscard]] QString decodedUtf8(const QByteArray& bytes);
 
+// The text itself, "" for nothing.
+[[nodiscard]] QString notNothing(const QString& text);
+
 // First letter upper case, the rest lower case; locale-independent.
 [[nodiscard]] QString capitalized(const QString& text);
 

@@ -40,11 +40,6 @@ const std::array<Mark, 5>& marks()
     return all;
 }
 
-QString notNothing(const QString& text)
-{
-    return text.isNull() ? QStringLiteral("") : text;
-}
-
 // Qt's decoder takes values beyond Unicode for text.
 bool holdsOnlyCodePoints(const QByteArray& body, const Mark& mark)
 {

@@ -106,6 +106,10 @@ TEST(Format, TextOfValues)
     EXPECT_TEXT(textOf(QVariant(1.77F)), text("1.77"));
     EXPECT_TEXT(textOf(QVariant(29.97F)), text("29.97"));
     EXPECT_TEXT(textOf(QVariant(100000.0F)), text("100000"));
+    EXPECT_TEXT(textOf(QVariant(1000000.0F)), text("1000000"));
+    EXPECT_TEXT(textOf(QVariant(-2500000.0F)), text("-2500000"));
+    EXPECT_TEXT(textOf(QVariant(1234567.5F)), text("1234567.5"));
+    EXPECT_TEXT(textOf(QVariant(1e10F)), text("1e+10"));
     EXPECT_TEXT(textOf(QVariant(16777216.0F)), text("16777216"));
     EXPECT_TEXT(textOf(QVariant(25.0F)), text("25"));
     EXPECT_TEXT(textOf(QVariant(0.1)), text("0.1"));
