@@ -6,9 +6,10 @@
 namespace tavrix
 {
 
-void openLocation(const QString& address);
+void openLocation(const QString& address); // does nothing for nothing; a refused address is logged
+// True when an ASCII page came back, be it empty.
 [[nodiscard]] bool internetConnexionCheck(const QString& address);
-// Nothing for nothing, "" when no ASCII page came back.
+// Nothing for nothing, "" when no ASCII page came back. Verbose (not 0) logs begin and end while debugging.
 [[nodiscard]] QString webpageSource(const QString& address, unsigned char verbose);
 
 } // namespace tavrix

@@ -94,6 +94,10 @@ float versionQT()
 
 float versionQTFromWord(quint32 word)
 {
+    if (word == 0) {
+        logLine(QStringLiteral("versionQT           :-( echec"));
+        return 0;
+    }
     const int major = static_cast<int>(word >> 24U);
     const int minor = static_cast<int>((word >> 20U) & 0xFU);
     const int fix = static_cast<int>((word >> 16U) & 0xFU);
@@ -102,16 +106,15 @@ float versionQTFromWord(quint32 word)
 
 float versionOS()
 {
-    const int word = osVersion();
-    if (word == 0) {
-        logLine(QStringLiteral("versionOS           :-( echec"));
-        return 0;
-    }
-    return versionOSFromWord(word);
+    return versionOSFromWord(osVersion());
 }
 
 float versionOSFromWord(int word)
 {
+    if (word == 0) {
+        logLine(QStringLiteral("versionOS           :-( echec"));
+        return 0;
+    }
     return versionStr2Float(formatText(QStringLiteral("%ld%ld.%ld.%ld"),
                                        {nibble(word, 3), nibble(word, 2), nibble(word, 1), nibble(word, 0)}));
 }

@@ -88,6 +88,15 @@ TEST(Version, OfTheSystemComesFromItsWord)
     EXPECT_EQ(versionOSFromWord(0x0593), 5.0903F);
 }
 
+TEST(Version, ThatIsNotToldIsLoggedAsZero)
+{
+    const LogCapture log;
+    EXPECT_EQ(versionQTFromWord(0), 0.0F);
+    EXPECT_EQ(versionOSFromWord(0), 0.0F);
+    EXPECT_TEXTS(log.lines(), (QStringList{QStringLiteral("versionQT           :-( echec"),
+                                           QStringLiteral("versionOS           :-( echec")}));
+}
+
 struct ReleaseRow {
     const char* name;
     const char* release;
