@@ -17,7 +17,7 @@ struct AlertRequest {
     QString text;
     QStringList buttons; // one to three titles: default, alternate, other
     int style = 0;       // 2 = critical
-    int seconds = 0;     // 0 = wait for an answer; else the face closes by itself after that time
+    int seconds = 0;     // 0 = wait for an answer; else the face closes by itself after that time, below 0 at once
     bool hasCheckBox = false;
     QString checkBoxTitle; // "" = the face's own words
 };

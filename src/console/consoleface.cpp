@@ -33,7 +33,7 @@ struct TypedLine {
 // One line of standard input. No event loop runs meanwhile, so that signals are looked for here.
 TypedLine typedLine(int seconds)
 {
-    const QDeadlineTimer deadline(seconds > 0 ? seconds * 1000LL : -1);
+    const QDeadlineTimer deadline(seconds == 0 ? -1 : qMax(0, seconds) * 1000LL);
     const int signalFile = watchedSignalsFile();
     std::array<pollfd, 2> inputs = {pollfd{STDIN_FILENO, POLLIN, 0}, pollfd{signalFile, POLLIN, 0}};
     bool interrupted = false;
