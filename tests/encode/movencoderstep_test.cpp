@@ -138,9 +138,11 @@ TEST_F(MovencoderStep, FractionOfAMegabyteTooLittleRefuses)
 
 TEST_F(MovencoderStep, SpaceIsComparedInSinglePrecision)
 {
-    // 16777217 megabytes are not told from 16777216.
-    setFreeSpaceForTests(16777217);
-    EXPECT_TRUE(encPostQtEnc(output_, 91512096.0F, 1.78F, QString()).has_value());
+    // 16777220 are needed, and 16777219 megabytes are not told from that.
+    setFreeSpaceForTests(16777219);
+    const LogCapture log;
+    EXPECT_TRUE(encPostQtEnc(output_, 91512112.0F, 1.78F, QString()).has_value());
+    EXPECT_TRUE(log.contains(QStringLiteral("necessary=16777220 ? available=16777219")));
 }
 
 TEST_F(MovencoderStep, ShortClipNeedsLessThanNothing)
