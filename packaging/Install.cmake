@@ -41,6 +41,6 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What is started as a program, or loaded as a plug-in, is found by no look at the shared libraries.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "ffmpeg, binutils, file, procps, bc, bash, mawk | gawk, xdg-utils")
 if(TARGET tavrix)
-  string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", qt6-qpa-plugins, libqt6svg6")
+  string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", qt6-qpa-plugins, libqt6svg6, qt6-translations-l10n")
 endif()
 include(CPack)

@@ -3,7 +3,8 @@
 run_packages="ffmpeg binutils file procps bc bash mawk xdg-utils"
 build_packages="g++ cmake ninja-build pkg-config qt6-base-dev libqt6svg6-dev qt6-multimedia-dev libgl1-mesa-dev
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libplist-dev"
-window_packages="libqt6svg6 libqt6multimediawidgets6 qt6-qpa-plugins fonts-dejavu-core"
+window_packages="libqt6svg6 libqt6multimediawidgets6 qt6-qpa-plugins
+    qt6-translations-l10n fonts-dejavu-core"
 test_packages="libgtest-dev libgmock-dev libbenchmark-dev"
 
 # install_missing PACKAGE...: installs what dpkg does not know as installed, saying what; fails when it cannot.

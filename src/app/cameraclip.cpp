@@ -144,7 +144,8 @@ QString clipDescription(const MediaInfoRecord& infos)
         parts << textOf(infos.value(record::v0_fps)) + QStringLiteral(" fps");
     }
     if (infos.contains(record::w_duration)) {
-        parts << secondesInt2Str(infos.value(record::w_duration).toInt());
+        const int seconds = infos.value(record::w_duration).toInt();
+        parts << formatText(QStringLiteral("%d:%02d"), {seconds / 60, seconds % 60});
     }
     return parts.join(QStringLiteral(", "));
 }

@@ -23,14 +23,38 @@ constexpr int criticalStyle = 2;
 constexpr int textWidth = 340;
 constexpr int iconSide = 48;
 
+constexpr int longestWord = 16;
+
+// Labels break lines between words only: places to break are put into long file names.
+QString breakable(const QString& text)
+{
+    constexpr QChar zeroWidthSpace(0x200B);
+    QString result;
+    int run = 0;
+    for (const QChar c : text) {
+        run = c.isSpace() ? 0 : run + 1;
+        if (run > longestWord && !c.isLowSurrogate()) {
+            result += zeroWidthSpace;
+            run = 1;
+        }
+        result += c;
+    }
+    return result;
+}
+
 QLabel* plainLabel(const QString& text, const char* name, QWidget* parent)
 {
     auto* label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
-    label->setText(text);
+    const QString shown = breakable(text);
+    label->setText(shown);
+    label->setAccessibleName(text);
     label->setObjectName(QLatin1String(name));
     label->setWordWrap(true);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    if (shown == text) {
+        // A copied name must not hold the invisible breaks.
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    }
     label->setMinimumWidth(textWidth);
     return label;
 }

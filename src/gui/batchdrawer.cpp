@@ -105,12 +105,12 @@ void BatchDrawer::buildButtons(QHBoxLayout* line)
     bindControl(remove_, model.batchEncRemoveBt);
     connect(remove_, &QPushButton::clicked, this, &BatchDrawer::removeSelected);
     line->addWidget(remove_);
-    auto* all = new QPushButton(QStringLiteral("@@Win_removeAll"), this);
-    all->setAccessibleName(QStringLiteral("@@Win_acc_removeAll"));
-    bindControl(all, model.batchEncRemoveAllBt);
-    connect(all, &QPushButton::clicked, this,
+    removeAll_ = new QPushButton(QStringLiteral("@@Win_removeAll"), this);
+    removeAll_->setAccessibleName(QStringLiteral("@@Win_acc_removeAll"));
+    bindControl(removeAll_, model.batchEncRemoveAllBt);
+    connect(removeAll_, &QPushButton::clicked, this,
             [this, &model] { controller_.encBatchRemoveAll(&model.batchEncRemoveAllBt); });
-    line->addWidget(all);
+    line->addWidget(removeAll_);
 }
 
 void BatchDrawer::removeSelected()
@@ -151,6 +151,7 @@ void BatchDrawer::refreshHead()
     format_->setEnabled(any && !running);
     preview_->setEnabled(any);
     remove_->setEnabled(any && controller_.model().batchEncRemoveBt.isEnabled());
+    removeAll_->setEnabled(rows.count() > 0 && controller_.model().batchEncRemoveAllBt.isEnabled());
     format_->setCurrentIndex(any ? rows.row(selected).out : -1);
 }
 

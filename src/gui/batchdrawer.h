@@ -44,6 +44,7 @@ private:
     QComboBox* format_ = nullptr;
     QPushButton* preview_ = nullptr;
     QPushButton* remove_ = nullptr;
+    QPushButton* removeAll_ = nullptr;
 };
 
 } // namespace tavrix

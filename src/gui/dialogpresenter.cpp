@@ -14,6 +14,10 @@ void DialogPresenter::setWindow(QWidget* window)
 
 void DialogPresenter::execute(AlertDialog& dialog)
 {
+    if (ending_) {
+        dialog.dismiss();
+        return;
+    }
     dialog.setWindowModality(Qt::ApplicationModal);
     running_ << QPointer<AlertDialog>(&dialog);
     dialog.exec();
@@ -47,6 +51,12 @@ void DialogPresenter::dismissAll()
             (*dialog)->dismiss();
         }
     }
+}
+
+void DialogPresenter::answerAllFromNowOn()
+{
+    ending_ = true;
+    dismissAll();
 }
 
 void DialogPresenter::showSheet(const AlertRequest& request, QObject* window, std::function<void(AlertOutcome)> done)

@@ -28,6 +28,8 @@ public:
     void setWindow(QWidget* window);
     // Answers every open modal alert by the button that changes nothing, so that the program can end.
     void dismissAll();
+    // The same, and later modal alerts are answered so without being shown.
+    void answerAllFromNowOn();
     // Length of a tenth of a second of the timed alerts; tests shorten it.
     void setTickMilliseconds(int milliseconds) { tickMilliseconds_ = milliseconds; }
 
@@ -44,6 +46,7 @@ private:
     QList<QPointer<AlertDialog>> running_;
     QHash<QWidget*, QList<Sheet>> sheets_; // first of each list is on the screen
     int tickMilliseconds_ = 100;
+    bool ending_ = false;
 };
 
 } // namespace tavrix

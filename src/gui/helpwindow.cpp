@@ -130,7 +130,7 @@ void HelpWindow::refresh()
     const bool playing = movie_->isPlaying();
     play_->setVisible(movie);
     play_->setIcon(imageNamed(playing ? QStringLiteral("btPause") : QStringLiteral("btPlay")));
-    play_->setAccessibleName(playing ? windowText("Win_image_btPause") : windowText("Win_image_btPlay"));
+    play_->setAccessibleName(playing ? windowText("Win_image_btPause") : windowText("Win_play"));
     previous_->setVisible(!movie);
     next_->setVisible(!movie);
     number_->setVisible(!movie);
@@ -144,8 +144,11 @@ void HelpWindow::refresh()
 void HelpWindow::hideEvent(QHideEvent* event)
 {
     movieviewStop(*movie_);
-    movieviewRelease(*movie_);
-    QTMOVIEVIEWrelease();
+    // A minimised window comes back by itself and then shows the movie again.
+    if (!event->spontaneous()) {
+        movieviewRelease(*movie_);
+        QTMOVIEVIEWrelease();
+    }
     QWidget::hideEvent(event);
 }
 

@@ -67,7 +67,7 @@ void MainMenu::buildApplicationMenu(QMenuBar* bar)
                 controller->iba_menuQuit();
             }
         });
-    });
+    })->setShortcutContext(Qt::ApplicationShortcut);
 }
 
 void MainMenu::buildFileMenu(QMenuBar* bar)
@@ -89,7 +89,7 @@ void MainMenu::buildFileMenu(QMenuBar* bar)
         if (QWidget* active = QApplication::activeWindow()) {
             active->close();
         }
-    });
+    })->setShortcutContext(Qt::ApplicationShortcut);
 }
 
 void MainMenu::sendToField(const char* slot)
@@ -136,12 +136,31 @@ void MainMenu::buildBatchMenu(QMenuBar* bar)
     follow(model.analyseStopBt, stopReading,
            [stopReading, &model] { stopReading->setEnabled(!model.analyseStopBt.isHidden()); });
     menu->addSeparator();
-    add(menu, "menuPreview", "@@Win_menuPreview", QKeySequence(Qt::CTRL | Qt::Key_Y),
-        [this, &model] { controller_.iba_preview(model.encBatchArrayController.selectedRow()); });
-    add(menu, "menuRemove", "@@Win_menuRemove", QKeySequence(Qt::CTRL | Qt::Key_Delete),
-        [this, &model] { controller_.encBatchRemove(&model.batchEncRemoveBt); });
-    add(menu, "menuRemoveAll", "@@Win_menuRemoveAll", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete),
-        [this, &model] { controller_.encBatchRemoveAll(&model.batchEncRemoveAllBt); });
+    buildRowItems(menu);
+}
+
+void MainMenu::buildRowItems(QMenu* menu)
+{
+    WindowModel& model = controller_.model();
+    BatchList& rows = model.encBatchArrayController;
+    QAction* preview = add(menu, "menuPreview", "@@Win_menuPreview", QKeySequence(Qt::CTRL | Qt::Key_Y),
+                           [this, &rows] { controller_.iba_preview(rows.selectedRow()); });
+    QAction* remove = add(menu, "menuRemove", "@@Win_menuRemove", QKeySequence(Qt::CTRL | Qt::Key_Delete),
+                          [this, &model] { controller_.encBatchRemove(&model.batchEncRemoveBt); });
+    QAction* removeAll =
+        add(menu, "menuRemoveAll", "@@Win_menuRemoveAll", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete),
+            [this, &model] { controller_.encBatchRemoveAll(&model.batchEncRemoveAllBt); });
+    const auto refresh = [preview, remove, removeAll, &rows] {
+        const bool any = rows.selectedRow() >= 0 && rows.selectedRow() < rows.count();
+        preview->setEnabled(any);
+        remove->setEnabled(any);
+        removeAll->setEnabled(rows.count() > 0);
+    };
+    connect(&rows, &BatchList::selectionChanged, this, refresh);
+    connect(&rows, &QAbstractItemModel::rowsInserted, this, refresh);
+    connect(&rows, &QAbstractItemModel::rowsRemoved, this, refresh);
+    connect(&rows, &QAbstractItemModel::modelReset, this, refresh);
+    refresh();
 }
 
 void MainMenu::buildWindowMenu(QMenuBar* bar)

@@ -26,6 +26,7 @@ private:
     void buildFileMenu(QMenuBar* bar);
     void buildEditMenu(QMenuBar* bar);
     void buildBatchMenu(QMenuBar* bar);
+    void buildRowItems(QMenu* menu);
     void buildWindowMenu(QMenuBar* bar);
     void buildHelpMenu(QMenuBar* bar);
     void buildLogItems(QMenu* menu);

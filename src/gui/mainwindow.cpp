@@ -21,8 +21,11 @@
 #include "gui/windowtext.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QMenuBar>
 #include <QPointer>
 #include <QVBoxLayout>
@@ -160,6 +163,11 @@ void MainWindow::localise()
     FVAutoLocalizeSetName(QStringLiteral("Window"));
     FVAutoLocalizeWindow(this);
     FVAutoLocalizeMenu(menuBar());
+    // The toolkit's own texts, such as those of the file choosers.
+    if (toolkitTexts_.load(QLocale(currentLanguage()), QStringLiteral("qtbase"), QStringLiteral("_"),
+                           QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&toolkitTexts_);
+    }
 }
 
 void MainWindow::openPaths(const QStringList& paths)

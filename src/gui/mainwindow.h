@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTranslator>
 
 class QHBoxLayout;
 class QVBoxLayout;
@@ -52,6 +53,7 @@ private:
     bool drawerWasOpen_ = false;
     int heightBefore_ = 0; // of the window before it grew for the drawer
     int heightOpen_ = 0;   // after that
+    QTranslator toolkitTexts_;
 };
 
 } // namespace tavrix

@@ -8,6 +8,7 @@
 #include "base/paths.h"
 #include "base/runloopgate.h"
 #include "base/text.h"
+#include "gui/windowtext.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -23,6 +24,8 @@ namespace
 QPointer<QWidget> pickerWindow;
 // Folder of the last choice of a file.
 QString defaultFolder;
+QList<QFileDialog*> openChoosers;
+bool cancelling = false;
 
 // A chooser that also ends with a folder: the platform's ones enter it instead.
 class FileOrFolderDialog : public QFileDialog
@@ -46,8 +49,14 @@ QStringList chosenPaths(QFileDialog& dialog, const QString& title, const QString
     dialog.setObjectName(QStringLiteral("fileChooser"));
     dialog.setWindowTitle(title);
     dialog.setDirectory(folder);
+    if (cancelling) {
+        return {};
+    }
     const ModalGateCloser gate;
-    if (dialog.exec() != QDialog::Accepted) {
+    openChoosers << &dialog;
+    const int result = dialog.exec();
+    openChoosers.removeLast();
+    if (result != QDialog::Accepted) {
         return {};
     }
     QStringList paths;
@@ -64,11 +73,15 @@ QString startFolder()
     return defaultFolder.isEmpty() ? homeFolder() : defaultFolder;
 }
 
-QStringList chosenFiles(QFileDialog::FileMode mode, const QString& title, const QStringList& patterns)
+// The kind of the files is shown instead of their patterns when it has a name.
+QStringList chosenFiles(QFileDialog::FileMode mode, const QString& title, const QStringList& patterns,
+                        const QString& kind = QString())
 {
     QFileDialog dialog(pickerWindow);
     dialog.setFileMode(mode);
-    dialog.setNameFilter(patterns.join(QLatin1Char(' ')));
+    const QString filter = patterns.join(QLatin1Char(' '));
+    dialog.setOption(QFileDialog::HideNameFilterDetails, !kind.isEmpty());
+    dialog.setNameFilter(kind.isEmpty() ? filter : kind + QStringLiteral(" (") + filter + QLatin1Char(')'));
     // The chooser's own menu must not rename or delete clips.
     dialog.setOption(QFileDialog::ReadOnly);
     QStringList paths = chosenPaths(dialog, title, startFolder());
@@ -91,6 +104,16 @@ QStringList chosenFolder(const QString& title, const QString& folder)
 void setPickerWindow(QWidget* window)
 {
     pickerWindow = window;
+    cancelling = false;
+}
+
+void cancelPickers()
+{
+    cancelling = true;
+    const QList<QFileDialog*> choosers = openChoosers;
+    for (auto chooser = choosers.crbegin(); chooser != choosers.crend(); ++chooser) {
+        (*chooser)->reject();
+    }
 }
 
 QStringList selectFilePatterns(const QStringList& types)
@@ -136,7 +159,8 @@ std::optional<QStringList> selectFileFolder(const QString& title)
 
 QStringList selectSources(const QString& title)
 {
-    return chosenFiles(QFileDialog::ExistingFiles, title, selectFilePatterns(documentTypeExtensions()));
+    return chosenFiles(QFileDialog::ExistingFiles, title, selectFilePatterns(documentTypeExtensions()),
+                       windowText("Win_clipFiles"));
 }
 
 QString selectSourceFolder(const QString& title)

@@ -11,8 +11,10 @@ class QWidget;
 namespace tavrix
 {
 
-// Window that the choosers stand before; null: none.
+// Window that the choosers stand before; null: none. Choosers open again after cancelPickers().
 void setPickerWindow(QWidget* window);
+// Cancels the open choosers and every later one, so that the program can end.
+void cancelPickers();
 
 // One existing file of the given extensions, each also in upper case and capitalised; nothing when cancelled. The first
 // argument is not used.

@@ -50,14 +50,14 @@ void PreferencesSheet::buildFormat(QVBoxLayout* layout)
 {
     WindowModel& model = controller_.model();
     layout->addWidget(heading("@@Win_formatOfNew", this));
-    auto* formats = new SegmentedView(outputFormatCount, this);
+    formats_ = new SegmentedView(outputFormatCount, this);
     for (int out = 0; out < outputFormatCount; ++out) {
-        formats->setLabel(out, QStringLiteral("@@Win_format%1").arg(out));
-        formats->segment(out)->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        formats_->setLabel(out, QStringLiteral("@@Win_format%1").arg(out));
+        formats_->segment(out)->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
-    formats->setAccessibleName(QStringLiteral("@@Win_formatOfNew"));
-    bindSegments(formats, model.prefCheckMatrix, [this] { controller_.prefCheckCaptions(); });
-    layout->addWidget(formats);
+    formats_->setAccessibleName(QStringLiteral("@@Win_formatOfNew"));
+    bindSegments(formats_, model.prefCheckMatrix, [this] { controller_.prefCheckCaptions(); });
+    layout->addWidget(formats_);
     auto* caption = new QLabel(this);
     caption->setProperty("role", QStringLiteral("caption"));
     caption->setWordWrap(true);
@@ -109,6 +109,15 @@ void PreferencesSheet::buildEnd(QVBoxLayout* layout)
     connect(close, &QPushButton::clicked, this, [this] { controller_.iba_menuPrefClose(); });
     line->addWidget(close);
     layout->addLayout(line);
+}
+
+// The keyboard starts at the format in force, not at the first one.
+void PreferencesSheet::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (QToolButton* chosen = formats_->segment(controller_.model().prefCheckMatrix.selectedSegment())) {
+        chosen->setFocus();
+    }
 }
 
 void PreferencesSheet::reject()

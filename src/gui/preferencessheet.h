@@ -8,6 +8,7 @@ namespace tavrix
 {
 
 class appDelegate;
+class SegmentedView;
 
 // The preferences: output format of new clips, default destination, colour theme. Closing it in any way keeps them.
 class PreferencesSheet : public QDialog
@@ -18,6 +19,7 @@ public:
 
 protected:
     void reject() override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void buildFormat(QVBoxLayout* layout);
@@ -26,6 +28,7 @@ private:
     void buildEnd(QVBoxLayout* layout);
 
     appDelegate& controller_;
+    SegmentedView* formats_ = nullptr;
 };
 
 } // namespace tavrix

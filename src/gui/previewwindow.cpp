@@ -72,7 +72,7 @@ PreviewWindow::~PreviewWindow() = default;
 void PreviewWindow::buildControls(QHBoxLayout* line)
 {
     play_ = imageButton(QStringLiteral("btPlay"), QStringLiteral("previewPlayBt"), this);
-    nameControl(play_, windowText("Win_image_btPlay"));
+    nameControl(play_, windowText("Win_play"));
     connect(play_, &QToolButton::clicked, this, &PreviewWindow::togglePlay);
     line->addWidget(play_);
     auto* stopButton = imageButton(QStringLiteral("btStop"), QStringLiteral("previewStopBt"), this);
@@ -100,20 +100,33 @@ void PreviewWindow::buildControls(QHBoxLayout* line)
         }
     });
     line->addWidget(loop);
-    auto* volume = new QSlider(Qt::Horizontal, this);
-    volume->setObjectName(QStringLiteral("previewVolume"));
-    volume->setRange(0, volumeSteps);
-    volume->setValue(volumeSteps);
-    volume->setFixedWidth(80);
-    nameControl(volume, windowText("Win_acc_volume"));
-    connect(volume, &QSlider::valueChanged, this,
-            [this](int value) { movieviewVolume(*movie_, static_cast<float>(value) / volumeSteps); });
-    line->addWidget(volume);
+    buildVolume(line);
     connect(movie_, &MovieWidget::positionChanged, this, &PreviewWindow::showTime);
     connect(movie_, &MovieWidget::playingChanged, this, [this](bool playing) {
         play_->setIcon(imageNamed(playing ? QStringLiteral("btPause") : QStringLiteral("btPlay")));
-        nameControl(play_, playing ? windowText("Win_image_btPause") : windowText("Win_image_btPlay"));
+        nameControl(play_, playing ? windowText("Win_image_btPause") : windowText("Win_play"));
     });
+}
+
+void PreviewWindow::buildVolume(QHBoxLayout* line)
+{
+    auto* caption = new QLabel(windowText("Win_acc_volume"), this);
+    caption->setProperty("role", QStringLiteral("caption"));
+    line->addSpacing(6);
+    line->addWidget(caption);
+    volume_ = new QSlider(Qt::Horizontal, this);
+    volume_->setObjectName(QStringLiteral("previewVolume"));
+    volume_->setRange(0, volumeSteps);
+    volume_->setValue(volumeSteps);
+    volume_->setFixedWidth(80);
+    nameControl(volume_, windowText("Win_acc_volume"));
+    connect(volume_, &QSlider::valueChanged, this, &PreviewWindow::applyVolume);
+    line->addWidget(volume_);
+}
+
+void PreviewWindow::applyVolume()
+{
+    movieviewVolume(*movie_, static_cast<float>(volume_->value()) / volumeSteps);
 }
 
 void PreviewWindow::showMovie(const QString& path)
@@ -129,6 +142,8 @@ void PreviewWindow::showMovie(const QString& path)
     activateWindow();
     play_->setFocus();
     if (opened) {
+        // The volume stays what it was for the clip before.
+        applyVolume();
         movieviewPlay(*movie_);
     }
 }

@@ -30,6 +30,8 @@ protected:
 
 private:
     void buildControls(QHBoxLayout* line);
+    void buildVolume(QHBoxLayout* line);
+    void applyVolume();
     void togglePlay();
     void stop();
     void showTime();
@@ -38,6 +40,7 @@ private:
     QLabel* words_;
     QToolButton* play_ = nullptr;
     QSlider* time_ = nullptr;
+    QSlider* volume_ = nullptr;
     QLabel* timeText_ = nullptr;
 };
 

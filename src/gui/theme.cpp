@@ -84,8 +84,10 @@ QPushButton, QToolButton { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, s
 QToolButton { padding: 4px 8px; }
 QPushButton:hover, QToolButton:hover { border-color: %accent; }
 QPushButton:pressed, QToolButton:pressed, QToolButton:checked { background: %field; border-color: %accent; }
+QToolButton:checked { background: %accent; color: %accentText; border-color: %accent; }
 QPushButton:focus, QToolButton:focus { border: 2px solid %accent; padding: 3px 11px; }
 QToolButton:focus { padding: 3px 7px; }
+QToolButton:checked:focus { border: 2px solid %text; }
 QPushButton:disabled, QToolButton:disabled { color: #A4ABB6; background: #2B3038; border-color: #444B56; }
 QPushButton[role="primary"]:enabled { background: %accent; color: %accentText; border-color: %accent;
   font-weight: 600; }

@@ -5,6 +5,7 @@
 #include "gui/pickers.h"
 #include "gui/preferencessheet.h"
 #include "gui/previewwindow.h"
+#include "gui/windowtext.h"
 
 #include <QApplication>
 
@@ -27,7 +28,7 @@ QObject* WindowFace::window()
 
 QString WindowFace::selectFolder(const QString& title)
 {
-    return tavrix::selectFolder(title);
+    return tavrix::selectFolder(title.isNull() ? windowText("Win_chooseDestination") : title);
 }
 
 void WindowFace::beep()

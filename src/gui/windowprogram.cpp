@@ -79,8 +79,9 @@ void WindowProgram::openFiles(const QStringList& paths)
 
 void WindowProgram::endNow()
 {
-    // An open alert would keep the end waiting behind it.
-    presenter_.dismissAll();
+    // An open alert or chooser, or one that follows it, would keep the end waiting behind it.
+    presenter_.answerAllFromNowOn();
+    cancelPickers();
     RunLoopGate::instance().deliver([controller = QPointer(controller_.get())] {
         if (controller) {
             controller->quitWithoutQuestion();

@@ -155,6 +155,19 @@ TEST_F(Alerts, TextsAreShownAsTheyAre)
                 QStringLiteral("A & B"));
 }
 
+TEST_F(Alerts, ALongFileNameDoesNotWidenTheAlert)
+{
+    const QString longName = QString(200, QLatin1Char('W')) + QStringLiteral(".mov");
+    whenOpen([&longName](AlertDialog& dialog) {
+        EXPECT_LT(dialog.width(), 620);
+        auto* title = dialog.findChild<QLabel*>(QStringLiteral("alertTitle"));
+        EXPECT_TEXT(title->accessibleName(), longName);
+        EXPECT_GE(title->height(), title->heightForWidth(title->width()));
+        dialog.findChild<QPushButton*>(QStringLiteral("alertButton0"))->click();
+    });
+    displayAlert(longName, longName, 0, nullptr);
+}
+
 TEST_F(Alerts, CriticalAlertsHaveTheirOwnIcon)
 {
     for (const auto& [style, image] : {std::pair(2, "alertCritical"), std::pair(0, "tavrix")}) {
@@ -246,6 +259,17 @@ TEST_F(Alerts, DismissedAlertsChangeNothing)
     EXPECT_TEXT(displayAlertDelayed(QStringLiteral("t"), QString(), QStringLiteral("Replace"), QStringLiteral("Keep"),
                                     QString(), 0, 600),
                 QStringLiteral("Keep"));
+}
+
+TEST_F(Alerts, AlertsThatFollowTheEndAreNotShown)
+{
+    whenOpen([this](AlertDialog&) { presenter_.answerAllFromNowOn(); });
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TEXT(displayAlertDelayed(QStringLiteral("t"), QString(), QStringLiteral("Replace"),
+                                        QStringLiteral("Keep"), QString(), 0, 600),
+                    QStringLiteral("Keep"));
+    }
+    EXPECT_TRUE(openAlerts().isEmpty());
 }
 
 } // namespace tavrix::test

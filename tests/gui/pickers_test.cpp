@@ -118,6 +118,25 @@ TEST_F(Pickers, CancelledChoosersGiveNothing)
     EXPECT_TEXT(third.title, QStringLiteral("Select a File or a Folder"));
 }
 
+TEST_F(Pickers, TheEndOfTheProgramCancelsOpenAndLaterChoosers)
+{
+    QTimer::singleShot(20, [] { cancelPickers(); });
+    EXPECT_TEXT(selectFolder(QString()), QString());
+    EXPECT_TEXT(selectFile(QString(), {QStringLiteral("avi")}), QString());
+    EXPECT_FALSE(RunLoopGate::instance().isClosed());
+    setPickerWindow(nullptr);
+    const Chooser chooser(folder_.makeFolder(QStringLiteral("later")));
+    EXPECT_FALSE(selectFolder(QString()).isNull());
+}
+
+TEST_F(Pickers, SourcesAreNamedByTheirKindNotByTheirPatterns)
+{
+    const Chooser chooser{QString()};
+    EXPECT_TRUE(selectSources(QStringLiteral("Clips?")).isEmpty());
+    ASSERT_EQ(chooser.filters.size(), 1);
+    EXPECT_TRUE(chooser.filters.first().startsWith(QStringLiteral("Camera clips")));
+}
+
 TEST_F(Pickers, SelectFolderWantsAWritableFolder)
 {
     const QString folder = folder_.makeFolder(QStringLiteral("there"));

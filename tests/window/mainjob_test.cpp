@@ -79,7 +79,7 @@ TEST_F(MainJob, ThreeDroppedClipsAreConverted)
     EXPECT_TRUE(find<QWidget>("encStopBt.0")->isVisible());
     EXPECT_EQ(find<QLabel>("mainEncProgressCaptionStr")->text(), QStringLiteral("a.MTS"));
     click("encStopBt.0");
-    EXPECT_EQ(find<QToolButton>("encStopBt.0")->accessibleName(), QStringLiteral("Play"));
+    EXPECT_EQ(find<QToolButton>("encStopBt.0")->accessibleName(), QStringLiteral("Resume"));
     click("encStopBt.0");
     EXPECT_EQ(find<QToolButton>("encStopBt.0")->accessibleName(), QStringLiteral("Pause"));
     robot_->press(QStringLiteral("alertButton0"));

@@ -4,15 +4,18 @@
 #include "base/preferences.h"
 #include "base/settings.h"
 #include "gui/helpwindow.h"
+#include "gui/moviewidget.h"
 #include "gui/preferencessheet.h"
 #include "gui/previewwindow.h"
 #include "gui/theme.h"
+#include "quicktime/movieslots.h"
 #include "support/qtprinters.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QSlider>
 #include <QToolButton>
 
 namespace tavrix::test
@@ -79,6 +82,72 @@ TEST_F(PreferencesAndMenus, SegmentsAreReachedByArrowKeys)
     QTest::keyClick(first, Qt::Key_Right);
     QTest::keyClick(find<QToolButton>("prefCheckMatrix.1"), Qt::Key_Space);
     EXPECT_EQ(model().prefCheckMatrix.selectedSegment(), 1);
+}
+
+TEST_F(PreferencesAndMenus, TheKeyboardStartsAtTheFormatInForce)
+{
+    startProgram();
+    model().prefCheckMatrix.setSelectedSegment(4);
+    trigger("menuPref");
+    EXPECT_TRUE(waitFor([this] { return find<QToolButton>("prefCheckMatrix.4")->hasFocus(); }));
+}
+
+TEST_F(PreferencesAndMenus, RowItemsNeedARow)
+{
+    startProgram();
+    const auto enabled = [this] {
+        QString flags;
+        for (const char* name : {"menuPreview", "menuRemove", "menuRemoveAll"}) {
+            flags += find<QAction>(name)->isEnabled() ? QLatin1Char('1') : QLatin1Char('0');
+        }
+        return flags +
+               (find<QAbstractButton>("batchEncRemoveAllBt")->isEnabled() ? QLatin1Char('1') : QLatin1Char('0'));
+    };
+    EXPECT_TEXT(enabled(), QStringLiteral("0000"));
+    analysedClips(2);
+    rows().setSelectedRow(-1);
+    EXPECT_TEXT(enabled(), QStringLiteral("0011"));
+    rows().setSelectedRow(1);
+    EXPECT_TEXT(enabled(), QStringLiteral("1111"));
+    trigger("menuRemove");
+    EXPECT_EQ(rows().count(), 1);
+    rows().setSelectedRow(0);
+    trigger("menuRemove");
+    EXPECT_TEXT(enabled(), QStringLiteral("0000"));
+}
+
+TEST_F(PreferencesAndMenus, CloseAndQuitWorkInEveryWindow)
+{
+    startProgram();
+    trigger("menuHelp");
+    QWidget* help = program_->face().helpWindow();
+    ASSERT_TRUE(waitFor([help] { return QApplication::activeWindow() == help; }));
+    QTest::keyClick(help, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(waitFor([help] { return !help->isVisible(); }));
+    trigger("menuHelp");
+    ASSERT_TRUE(waitFor([help] { return QApplication::activeWindow() == help; }));
+    QTest::keyClick(help, Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_TRUE(waitFor([this] { return program_->hasEnded(); }));
+}
+
+TEST_F(PreferencesAndMenus, ThePreviewKeepsItsVolumeForTheNextClip)
+{
+    startProgram();
+    const QString movie = HelpWindow::moviePath();
+    if (movie.isEmpty()) {
+        GTEST_SKIP() << "the build has made no movie";
+    }
+    program_->face().preview(movie);
+    auto* preview = program_->face().previewWindow();
+    auto* volume = preview->findChild<QSlider*>(QStringLiteral("previewVolume"));
+    volume->setValue(30);
+    preview->close();
+    QTMOVIErelease();
+    program_->face().preview(movie);
+    ASSERT_TRUE(preview->movieWidget().movie());
+    EXPECT_EQ(volume->value(), 30);
+    EXPECT_FLOAT_EQ(preview->movieWidget().movie()->volume(), 0.3F);
+    preview->close();
 }
 
 TEST_F(PreferencesAndMenus, FileMenuOpensClipsFoldersAndTheDestination)

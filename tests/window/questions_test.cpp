@@ -212,6 +212,26 @@ TEST_F(Questions, ATerminationSignalEndsAnOpenQuestionAndTheProgram)
     EXPECT_EQ(tools_.count(ToolKind::Encode), launchesBefore_);
 }
 
+// Start without a destination: an alert, then the chooser that follows it.
+TEST_F(Questions, ATerminationSignalEndsTheChooserThatFollowsAnAlert)
+{
+    startProgram();
+    analysedClips(1);
+    robot_->look([this](QDialog&) { program_->endNow(); });
+    click("batchEncGoBt");
+    ASSERT_TRUE(waitFor([this] { return program_->hasEnded(); }));
+    EXPECT_EQ(terminations_, 1);
+}
+
+TEST_F(Questions, ATerminationSignalEndsAnOpenChooserAndTheProgram)
+{
+    startProgram();
+    QTimer::singleShot(50, program_.get(), [this] { program_->endNow(); });
+    trigger("menuOpenFiles");
+    ASSERT_TRUE(waitFor([this] { return program_->hasEnded(); }));
+    EXPECT_EQ(terminations_, 1);
+}
+
 TEST_F(Questions, ASecondCopyIsRefused)
 {
     startProgram();
