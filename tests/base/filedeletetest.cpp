@@ -143,6 +143,23 @@ TEST(Delete, AbsenceIsSuccess)
     EXPECT_TEXT(log.lines().last(), QStringLiteral("rmCocoa             - fin - /TXauthoring/"));
 }
 
+TEST(Delete, TellsItsStepsWhileDebugging)
+{
+    const TempFolder folder;
+    const QString file = folder.makeFile(QStringLiteral("a"));
+    setDEBUG(1);
+    const LogCapture log;
+    EXPECT_TRUE(rmCocoa(file));
+    setDEBUG(0);
+    // The lines of the recording bundle come from finding the parent folder.
+    EXPECT_TEXTS(log.lines(), (QStringList{QStringLiteral("rmCocoa             - debut - ") + file,
+                                           QStringLiteral("EyetvBundle         - debut - ") + file,
+                                           QStringLiteral("EyetvBundle         - fin   - ") + file,
+                                           QStringLiteral("File current        : exists: ") + file,
+                                           QStringLiteral("rmCocoa             - pre-fin"),
+                                           QStringLiteral("rmCocoa             - fin - ") + file}));
+}
+
 TEST(Delete, FilesFoldersAndLinksGoForGood)
 {
     const TempFolder folder;

@@ -1,7 +1,7 @@
 #include "base/conversions.h"
 
-#include "base/alerts.h"
 #include "base/settings.h"
+#include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 
@@ -122,36 +122,17 @@ TEST(NumberConversions, Timecodes)
     EXPECT_FLOAT_EQ(timecodeStr2Float(endless), 1.0F);
 }
 
-class CountingPresenter : public AlertPresenter
-{
-public:
-    AlertOutcome runModal(const AlertRequest& request) override
-    {
-        titles.append(request.title);
-        return {};
-    }
-    void showSheet(const AlertRequest& request, QObject*, std::function<void(AlertOutcome)>) override
-    {
-        titles.append(request.title);
-    }
-    std::optional<QString> runTextInput(const AlertRequest&, const QString&) override { return std::nullopt; }
-
-    QStringList titles;
-};
-
 TEST(NumberConversions, ADoubtfulTimecodeRaisesAnAlertWhileDebugging)
 {
-    CountingPresenter presenter;
-    setAlertPresenter(&presenter);
+    const test::AlertRecorder alerts;
     EXPECT_EQ(timecodeStr2Float(text("12:30")), 0);
-    EXPECT_TRUE(presenter.titles.isEmpty());
+    EXPECT_TEXTS(alerts.shown(), QStringList());
     setDEBUG(1);
     EXPECT_EQ(timecodeStr2Float(text("12:30")), 0);
     EXPECT_FLOAT_EQ(timecodeStr2Float(text("00:00:00.04")), 0.04F);
     EXPECT_FLOAT_EQ(timecodeStr2Float(text("00:00:10.00")), 10.0F);
     setDEBUG(0);
-    setAlertPresenter(nullptr);
-    EXPECT_TEXTS(presenter.titles, QStringList{text("utils > timecodeStr2Float ? :-/")});
+    EXPECT_TEXTS(alerts.shown(), QStringList{text("utils > timecodeStr2Float ? :-/: 12:30")});
 }
 
 TEST(NumberConversions, MinutesAndSeconds)

@@ -1,4 +1,6 @@
 #include "base/textfiles.h"
+#include "base/settings.h"
+#include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 
@@ -36,6 +38,18 @@ TEST(TolerantRead, AnUndecodableFileLeavesACopy)
     EXPECT_EQ(readBytes(file), bytes);
     EXPECT_EQ(readBytes(file + QStringLiteral(".txt")), bytes);
     EXPECT_TRUE(log.lines().value(1).startsWith(QStringLiteral("Error reading file at path ") + file));
+}
+
+TEST(TolerantRead, SaysWhatTheCopyHeldWhileDebugging)
+{
+    const TempFolder folder;
+    setDEBUG(1);
+    const LogCapture log;
+    EXPECT_TRUE(readContentsTxtUTF8(folder.path(QStringLiteral("missing"))).isEmpty());
+    EXPECT_TEXT(log.lines().last(), QStringLiteral("str : "));
+    EXPECT_TEXT(readContentsTxtUTF8(folder.makeFile(QStringLiteral("x"), "\x81")), QString());
+    setDEBUG(0);
+    EXPECT_TEXT(log.lines().last(), QStringLiteral("str : (null)"));
 }
 
 TEST(TolerantRead, AMissingFileReadsAsAnEmptyCopy)
@@ -185,7 +199,27 @@ TEST(Append, RefusesNothingAndEmpty)
     EXPECT_FALSE(writeTextFileUtf8Bom(file, QString()));
     EXPECT_FALSE(writeTextFileUtf8Bom(file, QStringLiteral("")));
     EXPECT_FALSE(itemExists(file));
+}
+
+TEST(Append, SaysOnTheErrorStreamThatAFileCannotBeMade)
+{
+    const TempFolder folder;
+    testing::internal::CaptureStderr();
     EXPECT_FALSE(writeTextFileUtf8Bom(folder.path(QStringLiteral("no folder/a")), QStringLiteral("x")));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Impossible to create destination file !\n");
+}
+
+TEST(Append, ShowsDevelopersAFileThatIsMade)
+{
+    const TempFolder folder;
+    const QString file = folder.path(QStringLiteral("a b.log"));
+    const AlertRecorder alerts;
+    setDEBUGDEVForTests(1);
+    EXPECT_TRUE(writeTextFileUtf8Bom(file, QStringLiteral("x")));
+    EXPECT_TRUE(writeTextFileUtf8Bom(file, QStringLiteral("y")));
+    setDEBUGDEVForTests(0);
+    EXPECT_TRUE(writeTextFileUtf8Bom(folder.path(QStringLiteral("b")), QStringLiteral("x")));
+    EXPECT_TEXTS(alerts.shown(), QStringList{file + QStringLiteral(": created")});
 }
 
 TEST(Append, LoneSurrogatesAreLossyButWritten)
@@ -254,6 +288,19 @@ TEST(WholeWrite, RefusesNothingAndReportsFailure)
     EXPECT_FALSE(ecritureFichier(path, QStringLiteral("x"), 7));
     EXPECT_TEXTS(log.lines(), (QStringList{QStringLiteral("7"), QStringLiteral("Error writing file at ") + path +
                                                                     QLatin1Char('\n') + missingFileText()}));
+}
+
+TEST(WholeWrite, SaysThatItHasWrittenWhileDebugging)
+{
+    const TempFolder folder;
+    const QString file = folder.path(QStringLiteral("a"));
+    const LogCapture log;
+    EXPECT_TRUE(ecritureFichier(file, QStringLiteral("x"), 1));
+    setDEBUG(1);
+    EXPECT_TRUE(ecritureFichier(file, QStringLiteral("x"), 2));
+    setDEBUG(0);
+    EXPECT_TEXTS(log.lines(),
+                 (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("ecritureFichier     :-)")}));
 }
 
 TEST(WholeWrite, KeepsTheOtherNamesOfTheFile)
