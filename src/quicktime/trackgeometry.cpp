@@ -37,21 +37,39 @@ bool isPicture(const SourceTrack& track)
     return track.stream ? track.stream->type == AVMEDIA_TYPE_VIDEO : track.atoms.mediaType == "vide";
 }
 
-// Formats of other containers by the code that a QuickTime library gives them.
-std::uint32_t codeOfStream(const StreamFacts& stream, bool isAvi)
+quint32 codeIn(const AVCodecTag* table, AVCodecID codec)
 {
-    if (isAvi && stream.type == AVMEDIA_TYPE_VIDEO && stream.tag != 0)
-        return stream.tag;
-    // "ms" and the format number of a WAVE header.
-    if (stream.codec == AV_CODEC_ID_AC3)
-        return (fourCharCode("ms  ") & 0xFFFF0000U) | 0x2000U;
     unsigned int tag = 0;
-    const bool isVideo = stream.type == AVMEDIA_TYPE_VIDEO;
-    const AVCodecTag* const tables[] = {isVideo ? avformat_get_mov_video_tags() : avformat_get_mov_audio_tags(),
-                                        nullptr};
-    if (av_codec_get_tag2(tables, stream.codec, &tag) == 0)
+    const AVCodecTag* const tables[] = {table, nullptr};
+    return av_codec_get_tag2(tables, codec, &tag) == 0 ? 0 : fourCharCodeOfTag(tag);
+}
+
+quint32 codeOfPicture(const StreamFacts& stream, bool isAvi)
+{
+    if (isAvi && stream.tag != 0)
         return stream.tag;
-    return fourCharCodeOfTag(tag);
+    if (const quint32 code = codeIn(avformat_get_mov_video_tags(), stream.codec); code != 0)
+        return code;
+    return stream.tag != 0 ? stream.tag : codeIn(avformat_get_riff_video_tags(), stream.codec);
+}
+
+quint32 codeOfSound(const StreamFacts& stream)
+{
+    constexpr quint32 waveFormat = fourCharCode("ms  ") & 0xFFFF0000U; // with the format number of a WAVE header
+    if (stream.codec == AV_CODEC_ID_AC3)
+        return waveFormat | 0x2000U;
+    if (stream.codec == AV_CODEC_ID_WMAV2)
+        return fourCharCode("wma2");
+    if (const quint32 code = codeIn(avformat_get_mov_audio_tags(), stream.codec); code != 0)
+        return code;
+    const quint32 number = fourCharCodeOfTag(stream.tag);
+    return number <= 0xFFFFU && number != 0 ? waveFormat | number : stream.tag;
+}
+
+// Formats of other containers by the code that a QuickTime library gives them; 0 when there is none.
+quint32 codeOfStream(const StreamFacts& stream, bool isAvi)
+{
+    return stream.type == AVMEDIA_TYPE_VIDEO ? codeOfPicture(stream, isAvi) : codeOfSound(stream);
 }
 
 void takeSoundFacts(const StreamFacts& stream, SampleDescription& description)

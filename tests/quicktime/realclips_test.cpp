@@ -3,6 +3,7 @@
 
 #include "fakemedialibrary.h"
 #include "quicktime/componentregistry.h"
+#include "quicktime/framerate.h"
 #include "quicktime/movieedit.h"
 #include "quicktime/moviefiles.h"
 #include "quicktime/movieoffsets.h"
@@ -345,9 +346,32 @@ INSTANTIATE_TEST_SUITE_P(
                   values({{"v0_codec", QStringLiteral("h264")}, {"a0_codec", QStringLiteral("ac3")}})},
         RecordRow{"matroska", "a.mkv", "-c:v mpeg4 -c:a libmp3lame", "640x360",
                   values({{"v0_codec", QStringLiteral("mpeg4")}, {"a0_codec", QStringLiteral("mp3")}})},
+        RecordRow{"flash", "a.flv", "-c:v flv -c:a libmp3lame -ar 44100", "320x240",
+                  values({{"v0_codec", QStringLiteral("flv")}, {"a0_codec", QStringLiteral("mp3")}})},
+        RecordRow{"windowsMedia", "a.wmv", "-c:v wmv2 -c:a wmav2 -ar 44100", "320x240",
+                  values({{"v0_codec", QStringLiteral("wmv2")}, {"a0_codec", QStringLiteral("wmav2")}})},
         RecordRow{"highRateSound", "a.mov", "-c:v mjpeg -c:a pcm_s16le -ar 96000", "320x240",
                   values({{"a0_rate", 96000}, {"a0_codec", QStringLiteral("lpcm")}})}),
     rowName<RecordRow>);
+
+TEST_F(RealClipTest, ratesOfTheTelevisionStandardsAreThoseOfFfprobe)
+{
+    struct Rate {
+        const char* fraction;
+        float expected;
+    };
+    for (const Rate& rate : {Rate{"24000/1001", 23.976F}, Rate{"25", 25.0F}, Rate{"30000/1001", 29.97F},
+                             Rate{"50", 50.0F}, Rate{"60000/1001", 59.94F}}) {
+        const QString fraction = text(rate.fraction);
+        const QString path =
+            clip(QStringLiteral("rate.mov"),
+                 QStringLiteral("-f lavfi -i testsrc2=size=64x64:rate=%1:duration=3 -c:v mjpeg").arg(fraction));
+        EXPECT_FLOAT_EQ(movieFpsQt(path, 0), rate.expected) << rate.fraction;
+        QTMOVIErelease();
+        const QString told = probed(path, QStringLiteral("v:0"), QStringLiteral("stream=avg_frame_rate"));
+        EXPECT_TRUE(told.startsWith(fraction)) << told.toStdString();
+    }
+}
 
 TEST_F(RealClipTest, delayedSoundHasItsOffset)
 {
