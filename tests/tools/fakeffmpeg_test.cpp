@@ -92,6 +92,17 @@ TEST_F(FakeFfmpeg, SourceThatCannotBeReadToItsEndIsAFailure)
     }
 }
 
+TEST_F(FakeFfmpeg, OutputOfAnotherRunThatEndedFirstStays)
+{
+    const std::string script = writes("late") + "printf first > '" + output() + "'";
+    const ToolEnd end = runWith(script, {"-i", "x", output()});
+    EXPECT_EQ(end.code, 1);
+    EXPECT_TRUE(contains(end.err, output() + ": File exists\n")) << end.err;
+    EXPECT_EQ(fileContents(output()), "first");
+    EXPECT_EQ(runWith(script, {"-i", "x", "-y", output()}).code, 0);
+    EXPECT_EQ(fileContents(output()), "late");
+}
+
 TEST_F(FakeFfmpeg, SourceThatShrinksMeanwhileIsAFailure)
 {
     const std::string source = name("source.mts");

@@ -78,6 +78,21 @@ TEST_P(SafeOutputTest, ReplacesAnExistingFileAtOnce)
     EXPECT_EQ(count(), 1);
 }
 
+TEST_P(SafeOutputTest, KeepsWhatHasAppearedMeanwhileWhenToldTo)
+{
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output.has_value()) << m_error;
+    write(name("clip.mp4"), "another's");
+    EXPECT_FALSE(output->commit(m_error, SafeOutput::Durability::Synced, SafeOutput::Existing::Kept));
+    EXPECT_EQ(m_error, "File exists");
+    EXPECT_EQ(read(name("clip.mp4")), "another's");
+    EXPECT_EQ(count(), 1);
+    auto next = open("next.mp4");
+    ASSERT_TRUE(next.has_value()) << m_error;
+    EXPECT_TRUE(next->commit(m_error, SafeOutput::Durability::Synced, SafeOutput::Existing::Kept)) << m_error;
+    EXPECT_EQ(count(), 2);
+}
+
 TEST_P(SafeOutputTest, LeavesNothingWhenDropped)
 {
     write(name("clip.mp4"), "old");

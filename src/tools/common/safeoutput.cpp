@@ -4,6 +4,7 @@
 #include "tools/common/fileguard.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -217,10 +218,10 @@ std::int64_t SafeOutput::size() const
     return fstat(m_fd, &info) == 0 ? static_cast<std::int64_t>(info.st_size) : -1;
 }
 
-bool SafeOutput::commit(std::string& error, Durability durability)
+bool SafeOutput::commit(std::string& error, Durability durability, Existing existing)
 {
     const bool flushed = (durability == Durability::Unsynced || flushToDisk(m_fd)) && flushByClosing(m_fd);
-    const bool published = flushed && publish();
+    const bool published = flushed && publish(existing);
     if (!published)
         error = errorText(errno);
     else if (durability == Durability::Synced)
@@ -229,29 +230,53 @@ bool SafeOutput::commit(std::string& error, Durability durability)
     return published;
 }
 
-bool SafeOutput::publish()
+bool SafeOutput::publish(Existing existing)
 {
     if (m_hiddenName.empty()) {
         const std::string source = descriptorPath(m_fd);
         if (linkat(AT_FDCWD, source.c_str(), m_folderFd, m_name.c_str(), AT_SYMLINK_FOLLOW) == 0)
             return true;
-        if (errno != EEXIST)
+        // A file cannot be linked over another one: it gets a hidden name for the moment before the rename.
+        if (errno != EEXIST || existing == Existing::Kept || !giveHiddenName())
             return false;
-        // A file cannot be linked over another one: give it a hidden name for the moment before the rename.
-        removeAbandoned(m_folderFd);
-        std::string name;
-        for (int attempt = 0; attempt < nameAttempts && m_hiddenName.empty(); ++attempt) {
-            name = freshHiddenName(m_name);
-            if (linkat(AT_FDCWD, source.c_str(), m_folderFd, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
-                m_hiddenName = name;
-            else if (errno != EEXIST)
-                return false;
-        }
     }
-    if (m_hiddenName.empty() || renameat(m_folderFd, m_hiddenName.c_str(), m_folderFd, m_name.c_str()) != 0)
+    if (!renameToFinal(existing))
         return false;
     m_hiddenName.clear();
     return true;
+}
+
+bool SafeOutput::giveHiddenName()
+{
+    removeAbandoned(m_folderFd);
+    const std::string source = descriptorPath(m_fd);
+    for (int attempt = 0; attempt < nameAttempts; ++attempt) {
+        const std::string name = freshHiddenName(m_name);
+        if (linkat(AT_FDCWD, source.c_str(), m_folderFd, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+            m_hiddenName = name;
+            return true;
+        }
+        if (errno != EEXIST)
+            return false;
+    }
+    return false;
+}
+
+bool SafeOutput::renameToFinal(Existing existing)
+{
+    if (existing == Existing::Kept) {
+        if (renameat2(m_folderFd, m_hiddenName.c_str(), m_folderFd, m_name.c_str(), RENAME_NOREPLACE) == 0)
+            return true;
+        struct stat info = {};
+        // Not every file system can look and rename in one step.
+        if (errno != EINVAL && errno != ENOSYS)
+            return false;
+        if (fstatat(m_folderFd, m_name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0) {
+            errno = EEXIST;
+            return false;
+        }
+    }
+    return renameat(m_folderFd, m_hiddenName.c_str(), m_folderFd, m_name.c_str()) == 0;
 }
 
 void SafeOutput::discard()

@@ -26,6 +26,11 @@ public:
         Unsynced, ///< for files that a crash of the machine may take
     };
 
+    enum class Existing {
+        Replaced, ///< what stands under the final name by then goes
+        Kept,     ///< it stays, and publishing fails
+    };
+
     /// Starts an output for `finalPath`, in its folder. Nothing, with the reason in `error`, when that is impossible.
     [[nodiscard]] static std::optional<SafeOutput> open(const std::string& finalPath, std::string& error,
                                                         Style style = Style::Anonymous);
@@ -46,9 +51,10 @@ public:
     /// Bytes written so far; -1 when they cannot be asked.
     [[nodiscard]] std::int64_t size() const;
 
-    /// Publishes the file under its final name, over whatever was there. False, with the reason in `error` and the
-    /// output discarded, when that fails.
-    [[nodiscard]] bool commit(std::string& error, Durability durability = Durability::Synced);
+    /// Publishes the file under its final name. False, with the reason in `error` and the output discarded, when that
+    /// fails.
+    [[nodiscard]] bool commit(std::string& error, Durability durability = Durability::Synced,
+                              Existing existing = Existing::Replaced);
     /// Drops the output; harmless when it is already published or dropped.
     void discard();
 
@@ -56,7 +62,9 @@ private:
     SafeOutput() = default;
     [[nodiscard]] bool openAnonymous();
     [[nodiscard]] bool openHidden();
-    [[nodiscard]] bool publish();
+    [[nodiscard]] bool publish(Existing existing);
+    [[nodiscard]] bool giveHiddenName();
+    [[nodiscard]] bool renameToFinal(Existing existing);
 
     std::string m_finalPath;
     std::string m_folder;

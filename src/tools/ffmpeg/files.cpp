@@ -208,31 +208,39 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
         return false;
     }
     const bool descriptor = isOpenDescriptor(output.name);
-    if (exists && !sequence && !descriptor && (!line.overwrite || line.neverOverwrite)) {
+    const bool overwrites = line.overwrite && !line.neverOverwrite;
+    if (exists && !sequence && !descriptor && !overwrites) {
         error = "File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting";
         return false;
     }
     if (sequence)
         muxer = guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"};
     if (!sequence && !descriptor && !writesOtherFiles(muxer))
-        return openFile(output, std::move(muxer), error);
+        return openFile(output.name, std::move(muxer), overwrites, error);
     passOutput("file:" + output.name, std::move(muxer));
     return true;
 }
 
-bool RunFiles::openFile(const FileEntry& output, std::vector<std::string> muxer, std::string& error)
+bool RunFiles::openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites, std::string& error)
 {
     // A name that says nothing to this tool may say something to ffmpeg, if it can see the extension.
     const auto style = muxer.empty() ? SafeOutput::Style::Hidden : SafeOutput::Style::Anonymous;
     std::string reason;
-    auto file = SafeOutput::open(output.name, reason, style);
+    auto file = SafeOutput::open(name, reason, style);
     if (!file) {
         error = m_outputNames.back().shown + ": " + reason;
         return false;
     }
     const std::string url = "file:" + file->path();
     m_outputNames.back().url = url;
-    m_outputs.push_back({std::move(file), isScratchFormat(muxer)});
+    Output made;
+    made.file = std::move(file);
+    if (isScratchFormat(muxer))
+        made.durability = SafeOutput::Durability::Unsynced;
+    // Another run may publish the same name while this one works.
+    if (!overwrites)
+        made.existing = SafeOutput::Existing::Kept;
+    m_outputs.push_back(std::move(made));
     m_urls.outputs.push_back({url, std::move(muxer)});
     return true;
 }
@@ -240,7 +248,7 @@ bool RunFiles::openFile(const FileEntry& output, std::vector<std::string> muxer,
 void RunFiles::passOutput(const std::string& url, std::vector<std::string> muxer)
 {
     m_outputNames.back().url = url;
-    m_outputs.push_back({std::nullopt, false});
+    m_outputs.emplace_back();
     m_urls.outputs.push_back({url, std::move(muxer)});
 }
 
@@ -283,10 +291,8 @@ bool RunFiles::publish(std::string& error)
     for (std::size_t i = 0; i < m_outputs.size(); ++i) {
         if (!m_outputs[i].file)
             continue;
-        const auto durability =
-            m_outputs[i].scratch ? SafeOutput::Durability::Unsynced : SafeOutput::Durability::Synced;
         std::string reason;
-        if (!m_outputs[i].file->commit(reason, durability)) {
+        if (!m_outputs[i].file->commit(reason, m_outputs[i].durability, m_outputs[i].existing)) {
             error = m_outputNames[i].shown + ": " + reason;
             return false;
         }

@@ -43,13 +43,15 @@ public:
 private:
     struct Output {
         std::optional<SafeOutput> file; // nothing: written to directly
-        bool scratch = false;
+        SafeOutput::Durability durability = SafeOutput::Durability::Synced;
+        SafeOutput::Existing existing = SafeOutput::Existing::Replaced;
     };
 
     [[nodiscard]] bool openInput(const FileEntry& input, std::string& error);
     [[nodiscard]] int keep(int descriptor);
     [[nodiscard]] bool openOutput(const FileEntry& output, const CommandLine& line, std::string& error);
-    [[nodiscard]] bool openFile(const FileEntry& output, std::vector<std::string> muxer, std::string& error);
+    [[nodiscard]] bool openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites,
+                                std::string& error);
     void passOutput(const std::string& url, std::vector<std::string> muxer);
 
     struct InputSize {
