@@ -1,5 +1,6 @@
 #include "movencodermedia.h"
 
+#include <QDataStream>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -125,6 +126,32 @@ TEST_F(MovencoderPicture, EditedMovieKeepsItsPicturesAndItsEnd)
     EXPECT_LT(source.value(QStringLiteral("nb_read_frames")).toInt(), 24);
     expectSameTimes(probe(output()), source);
     EXPECT_GE(psnr(output(), cut, QStringLiteral("[0:v][1:v]psnr")), 40.0);
+}
+
+// Packets at the border of two stretches overlap in time; the muxer wants them in order.
+TEST_F(MovencoderPicture, SoundJoinedFromTwoStretchesKeepsItsTime)
+{
+    const QString whole = folder_.path(QStringLiteral("whole.mov"));
+    // The delay gives the sound track an edit list of two entries, which are then rewritten.
+    ASSERT_TRUE(makeMedia({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                           QStringLiteral("testsrc2=s=64x64:r=25:d=2"), QStringLiteral("-itsoffset"),
+                           QStringLiteral("0.5"), QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                           QStringLiteral("sine=d=2:r=48000"), QStringLiteral("-c:v"), QStringLiteral("mjpeg"),
+                           QStringLiteral("-c:a"), QStringLiteral("pcm_s16le"), whole}));
+    auto bytes = readBytes(whole);
+    ASSERT_TRUE(bytes);
+    constexpr qsizetype typeAndVersion = 8;
+    const qsizetype list = bytes->lastIndexOf("elst");
+    ASSERT_EQ(bytes->mid(list + typeAndVersion, 4), QByteArray("\0\0\0\2", 4));
+    QByteArray edits;
+    QDataStream(&edits, QIODevice::WriteOnly)
+        << qint32(700) << qint32(4800) << qint32(65536) << qint32(900) << qint32(48000) << qint32(65536);
+    bytes->replace(list + typeAndVersion + 4, edits.size(), edits);
+    const QString joined = folder_.makeFile(QStringLiteral("joined.mov"), *bytes);
+    const ToolResult result = movencode(settingsPath(plain), QStringLiteral("aic"), joined, output());
+    ASSERT_EQ(result.status, 0) << result.errors.constData();
+    EXPECT_EQ(decodeErrors(output()).toStdString(), "");
+    EXPECT_NEAR(probe(output()).value(QStringLiteral("audio.duration")).toDouble(), 1.6, 0.03);
 }
 
 TEST_F(MovencoderPicture, RunningRowChoosesTheFormat)

@@ -6,6 +6,25 @@
 namespace tavrix::movencoder
 {
 
+namespace
+{
+
+// Takes samples off the front of a packet of uncompressed sound; false when none are left.
+bool trimFront(AVPacket& packet, const AVStream& stream, std::int64_t samples)
+{
+    const std::int64_t bytes = samples * stream.codecpar->block_align;
+    if (bytes >= packet.size)
+        return false;
+    packet.data += bytes;
+    packet.size -= static_cast<int>(bytes);
+    packet.pts += samples;
+    packet.dts += samples;
+    packet.duration = std::max<std::int64_t>(0, packet.duration - samples);
+    return true;
+}
+
+} // namespace
+
 std::unique_ptr<MovieReader> MovieReader::open(const std::string& path, std::string& error)
 {
     std::unique_ptr<MovieReader> reader(new MovieReader);
@@ -132,6 +151,35 @@ bool MovieReader::sendPacket(std::string& error)
     return result >= 0 || forgive(result, error);
 }
 
+// Where a movie's edits join several stretches, the packets at the borders reach beyond them. What overlaps goes, so
+// that the rest keeps its time; what the edits hide at the start stays, for decoders that have to warm up.
+bool MovieReader::keepsSound()
+{
+    AVPacket& packet = *packet_;
+    const auto stream = std::find_if(sounds_.begin(), sounds_.end(),
+                                     [&packet](const AVStream* sound) { return sound->index == packet.stream_index; });
+    if (stream == sounds_.end())
+        return false;
+    if (!isMovie() || packet.dts == AV_NOPTS_VALUE || packet.pts == AV_NOPTS_VALUE)
+        return true;
+    SoundPlace& place = soundPlaces_[packet.stream_index];
+    const bool hidden = (packet.flags & AV_PKT_FLAG_DISCARD) != 0;
+    if (hidden && place.heard)
+        return false;
+    place.heard = place.heard || !hidden;
+    const AVCodecParameters& parameters = *(*stream)->codecpar;
+    const bool countsSamples = av_get_exact_bits_per_sample(parameters.codec_id) > 0 && parameters.block_align > 0 &&
+                               av_cmp_q((*stream)->time_base, {1, parameters.sample_rate}) == 0;
+    const bool overlaps = place.last != AV_NOPTS_VALUE && packet.dts < place.end;
+    if (overlaps && countsSamples && !trimFront(packet, **stream, place.end - packet.dts))
+        return false;
+    if (overlaps && packet.dts <= place.last)
+        return false;
+    place.last = packet.dts;
+    place.end = packet.dts + packet.duration;
+    return true;
+}
+
 MovieReader::Item MovieReader::next(std::string& error)
 {
     for (;;) {
@@ -156,8 +204,7 @@ MovieReader::Item MovieReader::next(std::string& error)
         if (!readPacket(error))
             return Item::Failure;
         const bool video = flushing_ || packet_->stream_index == video_->index;
-        if (!video && std::any_of(sounds_.begin(), sounds_.end(),
-                                  [&](const AVStream* stream) { return stream->index == packet_->stream_index; }))
+        if (!video && keepsSound())
             return Item::Sound;
         if (video && !sendPacket(error))
             return Item::Failure;

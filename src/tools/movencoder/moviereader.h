@@ -3,6 +3,7 @@
 #include "tools/movencoder/avsupport.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -60,10 +61,19 @@ private:
     [[nodiscard]] bool complete(std::string& error) const;
     [[nodiscard]] bool isMovie() const;
     [[nodiscard]] bool forgive(int result, std::string& error);
+    [[nodiscard]] bool keepsSound();
+
+    // How far a sound stream has been handed out, in its time base.
+    struct SoundPlace {
+        bool heard = false; // something that the movie's edits do not hide
+        std::int64_t last = AV_NOPTS_VALUE;
+        std::int64_t end = AV_NOPTS_VALUE;
+    };
 
     AVFormatContext* container_ = nullptr;
     AVStream* video_ = nullptr;
     std::vector<AVStream*> sounds_;
+    std::map<int, SoundPlace> soundPlaces_; // by stream index
     CodecPtr decoder_;
     PacketPtr packet_;
     FramePtr picture_;
