@@ -340,14 +340,17 @@ TEST_F(FfmpegTool, TakesAnyFileNameAsData)
                          std::string(251, 'n') + ".mts"};
     test::RunningTool::Options options;
     options.workingFolder = folder;
+    const auto inFolder = [&](const std::string& file) {
+        return (fs::path(folder) / file).string();
+    };
     for (const std::string& file : names) {
-        fs::copy_file(clip("mts"), folder + '/' + file);
+        fs::copy_file(clip("mts"), inFolder(file));
         const std::string output = file.substr(0, file.size() - 4) + ".mov";
         for (const std::string& prefix : {std::string(), folder + '/'}) {
             const ToolEnd end =
                 runTool({"-v", "1", "-i", prefix + file, "-vcodec", "copy", "-an", "-y", prefix + output}, options);
             EXPECT_EQ(end.code, 0) << file << '\n' << end.err;
-            EXPECT_EQ(probed(folder + '/' + output, "v", "codec_name"), "codec_name=h264\n") << file;
+            EXPECT_EQ(probed(inFolder(output), "v", "codec_name"), "codec_name=h264\n") << file;
             EXPECT_TRUE(contains(end.err, "Input #0, mpegts, from '")) << file;
         }
     }

@@ -101,9 +101,7 @@ TEST(StreamLines, BecomeClassic)
 TEST(StreamLines, OtherLinesAreNotTouched)
 {
     for (const char* line : {"Stream mapping:", "  Stream #0:0 -> #0:0 (copy)", "", "  Stream #", "  Stream #0:",
-                             "  Stream "
-                             "#0:1",
-                             "Stream #0:0: Video: h264", "    title           : Stream"})
+                             "  Stream #0:1", "Stream #0:0: Video: h264", "    title           : Stream"})
         EXPECT_FALSE(classicStreamLine(line, {}).has_value()) << line;
 }
 
