@@ -23,23 +23,20 @@ constexpr int criticalStyle = 2;
 constexpr int textWidth = 340;
 constexpr int iconSide = 48;
 
-constexpr int longestWord = 16;
+constexpr int longestWord = 28;
+constexpr int pieceOfWord = 14;
 
 // Labels break lines between words only: places to break are put into long file names.
 QString breakable(const QString& text)
 {
-    constexpr QChar zeroWidthSpace(0x200B);
-    QString result;
-    int run = 0;
-    for (const QChar c : text) {
-        run = c.isSpace() ? 0 : run + 1;
-        if (run > longestWord && !c.isLowSurrogate()) {
-            result += zeroWidthSpace;
-            run = 1;
+    QStringList words = text.split(QLatin1Char(' '));
+    for (QString& word : words) {
+        for (qsizetype end = word.size() > longestWord ? word.size() - pieceOfWord : 0; end > 0; end -= pieceOfWord) {
+            const qsizetype place = word.at(end).isLowSurrogate() ? end - 1 : end;
+            word.insert(place, QChar(0x200B));
         }
-        result += c;
     }
-    return result;
+    return words.join(QLatin1Char(' '));
 }
 
 QLabel* plainLabel(const QString& text, const char* name, QWidget* parent)

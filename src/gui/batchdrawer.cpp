@@ -88,6 +88,7 @@ void BatchDrawer::buildList()
     connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &BatchDrawer::takeSelection);
     connect(list_, &QListView::doubleClicked, this, [this] { previewSelected(); });
     connect(list_, &QListView::customContextMenuRequested, this, &BatchDrawer::showMenu);
+    connect(&controller_, &appDelegate::rowStarted, this, &BatchDrawer::followRow);
     connect(details_, &RowDetails::changed, list_->viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -133,6 +134,16 @@ void BatchDrawer::showSelection()
         list_->clearSelection();
     }
     refreshHead();
+}
+
+// The list goes along with the batch, unless the user has scrolled to another place.
+void BatchDrawer::followRow(int row)
+{
+    const BatchList& rows = controller_.model().encBatchArrayController;
+    const QRect before = list_->visualRect(rows.index(qMax(0, row - 1)));
+    if (before.intersects(list_->viewport()->rect())) {
+        list_->scrollTo(rows.index(row));
+    }
 }
 
 void BatchDrawer::takeSelection()
@@ -183,7 +194,9 @@ bool BatchDrawer::eventFilter(QObject* watched, QEvent* event)
     BatchList& rows = controller_.model().encBatchArrayController;
     if (watched == list_ && event->type() == QEvent::FocusIn && rows.selectedRow() < 0 && rows.count() > 0) {
         // The arrow keys cannot select the only row of a list: there is no way to move to it.
-        rows.setSelectedRow(qMax(0, list_->currentIndex().row()));
+        const QModelIndex last = list_->currentIndex();
+        const QModelIndex seen = last.isValid() ? last : list_->indexAt(list_->viewport()->rect().center());
+        rows.setSelectedRow(qMax(0, seen.row()));
     }
     if (watched == list_ && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();

@@ -33,6 +33,7 @@ private:
     void buildList();
     void buildButtons(QHBoxLayout* line);
     void showSelection();
+    void followRow(int row);
     void takeSelection();
     void refreshHead();
     void showMenu(const QPoint& place);

@@ -21,6 +21,19 @@ QString sourceOf(const BatchRow& row)
     return row.dico.value(record::mainEncSrcPathStr).toString();
 }
 
+QString estimateWords(const BatchRow& row, double megabytes)
+{
+    if (megabytes < 0) {
+        return QStringLiteral("");
+    }
+    const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
+    const auto estimate = static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out));
+    if (estimate >= 1024) {
+        return windowText("Win_gigabytes", {fixedText(estimate / 1024, 1)});
+    }
+    return windowText("Win_megabytes", {fixedText(estimate, estimate < 10 ? 1 : 0)});
+}
+
 } // namespace
 
 RowDetails::RowDetails(BatchList& rows, QObject* parent) : QObject(parent), rows_(rows)
@@ -90,19 +103,15 @@ void RowDetails::lookUpNext()
 QString RowDetails::estimatedSize(const BatchRow& row)
 {
     const QString source = sourceOf(row);
-    if (!sizes_.contains(source)) {
-        sizes_.insert(source, poidsFile(source, QStringLiteral("m")));
+    const auto known = sizes_.constFind(source);
+    if (known != sizes_.constEnd() && known->out == row.out) {
+        return known->words;
     }
-    const double megabytes = sizes_.value(source);
-    if (megabytes < 0) {
-        return QStringLiteral("");
-    }
-    const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
-    const auto estimate = static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out));
-    if (estimate >= 1024) {
-        return windowText("Win_gigabytes", {fixedText(estimate / 1024, 1)});
-    }
-    return windowText("Win_megabytes", {fixedText(estimate, estimate < 10 ? 1 : 0)});
+    // The estimate writes to the log: it is not made anew for every painting.
+    const double megabytes = known != sizes_.constEnd() ? known->source : poidsFile(source, QStringLiteral("m"));
+    const QString words = estimateWords(row, megabytes);
+    sizes_.insert(source, {megabytes, row.out, words});
+    return words;
 }
 
 QString RowDetails::description(const BatchRow& row)

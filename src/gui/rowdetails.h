@@ -39,10 +39,16 @@ private:
     void lookUpNext();
     void forget(int first, int last);
 
+    struct Size {
+        double source = 0; // megabytes
+        int out = 0;       // format of the estimate
+        QString words;     // of the estimate
+    };
+
     BatchList& rows_;
     QHash<QString, QPixmap> thumbnails_;
     QHash<QString, QString> names_; // source path to the output's base name
-    QHash<QString, double> sizes_;  // source path to its megabytes
+    QHash<QString, Size> sizes_;    // by source path
     QStringList wanted_;            // sources whose date is still to be looked up
     QTimer lookUp_;
     int thumbnailLoads_ = 0;

@@ -77,6 +77,7 @@ QLineEdit, QPlainTextEdit, QComboBox { background: %field; color: %text; border:
   padding: 4px 6px; min-height: 18px; selection-background-color: %accent; selection-color: %accentText; }
 QLineEdit:focus, QComboBox:focus, QPlainTextEdit:focus { border: 2px solid %accent; padding: 3px 5px; }
 QLineEdit:disabled, QComboBox:disabled { color: %secondary; }
+QComboBox::drop-down { border: none; width: 20px; }
 QComboBox QAbstractItemView { background: %field; color: %text; selection-background-color: %accent;
   selection-color: %accentText; }
 QPushButton, QToolButton { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 #4B535F, stop:1 #343A43);

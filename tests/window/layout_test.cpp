@@ -228,4 +228,44 @@ TEST_F(WindowBehaviour, ThePlannedNameAndSizeOfARowAreFoundOut)
     EXPECT_TRUE(details.summary(rows().row(0)).contains(QStringLiteral("Expected size: ")));
 }
 
+TEST_F(WindowBehaviour, TheListGoesAlongWithTheBatch)
+{
+    startProgram();
+    analysedClips(12);
+    useDestination();
+    auto* list = find<QListView>("encBatchArrayController");
+    const auto isShown = [&](int row) {
+        return list->viewport()->rect().contains(list->visualRect(rows().index(row)));
+    };
+    EXPECT_FALSE(isShown(11));
+    robot_->press(QStringLiteral("alertButton0"));
+    QStringList hidden;
+    QObject::connect(&controller(), &appDelegate::rowStarted, list, [&](int row) {
+        if (!isShown(row)) {
+            hidden << QString::number(row);
+        }
+    });
+    click("batchEncGoBt");
+    EXPECT_TRUE(tools_.finishAll());
+    EXPECT_TRUE(waitFor([this] { return robot_->isDone(); }));
+    EXPECT_TEXTS(hidden, QStringList());
+    EXPECT_TRUE(isShown(11));
+}
+
+// The estimate writes a line to the log, which has no size limit.
+TEST_F(WindowBehaviour, TheSizeIsEstimatedOncePerFormat)
+{
+    startProgram();
+    analysedClips(1);
+    RowDetails& details = window().batchDrawer().details();
+    const BatchRow first = rows().row(0);
+    const QString before = details.estimatedSize(first);
+    const LogCapture log;
+    EXPECT_TEXT(details.estimatedSize(first), before);
+    EXPECT_EQ(log.lines().filter(QStringLiteral("encDstPoidsEstimatif")).size(), 0);
+    rows().setOut(0, (first.out + 1) % outputFormatCount);
+    (void)details.estimatedSize(rows().row(0));
+    EXPECT_GT(log.lines().filter(QStringLiteral("encDstPoidsEstimatif")).size(), 0);
+}
+
 } // namespace tavrix::test
