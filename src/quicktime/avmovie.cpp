@@ -276,19 +276,32 @@ bool AvMovie::writeMovie(const QString& path, bool headerFirst, QString* reason)
     return writeFromCopy(path, headerFirst, reason);
 }
 
+// Why the movie cannot be written; nothing when it can be tried.
+QString AvMovie::refusal(bool isWave) const
+{
+    const MovieSource& source = *state_->source;
+    if (source.atoms.nsav.value_or(0) != 0 && !isWave)
+        return QStringLiteral("the movie forbids to be saved");
+    if (fileIdentity(source.path) != source.identity)
+        return QStringLiteral("the source has changed since it was opened");
+    // libavformat would look for such media in the movie file itself.
+    for (const TrackAtoms& track : source.atoms.tracks) {
+        const bool matters = track.mediaType == "soun" || (track.mediaType == "vide" && !isWave);
+        if (matters && !track.selfContained)
+            return QStringLiteral("media lie in other files");
+    }
+    return {};
+}
+
 bool AvMovie::writeToFile(const QString& path, const WriteAttributes& attributes)
 {
     const MovieSource& source = *state_->source;
     const bool isWave = attributes.exportNumber.value_or(0) != 0 && attributes.exportType == fourCharCode("WAVE");
-    QString reason;
+    QString reason = refusal(isWave);
     bool written = false;
-    if (source.atoms.nsav.value_or(0) != 0 && !isWave)
-        reason = QStringLiteral("the movie forbids to be saved");
-    else if (fileIdentity(source.path) != source.identity)
-        reason = QStringLiteral("the source has changed since it was opened");
-    else if (isWave)
+    if (reason.isNull() && isWave)
         written = exportWave(source.path, path, state_->timeline, &reason);
-    else
+    else if (reason.isNull())
         written = writeMovie(path, attributes.flatten.value_or(false), &reason);
     if (!written)
         logLine(QStringLiteral("movie               :-( %@ : %@"), {reason, path});

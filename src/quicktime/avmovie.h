@@ -47,6 +47,7 @@ private:
     };
     [[nodiscard]] Boxes computedSizes() const;
     [[nodiscard]] const std::vector<std::int64_t>& interestingTimes(quint32 mediaType);
+    [[nodiscard]] QString refusal(bool isWave) const;
     bool writeMovie(const QString& path, bool headerFirst, QString* reason);
     bool writeFromAtoms(const QString& path, bool headerFirst, QString* reason);
     bool writeFromCopy(const QString& path, bool headerFirst, QString* reason);

@@ -41,7 +41,7 @@ constexpr CodecRow audioRows[] = {
 
 QString nameOf(const QString& code, std::span<const CodecRow> rows)
 {
-    const QString lowered = code.toLower();
+    QString lowered = code.toLower();
     for (const CodecRow& row : rows) {
         if (QString::fromLatin1(row.codes).split(QLatin1Char('|')).contains(lowered))
             return QString::fromLatin1(row.name);

@@ -209,6 +209,20 @@ TEST_F(BuiltMovieTest, aMovieThatForbidsSavingIsNotWritten)
     EXPECT_TRUE(exportMovie(*open(movie, "b.mov"), folder_.path(QStringLiteral("copy.mov")), 0));
 }
 
+// Their offsets would be taken for places in the movie file itself.
+TEST_F(BuiltMovieTest, mediaOfOtherFilesAreNotReplacedByBytesOfThisOne)
+{
+    BuiltMovie movie;
+    movie.tracks = {picture(), sound(2, {})};
+    movie.tracks.back().external = true;
+    const std::shared_ptr<Movie> opened = open(movie);
+    const QString copy = folder_.path(QStringLiteral("copy.mov"));
+    for (const int mode : {0, 1, -1, -2, 5}) {
+        EXPECT_FALSE(exportMovie(*opened, copy, mode)) << mode;
+        EXPECT_FALSE(itemExists(copy)) << mode;
+    }
+}
+
 TEST_F(BuiltMovieTest, theMarkIsClearedInAFileNamedMov)
 {
     setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
