@@ -64,6 +64,7 @@ TEST(Format, ConversionsBetweenKinds)
     EXPECT_TEXT(formatText(text("%d %.1f"), {QString(), QVariant()}), text("0 0.0"));
     EXPECT_TEXT(formatText(text("%d"), {true}), text("1"));
     EXPECT_TEXT(formatText(text("%lld"), {1e300}), text("9223372036854775807"));
+    EXPECT_TEXT(formatText(text("%lld"), {9223372036854775808.0}), text("9223372036854775807"));
     EXPECT_TEXT(formatText(text("%lld"), {-1e300}), text("-9223372036854775808"));
     EXPECT_TEXT(formatText(text("%d"), {std::numeric_limits<double>::quiet_NaN()}), text("0"));
 }

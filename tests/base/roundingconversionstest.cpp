@@ -105,10 +105,16 @@ TEST(Rounding, CommonDivisorNearAWish)
                                    {720, 480, 7, 5},
                                    // Only 6 would do, and it lies between two of the searched ranges.
                                    {6, 6, 10, 3},
-                                   // The upper range begins at 16, 11 * 1.5 cut to an integer.
+                                   // The middle range begins at 9.
+                                   {9, 27, 13, 9},
+                                   // The lower range goes from 12, half the wish, to 15; 16 is in no range.
+                                   {12, 24, 25, 12},
+                                   {14, 28, 25, 14},
+                                   {16, 32, 25, 2},
+                                   // The upper range begins at 61, 41 * 1.5 cut to an integer.
+                                   {61, 122, 41, 61},
+                                   {49, 98, 25, 49},
                                    {34, 34, 11, 17},
-                                   // The lower range begins at 12, half the wish.
-                                   {13, 26, 25, 13},
                                    {43, 86, 7, 1},
                                    {41, 82, 7, 41},
                                    {0, 0, 7, 7},
