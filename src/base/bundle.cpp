@@ -17,7 +17,7 @@ namespace tavrix
 namespace
 {
 
-constexpr qint64 infoSizeLimit = 1024 * 1024;
+constexpr qint64 infoSizeLimit = qint64{1} << 20;
 
 struct Bundle {
     QString resources;

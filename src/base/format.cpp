@@ -171,7 +171,7 @@ QString floatText(float number)
     Place place;
     // Six digits would write a million as 1e+06.
     for (place.precision = std::abs(number) < 1e6F ? 6 : 7; place.precision < 9; ++place.precision) {
-        const QString text = printed(place, "", 'g', static_cast<double>(number));
+        QString text = printed(place, "", 'g', static_cast<double>(number));
         if (static_cast<float>(floatPrefix(text)) == number) {
             return text;
         }

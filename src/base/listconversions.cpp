@@ -70,11 +70,8 @@ QStringList triAlphabetique(const QStringList& list)
 
 QStringList& insertObjectsFromArray(QStringList& target, const QStringList& source, int index)
 {
-    const QStringList inserted = source;
-    qsizetype position = qBound(qsizetype{0}, qsizetype{index}, target.size());
-    for (const QString& element : inserted) {
-        target.insert(position++, element);
-    }
+    const qsizetype position = qBound(qsizetype{0}, qsizetype{index}, target.size());
+    target = target.first(position) + source + target.sliced(position);
     return target;
 }
 

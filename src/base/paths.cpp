@@ -14,6 +14,8 @@ namespace tavrix
 namespace
 {
 
+constexpr size_t largestEntry = size_t{1} << 20;
+
 QString normalized(const QString& path)
 {
     QString result;
@@ -43,7 +45,7 @@ QString userDatabaseHome(const QByteArray& name)
     passwd* found = nullptr;
     std::vector<char> buffer(1024);
     int result = ERANGE;
-    while (result == ERANGE && buffer.size() <= 1024 * 1024) {
+    while (result == ERANGE && buffer.size() <= largestEntry) {
         buffer.resize(buffer.size() * 2);
         result = name.isEmpty() ? getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found)
                                 : getpwnam_r(name.constData(), &entry, buffer.data(), buffer.size(), &found);
@@ -156,14 +158,14 @@ QString stringByStandardizingPath(const QString& path)
     }
     const QString expanded = stringByExpandingTildeInPath(path);
     const bool absolute = expanded.startsWith(u'/');
-    const QString joined = withoutDotComponents(expanded, absolute).join(u'/');
+    QString joined = withoutDotComponents(expanded, absolute).join(u'/');
     if (!absolute) {
         return joined;
     }
-    const QString result = u'/' + joined;
+    QString result = u'/' + joined;
     const QString prefix = QStringLiteral("/private");
     if (result.startsWith(prefix + u'/')) {
-        const QString rest = result.mid(prefix.size());
+        QString rest = result.mid(prefix.size());
         if (access(nativePath(rest).constData(), F_OK) == 0) {
             return rest;
         }
