@@ -150,13 +150,12 @@ void writePixelAspect(AtomWriter& writer, const PixelSize& shown, std::uint64_t 
 void writeResizedDescription(AtomWriter& writer, const Atom& entry, const PixelSize& shown)
 {
     const ByteView bytes = entry.whole;
-    bool wellFormed = true;
     if (bytes.size() < videoEntryFields) {
         writer.raw(bytes);
         return;
     }
     const ByteView extensions = bytes.subspan(videoEntryFields);
-    const std::vector<Atom> atoms = childAtoms(extensions, &wellFormed);
+    const std::vector<Atom> atoms = childAtoms(extensions);
     FieldReader reader(bytes, 32);
     const std::uint32_t width = reader.u16();
     const std::uint32_t height = reader.u16();
