@@ -114,7 +114,8 @@ void BatchDelegate::paintWords(QPainter* painter, const QRect& place, const Batc
     if (row.reason.isEmpty()) {
         write(plain, theme.secondaryText, thirdLine(row));
     } else {
-        write(plain, theme.warning, row.reason);
+        // The words that matter may stand behind a long path.
+        write(plain, theme.warning, row.reason, Qt::ElideMiddle);
     }
 }
 

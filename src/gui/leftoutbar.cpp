@@ -15,6 +15,13 @@
 namespace tavrix
 {
 
+namespace
+{
+
+constexpr int nameWidth = 440;
+
+} // namespace
+
 LeftOutBar::LeftOutBar(appDelegate& controller, QWidget* parent)
     : QWidget(parent), controller_(controller), notice_(new ElidedLabel(this)), button_(new QPushButton(this))
 {
@@ -97,7 +104,9 @@ void LeftOutBar::showList()
     list->setAccessibleName(windowText("Win_leftOutTitle"));
     list->setWordWrap(true);
     for (const auto& [path, reason] : leftOut_) {
-        auto* item = new QListWidgetItem(lastPathComponent(path) + QLatin1Char('\n') + reason, list);
+        // A name without blanks cannot be broken into lines.
+        const QString name = list->fontMetrics().elidedText(lastPathComponent(path), Qt::ElideMiddle, nameWidth);
+        auto* item = new QListWidgetItem(name + QLatin1Char('\n') + reason, list);
         item->setToolTip(path.toHtmlEscaped());
     }
     list->setCurrentRow(0);

@@ -1,6 +1,7 @@
 #include "gui/theme.h"
 
 #include "app/windowmodel.h"
+#include "gui/images.h"
 
 #include <QApplication>
 #include <QStyleFactory>
@@ -62,7 +63,7 @@ QString filled(QString sheet, const Theme& theme)
     for (const auto& [name, color] : colors) {
         sheet.replace(QLatin1String(name), color.name());
     }
-    return sheet;
+    return sheet.replace(QLatin1String("%chevron"), imagePath(QStringLiteral("chevron")));
 }
 
 const char* const sheetTemplate = R"(
@@ -77,11 +78,13 @@ QLineEdit, QPlainTextEdit, QComboBox { background: %field; color: %text; border:
   padding: 4px 6px; min-height: 18px; selection-background-color: %accent; selection-color: %accentText; }
 QLineEdit:focus, QComboBox:focus, QPlainTextEdit:focus { border: 2px solid %accent; padding: 3px 5px; }
 QLineEdit:disabled, QComboBox:disabled { color: %secondary; }
-QComboBox::drop-down { border: none; width: 20px; }
+QComboBox::drop-down { border: none; width: 22px; }
+QComboBox::down-arrow { image: url("%chevron"); width: 12px; height: 12px; }
 QComboBox QAbstractItemView { background: %field; color: %text; selection-background-color: %accent;
   selection-color: %accentText; }
-QPushButton, QToolButton { background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 #4B535F, stop:1 #343A43);
-  color: #F7F8FA; border: 1px solid #68717E; border-radius: 5px; padding: 4px 12px; min-height: 20px; }
+QPushButton, QToolButton { outline: none;
+  background: qlineargradient(x1:0, y1:0, x2:0, y2:1, stop:0 #4B535F, stop:1 #343A43); color: #F7F8FA;
+  border: 1px solid #68717E; border-radius: 5px; padding: 4px 12px; min-height: 20px; }
 QToolButton { padding: 4px 8px; }
 QPushButton:hover, QToolButton:hover { border-color: %accent; }
 QPushButton:pressed, QToolButton:pressed, QToolButton:checked { background: %field; border-color: %accent; }
