@@ -56,6 +56,8 @@ INSTANTIATE_TEST_SUITE_P(
                     DecodeRow{"Utf32Little", QByteArray("\xFF\xFE\0\0\xE9\0\0\0", 8), "é", encodingUtf32},
                     DecodeRow{"Utf32Big", QByteArray("\0\0\xFE\xFF\0\0\0\xE9", 8), "é", encodingUtf32},
                     DecodeRow{"Utf32OutOfRange", QByteArray("\0\0\xFE\xFF\x7F\0\0\0", 8), nullptr, 0},
+                    // Its surrogates, reckoned without the upper bits, would be those of U+10000.
+                    DecodeRow{"Utf32OutOfRangeWrapped", QByteArray("\xFF\xFE\0\0\0\0\x01\x04", 8), nullptr, 0},
                     DecodeRow{"Utf32Surrogate", QByteArray("\xFF\xFE\0\0\0\xD8\0\0", 8), nullptr, 0},
                     DecodeRow{"Utf16LoneSurrogate", QByteArray("\xFF\xFE\0\xD8", 4), nullptr, 0},
                     DecodeRow{"Utf32Odd", QByteArray("\0\0\xFE\xFF\0", 5), nullptr, 0}),
