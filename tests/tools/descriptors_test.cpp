@@ -34,6 +34,23 @@ TEST(WriteAll, WaitsForRoomInAPipeThatDoesNotBlock)
     EXPECT_EQ(received, sent);
 }
 
+TEST(WriteUnless, GivesUpAtAFullPipeWhenToldTo)
+{
+    std::array<int, 2> ends = {-1, -1};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    const Descriptor reading(ends[0]);
+    const Descriptor writing(ends[1]);
+    ASSERT_TRUE(writeUnless([] { return false; }, writing.get(), "x"));
+    const int room = fcntl(writing.get(), F_GETPIPE_SZ);
+    ASSERT_GT(room, 4096);
+    ASSERT_TRUE(writeAll(writing.get(), std::string(static_cast<std::size_t>(room) - 1, 'x')));
+    int asked = 0;
+    EXPECT_FALSE(writeUnless([&] { return ++asked > 1; }, writing.get(), "y"));
+    EXPECT_EQ(errno, EINTR);
+    EXPECT_FALSE(writeUnless([] { return false; }, reading.get(), "y"));
+    EXPECT_EQ(errno, EBADF);
+}
+
 TEST(WriteAll, TellsWhyItFailed)
 {
     EXPECT_FALSE(writeAll(-1, "x"));

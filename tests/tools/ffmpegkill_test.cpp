@@ -1,14 +1,19 @@
 // What is left when the tool or the encoder is stopped from outside.
+#include "tools/common/descriptors.h"
 #include "tools/toolrun.h"
 
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <random>
 #include <sstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace tavrix
@@ -140,6 +145,29 @@ TEST_F(StoppedFfmpeg, EndsWhenAskedToAlsoUnderACallerThatBlocksSignals)
     RunningTool tool(arguments(), {});
     ASSERT_EQ(sigprocmask(SIG_SETMASK, &before, nullptr), 0);
     ASSERT_TRUE(becomes([&] { return tool.child() != 0; }));
+    kill(tool.pid(), SIGTERM);
+    ASSERT_TRUE(becomes([&] { return tool.hasEnded(); }));
+    EXPECT_EQ(tool.wait().code, SIGTERM);
+    EXPECT_TRUE(entriesOf(folder()).empty());
+}
+
+TEST_F(StoppedFfmpeg, EndsWhenAskedToAlsoWhenNobodyReadsOn)
+{
+    std::array<int, 2> ends = {-1, -1};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    const Descriptor reading(ends[0]);
+    const Descriptor writing(ends[1]);
+    ASSERT_GT(fcntl(writing.get(), F_SETPIPE_SZ, 4096), 0);
+    RunningTool::Options options;
+    options.errorStream = writing.get();
+    Words words = arguments();
+    words.insert(words.begin(), {"-fdebug", "ts"});
+    RunningTool tool(words, options);
+    const auto isFull = [&] {
+        pollfd room = {writing.get(), POLLOUT, 0};
+        return poll(&room, 1, 0) == 0;
+    };
+    ASSERT_TRUE(becomes(isFull));
     kill(tool.pid(), SIGTERM);
     ASSERT_TRUE(becomes([&] { return tool.hasEnded(); }));
     EXPECT_EQ(tool.wait().code, SIGTERM);

@@ -149,7 +149,7 @@ bool readPiece(int fd, const std::function<void(std::string_view)>& receiver)
 
 int openProcess(pid_t child)
 {
-    return static_cast<int>(syscall(SYS_pidfd_open, child, 0U));
+    return aboveStandardStreams(static_cast<int>(syscall(SYS_pidfd_open, child, 0U)));
 }
 
 /// The stream ends with the child; another process that has inherited it does not hold up the end.

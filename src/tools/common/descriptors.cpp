@@ -25,6 +25,25 @@ int aboveStandardStreams(int fd)
     return moved;
 }
 
+bool writeUnless(const std::function<bool()>& givesUp, int fd, std::string_view bytes)
+{
+    constexpr int halfASecond = 500;
+    // The reading end of a pipe would never be ready.
+    const int flags = fcntl(fd, F_GETFL);
+    if (flags < 0 || (flags & O_ACCMODE) == O_RDONLY) {
+        errno = EBADF;
+        return false;
+    }
+    while (!givesUp()) {
+        pollfd room = {fd, POLLOUT, 0};
+        // A pipe that has room at all has room for all of it, so that nothing blocks where no signal would be seen.
+        if (poll(&room, 1, halfASecond) > 0)
+            return writeAll(fd, bytes);
+    }
+    errno = EINTR;
+    return false;
+}
+
 bool writeAll(int fd, std::string_view bytes)
 {
     while (!bytes.empty()) {

@@ -1,6 +1,7 @@
 // Small helpers around file descriptors and error numbers, for the tools.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -41,5 +42,9 @@ private:
 /// Writes everything, through interruptions and partial writes, and waits for room where the descriptor does not block.
 /// False, with errno, when that fails.
 [[nodiscard]] bool writeAll(int fd, std::string_view bytes);
+
+/// The same for at most PIPE_BUF bytes, but given up when `givesUp` says so: it is asked twice a second while a reader
+/// leaves no room.
+[[nodiscard]] bool writeUnless(const std::function<bool()>& givesUp, int fd, std::string_view bytes);
 
 } // namespace tavrix

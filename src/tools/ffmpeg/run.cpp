@@ -27,13 +27,14 @@ constexpr int notInstalled = 127;
 // The files of this tool that already stand in the chain: two copies in PATH would start each other for ever.
 constexpr const char* chainVariable = "TAVRIX_FFMPEG_FRONT";
 
-/// Errors are not looked at: a caller that reads no messages is none of the encode's business.
+/// Errors are not looked at: a caller that reads no messages is none of the encode's business. It does not hold up an
+/// end on request either.
 void print(const std::string& text, char end = '\n')
 {
     std::string line = text;
     line += end;
     for (const std::string_view piece : writablePieces(line, atomicWrite)) {
-        if (!writeAll(STDERR_FILENO, piece))
+        if (!writeUnless([] { return interruptingSignal() != 0; }, STDERR_FILENO, piece))
             return;
     }
 }
