@@ -32,35 +32,36 @@ TEST_P(Decoding, GivesTextAndNumber)
 
 INSTANTIATE_TEST_SUITE_P(
     Bytes, Decoding,
-    testing::Values(DecodeRow{"Empty", "", "", encodingAscii}, DecodeRow{"Ascii", "abc\r\n", "abc\r\n", encodingAscii},
-                    DecodeRow{"Utf8", "\xC3\xA9", "é", encodingUtf8},
-                    DecodeRow{"Utf8Mark",
-                              "\xEF\xBB\xBF"
-                              "ab",
-                              "ab", encodingUtf8},
-                    DecodeRow{"OnlyMark", "\xEF\xBB\xBF", "", encodingUtf8},
-                    DecodeRow{"BrokenBehindMark",
-                              "\xEF\xBB\xBF"
-                              "a\xC3",
-                              nullptr, 0},
-                    DecodeRow{"Windows", "\xE9t\xE9 \x80\x99", "été €™", encodingWindows1252},
-                    DecodeRow{"WindowsUndefined81", "\x81", nullptr, 0},
-                    DecodeRow{"WindowsUndefined8D", "\x8D", nullptr, 0},
-                    DecodeRow{"WindowsUndefined8F", "\x8F", nullptr, 0},
-                    DecodeRow{"WindowsUndefined90", "\x90", nullptr, 0},
-                    DecodeRow{"WindowsUndefined9D", "a\x9D", nullptr, 0},
-                    DecodeRow{"TruncatedUtf8IsWindows", "a\xC3", "aÃ", encodingWindows1252},
-                    DecodeRow{"Utf16Little", QByteArray("\xFF\xFE\xE9\x00", 4), "é", encodingUtf16},
-                    DecodeRow{"Utf16Big", QByteArray("\xFE\xFF\x00\xE9", 4), "é", encodingUtf16},
-                    DecodeRow{"Utf16Odd", QByteArray("\xFF\xFE\xE9", 3), nullptr, 0},
-                    DecodeRow{"Utf32Little", QByteArray("\xFF\xFE\0\0\xE9\0\0\0", 8), "é", encodingUtf32},
-                    DecodeRow{"Utf32Big", QByteArray("\0\0\xFE\xFF\0\0\0\xE9", 8), "é", encodingUtf32},
-                    DecodeRow{"Utf32OutOfRange", QByteArray("\0\0\xFE\xFF\x7F\0\0\0", 8), nullptr, 0},
-                    // Its surrogates, reckoned without the upper bits, would be those of U+10000.
-                    DecodeRow{"Utf32OutOfRangeWrapped", QByteArray("\xFF\xFE\0\0\0\0\x01\x04", 8), nullptr, 0},
-                    DecodeRow{"Utf32Surrogate", QByteArray("\xFF\xFE\0\0\0\xD8\0\0", 8), nullptr, 0},
-                    DecodeRow{"Utf16LoneSurrogate", QByteArray("\xFF\xFE\0\xD8", 4), nullptr, 0},
-                    DecodeRow{"Utf32Odd", QByteArray("\0\0\xFE\xFF\0", 5), nullptr, 0}),
+    testing::Values(
+        DecodeRow{"Empty", "", "", encodingAscii}, DecodeRow{"Ascii", "abc\r\n", "abc\r\n", encodingAscii},
+        DecodeRow{"Utf8", "\xC3\xA9", "é", encodingUtf8},
+        DecodeRow{"Utf8Mark",
+                  "\xEF\xBB\xBF"
+                  "ab",
+                  "ab", encodingUtf8},
+        DecodeRow{"OnlyMark", "\xEF\xBB\xBF", "", encodingUtf8},
+        DecodeRow{"BrokenBehindMark",
+                  "\xEF\xBB\xBF"
+                  "a\xC3",
+                  nullptr, 0},
+        DecodeRow{"Windows", "\xE9t\xE9 \x80\x99", "été €™", encodingWindows1252},
+        DecodeRow{"WindowsFirstAboveAscii", "\x80", "€", encodingWindows1252},
+        DecodeRow{"WindowsUndefined81", "\x81", nullptr, 0}, DecodeRow{"WindowsUndefined8D", "\x8D", nullptr, 0},
+        DecodeRow{"WindowsUndefined8F", "\x8F", nullptr, 0}, DecodeRow{"WindowsUndefined90", "\x90", nullptr, 0},
+        DecodeRow{"WindowsUndefined9D", "a\x9D", nullptr, 0},
+        DecodeRow{"TruncatedUtf8IsWindows", "a\xC3", "aÃ", encodingWindows1252},
+        DecodeRow{"Utf16Little", QByteArray("\xFF\xFE\xE9\x00", 4), "é", encodingUtf16},
+        DecodeRow{"Utf16Big", QByteArray("\xFE\xFF\x00\xE9", 4), "é", encodingUtf16},
+        DecodeRow{"Utf16Odd", QByteArray("\xFF\xFE\xE9", 3), nullptr, 0},
+        DecodeRow{"Utf32Little", QByteArray("\xFF\xFE\0\0\xE9\0\0\0", 8), "é", encodingUtf32},
+        DecodeRow{"Utf32Big", QByteArray("\0\0\xFE\xFF\0\0\0\xE9", 8), "é", encodingUtf32},
+        DecodeRow{"Utf32LastCodePoint", QByteArray("\xFF\xFE\0\0\xFF\xFF\x10\0", 8), "\U0010FFFF", encodingUtf32},
+        DecodeRow{"Utf32OutOfRange", QByteArray("\0\0\xFE\xFF\x7F\0\0\0", 8), nullptr, 0},
+        // Its surrogates, reckoned without the upper bits, would be those of U+10000.
+        DecodeRow{"Utf32OutOfRangeWrapped", QByteArray("\xFF\xFE\0\0\0\0\x01\x04", 8), nullptr, 0},
+        DecodeRow{"Utf32Surrogate", QByteArray("\xFF\xFE\0\0\0\xD8\0\0", 8), nullptr, 0},
+        DecodeRow{"Utf16LoneSurrogate", QByteArray("\xFF\xFE\0\xD8", 4), nullptr, 0},
+        DecodeRow{"Utf32Odd", QByteArray("\0\0\xFE\xFF\0", 5), nullptr, 0}),
     rowName<DecodeRow>);
 
 struct CharsetRow {
