@@ -49,7 +49,7 @@ protected:
 
     std::shared_ptr<FakeTrack> addVideo(double width, double height)
     {
-        const std::shared_ptr<FakeTrack> track = movie_->addTrack(QStringLiteral("vide"));
+        std::shared_ptr<FakeTrack> track = movie_->addTrack(QStringLiteral("vide"));
         track->size = {width, height};
         return track;
     }

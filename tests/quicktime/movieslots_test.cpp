@@ -17,7 +17,7 @@ class MovieSlotsTest : public testing::Test
 protected:
     QString movieFile(const QString& name)
     {
-        const QString path = folder_.makeFile(name);
+        QString path = folder_.makeFile(name);
         library_.addMovie(path);
         return path;
     }

@@ -23,8 +23,8 @@ namespace tavrix::test
 namespace
 {
 
-constexpr int frameRate = 25;
-constexpr int soundRate = 48000;
+constexpr qsizetype frameRate = 25;
+constexpr qsizetype soundRate = 48000;
 
 // A clip whose pictures and sound differ from moment to moment, so that places can be recognised.
 QString sources(int seconds, const char* size)
@@ -42,7 +42,7 @@ protected:
 
     QString clip(const QString& name, const QString& arguments) const
     {
-        const QString path = folder_.path(name);
+        QString path = folder_.path(name);
         makeClip(path, arguments);
         return path;
     }

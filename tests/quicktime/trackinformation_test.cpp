@@ -36,14 +36,14 @@ protected:
         movie_ = library_.addMovie(path_);
         movie_->length = QTMakeTime(6059, 600);
         movie_->current = {1920, 1080};
-        for (int frame = 0; frame < 250; ++frame)
+        for (qint64 frame = 0; frame < 250; ++frame)
             movie_->sampleTimes.append(frame * 24);
     }
     ~TrackInformationTest() override { setTMPFOLDER(QString()); }
 
     std::shared_ptr<FakeTrack> addVideo()
     {
-        const std::shared_ptr<FakeTrack> track = movie_->addTrack(QStringLiteral("vide"));
+        std::shared_ptr<FakeTrack> track = movie_->addTrack(QStringLiteral("vide"));
         track->encoded = {1440, 1080};
         track->clean = {1920, 1080};
         track->size = {1920, 1080};
@@ -55,7 +55,7 @@ protected:
 
     std::shared_ptr<FakeTrack> addSound(qint64 start, qint64 duration, qint32 scale)
     {
-        const std::shared_ptr<FakeTrack> track = movie_->addTrack(QStringLiteral("soun"));
+        std::shared_ptr<FakeTrack> track = movie_->addTrack(QStringLiteral("soun"));
         track->description = {false, fourCharCode("sowt"), 2, 16, quint64(48000) << 16};
         track->trackRange = QTMakeTimeRange(QTMakeTime(start, scale), QTMakeTime(duration, scale));
         return track;
