@@ -174,6 +174,15 @@ TEST_F(Localisation, TheTreeLocaliserHasItsOwnFolderAndTable)
     EXPECT_TEXT(localizedMarkedText(tx("@@a")), tx("a français"));
 }
 
+TEST_F(Localisation, AnUnreadableTableIsLoggedOnceAndEmpty)
+{
+    const QString table = folder.makeFile(tx("fr.lproj/Broken.strings"), "\"a\" = \"\x81\";\n");
+    const LogCapture log;
+    EXPECT_TEXT(localizedString(tx("a"), tx("Broken")), tx("a"));
+    EXPECT_TEXT(localizedString(tx("a"), tx("Broken")), tx("a"));
+    EXPECT_TEXTS(log.lines(), QStringList{tx("strings table       :-( unreadable: ") + table});
+}
+
 TEST_F(Localisation, AKeyIsFoundByItsTextInTheLanguage)
 {
     EXPECT_TEXT(str2LocalisationTitle(tx("a français"), tx("Localizable")), tx("a"));

@@ -146,6 +146,10 @@ TEST(PropertyListFile, OnlyANumberIsABirthdate)
     const QString file = folder.path(QStringLiteral("a"));
     ASSERT_TRUE(createNewPlist(file, QVariantMap{{QStringLiteral("Birthdate"), QStringLiteral("7")}}));
     EXPECT_EQ(readPlist(file).value().value(QStringLiteral("Birthdate")), QVariant(QStringLiteral("7")));
+    for (const QVariant& number : {QVariant(7), QVariant(-7.5), QVariant(true)}) {
+        ASSERT_TRUE(createNewPlist(file, QVariantMap{{QStringLiteral("Birthdate"), number}}));
+        EXPECT_EQ(readPlist(file).value().value(QStringLiteral("Birthdate")), QVariant(1564.0));
+    }
     ASSERT_TRUE(createNewPlist(file, QVariantMap{{QStringLiteral("birthdate"), 7}}));
     EXPECT_EQ(readPlist(file).value().value(QStringLiteral("birthdate")), QVariant(qint64{7}));
 }
