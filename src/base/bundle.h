@@ -30,7 +30,7 @@ void setResourcePath(const QString& folder);
 [[nodiscard]] QString cachesFolder();  // "~/Library/Caches/<bundle name>", expanded, no trailing "/"
 [[nodiscard]] QString supportFolder(); // "~/Library/Application Support/<bundle name>", expanded
 [[nodiscard]] QString logsFolder();    // "~/Library/Logs/<bundle name>", expanded
-// Private per-user folder for temporary files, ending with "/": $TMPDIR when it is the user's own, else
+// Private per-user folder for temporary files, ending with "/": $TMPDIR when it is the user's own and writable, else
 // "/tmp/tavrix-<uid>", created with mode 0700, its owner checked, never a link. Nothing when it cannot be had.
 [[nodiscard]] QString systemTemporaryFolder();
 // Makes the folder with mode 0700 unless it is there. True when it is a real folder (no link), the user's own and

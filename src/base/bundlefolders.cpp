@@ -29,14 +29,17 @@ bool isOwnFolder(const QString& path, mode_t forbiddenBits)
 }
 
 // $TMPDIR without its trailing "/", which would make lstat follow a link. Nothing when it is not the user's own: in a
-// folder others may write to, they could put a link under the name of our working folder.
+// folder others may write to, they could put a link under the name of our working folder. Nothing either when it cannot
+// be written to: every clip would then look unreadable.
 QString ownTmpdir()
 {
     QString folder = QFile::decodeName(qgetenv("TMPDIR"));
     while (folder.size() > 1 && folder.endsWith(u'/')) {
         folder.chop(1);
     }
-    return folder.startsWith(u'/') && isOwnFolder(folder, S_IWGRP | S_IWOTH) ? folder : QString();
+    const bool usable = folder.startsWith(u'/') && isOwnFolder(folder, S_IWGRP | S_IWOTH) &&
+                        ::access(nativePath(folder).constData(), W_OK | X_OK) == 0;
+    return usable ? folder : QString();
 }
 
 } // namespace

@@ -200,5 +200,22 @@ TEST(TemporaryFolder, OneThatOthersCanChangeIsNotUsed)
     }
 }
 
+TEST(TemporaryFolder, OneThatCannotBeWrittenToIsNotUsed)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "the superuser may write everywhere";
+    }
+    const test::TempFolder folder;
+    const QString fallback = text("/tmp/tavrix-") + QString::number(geteuid());
+    const bool existed = test::itemExists(fallback);
+    const QString closed = folder.makeFolder(text("closed"));
+    ASSERT_EQ(chmod(closed.toUtf8().constData(), 0555), 0);
+    const test::EnvironmentChange variable("TMPDIR", closed.toUtf8().constData());
+    EXPECT_TEXT(systemTemporaryFolder(), fallback + u'/');
+    if (!existed) {
+        rmdir(fallback.toUtf8().constData());
+    }
+}
+
 } // namespace
 } // namespace tavrix
