@@ -49,9 +49,8 @@ void BatchRunner::connectController()
         finish(exitSomeFailed);
     });
     connect(controller_, &appDelegate::analysisEnded, this, &BatchRunner::analysisOver);
-    connect(controller_, &appDelegate::rowStarted, this, [this, &rows](int row) {
-        reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src);
-    });
+    connect(controller_, &appDelegate::rowStarted, this,
+            [this, &rows](int row) { reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src); });
     connect(controller_, &appDelegate::rowProgress, this, [this](int /*row*/, float value, float maximum) {
         reporter_->rowProgress(static_cast<double>(value), static_cast<double>(maximum));
     });

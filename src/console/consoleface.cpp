@@ -26,8 +26,9 @@ QString consoleText(const char* key)
 }
 
 struct TypedLine {
-    QString text;             // nothing when the time has passed or the input has ended
-    bool interrupted = false; // a signal that ends the batch came instead
+    enum class Ending { Typed, TimedOut, InputEnded, Interrupted };
+    Ending ending = Ending::Typed;
+    QString text; // only when typed
 };
 
 // One line of standard input. No event loop runs meanwhile, so that signals are looked for here.
@@ -51,14 +52,14 @@ TypedLine typedLine(int seconds)
         ::close(signalFile);
     }
     if (interrupted || !typed) {
-        return {QString(), interrupted};
+        return {interrupted ? TypedLine::Ending::Interrupted : TypedLine::Ending::TimedOut, QString()};
     }
     std::array<char, 256> buffer = {};
     const ssize_t length = ::read(STDIN_FILENO, buffer.data(), buffer.size());
     if (length <= 0) {
-        return {};
+        return {TypedLine::Ending::InputEnded, QString()};
     }
-    return {QLatin1String("") + QString::fromUtf8(buffer.data(), length).trimmed(), false};
+    return {TypedLine::Ending::Typed, QString::fromUtf8(buffer.data(), length).trimmed()};
 }
 
 } // namespace
@@ -109,14 +110,19 @@ AlertOutcome ConsoleFace::ask(const AlertRequest& request)
     if (request.hasCheckBox) {
         choices += formatText(QStringLiteral("  *) %@"), {request.checkBoxTitle});
     }
-    while (true) {
+    // Who stops the program or closes its input has not agreed to the default, which is to replace.
+    const AlertOutcome notAgreed = {1, false};
+    while (!endingSignalWaits()) {
         reporter_->message(request.title, request.text + choices, QString());
         const TypedLine line = typedLine(request.seconds);
-        if (line.interrupted) {
-            // Who stops the program has not agreed to the default, which is to replace.
-            return {1, false};
+        if (line.ending == TypedLine::Ending::Interrupted) {
+            return notAgreed;
         }
-        if (line.text.isNull()) {
+        if (line.ending == TypedLine::Ending::InputEnded) {
+            reporter_->message(consoleText("Con_noAnswer"), QString(), request.buttons.at(notAgreed.button));
+            return notAgreed;
+        }
+        if (line.ending == TypedLine::Ending::TimedOut) {
             reporter_->message(consoleText("Con_noAnswer"), QString(), request.buttons.first());
             return {-1, false};
         }
@@ -125,6 +131,7 @@ AlertOutcome ConsoleFace::ask(const AlertRequest& request)
             return outcome;
         }
     }
+    return notAgreed;
 }
 
 void ConsoleFace::showSheet(const AlertRequest& request, QObject* /*window*/, std::function<void(AlertOutcome)> done)

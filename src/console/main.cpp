@@ -27,6 +27,16 @@ using namespace tavrix;
 namespace
 {
 
+// A file opened in the place of a closed standard stream would take what is meant for that stream.
+bool fillStandardStreams()
+{
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    return descriptor >= 0 && ::close(descriptor) == 0;
+}
+
 // The detail log takes over the standard streams; the terminal is kept under a descriptor of its own.
 std::FILE* keptTerminal()
 {
@@ -131,6 +141,9 @@ int convert(QCoreApplication& application, const ConsoleOptions& options)
 
 int main(int argc, char** argv)
 {
+    if (!fillStandardStreams()) {
+        return exitSomeFailed;
+    }
     QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     const ConsoleOptions options = parseConsoleOptions(QCoreApplication::arguments().mid(1));
@@ -150,7 +163,7 @@ int main(int argc, char** argv)
         return wrongUsage(
             formatText(localizedString(QStringLiteral("Con_missing"), QStringLiteral("Console")), {missing}));
     }
-    if (!options.output.isNull() && !mkdirCocoa(absolutePaths({options.output}).first())) {
+    if (!options.output.isNull() && !QDir().mkpath(absolutePaths({options.output}).first())) {
         return wrongUsage(
             formatText(localizedString(QStringLiteral("Con_badOutput"), QStringLiteral("Console")), {options.output}));
     }

@@ -60,6 +60,16 @@ void takeValue(ConsoleOptions& options, const QString& name, const QString& valu
     }
 }
 
+// An empty word, as an unset shell variable leaves it, would stand for the whole current folder.
+void takeSource(ConsoleOptions& options, const QString& word)
+{
+    if (word.isEmpty()) {
+        setWrong(options, consoleText("Con_noSource"));
+        return;
+    }
+    options.sources << word;
+}
+
 bool takesValue(const QString& name)
 {
     return name == QLatin1String("--format") || name == QLatin1String("--output") ||
@@ -88,7 +98,7 @@ ConsoleOptions parseConsoleOptions(const QStringList& words)
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QString& word = words.at(i);
         if (onlySources || !word.startsWith(QLatin1Char('-')) || word == QLatin1String("-")) {
-            options.sources << word;
+            takeSource(options, word);
             continue;
         }
         if (word == QLatin1String("--")) {

@@ -21,7 +21,7 @@ sigset_t watchedSignals()
 {
     sigset_t set;
     sigemptyset(&set);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGTSTP}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGTSTP}) {
         sigaddset(&set, number);
     }
     return set;

@@ -19,7 +19,7 @@ public:
 
 Q_SIGNALS:
     void interrupted();      // SIGINT
-    void terminated();       // SIGTERM, SIGHUP
+    void terminated();       // SIGTERM, SIGHUP, and SIGPIPE: whoever read the output has gone
     void aboutToBeStopped(); // SIGTSTP, before the process really stops
     void continued();        // after it goes on
 

@@ -78,7 +78,7 @@ const OptionsCase optionsCases[] = {
      {text("--json"), text("--"), text("--json"), text("-i.avi"), text("--")},
      converting({text("--json"), text("-i.avi"), text("--")}, -1, {}, ExistingPolicy::Default, true)},
     {"aLoneDashIsASource", {text("-")}, options(Mode::Convert, {text("-")})},
-    {"anEmptyWordIsASource", {QStringLiteral("")}, options(Mode::Convert, {QStringLiteral("")})},
+    {"anEmptyWordIsNotTheCurrentFolder", {text("a"), QStringLiteral("")}, wrong("no file or folder given")},
     {"theLastValueCounts",
      {text("--format=1"), text("--format=2"), text("a")},
      converting({text("a")}, 2, {}, ExistingPolicy::Default, false)},

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QProcessEnvironment>
 
 #include <gtest/gtest.h>
 
@@ -153,6 +154,24 @@ TEST_F(OnATerminal, ctrlCAtTheQuestionKeepsTheOutputAndEnds)
     EXPECT_EQ(outputBytes(), "precious");
 }
 
+TEST_F(OnATerminal, theEndOfTheInputAtTheQuestionKeepsTheOutput)
+{
+    makeOutputOfBefore();
+    ASSERT_TRUE(start(3));
+    ASSERT_TRUE(readUntil("1\\) Replace 2\\) Keep"));
+    terminal.type("\x04");
+    EXPECT_EQ(terminal.finish(), 1);
+    EXPECT_TRUE(terminal.shown().contains(text("No answer [Keep]"))) << terminal.shown().toStdString();
+    EXPECT_EQ(outputBytes(), "precious");
+}
+
+TEST_F(OnATerminal, aFolderThatCannotBeMadeIsToldWithoutLogLines)
+{
+    ASSERT_TRUE(terminal.start({text("--output"), text("/dev/null/x"), clips->path()}));
+    EXPECT_EQ(terminal.finish(), 2);
+    EXPECT_TRUE(terminal.shown().startsWith(text("tavrix-batch: /dev/null/x"))) << terminal.shown().toStdString();
+}
+
 TEST_F(OnATerminal, ctrlCStopsTheBatch)
 {
     ASSERT_TRUE(start(0));
@@ -161,6 +180,37 @@ TEST_F(OnATerminal, ctrlCStopsTheBatch)
     EXPECT_EQ(terminal.finish(), 1);
     EXPECT_TRUE(terminal.shown().contains(text("stopped"))) << terminal.shown().toStdString();
     EXPECT_TRUE(output().isNull());
+}
+
+// Exit status of a shell script whose "$@" is the console program with its arguments; -1 when it did not end in time.
+int runScript(const char* script, const TempFolder& home, const QStringList& arguments)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(text("HOME"), home.path());
+    environment.insert(text("TMPDIR"), home.path());
+    process.setProcessEnvironment(environment);
+    process.start(text("/bin/bash"),
+                  QStringList{text("-c"), text(script), text("bash"), text(TAVRIX_BUILD_BIN "/tavrix-batch")}
+                      << arguments);
+    return process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+TEST_F(OnATerminal, aReaderThatGoesAwayEndsTheBatchAndItsTemporaryFiles)
+{
+    const TempFolder home;
+    EXPECT_EQ(runScript("\"$@\" </dev/null | head -n 1; exit ${PIPESTATUS[0]}", home,
+                        {text("--format"), text("0"), text("--output"), destination.path(), clips->path()}),
+              1);
+    EXPECT_TRUE(output().isNull());
+    EXPECT_TRUE(QDir(home.path(text("Tavrix"))).isEmpty());
+}
+
+TEST_F(OnATerminal, closedStandardStreamsDoNotHinderTheBatch)
+{
+    const TempFolder home;
+    EXPECT_EQ(runScript("exec \"$@\" <&- >&- 2>&-", home, {text("--output"), destination.path(), clips->path()}), 0);
+    EXPECT_FALSE(output().isNull());
 }
 
 struct CommandCase {
