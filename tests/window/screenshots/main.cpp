@@ -114,6 +114,8 @@ private:
     {
         model().mainEncDstPathStr.setStringValue(QStringLiteral("~/Videos"));
         QDir().mkpath(QDir::homePath() + QStringLiteral("/Videos"));
+        // The outputs of the session before are replaced without a question.
+        program_.controller().setReplacePolicy(1);
         program_.controller().iba_batchEncGoBt();
         return waitUntil(
                    [&] {
@@ -144,10 +146,13 @@ private:
     void closeSheets()
     {
         waitUntil([this] {
+            // A closed sheet is deleted later than this loop looks.
+            bool open = false;
             for (auto* button : program_.window().findChildren<QPushButton*>(QStringLiteral("alertButton0"))) {
+                open = open || button->isVisible();
                 button->click();
             }
-            return dialog("alertDialog") == nullptr;
+            return !open;
         });
     }
     bool finished()
