@@ -79,7 +79,7 @@ Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
     const QDeadlineTimer deadline(limits.milliseconds);
     QUrl next = url;
     for (int redirects = 0; redirects <= limits.redirects; ++redirects) {
-        const Fetched fetched = fetchOnce(manager, next, deadline, limits.bytes);
+        Fetched fetched = fetchOnce(manager, next, deadline, limits.bytes);
         if (fetched.redirectedTo.isEmpty())
             return fetched;
         if (!isWebAddress(fetched.redirectedTo))
