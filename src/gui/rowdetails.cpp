@@ -109,7 +109,7 @@ QString RowDetails::estimatedSize(const BatchRow& row)
     }
     // The estimate writes to the log: it is not made anew for every painting.
     const double megabytes = known != sizes_.constEnd() ? known->source : poidsFile(source, QStringLiteral("m"));
-    const QString words = estimateWords(row, megabytes);
+    QString words = estimateWords(row, megabytes);
     sizes_.insert(source, {megabytes, row.out, words});
     return words;
 }
