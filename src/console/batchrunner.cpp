@@ -2,6 +2,7 @@
 
 #include "app/stepflags.h"
 #include "base/filesizes.h"
+#include "base/format.h"
 #include "base/localisation.h"
 #include "base/paths.h"
 #include "base/runloopgate.h"
@@ -52,7 +53,8 @@ void BatchRunner::connectController()
     connect(controller_, &appDelegate::rowStarted, this,
             [this, &rows](int row) { reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src); });
     connect(controller_, &appDelegate::rowProgress, this, [this](int /*row*/, float value, float maximum) {
-        reporter_->rowProgress(static_cast<double>(value), static_cast<double>(maximum));
+        // By way of their short text, so that 0.02 stays 0.02.
+        reporter_->rowProgress(textOf(value).toDouble(), textOf(maximum).toDouble());
     });
     connect(controller_, &appDelegate::rowFinished, this, &BatchRunner::noteRow);
     connect(controller_, &appDelegate::rowVanished, this, [this](const QString& path) {

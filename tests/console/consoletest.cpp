@@ -58,7 +58,7 @@ void NotingReporter::rowStarted(int number, int total, const QString& source)
 
 void NotingReporter::rowProgress(double value, double maximum)
 {
-    notes << formatText(QStringLiteral("progress %.1f of %.1f"), {value, maximum});
+    notes << formatText(QStringLiteral("progress %@ of %@"), {value, maximum});
 }
 
 void NotingReporter::rowFinished(int number, int total, const RowReport& row)
