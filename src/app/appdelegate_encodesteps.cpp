@@ -23,6 +23,7 @@
 #include "probe/recordersources.h"
 
 #include <QDateTime>
+#include <QFileInfo>
 
 #include <sys/stat.h>
 
@@ -163,6 +164,10 @@ QString appDelegate::encReplaceRefusal(const QString& destination)
         return encLoggedRefusal(batchText("Enc_outputOfThisBatch"), destination);
     }
     const QString kept = batchText("Enc_kept");
+    // A pipe would be written into instead of replaced, and block for ever.
+    if (!QFileInfo(destination).isFile()) {
+        return encLoggedRefusal(kept, destination);
+    }
     const QString stored = prefRead(pref::replaceFilesCheck);
     if (!stored.isEmpty()) {
         return leadingInteger(stored) == 1 ? QString() : kept;

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 using namespace tavrix;
 using namespace tavrix::test;
 
@@ -211,6 +213,17 @@ TEST_F(OnATerminal, closedStandardStreamsDoNotHinderTheBatch)
     const TempFolder home;
     EXPECT_EQ(runScript("exec \"$@\" <&- >&- 2>&-", home, {text("--output"), destination.path(), clips->path()}), 0);
     EXPECT_FALSE(output().isNull());
+}
+
+TEST_F(OnATerminal, aPipeInThePlaceOfTheOutputIsKept)
+{
+    makeOutputOfBefore();
+    const QByteArray path = output().toUtf8();
+    ASSERT_TRUE(QFile::remove(output()));
+    ASSERT_EQ(::mkfifo(path.constData(), 0600), 0);
+    ASSERT_TRUE(start(3, {text("--existing=replace")}));
+    EXPECT_EQ(terminal.finish(), 1);
+    EXPECT_TRUE(terminal.shown().contains(text("an output of that name exists and was kept")));
 }
 
 struct CommandCase {
