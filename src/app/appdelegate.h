@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/face.h"
+#include "app/intakelist.h"
 #include "app/windowmodel.h"
 #include "process/tasklauncher.h"
 
@@ -104,6 +105,7 @@ public:
 Q_SIGNALS:
     // Observers only: nothing in the controller depends on them.
     void intakeRefused(const QStringList& paths);
+    void intakeBegan();
     void sourcesQueued(int count);
     void nothingToAnalyse();
     void analysisStarted(const QString& path, int number, int total);
@@ -152,8 +154,8 @@ private:
     void pauseEncodingForDrop();
     void resumeEncodingAfterDrop();
     void deliverPendingEncoderEnd();
-    [[nodiscard]] QStringList acceptedPaths(const QStringList& paths) const;
     [[nodiscard]] QStringList withoutKnownSources(const QStringList& paths) const;
+    void tellSkipped(const QList<SkippedSource>& skipped);
     void nothingNewDropped();
 
     // analysis

@@ -1,8 +1,6 @@
 #include "app/appdelegate.h"
 
 #include "app/stepflags.h"
-#include "base/bundle.h"
-#include "base/filelisting.h"
 #include "base/filesizes.h"
 #include "base/log.h"
 #include "base/paths.h"
@@ -11,25 +9,9 @@
 #include "base/settings.h"
 #include "base/text.h"
 
-#include <QFileInfo>
-
 // Source intake: what is dropped or opened becomes the analysis queue.
 namespace tavrix
 {
-
-namespace
-{
-
-QSet<QString> acceptedExtensions()
-{
-    QSet<QString> accepted;
-    for (const QString& extension : documentTypeExtensions()) {
-        accepted << extension << extension.toUpper() << capitalized(extension);
-    }
-    return accepted;
-}
-
-} // namespace
 
 void appDelegate::dragNDropPerformDrag(QObject* /*view*/, const QStringList& paths)
 {
@@ -56,12 +38,15 @@ void appDelegate::draggedFiles(const QStringList& paths)
         return;
     }
     closeIntake();
+    Q_EMIT intakeBegan();
     if (model_.batchEncGoBt.state() == 1) {
         pauseEncodingForDrop();
     }
     model_.batchEncGoBt.setEnabled(false);
-    const QStringList fresh = withoutKnownSources(acceptedPaths(paths));
+    const IntakeList found = intakeList(paths);
+    const QStringList fresh = withoutKnownSources(found.accepted);
     if (fresh.isEmpty()) {
+        tellSkipped(found.skipped);
         nothingNewDropped();
         return;
     }
@@ -76,6 +61,7 @@ void appDelegate::draggedFiles(const QStringList& paths)
     analysisTakes_ = 0;
     setFlag(pref::analysisDeb);
     Q_EMIT sourcesQueued(static_cast<int>(fresh.size()));
+    tellSkipped(found.skipped);
     analysis();
 }
 
@@ -134,28 +120,6 @@ void appDelegate::deliverPendingEncoderEnd()
     }
 }
 
-QStringList appDelegate::acceptedPaths(const QStringList& paths) const
-{
-    QStringList candidates;
-    for (const QString& path : paths) {
-        const QString resolved = isFolder(path) ? path : pathByResolvingAlias(path);
-        if (isFolder(resolved)) {
-            candidates << lsCocoaRecursive(resolved);
-        } else {
-            candidates << resolved;
-        }
-    }
-    const QSet<QString> extensions = acceptedExtensions();
-    QStringList accepted;
-    for (const QString& path : candidates) {
-        // A FIFO would keep the analysis waiting for ever; only regular files are queued.
-        if (extensions.contains(pathExtension(path)) && QFileInfo(path).isFile()) {
-            accepted << path;
-        }
-    }
-    return accepted;
-}
-
 QStringList appDelegate::withoutKnownSources(const QStringList& paths) const
 {
     QSet<QString> seen;
@@ -171,6 +135,13 @@ QStringList appDelegate::withoutKnownSources(const QStringList& paths) const
         fresh << path;
     }
     return fresh;
+}
+
+void appDelegate::tellSkipped(const QList<SkippedSource>& skipped)
+{
+    for (const SkippedSource& source : skipped) {
+        Q_EMIT sourceRejected(source.path, source.reason);
+    }
 }
 
 void appDelegate::nothingNewDropped()

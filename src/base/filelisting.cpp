@@ -9,6 +9,8 @@
 #include <QFile>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace tavrix
 {
@@ -84,6 +86,21 @@ QStringList lsCocoaRecursive(const QString& folder)
         appendItemsBelow(base, base, items);
     }
     return items;
+}
+
+QStringList unspeakableEntries(const QString& folder)
+{
+    QStringList entries;
+    const QByteArray bytes = systemPath(folder);
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(bytes.toStdString(), failure);
+    for (; !bytes.isEmpty() && !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const QByteArray name = QByteArray::fromStdString(entry->path().filename().string());
+        if (decodedUtf8(name).isNull())
+            entries.append(stringByAppendingPathComponent(folder, QString::fromUtf8(name)));
+    }
+    entries.sort();
+    return entries;
 }
 
 QStringList lsGrepCocoa(const QString& folder, const QString& extension)

@@ -14,6 +14,9 @@ namespace tavrix
 [[nodiscard]] std::optional<QStringList> lsCocoa(const QString& folder);
 // Everything below the folder at any depth, folders included; empty for nothing or an unreadable folder.
 [[nodiscard]] QStringList lsCocoaRecursive(const QString& folder);
+// Direct entries, links and folders included, whose names are no UTF-8 text and which no other listing can hold; with
+// replacement characters, sorted. Empty for nothing or an unreadable folder.
+[[nodiscard]] QStringList unspeakableEntries(const QString& folder);
 // Direct entries with the extension in any case; "" or nothing asks for those without one.
 [[nodiscard]] QStringList lsGrepCocoa(const QString& folder, const QString& extension);
 // Files at any depth whose whole path, the folder's included, holds the pattern; the flag "i" ignores case. "" or

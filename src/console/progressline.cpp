@@ -1,11 +1,11 @@
 #include "console/progressline.h"
 
 #include "base/format.h"
+#include "base/localisation.h"
 
 #include <QStringList>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string>
 
@@ -114,15 +114,15 @@ QString progressLine(const ProgressState& state, int width)
 
 QString sizeText(qint64 bytes)
 {
-    static const std::array<const char*, 4> units = {"kB", "MB", "GB", "TB"};
+    const QStringList units = localizedString(QStringLiteral("Con_sizeUnits"), QStringLiteral("Console")).split(u' ');
     constexpr double leastShownAsThousand = 999.95;
     double value = static_cast<double>(bytes) / 1000;
-    std::size_t unit = 0;
+    qsizetype unit = 0;
     while (value >= leastShownAsThousand && unit + 1 < units.size()) {
         value /= 1000;
         ++unit;
     }
-    return fixedText(value, 1) + QLatin1Char(' ') + QLatin1String(units.at(unit));
+    return fixedText(value, 1) + QLatin1Char(' ') + units.at(unit);
 }
 
 } // namespace tavrix

@@ -95,7 +95,10 @@ void TextReporter::accepted(const QString& path, const QVariantMap& infos)
 
 void TextReporter::rejected(const QString& path, const QString& reason)
 {
-    line(formatText(consoleText("Con_rejected"), {place(), shownName(path), printable(reason)}));
+    // What is skipped before the analysis has no place in it.
+    const QString name =
+        analysisNumber_ > 0 ? formatText(QStringLiteral("%@ %@"), {place(), shownName(path)}) : shownName(path);
+    line(formatText(consoleText("Con_rejected"), {name, printable(reason)}));
 }
 
 void TextReporter::rowStarted(int number, int total, const QString& source)

@@ -44,7 +44,7 @@ LeftOutBar::LeftOutBar(appDelegate& controller, QWidget* parent)
 
 void LeftOutBar::listen()
 {
-    connect(&controller_, &appDelegate::sourcesQueued, this, [this] {
+    connect(&controller_, &appDelegate::intakeBegan, this, [this] {
         leftOut_.clear();
         showNotice(QString());
         refresh();

@@ -1,4 +1,5 @@
 #include "base/filelisting.h"
+#include "base/posixfile.h"
 #include "base/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
@@ -6,6 +7,8 @@
 #include <QFile>
 
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
 
 using namespace tavrix;
 using namespace tavrix::test;
@@ -52,6 +55,19 @@ TEST_F(Listing, NothingIsNotAnEmptyFolder)
     EXPECT_TEXTS(lsGrepCocoa(QString(), QStringLiteral("mov")), QStringList());
     EXPECT_TEXTS(findCocoa(QString(), QStringLiteral("x"), QString()), QStringList());
     EXPECT_TEXT(fileFromFolder(QString(), QStringLiteral("mov")), QStringLiteral(""));
+}
+
+TEST_F(Listing, NamesThatAreNoTextAreListedApart)
+{
+    for (const char* name : {"/caf\xE9.mov", "/a\xFF", "/caf\xC3\xA9.mov"}) {
+        const QByteArray path = folder.path().toUtf8() + name;
+        const FileDescriptor made(::open(path.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
+        ASSERT_TRUE(made.isOpen());
+    }
+    EXPECT_TEXTS(unspeakableEntries(folder.path()), paths({"a\uFFFD", "caf\uFFFD.mov"}));
+    EXPECT_TEXTS(unspeakableEntries(folder.path(QStringLiteral("dv"))), QStringList());
+    EXPECT_TEXTS(unspeakableEntries(folder.path(QStringLiteral("missing"))), QStringList());
+    EXPECT_TEXTS(unspeakableEntries(QString()), QStringList());
 }
 
 TEST_F(Listing, TheWholeTreeWithoutFollowingLinks)

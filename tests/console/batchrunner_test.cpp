@@ -140,8 +140,9 @@ TEST_F(BatchRunnerTest, endsWhenThereIsNoFileOfAKnownType)
     ASSERT_TRUE(runToTheEnd());
     EXPECT_EQ(face.exitCode(), exitNothingAccepted);
     EXPECT_TEXTS(reporter.notes,
-                 QStringList({text("message Nothing to convert: no file of a known type among the sources||"),
-                              text("summary of 0, 0 left out, status 3")}));
+                 QStringList({text("rejected letter.txt: this type of file is not among those of camera clips"),
+                              text("message Nothing to convert: no file of a known type among the sources||"),
+                              text("summary of 0, 1 left out, status 3")}));
 }
 
 TEST_F(BatchRunnerTest, endsWhenTheAnalysisToolCannotStart)

@@ -35,6 +35,7 @@ TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
     TextStream stream;
     TextReporter reporter(stream.file(), false);
     reporter.queued(3);
+    reporter.rejected(text("/c/notes.txt"), text("no clip"));
     reporter.analysing(text("/c/00001.MTS"), 1, 3);
     reporter.accepted(text("/c/00001.MTS"), clipRecord());
     reporter.analysing(text("/c/odd.mov"), 2, 3);
@@ -49,7 +50,8 @@ TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
     reporter.summary({doneRow(), failedRow()}, 1, text("/d/Tavrix events"), 1);
     EXPECT_TEXTS(
         stream.lines(),
-        QStringList({text("3 source(s) to analyse"), text("1/3 00001.MTS: h264, 1280x720"),
+        QStringList({text("3 source(s) to analyse"), text("notes.txt: left out: no clip"),
+                     text("1/3 00001.MTS: h264, 1280x720"),
                      text("2/3 odd.mov: not readable as a clip; its row will say why"),
                      text("3/3 film.avi: left out: 1920x1080 is larger than 1280x720"), text("Encoding 1/2: 00001.MTS"),
                      text("Done 1/2: 00001.MTS (12.3 MB)"), text("Encoding 2/2: 00002.MTS"),

@@ -1,0 +1,118 @@
+#include "app/intakelist.h"
+
+#include "app/batchtexts.h"
+#include "controllertest.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+class SkippedSources : public ControllerTest
+{
+protected:
+    SkippedSources()
+    {
+        QObject::connect(controller.get(), &appDelegate::intakeBegan, controller.get(),
+                         [this] { told << QStringLiteral("began"); });
+        QObject::connect(controller.get(), &appDelegate::sourcesQueued, controller.get(),
+                         [this](int count) { told << QStringLiteral("queued %1").arg(count); });
+        QObject::connect(controller.get(), &appDelegate::sourceRejected, controller.get(),
+                         [this](const QString& path, const QString& reason) { told << path + u' ' + reason; });
+        QObject::connect(controller.get(), &appDelegate::nothingToAnalyse, controller.get(),
+                         [this] { told << QStringLiteral("nothing"); });
+    }
+
+    QString sources() const { return folder.path(QStringLiteral("sources")); }
+    QString toldOf(const QString& path, const char* reason) const { return path + u' ' + batchText(reason); }
+
+    QStringList told;
+};
+
+QStringList pathsOf(const QList<SkippedSource>& skipped)
+{
+    QStringList paths;
+    for (const SkippedSource& source : skipped) {
+        paths << source.path;
+    }
+    return paths;
+}
+
+} // namespace
+
+TEST_F(SkippedSources, FifoLinkToNothingAndUnspeakableNameInAFolderAreTold)
+{
+    const QString good = clip(QStringLiteral("a.mts"));
+    const QString fifo = folder.path(QStringLiteral("sources/fifo.mts"));
+    ASSERT_EQ(::mkfifo(qPrintable(fifo), 0600), 0);
+    const QString link = folder.path(QStringLiteral("sources/link.mov"));
+    ASSERT_EQ(::symlink("/nowhere/at/all.mov", qPrintable(link)), 0);
+    const QByteArray unspeakable = sources().toUtf8() + "/caf\xE9.mov";
+    const int made = ::open(unspeakable.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+    ASSERT_GE(made, 0);
+    ::close(made);
+    folder.makeFile(QStringLiteral("sources/notes.txt"), "n");
+
+    const IntakeList list = intakeList({sources()});
+    EXPECT_TEXTS(list.accepted, QStringList(good));
+    ASSERT_EQ(list.skipped.size(), 3);
+    EXPECT_TRUE(list.skipped.at(0).path.startsWith(sources() + QStringLiteral("/caf")));
+    EXPECT_TEXT(list.skipped.at(0).reason, batchText("Clip_unspeakable"));
+    EXPECT_TEXT(list.skipped.at(1).path, fifo);
+    EXPECT_TEXT(list.skipped.at(1).reason, batchText("Clip_noFile"));
+    EXPECT_TEXT(list.skipped.at(2).path, link);
+    EXPECT_TEXT(list.skipped.at(2).reason, batchText("Clip_notFound"));
+}
+
+TEST_F(SkippedSources, WhatMayNotBeReadIsTold)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root may read everything";
+    }
+    const QString closedFile = clip(QStringLiteral("a.mts"));
+    const QString good = clip(QStringLiteral("b.mts"));
+    clip(QStringLiteral("closed/c.mts"));
+    const QString closedFolder = folder.path(QStringLiteral("sources/closed"));
+    ASSERT_EQ(::chmod(qPrintable(closedFile), 0), 0);
+    ASSERT_EQ(::chmod(qPrintable(closedFolder), 0), 0);
+    const IntakeList list = intakeList({sources()});
+    ASSERT_EQ(::chmod(qPrintable(closedFolder), 0700), 0);
+    EXPECT_TEXTS(list.accepted, QStringList(good));
+    EXPECT_TEXTS(pathsOf(list.skipped), QStringList({closedFile, closedFolder}));
+    EXPECT_TEXT(list.skipped.at(0).reason, batchText("Clip_closedFile"));
+    EXPECT_TEXT(list.skipped.at(1).reason, batchText("Clip_closedFolder"));
+}
+
+TEST_F(SkippedSources, AreTheFilesOfAnotherTypeThatAreGivenByThemselves)
+{
+    const QString text = folder.makeFile(QStringLiteral("sources/notes.txt"), "n");
+    const IntakeList list = intakeList({text, sources()});
+    EXPECT_TRUE(list.accepted.isEmpty());
+    EXPECT_TEXTS(pathsOf(list.skipped), QStringList(text));
+    EXPECT_TEXT(list.skipped.at(0).reason, batchText("Clip_otherExtension"));
+}
+
+TEST_F(SkippedSources, AreToldAfterTheQueueAndBeforeItsAnalysis)
+{
+    const QString good = clip(QStringLiteral("a.mts"));
+    const QString text = folder.makeFile(QStringLiteral("sources/notes.txt"), "n");
+    addRows({text, good});
+    EXPECT_TEXTS(
+        told, QStringList({QStringLiteral("began"), QStringLiteral("queued 1"), toldOf(text, "Clip_otherExtension")}));
+    EXPECT_EQ(rows().count(), 1);
+    expectIdle();
+}
+
+TEST_F(SkippedSources, AreToldWhenNothingElseWasDropped)
+{
+    const QString text = folder.makeFile(QStringLiteral("sources/notes.txt"), "n");
+    addRows({text});
+    EXPECT_TEXTS(
+        told, QStringList({QStringLiteral("began"), toldOf(text, "Clip_otherExtension"), QStringLiteral("nothing")}));
+    expectIdle();
+}
