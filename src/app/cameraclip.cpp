@@ -111,7 +111,7 @@ bool isJpegFile(const QString& path)
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
-    const QByteArray bytes = file.read(64 * 1024);
+    const QByteArray bytes = file.read(qint64{64} * 1024);
     if (!bytes.startsWith(QByteArrayLiteral("\xFF\xD8\xFF"))) {
         return false;
     }

@@ -58,7 +58,7 @@ QString printable(const QString& text)
 
 QString elided(const QString& text, int width)
 {
-    const QString shown = printable(text);
+    QString shown = printable(text);
     if (displayWidth(shown) <= width) {
         return shown;
     }

@@ -46,7 +46,7 @@ int ffRevisionFromBanner(const QString& banner)
 
 int ffRevisionInt()
 {
-    const QString command = formatText(QStringLiteral("\"%@\" 2>&1"), {shellDoubleQuoted(ffmpegPathStr())});
+    QString command = formatText(QStringLiteral("\"%@\" 2>&1"), {shellDoubleQuoted(ffmpegPathStr())});
     const int revision = ffRevisionFromBanner(taskWithStr(command));
     logLine(QStringLiteral("FFmpeg version      : %d"), {revision});
     return revision;
@@ -187,7 +187,7 @@ bool mpegTs(const QString& path, const QString& text)
 
 QString ffmpegVsyncCommand(const QString& ffmpeg, const QString& path, const QString& forcedFormat)
 {
-    const QString command = formatText(
+    QString command = formatText(
         QStringLiteral("\"%@\" -v 3 -vframes 35 -i \"%@\" -s 320x240 -pix_fmt yuv420p -an -f null -y /dev/null 2>&1"),
         {shellDoubleQuoted(ffmpeg), shellDoubleQuoted(path)});
     if (forcedFormat.isEmpty()) {

@@ -10,7 +10,7 @@ namespace tavrix
 {
 
 // Playlists are a few kilobytes; a larger ".MPL" is no playlist and is not read.
-inline constexpr std::size_t playlistLimit = 16U * 1024U * 1024U;
+inline constexpr std::size_t playlistLimit = std::size_t{16} * 1024 * 1024;
 
 // First occurrence of the needle, or null. The last possible position is never compared.
 [[nodiscard]] const unsigned char* _u_strstr(const unsigned char* haystack, const unsigned char* needle,

@@ -22,7 +22,7 @@ namespace
 {
 
 const QString eyetvMark = QStringLiteral(".eyetv/");
-constexpr qint64 descriptionLimit = 16 * 1024 * 1024;
+constexpr qint64 descriptionLimit = qint64{16} * 1024 * 1024;
 constexpr qint64 dateHeadLength = 1000;
 constexpr qint64 dateTextOffset = 13;
 constexpr qint64 dateTextLength = 10;
