@@ -41,7 +41,7 @@ protected:
         return found;
     }
 
-    [[nodiscard]] bool isOld(int row) { return QFile(outputOf(sources.at(row))).size() == 777 * 1024; }
+    [[nodiscard]] bool isOld(int row) { return QFile(outputOf(sources.at(row))).size() == qint64{777} * 1024; }
 
     QStringList sources;
 };

@@ -26,7 +26,7 @@ constexpr unsigned firstSeed = 20101;
 constexpr int sourceCount = 5;
 constexpr int recoverySources = 2;
 // A step that called itself for every row or source would soon be beyond this.
-constexpr quintptr deepestStack = 256 * 1024;
+constexpr quintptr deepestStack = quintptr{256} * 1024;
 
 // Folders and source files that all sequences share.
 struct World {
@@ -184,7 +184,7 @@ private:
         if (running.isEmpty()) {
             return;
         }
-        const FakeTools::Launch launch = running.at(below(static_cast<int>(running.size())));
+        const FakeTools::Launch& launch = running.at(below(static_cast<int>(running.size())));
         switch (below(8)) {
         case 0:
             launch.launcher->end(0);

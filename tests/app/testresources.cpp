@@ -40,7 +40,7 @@ void TestResources::changeInfo(const QByteArray& from, const QByteArray& to) con
 
 QString TestResources::makeTool(const QString& name, const QByteArray& script) const
 {
-    const QString tool = root_ + QStringLiteral("/tools/") + name;
+    QString tool = root_ + QStringLiteral("/tools/") + name;
     EXPECT_TRUE(writeBytes(tool, "#!/bin/sh\n" + script));
     EXPECT_TRUE(QFile::setPermissions(tool, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner));
     return tool;
