@@ -1,6 +1,7 @@
 #include "process/capturedrun.h"
 
 #include "base/log.h"
+#include "base/posixfile.h"
 
 #include <cerrno>
 #include <poll.h>
@@ -22,18 +23,22 @@ void readRest(int fd, QByteArray& output)
     }
 }
 
-void collect(ChildProcess& child, int fd, QByteArray& output)
+// False (and errno) when the child could not be watched; it then still runs.
+bool collect(ChildProcess& child, int fd, QByteArray& output)
 {
     pollfd watched[2] = {{fd, POLLIN, 0}, {child.exitDescriptor(), POLLIN, 0}};
     QByteArray chunk;
     bool open = true;
     for (;;) {
-        if (poll(watched, 2, -1) < 0 && errno != EINTR)
-            return;
+        if (poll(watched, 2, -1) < 0) {
+            if (errno != EINTR)
+                return false;
+            continue;
+        }
         if (watched[1].revents != 0 && child.reapIfEnded()) {
             if (open)
                 readRest(fd, output);
-            return;
+            return true;
         }
         if (watched[0].revents == 0)
             continue;
@@ -67,8 +72,14 @@ std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo, const st
         run.pid = child.pid();
         if (started && failure.isNull())
             started(run.pid);
-        collect(child, pipe.readEnd.get(), run.output);
-        run.status = child.status();
+        if (!collect(child, pipe.readEnd.get(), run.output)) {
+            failure = systemErrorText();
+            std::vector<ChildProcess> unwatched;
+            unwatched.push_back(std::move(child));
+            killAndReap(unwatched);
+        } else {
+            run.status = child.status();
+        }
     }
     if (!failure.isNull()) {
         logLine(QStringLiteral("task failure        :-( %@ : %@"), {setup.program, failure});

@@ -18,7 +18,7 @@ struct CapturedRun {
 // Runs a child and collects its standard output, and its error stream too when asked for. Reads while it waits, so that
 // any amount fits, and stops when the child has ended and the pipe holds nothing more that was written before: a
 // background job that keeps the pipe open does not delay it. No event loop runs. `started` gets the process id early.
-// No value (and a log line) when the program could not be executed.
+// No value (and a log line) when the program could not be executed or, once started, not be watched: it is then killed.
 [[nodiscard]] std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo = false,
                                                      const std::function<void(int)>& started = {});
 

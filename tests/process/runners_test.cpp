@@ -2,6 +2,7 @@
 #include "base/filesizes.h"
 #include "base/paths.h"
 #include "base/settings.h"
+#include "process/capturedrun.h"
 #include "process/runners.h"
 #include "processsupport.h"
 #include "support/qtprinters.h"
@@ -11,6 +12,7 @@
 #include <QElapsedTimer>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -46,8 +48,7 @@ INSTANTIATE_TEST_SUITE_P(Commands, ShellText,
                                          ShellRow{"Empty", "true", nullptr, ""},
                                          ShellRow{"StatusDoesNotMatter", "printf x; exit 9", "x", "x"},
                                          ShellRow{"Undecodable", "printf 'a\\303'", "", nullptr},
-                                         ShellRow{"ErrorStreamIsNotCollected", "echo o; echo e 2>/dev/null >&2", "o\n",
-                                                  "o"},
+                                         ShellRow{"ErrorStreamIsNotCollected", "echo o; echo e >&2", "o\n", "o"},
                                          ShellRow{"QuotedAmpersandGreater", "echo 'a &> b'", "a &> b\n", "a &> b"},
                                          ShellRow{"NullInput", "cat; echo end", "end\n", "end"},
                                          ShellRow{"Locale", "printf %s \"$LC_CTYPE\"", "en_US.UTF-8", "en_US.UTF-8"},
@@ -149,6 +150,29 @@ TEST(Runners, AKilledProgramLeavesNoChildBehind)
     kill(parent, SIGKILL);
     ASSERT_EQ(waitpid(parent, nullptr, 0), parent);
     EXPECT_TRUE(waitUntil([&] { return isGone(child); }));
+}
+
+// The system refuses to watch more descriptors than a process may have.
+TEST(Runners, AChildThatCannotBeWatchedIsKilledAndGivesNothing)
+{
+    const LogCapture log;
+    rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    ChildSetup setup;
+    setup.program = fakeChild();
+    setup.arguments = QStringList({QStringLiteral("out"), QStringLiteral("half"), QStringLiteral("silence")});
+    int pid = 0;
+    const std::optional<CapturedRun> run = runCaptured(setup, false, [&](int started) {
+        pid = started;
+        const rlimit one = {1, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &one);
+    });
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_FALSE(run.has_value());
+    ASSERT_GT(pid, 0);
+    EXPECT_TRUE(waitUntil([&] { return isGone(pid); }));
+    EXPECT_FALSE(hasChildren());
+    EXPECT_EQ(log.lines().filter(QStringLiteral("task failure        :-( ")).size(), 1);
 }
 
 // A temporary and a resource folder for taskArray.

@@ -188,9 +188,7 @@ TEST_F(Control, NotificationsReachTheLauncherWithThatIdentity)
 
 TEST_F(Control, LaunchersWithOneIdentityReactBoth)
 {
-    taskLauncher second;
     Recorder secondRecorder;
-    second.setDelegate(&secondRecorder);
     int uid = 0;
     // The second may change between the two requests; then new launchers are asked.
     std::unique_ptr<taskLauncher> other;
