@@ -7,6 +7,7 @@
 #include "base/filesizes.h"
 #include "base/log.h"
 #include "base/paths.h"
+#include "base/posixfile.h"
 #include "base/settings.h"
 #include "base/text.h"
 #include "platform/datasearch.h"
@@ -14,6 +15,8 @@
 #include "process/shelltext.h"
 
 #include <QFile>
+
+#include <fcntl.h>
 
 namespace tavrix
 {
@@ -132,12 +135,13 @@ float bundledVideoEyetvDuration(const QString& path)
         logLine(QStringLiteral("bundledVideoEyetvDura- not readable"));
         return 0.0F;
     }
-    QFile file(description);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const std::optional<QByteArray> contents =
+        readAllFrom(openFile(systemPath(description), O_RDONLY), descriptionLimit);
+    if (!contents) {
         logLine(QStringLiteral("bundledVideoEyetvDura- no read"));
         return 0.0F;
     }
-    const float duration = eyetvDurationFromText(decodedUtf8(file.read(descriptionLimit)));
+    const float duration = eyetvDurationFromText(decodedUtf8(*contents));
     logDebug(QStringLiteral("returnFloat          : %f"), {static_cast<double>(duration)});
     return duration;
 }
@@ -168,8 +172,9 @@ QString dateCreation2iMovieName(const QString& sourcePath)
 
 int readVideoCreationDate(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const FileDescriptor opened = openFile(systemPath(path), O_RDONLY);
+    QFile file;
+    if (!opened.isOpen() || !file.open(opened.get(), QIODevice::ReadOnly)) {
         logLine(QStringLiteral("readVideoCreationDate :-( %@"), {path});
         return 0;
     }

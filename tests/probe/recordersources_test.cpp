@@ -1,7 +1,9 @@
 #include "probe/recordersources.h"
 
 #include "base/fileops.h"
+#include "base/settings.h"
 #include "probe/fakeresources.h"
+#include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 
 #include <QFile>
@@ -134,6 +136,40 @@ TEST(EyetvDuration, UnreadableDescriptionIsLogged)
     EXPECT_TRUE(log.contains(QStringLiteral("bundledVideoEyetvDura- not readable")));
 }
 
+TEST(EyetvDuration, UnreadableContentsAreLogged)
+{
+    const TempFolder folder;
+    const LogCapture log;
+    const QString stream = folder.makeFile(QStringLiteral("Rec.eyetv/s.mpg"));
+    folder.makeFolder(QStringLiteral("Rec.eyetv/a.eyetvr"));
+    EXPECT_EQ(bundledVideoEyetvDuration(stream), 0.0F);
+    EXPECT_TRUE(log.contains(QStringLiteral("bundledVideoEyetvDura- no read")));
+}
+
+TEST(EyetvDuration, IsLoggedWhenDebugging)
+{
+    const TempFolder folder;
+    const QString stream = folder.makeFile(QStringLiteral("Rec.eyetv/s.mpg"));
+    folder.makeFile(QStringLiteral("Rec.eyetv/a.eyetvr"), "<key>actual duration</key><real>61.5</real>");
+    const LogCapture log;
+    EXPECT_EQ(bundledVideoEyetvDuration(stream), 61.5F);
+    EXPECT_TRUE(log.lines().filter(QStringLiteral("returnFloat")).isEmpty());
+    setDEBUG(1);
+    EXPECT_EQ(bundledVideoEyetvDuration(stream), 61.5F);
+    setDEBUG(0);
+    EXPECT_TRUE(log.contains(QStringLiteral("returnFloat          : 61.500000")));
+}
+
+TEST(RecorderPipes, NobodyWaitsForTheirWriters)
+{
+    const TempFolder folder;
+    const QString stream = folder.makeFile(QStringLiteral("Rec.eyetv/s.mpg"));
+    const QString pipe = folder.path(QStringLiteral("Rec.eyetv/a.eyetvr"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    EXPECT_EQ(bundledVideoEyetvDuration(stream), 0.0F);
+    EXPECT_EQ(readVideoCreationDate(pipe), 0);
+}
+
 TEST(OutputName, CommandIsExactAndNamesAreData)
 {
     EXPECT_TEXT(timestampCommand(QStringLiteral("/R/tools"), QStringLiteral("/M/BDMV/PLAYLIST/")),
@@ -185,6 +221,19 @@ TEST(OutputName, EastOfGreenwichLosesTheZone)
         EXPECT_TEXT(dateCreation2iMovieName(clip), QStringLiteral("clip-2011-03-04 14;50;30-holiday"));
     }
     tzset();
+}
+
+TEST(OutputName, IsShownToDevelopers)
+{
+    const test::AlertRecorder alerts;
+    const TempFolder folder;
+    const QString clip = folder.path(QStringLiteral("a/b/x.mov"));
+    EXPECT_TEXT(dateCreation2iMovieName(clip), QStringLiteral("clip-(null)-x"));
+    EXPECT_TEXTS(alerts.shown(), QStringList());
+    setDEBUGDEVForTests(1);
+    EXPECT_TEXT(dateCreation2iMovieName(clip), QStringLiteral("clip-(null)-x"));
+    setDEBUGDEVForTests(0);
+    EXPECT_TEXTS(alerts.shown(), QStringList{QStringLiteral("dstPathNameStr :: clip-(null)-x")});
 }
 
 TEST(OutputName, MissingFileStillGetsAName)
