@@ -220,13 +220,11 @@ void readTrackLine(const QString& line, Tracks& tracks)
     Track* track = video ? firstFree(tracks.video) : firstFree(tracks.audio);
     if (track != nullptr) {
         track->id = id;
+        if (audio) {
+            logLine(QStringLiteral("audioStreamId…       # %d"), {id});
+        }
     }
-    if (video) {
-        tracks.videoTimeBase = timeBase;
-    } else {
-        tracks.audioTimeBase = timeBase;
-        logLine(QStringLiteral("audioStreamId…       # %d"), {id});
-    }
+    (video ? tracks.videoTimeBase : tracks.audioTimeBase) = timeBase;
 }
 
 void readWrapperOffset(const QString& line, Tracks& tracks)

@@ -1,7 +1,9 @@
 #include "probe/streamoffsets.h"
 
 #include "base/bundle.h"
+#include "base/settings.h"
 #include "probe/fakeresources.h"
+#include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 
 namespace tavrix
@@ -237,6 +239,74 @@ TEST(OffsetTracks, RunsTheToolAndReadsItsTranscript)
     EXPECT_EQ(resources.toolArguments(QStringLiteral("ffmpeg")).join(u'|'), QStringLiteral("-fdebug|ts|-i|/M/a b.mts"));
     resources.makeTool(QStringLiteral("ffmpeg"), "printf '\\377'\n");
     EXPECT_TRUE(offsetTracks(QStringLiteral("/M/a.mts"), QString()).isEmpty());
+}
+
+class PtsExits : public testing::TestWithParam<PtsRow>
+{
+};
+
+TEST_P(PtsExits, TellTheirReason)
+{
+    const test::LogCapture log;
+    EXPECT_TRUE(ptsDtsOffsetMs(test::text(GetParam().transcript)).isEmpty());
+    EXPECT_TRUE(log.contains(test::text(GetParam().offsets))) << log.lines().join(u'|').toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Transcripts, PtsExits,
+    testing::Values(
+        PtsRow{"NoPts", "av_read_packet stream=0, pts=1, dts=1, s\n" STREAMS, "ptsDtsOffsetMs - fin :-( no pts"},
+        PtsRow{"NoVideo", "x\n    Stream #0.1, 3, 1/1000: Audio: x\nav_read_packet stream=1, pts=4, dts=0, s",
+               "ptsDtsOffsetMs - fin ;-) no video"},
+        PtsRow{"NoAudio", "x\n    Stream #0.0, 3, 1/1000: Video: x\nav_read_packet stream=0, pts=4, dts=0, s",
+               "ptsDtsOffsetMs - fin ;-) no audio"},
+        PtsRow{"UnknownStream", STREAMS "av_read_packet stream=7, pts=100, dts=100, s",
+               "pts/dts             :-( parse erreur, pas d'affectation sur chaque id (=>fin)"}),
+    test::rowName<PtsRow>);
+
+TEST(PtsOffsetLines, NameEveryStream)
+{
+    const test::LogCapture log;
+    const test::AlertRecorder alerts;
+    setDEBUGDEVForTests(1);
+    const QVariantMap offsets = ptsDtsOffsetMs(QStringLiteral(
+        STREAMS "av_read_packet stream=0, pts=100, dts=100, s\nav_read_packet stream=1, pts=225, dts=225, s"));
+    setDEBUGDEVForTests(0);
+    EXPECT_EQ(offsets.size(), 2);
+    for (const char* line :
+         {"id = 0, tb = 1000", "id = 1, tb = 1000", "pts v#0, ecart      = 0 ms", "dts v#0, ecart      = 0 ms",
+          "pts a#1, ecart      = 125 ms", "dts a#1, ecart      = 125 ms"}) {
+        EXPECT_TRUE(log.contains(test::text(line))) << line;
+    }
+    EXPECT_EQ(log.lines().filter(QStringLiteral("returnedMd : ")).size(), 1);
+    EXPECT_TEXTS(alerts.shown(), QStringList{QStringLiteral("logs: ffmpeg > ptsDtsOffsetMs - fin")});
+}
+
+TEST(OffsetTracksLines, NameTheStreamsThatAreMeasured)
+{
+    const test::LogCapture log;
+    const QList<int> offsets = offsetTracksFromTranscript(
+        QStringLiteral(TRACKS "    Stream #0.2, 1, 1/1000: Audio: x\n    Stream #0.3, 1, 1/1000: Audio: x\n"
+                              "    Stream #0.4, 1, 1/1000: Audio: x\n    Stream #0.5, 1, 1/1000: Audio: x\n" VIDEO0
+                              "av_read_frame_internal stream=1, pts=1500, dts=1500, size=1"),
+        QStringLiteral("streamCopy"));
+    EXPECT_EQ(shownList(offsets), QStringLiteral("100"));
+    const QString named = QStringLiteral("audioStreamId…       # ");
+    EXPECT_TEXTS(log.lines().filter(named), (QStringList{named + u'1', named + u'2', named + u'3', named + u'4'}))
+        << "the fifth finds no place";
+    for (const char* line :
+         {"wrapperOffset start  :  1.400000", "wrapperOffset        : 1.400000", "diffWrapperVideoOffse: 0.000000"}) {
+        EXPECT_TRUE(log.contains(test::text(line))) << line;
+    }
+    EXPECT_EQ(log.lines().filter(QStringLiteral("returnArray          : ")).size(), 1);
+}
+
+TEST(OffsetTracksLines, CountWhatIsMissing)
+{
+    const test::LogCapture log;
+    EXPECT_TRUE(offsetTracksFromTranscript(QStringLiteral(TRACKS VIDEO0), QString()).isEmpty());
+    EXPECT_TRUE(
+        log.contains(QStringLiteral("failure              :-( [audioPtsArray count]==0 || [videoPtsArray count]==1")));
 }
 
 } // namespace tavrix
