@@ -317,7 +317,7 @@ QString askedBanner(const QString& sourcePath)
 MediaInfoRecord recordFromBanner(const QString& banner)
 {
     const QStringList lines = inputBlock(linesToArray(banner));
-    logDebug(QStringLiteral("linesResultMArray : %@"), {lines});
+    logLine(QStringLiteral("linesResultMArray : %@"), {lines});
     BlockReader reader;
     for (const QString& line : lines) {
         if (!reader.read(line)) {

@@ -1,7 +1,10 @@
 #include "probe/ffinfos.h"
 
+#include "base/settings.h"
 #include "probe/recordtext.h"
+#include "support/alertrecorder.h"
 #include "support/qtprinters.h"
+#include "support/temphome.h"
 
 namespace tavrix
 {
@@ -287,6 +290,52 @@ TEST(FfInfos, DamagedBannersNeverFault)
         largest = std::max(largest, recordFromBanner(damaged).size());
     }
     EXPECT_EQ(largest, recordFromBanner(whole).size());
+}
+
+namespace
+{
+
+const char* const oneClip = "Input #0, avi, from 'x':\n  Duration: N/A, bitrate: 5 kb/s\n"
+                            "    Stream #0.0: Video: mjpeg, 30 tbr";
+
+QStringList linesOfTheParser(unsigned char debug)
+{
+    const test::LogCapture log;
+    setDEBUG(debug);
+    EXPECT_TRUE(ffInfos(QString(), banner(oneClip)).has_value());
+    setDEBUG(0);
+    return log.lines();
+}
+
+} // namespace
+
+TEST(FfInfosLines, TheStagesAreLoggedAndTheDetailsWhenDebugging)
+{
+    const QStringList always = linesOfTheParser(0);
+    EXPECT_TRUE(always.contains(QStringLiteral("ffInfos - debInt")));
+    EXPECT_EQ(always.filter(QStringLiteral("linesResultMArray : ")).size(), 1);
+    for (const QString& detail :
+         {QStringLiteral("currentLineStr : "), QStringLiteral("infosDico v#0: "), QStringLiteral("infosDico : ")}) {
+        EXPECT_TRUE(always.filter(detail).isEmpty()) << detail.toStdString();
+        EXPECT_FALSE(linesOfTheParser(1).filter(detail).isEmpty()) << detail.toStdString();
+    }
+}
+
+TEST(FfInfosAlerts, AreShownWhenDebugging)
+{
+    const test::AlertRecorder alerts;
+    EXPECT_FALSE(ffInfos(QString(), QStringLiteral("")).has_value());
+    EXPECT_TRUE(ffInfos(QString(), banner(oneClip)).has_value());
+    EXPECT_TEXTS(alerts.shown(), QStringList());
+    setDEBUG(1);
+    EXPECT_FALSE(ffInfos(QString(), QStringLiteral("")).has_value());
+    setDEBUG(0);
+    EXPECT_TEXTS(alerts.shown(),
+                 QStringList{QStringLiteral("ffmpeg > ffInfos: :-(: if ([verboseStr isEqualToString:@''])")});
+    setDEBUGDEVForTests(1);
+    EXPECT_TRUE(ffInfos(QString(), banner(oneClip)).has_value());
+    setDEBUGDEVForTests(0);
+    EXPECT_EQ(alerts.shown().size(), 3);
 }
 
 } // namespace tavrix

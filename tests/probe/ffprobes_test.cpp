@@ -5,6 +5,7 @@
 #include "base/settings.h"
 #include "probe/fakeresources.h"
 #include "probe/ffinfos.h"
+#include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 
 namespace tavrix
@@ -260,7 +261,7 @@ TEST(Duration, IsTheLastTimeOfACopy)
     EXPECT_EQ(durationM2v(resources.folder().path(QStringLiteral("missing"))), 0);
 }
 
-TEST(TransportStream, PathAnswersTrueUnlessTheOutputIsUndecodable)
+TEST(TransportStream, PathAnswersTrueAlsoWithoutAnyOutput)
 {
     const FakeResources resources;
     resources.makeTool(ffmpegTool, "echo \"Input #0, mpegts, from 'x'\" >&2\n");
@@ -313,7 +314,11 @@ TEST(FfInfosRun, AsksTheToolWhenTheBannerDescribesNoInput)
     EXPECT_TEXT(record->value(record::wrapper).toString(), QStringLiteral("mpegts"));
     EXPECT_EQ(resources.toolArguments(ffmpegTool).join(u'|'), QStringLiteral("-v|2|-i|") + source);
     resources.makeTool(ffmpegTool, "echo 'x: No such file or directory' >&2\nexit 1\n");
+    const test::AlertRecorder alerts;
+    setDEBUG(1);
     EXPECT_FALSE(ffInfos(source, QStringLiteral("junk")).has_value());
+    setDEBUG(0);
+    EXPECT_TEXTS(alerts.shown(), QStringList{QStringLiteral("ffInfos > !Input #: :-(((")});
     setTMPFOLDER(QString());
 }
 
