@@ -1,7 +1,7 @@
 # Debian packages that the program is built, run and tested with; sourced by ./run and ./test.
 
 run_packages="ffmpeg binutils file procps bc bash mawk xdg-utils"
-build_packages="g++ cmake ninja-build pkg-config qt6-base-dev libqt6svg6-dev qt6-multimedia-dev libgl1-mesa-dev
+build_packages="g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-multimedia-dev libgl1-mesa-dev
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libplist-dev"
 window_packages="libqt6svg6 libqt6multimediawidgets6 qt6-qpa-plugins
     qt6-translations-l10n fonts-dejavu-core"
