@@ -30,7 +30,7 @@ class IntakeBuilder
 public:
     void addGiven(const QString& path)
     {
-        const QString resolved = isFolder(path) ? path : pathByResolvingAlias(path);
+        const QString resolved = pathByResolvingAlias(path);
         if (isFolder(resolved)) {
             addFolder(resolved);
             for (const QString& item : lsCocoaRecursive(resolved)) {

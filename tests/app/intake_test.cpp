@@ -141,6 +141,17 @@ TEST_F(Intake, LinkToAFolderIsExpandedLikeTheFolder)
     EXPECT_TEXTS(names(), list({"a.mts"}));
 }
 
+TEST_F(Intake, LinkToAFolderGivesNoSecondRowsBesideTheFolder)
+{
+    const QString source = clip(QStringLiteral("a.mts"));
+    const QString sources = folder.path(QStringLiteral("sources"));
+    const QString link = folder.path(QStringLiteral("link"));
+    ASSERT_EQ(::symlink(qPrintable(sources), qPrintable(link)), 0);
+    drop({link, sources});
+    ASSERT_EQ(rows().count(), 1);
+    EXPECT_TEXT(sourceOf(0), source);
+}
+
 TEST_F(Intake, SecondDropOfAFileAddsNoRow)
 {
     const QString source = clip(QStringLiteral("a.mts"));
