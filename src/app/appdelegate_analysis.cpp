@@ -166,6 +166,7 @@ void appDelegate::analysisDecodeStep()
     // What an earlier source has left, by a stop or a stall, must not be taken for this one's.
     analysisRetainedStr_ = QString();
     prefDelete(pref::analysisIStr);
+    prefDelete(pref::imgPathStr);
     removeOwnFile(frameFile(), getTMPFOLDER());
     setFlag(pref::analysisFfmpegParse);
     logLine(QStringLiteral("analysis task - deb"));

@@ -293,6 +293,26 @@ TEST_F(Analysis, InterruptedChildStallsAndTheNextDropTakesItUpAgain)
     expectIdle();
 }
 
+TEST_F(Analysis, PictureOfAnInterruptedThumbnailIsNotTakenForAnotherSource)
+{
+    const QStringList sources = makeClips(2);
+    controller->draggedFiles({sources.at(0)});
+    ASSERT_TRUE(tools.finish(ToolKind::Decode));
+    const FakeTools::Launch thumbnail = tools.current(ToolKind::Thumbnail);
+    tools.writeFiles(thumbnail);
+    NotificationCenter::defaultCenter().post(fabKillTasks, thumbnail.launcher->uid());
+    settle();
+    ASSERT_EQ(stalls, 1);
+    // Meanwhile it has become another kind of clip, which is rejected; the next one is unreadable but gets a row.
+    tools.clips[sources.at(0)].height = 1080;
+    tools.clips[sources.at(1)].text = QStringLiteral("x: Unknown format\n");
+    addRows({sources.at(1)});
+    ASSERT_EQ(rows().count(), 1);
+    EXPECT_TEXT(sourceOf(0), sources.at(1));
+    EXPECT_FALSE(rows().row(0).dico.contains(record::imgPathStr));
+    EXPECT_TRUE(rows().row(0).img.isNull());
+}
+
 TEST_F(Analysis, UnknownFormatStillGetsARow)
 {
     const QString source = clip(QStringLiteral("a.mts"));
