@@ -194,6 +194,7 @@ private:
     void encJudgeRow(int row, const QString& destination);
     [[nodiscard]] QString encDestination(int row) const;
     [[nodiscard]] bool isOneOfTheSources(const QString& path) const;
+    [[nodiscard]] bool isOutputOfThisBatch(const QString& path) const;
     void encFailRow(int row, const QString& reason);
     void encLaunch();
     void encStopPressed();

@@ -27,6 +27,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+
 // The steps of one row: prepare and launch, the second pass, the finish and its judgement.
 namespace tavrix
 {
@@ -88,6 +90,13 @@ bool appDelegate::isOneOfTheSources(const QString& path) const
     return false;
 }
 
+// One file can have several names: the destination may have been changed to a link to it, or take capitals for small.
+bool appDelegate::isOutputOfThisBatch(const QString& path) const
+{
+    return std::any_of(encBatchOutputs_.cbegin(), encBatchOutputs_.cend(),
+                       [&path](const QString& output) { return output == path || isSameFile(output, path); });
+}
+
 appDelegate::EncodeAction appDelegate::encRefuseRow(int row, const QString& reason)
 {
     encFailRow(row, reason);
@@ -116,17 +125,21 @@ appDelegate::EncodeAction appDelegate::encDebStep()
         return encRefuseRow(row, formatText(batchText("Enc_noFolder"), {eventsFolder()}));
     }
     const QString destination = encDestination(row);
+    // Known before the name is stored: a stop deletes what is stored unless it stood there before.
+    encPreviousOutput_ = stampOf(destination);
     prefWriteChildDico(pref::processEncDico, record::dstPathStr, destination);
     // The second pass reads the format from here; the row's own value is the one in force.
     prefWriteChildDico(pref::processEncDico, record::out, out);
     if (const QString refusal = encReplaceRefusal(destination); !refusal.isNull()) {
         return encRefuseRow(row, refusal);
     }
+    if (quitting_) {
+        return EncodeAction::Idle; // the rows went while the question was open
+    }
     if (!encHasSpace(row, destination)) {
         displayAlert(localizedString(QStringLiteral("D_keep")), localizedString(QStringLiteral("D_keep")), 0, nullptr);
         return encRefuseRow(row, batchText("Enc_noSpace"));
     }
-    encPreviousOutput_ = stampOf(destination);
     encStartInt_ = secondsSince1970();
     encStartVideoInt_ = encStartInt_;
     const QString source = currentChild(record::mainEncSrcPathStr);
@@ -160,7 +173,7 @@ QString appDelegate::encReplaceRefusal(const QString& destination)
         return encLoggedRefusal(batchText("Enc_outputIsSource"), destination);
     }
     // Two clips can get one output name; a stored answer or a time-out must not let the second destroy the first.
-    if (encBatchOutputs_.contains(destination)) {
+    if (isOutputOfThisBatch(destination)) {
         return encLoggedRefusal(batchText("Enc_outputOfThisBatch"), destination);
     }
     const QString kept = batchText("Enc_kept");

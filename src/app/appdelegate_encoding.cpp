@@ -178,6 +178,9 @@ void appDelegate::encRowVanished(int index)
     const QString source = rows.row(index).dico.value(record::mainEncSrcPathStr).toString();
     displayAlertDelayed(alertText("D_batch_2"), formatText(alertText("D_batch_3"), {rows.row(index).src}),
                         QStringLiteral("OK"), QString(), QString(), 0, missingSourceAlertSeconds);
+    if (quitting_) {
+        return; // the rows went while the alert was open
+    }
     if (index > 0) {
         prefWrite(pref::encCurrentProcessingFile, rows.row(index - 1).dico.value(record::mainEncSrcPathStr).toString());
     }

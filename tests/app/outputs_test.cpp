@@ -178,6 +178,24 @@ TEST_F(ExistingOutput, TwoClipsWithOneOutputNameDoNotDestroyEachOther)
     expectIdle();
 }
 
+TEST_F(ExistingOutput, OutputOfThisBatchIsKnownUnderAnotherNameOfItsFolder)
+{
+    const QStringList twins = {clip(QStringLiteral("one/a.mts")), clip(QStringLiteral("two/a.mts"))};
+    addRows(twins);
+    if (outputOf(twins.at(0)) != outputOf(twins.at(1))) {
+        GTEST_SKIP() << "the clips were not made in one second";
+    }
+    const QString link = folder.path(QStringLiteral("link"));
+    ASSERT_EQ(::symlink(qPrintable(destination), qPrintable(link)), 0);
+    controller->setReplacePolicy(1);
+    pressStart();
+    model().mainEncDstPathStr.setStringValue(link);
+    ASSERT_TRUE(tools.finishAll());
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceFailure"));
+    EXPECT_TEXT(rows().row(1).reason, QStringLiteral("another clip of this batch has the same output name"));
+    EXPECT_EQ(tools.count(ToolKind::Encode), 1);
+}
+
 TEST_F(ExistingOutput, NextBatchMayReplaceWhatTheOneBeforeWrote)
 {
     sources = makeClips(1);

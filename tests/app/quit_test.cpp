@@ -197,6 +197,36 @@ TEST_F(Quit, UnderTheReplaceQuestionStartsNoChild)
     EXPECT_TRUE(itemExists(outputOf(sources.at(0))));
 }
 
+TEST_F(Quit, UnderTheReplaceQuestionOfALaterRow)
+{
+    sources = makeClips(3);
+    addRows(sources);
+    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+    ASSERT_TRUE(makeSparseFile(outputOf(sources.at(2)), 300));
+    face.whileOpen = [&](const AlertRequest&) {
+        controller->quitWithoutQuestion();
+    };
+    pressStart();
+    ASSERT_TRUE(tools.finishAll());
+    EXPECT_EQ(tools.count(ToolKind::Encode), 2);
+    EXPECT_FALSE(resumeLog().contains(sources.at(2)));
+    EXPECT_TRUE(itemExists(outputOf(sources.at(2))));
+}
+
+TEST_F(Quit, UnderTheAlertAboutAVanishedSource)
+{
+    sources = makeClips(3);
+    addRows(sources);
+    ASSERT_TRUE(QFile::remove(sources.at(2)));
+    face.whileOpen = [&](const AlertRequest&) {
+        controller->quitWithoutQuestion();
+    };
+    pressStart();
+    ASSERT_TRUE(tools.finishAll());
+    EXPECT_EQ(tools.count(ToolKind::Encode), 2);
+    EXPECT_EQ(face.count(QStringLiteral("terminate")), 1);
+}
+
 TEST_F(Quit, ProgramThatEndsWithoutAQuitStartsNoFurtherRow)
 {
     begin(3);

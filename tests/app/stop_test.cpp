@@ -121,6 +121,28 @@ TEST_F(Stop, OutputThatStoodThereBeforeStays)
     expectIdle();
 }
 
+TEST_F(Stop, UnderTheReplaceQuestionLeavesTheOutputThatStoodThereBefore)
+{
+    addRows(makeClips(1));
+    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+    const QString output = outputOf(sourceOf(0));
+    ASSERT_TRUE(makeSparseFile(output, 777));
+    bool pressed = false;
+    face.whileOpen = [&](const AlertRequest&) {
+        if (!pressed) {
+            pressed = true;
+            pressStop();
+        }
+    };
+    face.otherwise = [](const AlertRequest& request) {
+        constexpr int keepButton = 1;
+        return AlertOutcome{request.hasCheckBox ? keepButton : 0, false};
+    };
+    pressStart();
+    ASSERT_TRUE(tools.finishAll());
+    EXPECT_EQ(QFile(output).size(), qint64{777} * 1024);
+}
+
 TEST_F(Stop, WhilePausedResumesTheDyingChildOnly)
 {
     begin(2);
