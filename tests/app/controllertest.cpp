@@ -40,7 +40,10 @@ void resetProcessState(const QString& temporaryFolder)
     if (resourcePath() != QStringLiteral(TAVRIX_BUILD_RESOURCES)) {
         setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
     }
-    setLanguage(QStringLiteral("en"));
+    // Choosing a language forgets the texts that were read.
+    if (currentLanguage() != QStringLiteral("en")) {
+        setLanguage(QStringLiteral("en"));
+    }
     for (const QString& key : prefAllKeys()) {
         prefDelete(key);
     }

@@ -1,4 +1,5 @@
 #include "controllertest.h"
+#include "memoryhome.h"
 
 #include "app/logs.h"
 #include "base/filesizes.h"
@@ -457,6 +458,7 @@ private:
 TEST(RandomEvents, LeaveTheControllerInAConsistentState)
 {
     const QuietErrorStream quiet;
+    const MemoryHome home;
     const World world;
     const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Trash");
     for (unsigned seed = firstSeed; seed < firstSeed + sequences; ++seed) {
