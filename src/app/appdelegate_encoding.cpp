@@ -29,6 +29,12 @@ QString alertText(const char* key)
     return localizedString(QLatin1String(key));
 }
 
+// A folder can be typed with a tilde.
+bool isTypedFolder(const QString& text)
+{
+    return isFolder(stringByExpandingTildeInPath(text));
+}
+
 } // namespace
 
 QStringList appDelegate::encArray()
@@ -59,18 +65,18 @@ void appDelegate::iba_batchEncGoBt()
     }
     TextField& field = model_.mainEncDstPathStr;
     const QString preferred = prefRead(pref::prefDefautDstPathStr);
-    const bool preferredExists = !preferred.isEmpty() && isFolder(preferred);
+    const bool preferredExists = isTypedFolder(preferred);
     if (field.stringValue().isEmpty()) {
         displayAlert(alertText("D_go_dossier_destination1"), alertText("D_go_dossier_destination3"), 0, nullptr);
         iba_selectFolderBt(&model_.mainEncDstSelectBt);
-    } else if (!isFolder(field.stringValue()) && preferredExists) {
+    } else if (!isTypedFolder(field.stringValue()) && preferredExists) {
         field.setStringValue(preferred);
-    } else if (!isFolder(field.stringValue())) {
+    } else if (!isTypedFolder(field.stringValue())) {
         displayAlert(alertText("D_go_dossier_destination2"), alertText("D_go_dossier_destination3"), 0, nullptr);
         field.setStringValue(QString());
         iba_selectFolderBt(&model_.mainEncDstSelectBt);
         const QString chosen = prefRead(pref::prefDefautDstPathStr);
-        if (field.stringValue().isEmpty() && !chosen.isEmpty() && isFolder(chosen)) {
+        if (field.stringValue().isEmpty() && isTypedFolder(chosen)) {
             field.setStringValue(chosen);
         }
     }

@@ -13,6 +13,7 @@
 #include "base/format.h"
 #include "base/localisation.h"
 #include "base/log.h"
+#include "base/paths.h"
 #include "base/preferences.h"
 #include "base/runloopgate.h"
 #include "base/settings.h"
@@ -184,7 +185,7 @@ void appDelegate::restorePreferences()
     model_.prefColor.setSelectedSegment(leadingInteger(prefRead(pref::prefColor)));
     model_.prefColorImgView.setImageName(model_.prefColor.imageName(model_.prefColor.selectedSegment()));
     const QString folder = prefRead(pref::prefDefautDstPathStr);
-    if (!folder.isEmpty() && isFolder(folder)) {
+    if (isFolder(stringByExpandingTildeInPath(folder))) {
         model_.prefDefautDstPathStr.setStringValue(folder);
         model_.mainEncDstPathStr.setStringValue(folder);
     }

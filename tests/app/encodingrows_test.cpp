@@ -1,5 +1,9 @@
 #include "encodingfixture.h"
 
+#include "base/paths.h"
+
+#include <QDir>
+
 using namespace tavrix;
 using namespace tavrix::test;
 
@@ -175,6 +179,19 @@ TEST_F(Encoding, MissingDestinationWithoutDefaultAsks)
     EXPECT_TRUE(model().mainEncDstPathStr.stringValue().isEmpty());
     EXPECT_TRUE(tools.running().isEmpty());
     EXPECT_TRUE(model().batchEncGoBt.isEnabled());
+}
+
+TEST_F(Encoding, DestinationTypedWithATildeIsInTheHomeFolder)
+{
+    addRows(makeClips(1));
+    prefWrite(pref::prefDefautDstPathStr, destination);
+    const QString typed = homeFolder() + QStringLiteral("/typed");
+    ASSERT_TRUE(QDir().mkpath(typed));
+    model().mainEncDstPathStr.setStringValue(QStringLiteral("~/typed"));
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
+    EXPECT_TRUE(rows().row(0).output.startsWith(typed + QStringLiteral("/Tavrix events/")));
+    QDir(typed).removeRecursively();
 }
 
 TEST_F(Encoding, DestinationClearedDuringTheBatchFailsTheNextRow)

@@ -146,6 +146,13 @@ TEST_F(StartUp, SettingsAreRestored)
     EXPECT_TEXT(model().mainEncDstPathStr.stringValue(), destination);
 }
 
+TEST_F(StartUp, DefaultFolderMayBeTypedWithATilde)
+{
+    prefWrite(pref::prefDefautDstPathStr, QStringLiteral("~"));
+    ASSERT_TRUE(start());
+    EXPECT_TEXT(model().mainEncDstPathStr.stringValue(), QStringLiteral("~"));
+}
+
 TEST_F(StartUp, DefaultsOfTheSettings)
 {
     model().mainEncDstPathStr.setStringValue(QString());
