@@ -1,4 +1,4 @@
-#include "controllertest.h"
+#include "analysisfixture.h"
 
 #include "base/preferences.h"
 #include "base/settings.h"
@@ -6,50 +6,6 @@
 
 using namespace tavrix;
 using namespace tavrix::test;
-
-namespace
-{
-
-class Analysis : public ControllerTest
-{
-protected:
-    Analysis()
-    {
-        QObject::connect(controller.get(), &appDelegate::sourceRejected, controller.get(),
-                         [this](const QString& path, const QString& reason) {
-                             rejected << path;
-                             reasons << reason;
-                         });
-        QObject::connect(controller.get(), &appDelegate::analysisStalled, controller.get(), [this] { ++stalls; });
-    }
-
-    void expectStalledButOpen()
-    {
-        EXPECT_EQ(stalls, 1);
-        EXPECT_EQ(getOPENPERM(), 1);
-        EXPECT_TEXT(model().dragndropImgView.imageName(), QStringLiteral("dnd"));
-        EXPECT_TRUE(model().analyseStopBt.isHidden());
-        EXPECT_FALSE(controller->isAnalysing());
-        EXPECT_TRUE(tools.running().isEmpty());
-    }
-
-    QString caption() { return model().analyseCaptionStr.stringValue(); }
-
-    QStringList rejected;
-    QStringList reasons;
-    int stalls = 0;
-};
-
-QStringList allSources(BatchList& rows)
-{
-    QStringList sources;
-    for (int i = 0; i < rows.count(); ++i) {
-        sources << rows.row(i).dico.value(record::mainEncSrcPathStr).toString();
-    }
-    return sources;
-}
-
-} // namespace
 
 TEST_F(Analysis, RejectedSourceBetweenTwoAcceptedOnes)
 {
@@ -222,97 +178,6 @@ TEST_F(Analysis, HeaderLeftByAStoppedDecodeDoesNotJudgeTheNextSource)
     EXPECT_EQ(rows().count(), 1);
 }
 
-TEST_F(Analysis, FailedLaunchStallsAndTheNextDropTakesItUpAgain)
-{
-    const QStringList sources = makeClips(3);
-    tools.results = {3};
-    controller->draggedFiles({sources.at(0), sources.at(1)});
-    settle();
-    expectStalledButOpen();
-    EXPECT_TEXTS(face.events, QStringList(QStringLiteral("beep")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Erreur au lancement = 3")));
-    EXPECT_TEXT(prefRead(pref::analysisSrcPathStr), sources.at(0));
-    EXPECT_TEXT(prefRead(pref::analysisFfmpegParse), QStringLiteral("1"));
-    EXPECT_TEXT(prefReadChildDico(pref::analysisSrcPathesDico, QStringLiteral("0")), sources.at(1));
-
-    controller->draggedFiles({sources.at(2)});
-    EXPECT_TEXT(caption(), QStringLiteral("1/2"));
-    ASSERT_TRUE(tools.finishAll());
-    EXPECT_TEXTS(allSources(rows()), QStringList({sources.at(0), sources.at(2)}));
-    expectIdle();
-}
-
-TEST_F(Analysis, FailedThumbnailLaunchStallsAndTheNextDropTakesItUpAgain)
-{
-    const QStringList sources = makeClips(2);
-    tools.results = {0, 3};
-    controller->draggedFiles({sources.at(0)});
-    ASSERT_TRUE(tools.finish(ToolKind::Decode));
-    expectStalledButOpen();
-    EXPECT_EQ(rows().count(), 0);
-    addRows({sources.at(1)});
-    EXPECT_TEXTS(allSources(rows()), sources);
-    expectIdle();
-}
-
-TEST_F(Analysis, StalledSourceDroppedAgainGetsOneRow)
-{
-    const QString source = clip(QStringLiteral("a.mts"));
-    tools.results = {3};
-    controller->draggedFiles({source});
-    addRows({source});
-    EXPECT_EQ(rows().count(), 1);
-    expectIdle();
-    EXPECT_FALSE(itemExists(getTMPFOLDER() + QStringLiteral("frame.yuv")));
-}
-
-TEST_F(Analysis, StopAfterAStalledThumbnailMakesNoRowFromTheOldText)
-{
-    const QStringList sources = makeClips(2);
-    tools.results = {0, 3};
-    controller->draggedFiles({sources.at(0)});
-    ASSERT_TRUE(tools.finish(ToolKind::Decode));
-    ASSERT_EQ(stalls, 1);
-    controller->draggedFiles({sources.at(1)});
-    controller->iba_analysisStopBt();
-    ASSERT_TRUE(tools.finishAll());
-    EXPECT_EQ(rows().count(), 0);
-    expectIdle();
-}
-
-TEST_F(Analysis, InterruptedChildStallsAndTheNextDropTakesItUpAgain)
-{
-    const QStringList sources = makeClips(2);
-    controller->draggedFiles({sources.at(0)});
-    NotificationCenter::defaultCenter().post(fabKillTasks, tools.running().last().launcher->uid());
-    settle();
-    expectStalledButOpen();
-    EXPECT_TRUE(log.contains(QStringLiteral("interrupted")));
-    addRows({sources.at(1)});
-    EXPECT_TEXTS(allSources(rows()), sources);
-    expectIdle();
-}
-
-TEST_F(Analysis, PictureOfAnInterruptedThumbnailIsNotTakenForAnotherSource)
-{
-    const QStringList sources = makeClips(2);
-    controller->draggedFiles({sources.at(0)});
-    ASSERT_TRUE(tools.finish(ToolKind::Decode));
-    const FakeTools::Launch thumbnail = tools.current(ToolKind::Thumbnail);
-    tools.writeFiles(thumbnail);
-    NotificationCenter::defaultCenter().post(fabKillTasks, thumbnail.launcher->uid());
-    settle();
-    ASSERT_EQ(stalls, 1);
-    // Meanwhile it has become another kind of clip, which is rejected; the next one is unreadable but gets a row.
-    tools.clips[sources.at(0)].height = 1080;
-    tools.clips[sources.at(1)].text = QStringLiteral("x: Unknown format\n");
-    addRows({sources.at(1)});
-    ASSERT_EQ(rows().count(), 1);
-    EXPECT_TEXT(sourceOf(0), sources.at(1));
-    EXPECT_FALSE(rows().row(0).dico.contains(record::imgPathStr));
-    EXPECT_TRUE(rows().row(0).img.isNull());
-}
-
 TEST_F(Analysis, UnknownFormatStillGetsARow)
 {
     const QString source = clip(QStringLiteral("a.mts"));
@@ -350,83 +215,6 @@ TEST_F(Analysis, NonZeroEndOfAGoodRunIsTreatedLikeAGoodOne)
     ASSERT_TRUE(tools.finish(ToolKind::Thumbnail, 1));
     EXPECT_EQ(rows().count(), 1);
     expectIdle();
-}
-
-TEST_F(Analysis, QueueWithoutAZeroContinuesWithItsSmallestNumber)
-{
-    const QStringList sources = makeClips(3);
-    prefWriteDico(pref::analysisSrcPathesDico, QVariantMap({{QStringLiteral("12"), sources.at(1)},
-                                                            {QStringLiteral("7"), sources.at(0)},
-                                                            {QStringLiteral("100"), sources.at(2)}}));
-    setFlag(pref::analysisDeb);
-    controller->analysis();
-    ASSERT_TRUE(tools.finishAll(20));
-    EXPECT_TEXTS(allSources(rows()), sources);
-}
-
-TEST_F(Analysis, LeftOverQueueOfAnEarlierRunIsResumedAtTheNextDrop)
-{
-    const QStringList sources = makeClips(3);
-    prefWrite(pref::analysisSrcPathStr, sources.at(0));
-    prefWriteDico(pref::analysisSrcPathesDico, QVariantMap({{QStringLiteral("0"), sources.at(1)}}));
-    controller->draggedFiles({sources.at(2), sources.at(0)});
-    EXPECT_TEXT(caption(), QStringLiteral("1/3"));
-    ASSERT_TRUE(tools.finishAll(20));
-    EXPECT_TEXTS(allSources(rows()), QStringList({sources.at(0), sources.at(2)}));
-    expectIdle();
-}
-
-TEST_F(Analysis, QueueBeyondTheCompactionLimitLeavesAGap)
-{
-    const QuietErrorStream quiet;
-    QVariantMap queue;
-    for (int i = 0; i < 12346; ++i) {
-        queue.insert(QString::number(i), QString(QStringLiteral("/none/") + QString::number(i)));
-    }
-    prefWriteDico(pref::analysisSrcPathesDico, queue);
-    setFlag(pref::analysisDeb);
-    controller->analysis();
-    const QVariantMap left = prefReadDico(pref::analysisSrcPathesDico).value_or(QVariantMap());
-    EXPECT_TEXT(prefRead(pref::analysisSrcPathStr), QStringLiteral("/none/0"));
-    EXPECT_EQ(left.size(), 12345);
-    EXPECT_TEXT(left.value(QStringLiteral("0")).toString(), QStringLiteral("/none/1"));
-    EXPECT_TEXT(left.value(QStringLiteral("12343")).toString(), QStringLiteral("/none/12344"));
-    EXPECT_FALSE(left.contains(QStringLiteral("12344")));
-    EXPECT_TEXT(left.value(QStringLiteral("12345")).toString(), QStringLiteral("/none/12345"));
-}
-
-TEST_F(Analysis, LongQueueIsTakenInItsOrderAndMovedUpNowAndThen)
-{
-    const QuietErrorStream quiet;
-    QVariantMap queue;
-    for (int i = 0; i < 700; ++i) {
-        queue.insert(QString::number(i), QString(QStringLiteral("/none/") + QString::number(i)));
-    }
-    prefWriteDico(pref::analysisSrcPathesDico, queue);
-    int movedUp = 0;
-    for (int i = 0; i < 700; ++i) {
-        prefDelete(pref::analysisSrcPathStr);
-        controller->analysis();
-        ASSERT_EQ(prefRead(pref::analysisSrcPathStr), QStringLiteral("/none/") + QString::number(i));
-        const QVariantMap left = prefReadDico(pref::analysisSrcPathesDico).value_or(QVariantMap());
-        ASSERT_EQ(left.size(), 699 - i);
-        movedUp += left.value(QStringLiteral("0")).toString() == QStringLiteral("/none/") + QString::number(i + 1);
-    }
-    EXPECT_GT(movedUp, 256) << "a short rest begins at 0 again";
-}
-
-TEST_F(Analysis, GapAtTheEndOfAHugeQueueDoesNotLoop)
-{
-    const QStringList sources = makeClips(4);
-    prefWriteDico(pref::analysisSrcPathesDico, QVariantMap({{QStringLiteral("0"), sources.at(0)},
-                                                            {QStringLiteral("1"), sources.at(1)},
-                                                            {QStringLiteral("2"), sources.at(2)},
-                                                            {QStringLiteral("12345"), sources.at(3)}}));
-    setFlag(pref::analysisDeb);
-    controller->analysis();
-    ASSERT_TRUE(tools.finishAll(20));
-    EXPECT_EQ(tools.count(ToolKind::Decode), 4);
-    EXPECT_TEXTS(allSources(rows()), sources);
 }
 
 TEST_F(Analysis, EmptyArgumentListStartsNothing)

@@ -1,5 +1,6 @@
 #include "controllertest.h"
 #include "memoryhome.h"
+#include "randomworld.h"
 
 #include "app/logs.h"
 #include "base/filesizes.h"
@@ -24,54 +25,15 @@ namespace
 
 constexpr int sequences = 5000;
 constexpr unsigned firstSeed = 20101;
-constexpr int sourceCount = 5;
 constexpr int recoverySources = 2;
 // A step that called itself for every row or source would soon be beyond this.
 constexpr quintptr deepestStack = quintptr{256} * 1024;
-
-// Folders and source files that all sequences share.
-struct World {
-    World()
-    {
-        for (int i = 0; i < sourceCount; ++i) {
-            sources << folder.path(QStringLiteral("sources/clip%1.mts").arg(i));
-        }
-        folder.makeFolder(QStringLiteral("destination"));
-        fresh = folder.makeFile(QStringLiteral("fresh.mts"), "clip");
-    }
-
-    void renew() const
-    {
-        QDir outputs(events());
-        const QStringList files = outputs.entryList(QDir::Files | QDir::Hidden);
-        for (const QString& file : files) {
-            outputs.remove(file);
-        }
-        folder.makeFolder(QStringLiteral("temporary"));
-        bringBack(sourceCount);
-    }
-
-    void bringBack(int count) const
-    {
-        for (const QString& source : sources.first(count)) {
-            if (!QFile::exists(source)) {
-                folder.makeFile(source.mid(folder.path().size() + 1), "clip");
-            }
-        }
-    }
-
-    [[nodiscard]] QString events() const { return folder.path(QStringLiteral("destination/Tavrix events")); }
-
-    TempFolder folder;
-    QStringList sources;
-    QString fresh; // never dropped before the end
-};
 
 // One life of the controller, with everything that can happen to it happening at random.
 class Life
 {
 public:
-    Life(const World& world, unsigned seed) : world_(world), random_(seed), seed_(seed)
+    Life(const RandomWorld& world, unsigned seed) : world_(world), random_(seed), seed_(seed)
     {
         world_.renew();
         resetProcessState(world_.folder.path(QStringLiteral("temporary")) + u'/');
@@ -118,25 +80,13 @@ public:
 private:
     WindowModel& model() { return controller_.model(); }
     BatchList& rows() { return model().encBatchArrayController; }
-    int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+    int below(int limit) { return randomBelow(random_, limit); }
     QString anySource() { return world_.sources.at(below(sourceCount)); }
 
     void chooseClips()
     {
         for (const QString& source : world_.sources) {
-            FakeClip clip;
-            const int kind = below(10);
-            clip.height = kind == 0 ? 1080 : 720;
-            clip.letter = kind == 1 ? QStringLiteral("t") : kind == 2 ? QString() : QStringLiteral("p");
-            if (kind == 3) {
-                clip.text = QStringLiteral("x: Unknown format\n");
-            } else if (kind == 4) {
-                clip.text = QStringLiteral(" ");
-            }
-            clip.kilobytes = below(4) == 0 ? below(3) * 100 - 1 : 300;
-            clip.duration = below(6) == 0 ? QStringLiteral("N/A") : QStringLiteral("00:00:30.00");
-            clip.image = below(5) != 0;
-            tools_.clips.insert(source, clip);
+            tools_.clips.insert(source, anyClip(random_));
         }
     }
 
@@ -402,15 +352,6 @@ private:
         }
     }
 
-    // Preference keys that have no business after a whole batch.
-    static QStringList strayKeys()
-    {
-        QStringList keys = prefAllKeys();
-        keys.removeAll(pref::imgPathStr);
-        keys.removeAll(pref::encCurrentProcessingFile);
-        return keys;
-    }
-
     void checkAtRest()
     {
         EXPECT_TRUE(tools_.running().isEmpty()) << where();
@@ -443,7 +384,7 @@ private:
 
     [[nodiscard]] std::string where() const { return "seed " + std::to_string(seed_) + " "; }
 
-    const World& world_;
+    const RandomWorld& world_;
     std::mt19937 random_;
     unsigned seed_;
     FakeFace face_;
@@ -459,7 +400,7 @@ TEST(RandomEvents, LeaveTheControllerInAConsistentState)
 {
     const QuietErrorStream quiet;
     const MemoryHome home;
-    const World world;
+    const RandomWorld world;
     const QString trash = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Trash");
     for (unsigned seed = firstSeed; seed < firstSeed + sequences; ++seed) {
         Life(world, seed).live();

@@ -17,22 +17,16 @@ namespace
 
 namespace fs = std::filesystem;
 using test::clip;
+using test::contains;
 using test::fileContents;
 using test::runTool;
-using test::TempFolder;
 using test::ToolEnd;
+using test::Words;
 using test::writeFile;
-using Words = std::vector<std::string>;
 
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-class FakeFfmpeg : public testing::Test
+class FakeFfmpeg : public test::ToolTest
 {
 protected:
-    std::string name(const std::string& file) const { return m_folder.path().toStdString() + '/' + file; }
     ToolEnd runWith(const std::string& script, const Words& arguments, test::RunningTool::Options options = {})
     {
         fs::create_directories(name("bin"));
@@ -46,8 +40,6 @@ protected:
     {
         return "for o; do :; done\nprintf '" + text + "' > \"${o#file:}\"\n";
     }
-
-    TempFolder m_folder;
 };
 
 TEST_F(FakeFfmpeg, GivesItsStatusToTheCaller)

@@ -26,8 +26,7 @@ using test::clip;
 using test::entriesOf;
 using test::isAlive;
 using test::RunningTool;
-using test::TempFolder;
-using Words = std::vector<std::string>;
+using test::Words;
 
 constexpr int patienceMs = 20000;
 
@@ -43,7 +42,7 @@ template <class Condition> bool becomes(Condition condition)
     return true;
 }
 
-class StoppedFfmpeg : public testing::Test
+class StoppedFfmpeg : public test::ToolTest
 {
 protected:
     // A slow encode, so that every moment below falls into it.
@@ -51,16 +50,13 @@ protected:
     {
         return {"-v", "1", "-i", clip("long"), "-vcodec", "libx264", "-preset", "veryslow", "-an", "-y", output()};
     }
-    std::string folder() const { return m_folder.path().toStdString(); }
-    std::string output() const { return folder() + "/out.mov"; }
+    std::string output() const { return name("out.mov"); }
     static void waitUntil(const QElapsedTimer& since, int us)
     {
         const auto left = us - since.nsecsElapsed() / 1000;
         if (left > 0)
             QThread::usleep(static_cast<unsigned long>(left));
     }
-
-    TempFolder m_folder;
 };
 
 TEST_F(StoppedFfmpeg, KilledToolLeavesNothingAtAnyMoment)
@@ -76,7 +72,7 @@ TEST_F(StoppedFfmpeg, KilledToolLeavesNothingAtAnyMoment)
         kill(tool.pid(), SIGKILL);
         EXPECT_TRUE(tool.wait().bySignal);
         EXPECT_TRUE(child == 0 || becomes([&] { return !isAlive(child); }));
-        EXPECT_EQ(entriesOf(folder()), Words{"out.mov"});
+        EXPECT_EQ(entriesOf(folderPath()), Words{"out.mov"});
     }
     EXPECT_EQ(test::fileContents(output()), "old");
 }
@@ -94,7 +90,7 @@ TEST_F(StoppedFfmpeg, KilledEncoderLeavesNothingAtAnyMoment)
         const test::ToolEnd end = tool.wait();
         EXPECT_FALSE(end.bySignal);
         EXPECT_EQ(end.code, 128 + SIGKILL);
-        EXPECT_TRUE(entriesOf(folder()).empty());
+        EXPECT_TRUE(entriesOf(folderPath()).empty());
     }
 }
 
@@ -117,7 +113,7 @@ TEST_F(StoppedFfmpeg, KilledGroupLeavesNothing)
     tool.signalGroup(SIGKILL);
     EXPECT_TRUE(tool.wait().bySignal);
     EXPECT_TRUE(becomes([&] { return !isAlive(child); }));
-    EXPECT_TRUE(entriesOf(folder()).empty());
+    EXPECT_TRUE(entriesOf(folderPath()).empty());
 }
 
 TEST_F(StoppedFfmpeg, EndsWithTheEncoderWhenAskedTo)
@@ -131,7 +127,7 @@ TEST_F(StoppedFfmpeg, EndsWithTheEncoderWhenAskedTo)
         EXPECT_TRUE(end.bySignal);
         EXPECT_EQ(end.code, signal);
         EXPECT_FALSE(isAlive(child));
-        EXPECT_TRUE(entriesOf(folder()).empty());
+        EXPECT_TRUE(entriesOf(folderPath()).empty());
     }
 }
 
@@ -148,7 +144,7 @@ TEST_F(StoppedFfmpeg, EndsWhenAskedToAlsoUnderACallerThatBlocksSignals)
     kill(tool.pid(), SIGTERM);
     ASSERT_TRUE(becomes([&] { return tool.hasEnded(); }));
     EXPECT_EQ(tool.wait().code, SIGTERM);
-    EXPECT_TRUE(entriesOf(folder()).empty());
+    EXPECT_TRUE(entriesOf(folderPath()).empty());
 }
 
 TEST_F(StoppedFfmpeg, EndsWhenAskedToAlsoWhenNobodyReadsOn)
@@ -171,7 +167,7 @@ TEST_F(StoppedFfmpeg, EndsWhenAskedToAlsoWhenNobodyReadsOn)
     kill(tool.pid(), SIGTERM);
     ASSERT_TRUE(becomes([&] { return tool.hasEnded(); }));
     EXPECT_EQ(tool.wait().code, SIGTERM);
-    EXPECT_TRUE(entriesOf(folder()).empty());
+    EXPECT_TRUE(entriesOf(folderPath()).empty());
 }
 
 TEST_F(StoppedFfmpeg, EndsByTheInterruptKeyWithoutPublishing)
@@ -180,7 +176,7 @@ TEST_F(StoppedFfmpeg, EndsByTheInterruptKeyWithoutPublishing)
     ASSERT_TRUE(becomes([&] { return tool.child() != 0; }));
     tool.signalGroup(SIGINT);
     EXPECT_TRUE(tool.wait().bySignal);
-    EXPECT_TRUE(entriesOf(folder()).empty());
+    EXPECT_TRUE(entriesOf(folderPath()).empty());
 }
 
 /// User and system ticks of a process.

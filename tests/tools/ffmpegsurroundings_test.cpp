@@ -20,30 +20,22 @@ namespace
 
 namespace fs = std::filesystem;
 using test::clip;
+using test::contains;
 using test::entriesOf;
 using test::fileContents;
 using test::probed;
 using test::runTool;
 using test::ToolEnd;
 using Options = test::RunningTool::Options;
-using Words = std::vector<std::string>;
+using test::Words;
 
-bool contains(const std::string& text, const std::string& part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-class FfmpegSurroundings : public testing::Test
+class FfmpegSurroundings : public test::ToolTest
 {
 protected:
-    std::string name(const std::string& file) const { return m_folder.path().toStdString() + '/' + file; }
-    Words entries() const { return entriesOf(m_folder.path().toStdString()); }
     static Words copyTo(const std::string& input, const std::string& output)
     {
         return {"-v", "1", "-i", input, "-vcodec", "copy", "-an", "-f", "mpegts", "-y", output};
     }
-
-    test::TempFolder m_folder;
 };
 
 TEST_F(FfmpegSurroundings, EncodeGoesOnWhenNobodyReadsItsMessages)

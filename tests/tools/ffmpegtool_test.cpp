@@ -16,27 +16,17 @@ namespace
 
 namespace fs = std::filesystem;
 using test::clip;
+using test::contains;
 using test::entriesOf;
 using test::fileContents;
 using test::probed;
 using test::runTool;
-using test::TempFolder;
 using test::ToolEnd;
+using test::Words;
 using test::writeFile;
-using Words = std::vector<std::string>;
 
-bool contains(const std::string& text, const std::string& part)
+class FfmpegTool : public test::ToolTest
 {
-    return text.find(part) != std::string::npos;
-}
-
-class FfmpegTool : public testing::Test
-{
-protected:
-    std::string name(const std::string& file) const { return m_folder.path().toStdString() + '/' + file; }
-    Words entries() const { return entriesOf(m_folder.path().toStdString()); }
-
-    TempFolder m_folder;
 };
 
 TEST_F(FfmpegTool, WithoutArgumentsNamesItsRevision)
@@ -359,17 +349,17 @@ TEST_F(FfmpegTool, TakesAnyFileNameAsData)
 
 TEST_F(FfmpegTool, DescribesAFileAtTheEndOfALongPath)
 {
-    std::string folder = m_folder.path().toStdString();
-    while (folder.size() < 1500) {
-        folder += '/' + std::string(200, 'd');
-        fs::create_directory(folder);
+    std::string deep = folderPath();
+    while (deep.size() < 1500) {
+        deep += '/' + std::string(200, 'd');
+        fs::create_directory(deep);
     }
-    fs::copy_file(clip("mts"), folder + "/clip.mts");
+    fs::copy_file(clip("mts"), deep + "/clip.mts");
     const ToolEnd end =
-        runTool({"-v", "1", "-i", folder + "/clip.mts", "-vcodec", "copy", "-an", "-y", folder + "/out.mov"});
+        runTool({"-v", "1", "-i", deep + "/clip.mts", "-vcodec", "copy", "-an", "-y", deep + "/out.mov"});
     EXPECT_EQ(end.code, 0) << end.err;
-    EXPECT_TRUE(contains(end.err, "from '" + folder + "/clip.mts':\n  Duration: "));
-    EXPECT_TRUE(contains(end.err, "to '" + folder + "/out.mov':\n"));
+    EXPECT_TRUE(contains(end.err, "from '" + deep + "/clip.mts':\n  Duration: "));
+    EXPECT_TRUE(contains(end.err, "to '" + deep + "/out.mov':\n"));
 }
 
 TEST_F(FfmpegTool, OpensNoOtherAddresses)

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 namespace
 {
 
-std::vector<char*> pointers(const std::vector<std::string>& words)
+std::vector<char*> pointers(const Words& words)
 {
     std::vector<char*> list;
     list.reserve(words.size() + 1);
@@ -55,7 +55,7 @@ void arrangeSurroundings(const RunningTool::Options& options)
         close(stream);
 }
 
-bool runInstalled(const std::vector<std::string>& arguments)
+bool runInstalled(const Words& arguments)
 {
     QStringList list = {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"),
                         QStringLiteral("-y")};
@@ -71,14 +71,14 @@ const TempFolder& clipFolder()
     return folder;
 }
 
-std::vector<std::string> clipArguments(const std::string& kind)
+Words clipArguments(const std::string& kind)
 {
-    const std::vector<std::string> sound = {"-f", "lavfi", "-i", "sine=1000:r=48000"};
+    const Words sound = {"-f", "lavfi", "-i", "sine=1000:r=48000"};
     const auto picture = [](const std::string& text) {
-        return std::vector<std::string>{"-f", "lavfi", "-i", "testsrc2=" + text};
+        return Words{"-f", "lavfi", "-i", "testsrc2=" + text};
     };
-    std::vector<std::string> words;
-    const auto add = [&](const std::vector<std::string>& more) {
+    Words words;
+    const auto add = [&](const Words& more) {
         words.insert(words.end(), more.begin(), more.end());
     };
     if (kind == "mts") {
@@ -103,9 +103,9 @@ std::vector<std::string> clipArguments(const std::string& kind)
 
 } // namespace
 
-RunningTool::RunningTool(const std::vector<std::string>& arguments, const Options& options)
+RunningTool::RunningTool(const Words& arguments, const Options& options)
 {
-    std::vector<std::string> words = {toolPath()};
+    Words words = {toolPath()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     const std::string out = m_folder.path().toStdString() + "/out";
     const std::string err = m_folder.path().toStdString() + "/err";
@@ -178,7 +178,7 @@ std::string toolPath()
     return std::string(TAVRIX_BUILD_RESOURCES) + "/tools/ffmpeg";
 }
 
-ToolEnd runTool(const std::vector<std::string>& arguments, const RunningTool::Options& options)
+ToolEnd runTool(const Words& arguments, const RunningTool::Options& options)
 {
     return RunningTool(arguments, options).wait();
 }
@@ -187,7 +187,7 @@ std::string clip(const std::string& kind)
 {
     std::string path = clipFolder().path().toStdString() + "/clip." + kind;
     if (!fs::exists(path)) {
-        std::vector<std::string> arguments = clipArguments(kind);
+        Words arguments = clipArguments(kind);
         arguments.push_back(path);
         EXPECT_TRUE(runInstalled(arguments)) << kind;
     }
@@ -211,9 +211,9 @@ std::string probed(const std::string& file, const std::string& kind, const std::
     return process.readAllStandardOutput().toStdString();
 }
 
-std::vector<std::string> entriesOf(const std::string& folder)
+Words entriesOf(const std::string& folder)
 {
-    std::vector<std::string> names;
+    Words names;
     for (const auto& entry : fs::directory_iterator(folder))
         names.push_back(entry.path().filename().string());
     std::ranges::sort(names);
@@ -236,6 +236,11 @@ bool isAlive(pid_t pid)
     const std::string status = fileContents("/proc/" + std::to_string(pid) + "/stat");
     const auto close = status.rfind(") ");
     return close != std::string::npos && status[close + 2] != 'Z' && status[close + 2] != 'X';
+}
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
 }
 
 } // namespace tavrix::test

@@ -3,6 +3,7 @@
 
 #include "support/temphome.h"
 
+#include <gtest/gtest.h>
 #include <map>
 #include <string>
 #include <sys/types.h>
@@ -10,6 +11,8 @@
 
 namespace tavrix::test
 {
+
+using Words = std::vector<std::string>;
 
 struct ToolEnd {
     bool bySignal = false;
@@ -32,7 +35,7 @@ public:
         int errorStream = -1; ///< its error stream, in place of what `ToolEnd` has then nothing of
     };
 
-    RunningTool(const std::vector<std::string>& arguments, const Options& options);
+    RunningTool(const Words& arguments, const Options& options);
     ~RunningTool();
     RunningTool(const RunningTool&) = delete;
     RunningTool& operator=(const RunningTool&) = delete;
@@ -52,7 +55,7 @@ private:
 };
 
 [[nodiscard]] std::string toolPath();
-[[nodiscard]] ToolEnd runTool(const std::vector<std::string>& arguments, const RunningTool::Options& options = {});
+[[nodiscard]] ToolEnd runTool(const Words& arguments, const RunningTool::Options& options = {});
 
 /// The path of a clip of that kind ("mts", "avi", "mov", "long"), made once per test program.
 [[nodiscard]] std::string clip(const std::string& kind);
@@ -60,10 +63,23 @@ private:
 /// What ffprobe says of the first stream of `kind` ("v", "a"): "key=value" lines.
 [[nodiscard]] std::string probed(const std::string& file, const std::string& kind, const std::string& entries);
 
-[[nodiscard]] std::vector<std::string> entriesOf(const std::string& folder);
+[[nodiscard]] Words entriesOf(const std::string& folder);
 [[nodiscard]] std::string fileContents(const std::string& path);
 void writeFile(const std::string& path, const std::string& text);
 /// Whether the process exists and is no zombie.
 [[nodiscard]] bool isAlive(pid_t pid);
+[[nodiscard]] bool contains(const std::string& text, const std::string& part);
+
+/// A test with a folder of its own for the tool's files.
+class ToolTest : public testing::Test
+{
+protected:
+    [[nodiscard]] std::string folderPath() const { return m_folder.path().toStdString(); }
+    [[nodiscard]] std::string name(const std::string& file) const { return folderPath() + '/' + file; }
+    [[nodiscard]] Words entries() const { return entriesOf(folderPath()); }
+
+private:
+    TempFolder m_folder;
+};
 
 } // namespace tavrix::test
