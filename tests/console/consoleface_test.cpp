@@ -11,8 +11,8 @@ namespace
 struct AnswerCase {
     const char* name;
     const char* line;
-    bool hasCheckBox;
     int button;
+    bool hasCheckBox;
     bool checked;
 };
 
@@ -29,20 +29,20 @@ TEST_P(TypedAnswer, choosesAButton)
 }
 
 const AnswerCase answerCases[] = {
-    {"empty", "", true, 0, false},
-    {"blanks", "  \n", true, 0, false},
-    {"first", "1", true, 0, false},
-    {"second", "2\n", true, 1, false},
-    {"secondForAll", "2*", true, 1, true},
-    {"starFirst", "*2", true, 1, true},
-    {"starWithoutBox", "2*", false, -1, false},
-    {"third", "3", true, -1, false},
-    {"zero", "0", true, -1, false},
-    {"negative", "-1", true, -1, false},
-    {"words", "keep", true, -1, false},
-    {"longNumber", "22", true, -1, false},
-    {"leadingZero", "02", true, -1, false},
-    {"onlyAStar", "*", true, -1, false},
+    {"empty", "", 0, true, false},
+    {"blanks", "  \n", 0, true, false},
+    {"first", "1", 0, true, false},
+    {"second", "2\n", 1, true, false},
+    {"secondForAll", "2*", 1, true, true},
+    {"starFirst", "*2", 1, true, true},
+    {"starWithoutBox", "2*", -1, false, false},
+    {"third", "3", -1, true, false},
+    {"zero", "0", -1, true, false},
+    {"negative", "-1", -1, true, false},
+    {"words", "keep", -1, true, false},
+    {"longNumber", "22", -1, true, false},
+    {"leadingZero", "02", -1, true, false},
+    {"onlyAStar", "*", -1, true, false},
 };
 
 INSTANTIATE_TEST_SUITE_P(Lines, TypedAnswer, testing::ValuesIn(answerCases), rowName<AnswerCase>);
