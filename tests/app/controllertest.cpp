@@ -121,6 +121,31 @@ QStringList ControllerTest::makeClips(int count)
     return sources;
 }
 
+void ControllerTest::appendRow(const QString& source)
+{
+    BatchRow row;
+    row.out = 3;
+    row.resultat = rowIcon::pending;
+    row.dico = {{record::mainEncSrcPathStr, source}, {record::v0_codec, QStringLiteral("h264")}};
+    rows().append(row);
+}
+
+quintptr ControllerTest::stackBetweenRows()
+{
+    quintptr lowest = 0;
+    quintptr highest = 0;
+    const QMetaObject::Connection watch =
+        QObject::connect(controller.get(), &appDelegate::rowFinished, controller.get(), [&] {
+            const auto here = reinterpret_cast<quintptr>(__builtin_frame_address(0));
+            lowest = lowest == 0 ? here : qMin(lowest, here);
+            highest = qMax(highest, here);
+        });
+    pressStart();
+    settle();
+    QObject::disconnect(watch);
+    return highest - lowest;
+}
+
 void ControllerTest::addRows(const QStringList& sources)
 {
     controller->draggedFiles(sources);

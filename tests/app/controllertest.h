@@ -45,8 +45,11 @@ protected:
     [[nodiscard]] QString outputOf(const QString& source); // where a row of this source and format 3 goes
     [[nodiscard]] QString resumeLog();
 
-    QString clip(const QString& name); // makes a source of that name
-    QStringList makeClips(int count);  // "clip01.mts" ...
+    QString clip(const QString& name);     // makes a source of that name
+    QStringList makeClips(int count);      // "clip01.mts" ...
+    void appendRow(const QString& source); // a row of format 3, without an analysis
+    // Runs a batch of rows that need no child to end; how far apart, in bytes, their ends lie on the stack.
+    [[nodiscard]] quintptr stackBetweenRows();
     // Drops the sources and lets their analysis run to its end.
     void addRows(const QStringList& sources);
     void pressStart() { controller->iba_batchEncGoBt(); }
