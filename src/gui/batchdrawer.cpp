@@ -58,6 +58,7 @@ void BatchDrawer::buildHead(QHBoxLayout* line)
     format_ = new QComboBox(this);
     format_->setObjectName(QStringLiteral("rowFormatBt"));
     format_->setAccessibleName(QStringLiteral("@@Win_acc_rowFormat"));
+    format_->setPlaceholderText(QStringLiteral("@@Win_rowFormatNone"));
     for (int out = 0; out < outputFormatCount; ++out) {
         format_->addItem(formatText(QStringLiteral("@@Win_format%d"), {out}));
     }

@@ -96,6 +96,7 @@ void localiseChoices(QComboBox* choices)
     for (int i = 0; i < choices->count(); ++i) {
         replaceMarked(choices->itemText(i), [choices, i](const QString& text) { choices->setItemText(i, text); });
     }
+    replaceMarked(choices->placeholderText(), [choices](const QString& text) { choices->setPlaceholderText(text); });
 }
 
 void localiseSegments(SegmentedView* segments)

@@ -65,6 +65,7 @@ TEST_F(TreeLocaliser, ReplacesMarkedTextsOfEveryKindOfView)
     segments->setLabel(1, QStringLiteral("@@s"));
     auto* choices = new QComboBox;
     choices->addItems({QStringLiteral("@@c"), QStringLiteral("plain")});
+    choices->setPlaceholderText(QStringLiteral("@@p"));
     for (QWidget* view : QList<QWidget*>{button, box, label, field, table, tabs, segments, choices}) {
         layout->addWidget(view);
     }
@@ -88,6 +89,7 @@ TEST_F(TreeLocaliser, ReplacesMarkedTextsOfEveryKindOfView)
     EXPECT_TEXT(segments->label(1), QStringLiteral("Segment"));
     EXPECT_TEXT(choices->itemText(0), QStringLiteral("Cell"));
     EXPECT_TEXT(choices->itemText(1), QStringLiteral("plain"));
+    EXPECT_TEXT(choices->placeholderText(), QStringLiteral("Placeholder"));
 }
 
 TEST_F(TreeLocaliser, MissingKeysShowThemselvesAndAnEmptyKeyNothing)

@@ -64,9 +64,11 @@ TEST_F(MainJob, ThreeDroppedClipsAreConverted)
     }
 
     // The second row gets another format, by hand.
+    auto* format = find<QComboBox>("rowFormatBt");
+    EXPECT_FALSE(format->isEnabled());
+    EXPECT_TEXT(format->placeholderText(), QStringLiteral("(select a clip)"));
     list->setCurrentIndex(list->model()->index(1, 0));
     EXPECT_EQ(rows().selectedRow(), 1);
-    auto* format = find<QComboBox>("rowFormatBt");
     ASSERT_TRUE(format->isEnabled());
     QTest::keyClick(format, Qt::Key_Up);
     Q_EMIT format->activated(2);
