@@ -179,7 +179,7 @@ TEST_P(RealClips, AgreeWithFfprobe)
     checkContainer(*record, probe.value(QLatin1String("format")).toObject());
     int video = 0;
     int audio = 0;
-    for (const QJsonValue& stream : probe.value(QLatin1String("streams")).toArray()) {
+    for (const QJsonValue stream : probe.value(QLatin1String("streams")).toArray()) {
         const QString kind = field(stream.toObject(), "codec_type");
         if (kind == QLatin1String("video")) {
             StreamCheck(*record, stream.toObject(), 'v', video++).video();

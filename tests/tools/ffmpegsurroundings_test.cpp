@@ -21,7 +21,6 @@ namespace
 namespace fs = std::filesystem;
 using test::clip;
 using test::contains;
-using test::entriesOf;
 using test::fileContents;
 using test::probed;
 using test::runTool;

@@ -215,7 +215,7 @@ TEST_P(RecordedClip, IsReadAsFfprobeReadsIt)
     expectContainer(json.value(u"format").toObject());
     int video = 0;
     int audio = 0;
-    for (const QJsonValue& entry : json.value(u"streams").toArray()) {
+    for (const QJsonValue entry : json.value(u"streams").toArray()) {
         const QJsonObject stream = entry.toObject();
         const QString type = stream.value(u"codec_type").toString();
         SCOPED_TRACE(type.toStdString() + " stream");
