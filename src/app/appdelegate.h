@@ -196,6 +196,7 @@ private:
     [[nodiscard]] bool isOneOfTheSources(const QString& path) const;
     [[nodiscard]] bool isOutputOfThisBatch(const QString& path) const;
     void encFailRow(int row, const QString& reason);
+    [[nodiscard]] bool encEndedMeanwhile() const;
     void encLaunch();
     void encStopPressed();
     void removePartialOutput(const QString& destination);

@@ -106,6 +106,12 @@ appDelegate::EncodeAction appDelegate::encRefuseRow(int row, const QString& reas
     return EncodeAction::NextRow;
 }
 
+// While an alert is open the batch can be stopped, or the program quit and the rows be gone.
+bool appDelegate::encEndedMeanwhile() const
+{
+    return quitting_ || model_.mainEncProgressInt.intValue() != 0;
+}
+
 void appDelegate::encFailRow(int row, const QString& reason)
 {
     model_.encBatchArrayController.setResultat(row, rowIcon::failure);
@@ -130,15 +136,16 @@ appDelegate::EncodeAction appDelegate::encDebStep()
     prefWriteChildDico(pref::processEncDico, record::dstPathStr, destination);
     // The second pass reads the format from here; the row's own value is the one in force.
     prefWriteChildDico(pref::processEncDico, record::out, out);
-    if (const QString refusal = encReplaceRefusal(destination); !refusal.isNull()) {
-        return encRefuseRow(row, refusal);
+    const QString refusal = encReplaceRefusal(destination);
+    if (encEndedMeanwhile()) {
+        return EncodeAction::NextRow;
     }
-    if (quitting_) {
-        return EncodeAction::Idle; // the rows went while the question was open
+    if (!refusal.isNull()) {
+        return encRefuseRow(row, refusal);
     }
     if (!encHasSpace(row, destination)) {
         displayAlert(localizedString(QStringLiteral("D_keep")), localizedString(QStringLiteral("D_keep")), 0, nullptr);
-        return encRefuseRow(row, batchText("Enc_noSpace"));
+        return encEndedMeanwhile() ? EncodeAction::NextRow : encRefuseRow(row, batchText("Enc_noSpace"));
     }
     encStartInt_ = secondsSince1970();
     encStartVideoInt_ = encStartInt_;
@@ -234,7 +241,7 @@ appDelegate::EncodeAction appDelegate::encQtEncStep()
         displayAlert(localizedString(QStringLiteral("D_go_echec_disque4")),
                      localizedString(QStringLiteral("D_go_echec_disque5")), 0, nullptr);
         setFlag(pref::encFin);
-        return EncodeAction::Finish;
+        return encEndedMeanwhile() ? EncodeAction::NextRow : EncodeAction::Finish;
     }
     setFlag(pref::encFin);
     prefSynchronize();

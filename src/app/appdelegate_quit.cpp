@@ -63,7 +63,8 @@ void appDelegate::quitWithoutQuestion()
         return;
     }
     const QString destination = prefReadChildDico(pref::processEncDico, record::dstPathStr);
-    const bool encoding = encTaskClass_ != nullptr;
+    // Between two children, under an alert, a row has its files too.
+    const bool encoding = encTaskClass_ != nullptr || model_.batchEncGoBt.state() == 1;
     quitting_ = true;
     if (encoding) {
         removePartialOutput(destination);

@@ -1,5 +1,6 @@
 #include "controllertest.h"
 
+#include "base/filesizes.h"
 #include "base/preferences.h"
 #include "base/runloopgate.h"
 #include "base/settings.h"
@@ -49,7 +50,18 @@ protected:
         EXPECT_EQ(face.count(QStringLiteral("terminate")), 1);
     }
 
+    // Quits under the first alert, once, and counts the rows that are reported after it.
+    void quitUnderAnAlert()
+    {
+        QObject::connect(controller.get(), &appDelegate::rowFinished, controller.get(),
+                         [this] { rowsAfterTheQuit += controller->isQuitting() ? 1 : 0; });
+        face.whileOpen = [this](const AlertRequest&) {
+            controller->quitWithoutQuestion();
+        };
+    }
+
     QStringList sources;
+    int rowsAfterTheQuit = 0;
 };
 
 } // namespace
@@ -203,14 +215,53 @@ TEST_F(Quit, UnderTheReplaceQuestionOfALaterRow)
     addRows(sources);
     folder.makeFolder(QStringLiteral("destination/Tavrix events"));
     ASSERT_TRUE(makeSparseFile(outputOf(sources.at(2)), 300));
-    face.whileOpen = [&](const AlertRequest&) {
-        controller->quitWithoutQuestion();
-    };
+    quitUnderAnAlert();
     pressStart();
     ASSERT_TRUE(tools.finishAll());
     EXPECT_EQ(tools.count(ToolKind::Encode), 2);
     EXPECT_FALSE(resumeLog().contains(sources.at(2)));
     EXPECT_TRUE(itemExists(outputOf(sources.at(2))));
+    EXPECT_EQ(rowsAfterTheQuit, 0);
+    expectGone();
+}
+
+TEST_F(Quit, UnderTheReplaceQuestionThatIsAnsweredWithKeep)
+{
+    sources = makeClips(2);
+    addRows(sources);
+    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+    ASSERT_TRUE(makeSparseFile(outputOf(sources.at(0)), 300));
+    constexpr int keepButton = 1;
+    face.answer(keepButton, false);
+    quitUnderAnAlert();
+    pressStart();
+    EXPECT_TRUE(itemExists(outputOf(sources.at(0))));
+    EXPECT_EQ(rowsAfterTheQuit, 0) << "its row is gone";
+    expectGone();
+}
+
+TEST_F(Quit, UnderTheAlertAboutLackingSpace)
+{
+    sources = makeClips(2);
+    addRows(sources);
+    setFreeSpaceForTests(1);
+    quitUnderAnAlert();
+    pressStart();
+    EXPECT_EQ(rowsAfterTheQuit, 0);
+    expectGone();
+}
+
+TEST_F(Quit, UnderTheAlertAboutTheSecondPassLeavesNothingOfTheFirst)
+{
+    setAIC(1);
+    begin(2, 4);
+    setFreeSpaceForTests(1);
+    quitUnderAnAlert();
+    ASSERT_TRUE(tools.finish(ToolKind::Encode));
+    EXPECT_EQ(face.count(QStringLiteral("alert:The second step of the conversion could not be started")), 1);
+    EXPECT_TEXTS(QDir(events).entryList(QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_EQ(rowsAfterTheQuit, 0);
+    expectGone();
 }
 
 TEST_F(Quit, UnderTheAlertAboutAVanishedSource)
@@ -218,13 +269,12 @@ TEST_F(Quit, UnderTheAlertAboutAVanishedSource)
     sources = makeClips(3);
     addRows(sources);
     ASSERT_TRUE(QFile::remove(sources.at(2)));
-    face.whileOpen = [&](const AlertRequest&) {
-        controller->quitWithoutQuestion();
-    };
+    quitUnderAnAlert();
     pressStart();
     ASSERT_TRUE(tools.finishAll());
     EXPECT_EQ(tools.count(ToolKind::Encode), 2);
-    EXPECT_EQ(face.count(QStringLiteral("terminate")), 1);
+    EXPECT_EQ(rowsAfterTheQuit, 0);
+    expectGone();
 }
 
 TEST_F(Quit, ProgramThatEndsWithoutAQuitStartsNoFurtherRow)

@@ -105,7 +105,7 @@ private:
         return {timed ? -1 : below(choices), below(3) == 0};
     }
 
-    // Only what can arrive while an application-modal alert is up; it must wait.
+    // Only what can arrive while an application-modal alert is up; all but the end of the session must wait.
     void happenUnderAnAlert()
     {
         const qsizetype launches = tools_.launches.size();
@@ -122,6 +122,11 @@ private:
             break;
         case 3:
             QFile::remove(anySource());
+            break;
+        case 4:
+            if (below(10) == 0) {
+                controller_.quitWithoutQuestion();
+            }
             break;
         default:
             break;

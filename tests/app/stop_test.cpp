@@ -5,6 +5,8 @@
 
 #include <QFile>
 
+#include <utility>
+
 using namespace tavrix;
 using namespace tavrix::test;
 
@@ -36,6 +38,33 @@ protected:
         EXPECT_TEXT(face.events.last(), QStringLiteral("open:") + events);
         EXPECT_TEXT(prefRead(pref::encCurrentProcessingFile), QStringLiteral("cancel"));
         EXPECT_EQ(controller->encBatchInprogressRowIdentification(), -1);
+        expectIdle();
+    }
+
+    // The output that stood there before stays, and no child is started for the row.
+    void stopUnderTheReplaceQuestion(int answer)
+    {
+        addRows(makeClips(1));
+        folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+        const QString output = outputOf(sourceOf(0));
+        ASSERT_TRUE(makeSparseFile(output, 777));
+        int reports = 0;
+        QObject::connect(controller.get(), &appDelegate::rowFinished, controller.get(), [&reports] { ++reports; });
+        bool pressed = false;
+        face.whileOpen = [&](const AlertRequest&) {
+            if (!std::exchange(pressed, true)) {
+                pressStop();
+            }
+        };
+        face.otherwise = [answer](const AlertRequest& request) {
+            return AlertOutcome{request.hasCheckBox ? answer : 0, false};
+        };
+        pressStart();
+        EXPECT_EQ(tools.count(ToolKind::Encode), 0);
+        EXPECT_EQ(QFile(output).size(), qint64{777} * 1024);
+        EXPECT_TEXT(icons(), QStringLiteral("puceFailure"));
+        EXPECT_TEXT(rows().row(0).reason, QStringLiteral("stopped"));
+        EXPECT_EQ(reports, 1);
         expectIdle();
     }
 
@@ -121,26 +150,16 @@ TEST_F(Stop, OutputThatStoodThereBeforeStays)
     expectIdle();
 }
 
-TEST_F(Stop, UnderTheReplaceQuestionLeavesTheOutputThatStoodThereBefore)
+TEST_F(Stop, UnderTheReplaceQuestionThatIsAnsweredWithKeep)
 {
-    addRows(makeClips(1));
-    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
-    const QString output = outputOf(sourceOf(0));
-    ASSERT_TRUE(makeSparseFile(output, 777));
-    bool pressed = false;
-    face.whileOpen = [&](const AlertRequest&) {
-        if (!pressed) {
-            pressed = true;
-            pressStop();
-        }
-    };
-    face.otherwise = [](const AlertRequest& request) {
-        constexpr int keepButton = 1;
-        return AlertOutcome{request.hasCheckBox ? keepButton : 0, false};
-    };
-    pressStart();
-    ASSERT_TRUE(tools.finishAll());
-    EXPECT_EQ(QFile(output).size(), qint64{777} * 1024);
+    constexpr int keepButton = 1;
+    stopUnderTheReplaceQuestion(keepButton);
+}
+
+TEST_F(Stop, UnderTheReplaceQuestionThatIsAnsweredWithReplace)
+{
+    constexpr int replaceButton = 0;
+    stopUnderTheReplaceQuestion(replaceButton);
 }
 
 TEST_F(Stop, WhilePausedResumesTheDyingChildOnly)
