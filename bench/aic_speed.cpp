@@ -46,8 +46,9 @@ FramePtr makeFrame(AVPixelFormat format)
     frame->format = format;
     frame->width = width;
     frame->height = height;
-    if (av_frame_get_buffer(frame.get(), 0) < 0)
+    if (av_frame_get_buffer(frame.get(), 0) < 0) {
         std::abort();
+    }
     return frame;
 }
 
@@ -63,8 +64,9 @@ void paint(AVFrame& frame, int number, double noise)
                 const double px = scale * x + 3.0 * number;
                 const double py = scale * y + 1.0 * number;
                 double value = 120 + 50 * std::sin(px / 37) * std::cos(py / 23) + 20 * std::sin(px * py / 40000);
-                if (static_cast<int>(px / 160) % 2 == static_cast<int>(py / 90) % 2)
+                if (static_cast<int>(px / 160) % 2 == static_cast<int>(py / 90) % 2) {
                     value += plane == 0 ? 35 : 15;
+                }
                 value += grain(random);
                 frame.data[plane][static_cast<std::ptrdiff_t>(y) * frame.linesize[plane] + x] =
                     static_cast<std::uint8_t>(std::clamp(value, 16.0, 235.0));
@@ -118,15 +120,17 @@ EncodeOne makeProRes(const char* name)
     // One of the two encoders has an option of its own for it; the other does not know that option.
     av_opt_set_int(context->priv_data, "profile", proResStandard, 0);
     context->thread_count = 1;
-    if (avcodec_open2(context.get(), codec, nullptr) < 0)
+    if (avcodec_open2(context.get(), codec, nullptr) < 0) {
         std::abort();
+    }
     const std::shared_ptr<AVPacket> packet(av_packet_alloc(), movencoder::AvDeleter());
     return [context, packet](const Pictures& pictures, int number) {
         const FramePtr frame(av_frame_clone(pictures.tenBits[static_cast<std::size_t>(number)].get()));
         frame->pts = number;
         if (avcodec_send_frame(context.get(), frame.get()) < 0 ||
-            avcodec_receive_packet(context.get(), packet.get()) < 0)
+            avcodec_receive_packet(context.get(), packet.get()) < 0) {
             std::abort();
+        }
         return static_cast<std::size_t>(packet->size);
     };
 }
@@ -141,19 +145,22 @@ Result measureOnce(const std::function<EncodeOne()>& make, const Pictures& pictu
     std::atomic<int> next = 0;
     std::atomic<std::size_t> bytes = 0;
     std::vector<EncodeOne> encoders;
-    for (unsigned i = 0; i < threads; ++i)
+    for (unsigned i = 0; i < threads; ++i) {
         encoders.push_back(make());
+    }
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> workers;
     workers.reserve(encoders.size());
     for (const EncodeOne& encode : encoders) {
         workers.emplace_back([&] {
-            for (int number = next++; number < pictureCount; number = next++)
+            for (int number = next++; number < pictureCount; number = next++) {
                 bytes += encode(pictures, number);
+            }
         });
     }
-    for (std::thread& worker : workers)
+    for (std::thread& worker : workers) {
         worker.join();
+    }
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     return {pictureCount / elapsed.count(), bytes / pictureCount};
 }
@@ -167,8 +174,9 @@ Result measure(const std::function<EncodeOne()>& make, const Pictures& pictures,
     Result best = measureOnce(make, pictures, threads);
     for (int i = 1; i < mostRuns && std::chrono::steady_clock::now() - start < enough; ++i) {
         const Result again = measureOnce(make, pictures, threads);
-        if (again.picturesPerSecond > best.picturesPerSecond)
+        if (again.picturesPerSecond > best.picturesPerSecond) {
             best = again;
+        }
     }
     return best;
 }
@@ -196,8 +204,9 @@ int main()
                 height, pictureCount, aicQuantiser);
     for (const Pictures& pictures : {makePictures("clean", 0), makePictures("noisy", sensorNoise)}) {
         compare(pictures, 1);
-        if (cores > 1)
+        if (cores > 1) {
             compare(pictures, cores);
+        }
     }
     return 0;
 }

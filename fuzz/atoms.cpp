@@ -24,12 +24,14 @@ void askTracks(const MovieAtoms& movie, const EditTimeline& timeline, std::uint6
     for (const TrackAtoms& track : movie.tracks) {
         const std::optional<SampleTable> table = readSampleTable(track, fileSize);
         const std::vector<TrackPiece> pieces = trackPieces(track, movie.timeScale, timeline);
-        if (!table)
+        if (!table) {
             continue;
+        }
         const std::vector<std::int64_t> times = displayTimes(*table, pieces);
         for (std::size_t index = 1; index < times.size(); ++index) {
-            if (times[index] <= times[index - 1])
+            if (times[index] <= times[index - 1]) {
                 std::abort();
+            }
         }
     }
 }
@@ -40,14 +42,17 @@ void rewrite(const MovieAtoms& movie, const EditTimeline& timeline, std::uint64_
     request.changes.push_back({PixelSize{640, 480}, "name"});
     std::string reason;
     const std::optional<RewritePlan> plan = RewritePlan::make(request, &reason);
-    if (!plan)
+    if (!plan) {
         return;
-    for (const CopyRun& run : plan->copies()) {
-        if (run.sourceOffset > fileSize || run.size > fileSize - run.sourceOffset)
-            std::abort();
     }
-    if (plan->movieAtom(0).size() != plan->movieAtom(1U << 20).size())
+    for (const CopyRun& run : plan->copies()) {
+        if (run.sourceOffset > fileSize || run.size > fileSize - run.sourceOffset) {
+            std::abort();
+        }
+    }
+    if (plan->movieAtom(0).size() != plan->movieAtom(1U << 20).size()) {
         std::abort();
+    }
 }
 
 } // namespace
@@ -56,8 +61,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const ByteView bytes(data, size);
     const MovieAtoms movie = readMovieAtoms(readAtOf(bytes), size);
-    if (!movie.found)
+    if (!movie.found) {
         return 0;
+    }
     const EditTimeline whole(static_cast<std::int64_t>(movie.duration), static_cast<std::int32_t>(movie.timeScale));
     for (const EditTimeline& timeline : {whole, edited(movie)}) {
         askTracks(movie, timeline, size);

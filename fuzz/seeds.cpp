@@ -57,7 +57,8 @@ int main(int argc, char** argv)
     movie.movieFirst = true;
     movie.tracks.front().edits.clear();
     written = write(folder, "first.mov", movie) && written;
-    if (!written)
+    if (!written) {
         std::cerr << "fuzz_seeds: " << folder << " cannot be written\n";
+    }
     return written ? 0 : 1;
 }

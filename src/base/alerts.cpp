@@ -23,8 +23,9 @@ public:
 
     void showSheet(const AlertRequest&, QObject*, std::function<void(AlertOutcome)> done) override
     {
-        if (done)
+        if (done) {
             done({});
+        }
     }
 
     std::optional<QString> runTextInput(const AlertRequest&, const QString& defaultValue) override
@@ -49,8 +50,9 @@ QStringList buttonTitles(const QString& defaultButton, const QString& alternateB
     QStringList titles{defaultButton.isEmpty() ? QStringLiteral("OK") : defaultButton};
     if (!defaultButton.isEmpty() && !alternateButton.isEmpty()) {
         titles.append(alternateButton);
-        if (!otherButton.isEmpty())
+        if (!otherButton.isEmpty()) {
             titles.append(otherButton);
+        }
     }
     return titles;
 }
@@ -128,12 +130,13 @@ QString displayAlertDelayed(const QString& title, const QString& text, const QSt
     const bool timed = seconds > 1;
     const QStringList buttons = buttonTitles(defaultButton, alternateButton, otherButton);
     const AlertOutcome outcome = runModal(requestFor(title, text, buttons, style, timed ? seconds : 0));
-    if (!timed)
+    if (!timed) {
         logLine(QStringLiteral("ALERTE NORMALE       "));
-    else if (outcome.button == timedOut)
+    } else if (outcome.button == timedOut) {
         logLine(QStringLiteral("FERMETURE AUTO       : TIMEOUT"));
-    else
+    } else {
         logLine(QStringLiteral("FERMETURE USER       : CLIC"));
+    }
     return chosenTitle(outcome.button, {defaultButton, alternateButton, otherButton}, delayedSubstitutes());
 }
 
@@ -148,10 +151,11 @@ CheckBoxAnswer displayAlertDelayedCheckbox(const QString& title, const QString& 
     request.hasCheckBox = true;
     request.checkBoxTitle = notNothing(checkBoxTitle);
     const AlertOutcome outcome = runModal(request);
-    if (outcome.button == timedOut)
+    if (outcome.button == timedOut) {
         logLine(QStringLiteral("FERMETURE AUTO       : TIMEOUT"));
-    else
+    } else {
         logLine(QStringLiteral("FERMETURE USER       : CLIC=%d"), {sessionCode(outcome.button)});
+    }
     return {chosenTitle(outcome.button, {defaultButton, alternateButton, otherButton}, checkBoxSubstitutes()),
             outcome.checked ? 1 : 0};
 }
@@ -165,8 +169,9 @@ void displayAlertDelayedSheet(const QString& title, const QString& text, const Q
     const std::array<QString, 3> titles{defaultButton, alternateButton, otherButton};
     presenter().showSheet(requestFor(title, text, buttons, style, seconds > 1 ? seconds : 0), window,
                           [titles, done = std::move(done)](const AlertOutcome& outcome) {
-                              if (done)
+                              if (done) {
                                   done(chosenTitle(outcome.button, titles, delayedSubstitutes()));
+                              }
                           });
 }
 
@@ -177,16 +182,18 @@ std::optional<QString> displayDialog(const QString& title, const QString& text, 
     const AlertRequest request = requestFor(title, text, buttons, 0, 0);
     const ModalGateCloser gate;
     const std::optional<QString> typed = presenter().runTextInput(request, notNothing(defaultValue));
-    if (!typed)
+    if (!typed) {
         return std::nullopt;
+    }
     return typed->isEmpty() ? notNothing(defaultValue) : *typed;
 }
 
 void utilsAlert::alertDidEndReturnCodeContextInfo(QObject* sheetWindow, int returnCode, void* /*contextInfo*/)
 {
     logLine(QStringLiteral("returnCode          : %d"), {returnCode});
-    if (sheetWindow && sheetWindow->metaObject()->indexOfMethod("hide()") >= 0)
+    if (sheetWindow && sheetWindow->metaObject()->indexOfMethod("hide()") >= 0) {
         QMetaObject::invokeMethod(sheetWindow, "hide", Qt::DirectConnection);
+    }
 }
 
 QString utilsAlert::LocalisationString_localFichier_variable1_variable2_variable3_variable4_variable5(
@@ -197,8 +204,9 @@ QString utilsAlert::LocalisationString_localFichier_variable1_variable2_variable
     const QString text = localizedString(key, unnamed ? QStringLiteral("Localized") : table);
     QList<FormatArg> arguments;
     for (const QString& variable : {variable1, variable2, variable3, variable4, variable5}) {
-        if (variable.isEmpty())
+        if (variable.isEmpty()) {
             break;
+        }
         arguments.append(FormatArg(variable));
     }
     return arguments.isEmpty() ? text : formatText(text, arguments);

@@ -27,8 +27,9 @@ bool replaceFileAtomically(const QString& path, const QByteArray& bytes, QString
         return false;
     }
     if (writeAllTo(file, bytes) && ::fsync(file.get()) == 0 && file.close() &&
-        ::rename(temporary.constData(), target.constData()) == 0)
+        ::rename(temporary.constData(), target.constData()) == 0) {
         return true;
+    }
     *reason = systemErrorText();
     ::unlink(temporary.constData());
     return false;

@@ -40,11 +40,13 @@ bool namesItem(const QString& path, const struct stat& item)
 bool isOnTheWayTo(QString folder, const struct stat& item)
 {
     for (;;) {
-        if (namesItem(folder, item))
+        if (namesItem(folder, item)) {
             return true;
+        }
         const QString parent = stringByDeletingLastPathComponent(folder);
-        if (parent == folder || parent.isEmpty())
+        if (parent == folder || parent.isEmpty()) {
             return false;
+        }
         folder = parent;
     }
 }
@@ -54,8 +56,9 @@ bool isOnTheWayTo(QString folder, const struct stat& item)
 bool isPrecious(const QByteArray& item)
 {
     const std::optional<struct stat> status = linkStatus(item);
-    if (!status)
+    if (!status) {
         return false;
+    }
     const QString home = homeFolder();
     return isMountPoint(item) || isOnTheWayTo(home, *status) ||
            isOnTheWayTo(QFile::decodeName(resolvedPath(nativePath(home))), *status);
@@ -69,8 +72,9 @@ bool isRefused(const QString& path, const QByteArray& item)
         logLine(folderAlarm);
         return true;
     }
-    if (path.startsWith(QLatin1String("/TXauthoring/")))
+    if (path.startsWith(QLatin1String("/TXauthoring/"))) {
         return false;
+    }
     // The wildcards come first: their parent is the root, and the line must name the real danger.
     for (const QLatin1String wildcard :
          {QLatin1String("*"), QLatin1String("/*"), QLatin1String("/Volumes/*"), QLatin1String("/Volumes/Users/*")}) {
@@ -95,8 +99,9 @@ bool isPlainUrlPath(const QString& path)
     const QLatin1String marks("-_.!~*'():@&=+$,/");
     for (const QChar character : path) {
         const bool alphanumeric = character.unicode() < 128 && character.isLetterOrNumber();
-        if (!alphanumeric && !marks.contains(character))
+        if (!alphanumeric && !marks.contains(character)) {
             return false;
+        }
     }
     return true;
 }
@@ -105,8 +110,9 @@ bool isPlainUrlPath(const QString& path)
 bool makePrivateFolder(const QString& path)
 {
     const QByteArray bytes = nativePath(path);
-    if (followedStatus(bytes))
+    if (followedStatus(bytes)) {
         return isFolder(path);
+    }
     return makePrivateFolder(stringByDeletingLastPathComponent(path)) &&
            (::mkdir(bytes.constData(), 0700) == 0 || errno == EEXIST);
 }
@@ -119,12 +125,14 @@ QString absolutePath(const QByteArray& item)
 bool moveToDesktopTrash(const QString& path)
 {
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (!QDir::isAbsolutePath(data) || !QDir::isAbsolutePath(qEnvironmentVariable("HOME")))
+    if (!QDir::isAbsolutePath(data) || !QDir::isAbsolutePath(qEnvironmentVariable("HOME"))) {
         return false;
+    }
     // Without these folders Qt moves the file into the working folder and reports success.
     if (!makePrivateFolder(data + QStringLiteral("/Trash/files")) ||
-        !makePrivateFolder(data + QStringLiteral("/Trash/info")))
+        !makePrivateFolder(data + QStringLiteral("/Trash/info"))) {
         return false;
+    }
     QString place;
     return QFile::moveToTrash(path, &place) && QDir::isAbsolutePath(place);
 }
@@ -132,19 +140,23 @@ bool moveToDesktopTrash(const QString& path)
 bool moveToProgramTrash(const QString& path)
 {
     QString data = qEnvironmentVariable("XDG_DATA_HOME");
-    if (!QDir::isAbsolutePath(data))
+    if (!QDir::isAbsolutePath(data)) {
         data = homeFolder() + QStringLiteral("/.local/share");
+    }
     const QString folder = data + u'/' + bundleName() + QStringLiteral("/Trash");
-    if (!makePrivateFolder(folder))
+    if (!makePrivateFolder(folder)) {
         return false;
+    }
     const QByteArray from = nativePath(path);
     const QByteArray base = nativePath(folder + u'/' + lastPathComponent(path));
     QByteArray to = base;
     for (int number = 2;; ++number) {
-        if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0)
+        if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) {
             return true;
-        if (errno != EEXIST)
+        }
+        if (errno != EEXIST) {
             return false;
+        }
         to = base + '.' + QByteArray::number(number);
     }
 }
@@ -153,20 +165,23 @@ bool moveToProgramTrash(const QString& path)
 bool leaveToTrash(const QByteArray& item)
 {
     const QString path = absolutePath(item);
-    if (!moveToDesktopTrash(path) && linkStatus(item) && !moveToProgramTrash(path))
+    if (!moveToDesktopTrash(path) && linkStatus(item) && !moveToProgramTrash(path)) {
         logLine(QStringLiteral("trash               :-( %@ : %@"), {path, systemErrorText()});
+    }
     return !linkStatus(item);
 }
 
 bool removeItem(const QString& path, const QByteArray& item)
 {
-    if (isPlainUrlPath(path) && removeTree(item))
+    if (isPlainUrlPath(path) && removeTree(item)) {
         return true;
+    }
     logLine(QStringLiteral("File current        :-( not deleted 1"));
     const bool gone = leaveToTrash(item);
     logLine(QStringLiteral("File current        :-/ …to trash"));
-    if (!gone)
+    if (!gone) {
         logLine(QStringLiteral("File current        :-( failure"));
+    }
     return gone;
 }
 
@@ -185,25 +200,29 @@ bool isAtOrBelow(const QByteArray& folder, const QByteArray& root)
 
 bool rmCocoa(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
+    }
     logDebug(QStringLiteral("rmCocoa             - debut - %@"), {path});
     const QString expanded = stringByExpandingTildeInPath(path);
     const QByteArray item = systemItemPath(path);
-    if (isRefused(expanded, item))
+    if (isRefused(expanded, item)) {
         return false;
+    }
     const std::optional<struct stat> status = linkStatus(item);
     if (testPresenceC(QFile::decodeName(item))) {
         logDebug(QStringLiteral("File current        : exists: %@"), {expanded});
-        if (!removeItem(expanded, item))
+        if (!removeItem(expanded, item)) {
             return false;
+        }
     } else if (status && S_ISLNK(status->st_mode) && ::unlink(item.constData()) != 0) {
         logLine(QStringLiteral("File current        :-( failure"));
         return false;
     }
     logDebug(QStringLiteral("rmCocoa             - pre-fin"));
-    if (deletionObserver())
+    if (deletionObserver()) {
         deletionObserver()(expanded);
+    }
     logDebug(QStringLiteral("rmCocoa             - fin - %@"), {expanded});
     return true;
 }
@@ -216,10 +235,11 @@ void setDeletionObserver(std::function<void(const QString& path)> observer)
 bool moveToTrash(const QString& path)
 {
     const QByteArray item = systemItemPath(path);
-    if (hasDotComponent(path) || isPrecious(item))
+    if (hasDotComponent(path) || isPrecious(item)) {
         logLine(QStringLiteral("trash               :-( refused : %@"), {path});
-    else if (linkStatus(item))
+    } else if (linkStatus(item)) {
         leaveToTrash(item);
+    }
     return true;
 }
 
@@ -229,12 +249,15 @@ bool removeOwnFile(const QString& path, const QString& folder)
     const QByteArray root = resolvedPath(systemPath(folder));
     const qsizetype slash = item.lastIndexOf('/');
     const QByteArray name = item.mid(slash + 1);
-    if (item.isEmpty())
+    if (item.isEmpty()) {
         return false;
-    if (!linkStatus(item) && errno == ENOENT)
+    }
+    if (!linkStatus(item) && errno == ENOENT) {
         return true;
-    if (root.isEmpty() || slash < 0 || name.isEmpty() || name == "." || name == "..")
+    }
+    if (root.isEmpty() || slash < 0 || name.isEmpty() || name == "." || name == "..") {
         return false;
+    }
     const QByteArray parent = resolvedPath(slash == 0 ? QByteArray("/") : item.left(slash));
     if (parent.isEmpty() || !isAtOrBelow(parent, root)) {
         logLine(QStringLiteral("own file            :-( not inside %@ : %@"), {folder, path});
@@ -243,16 +266,19 @@ bool removeOwnFile(const QString& path, const QString& folder)
     const FileDescriptor place = openFile(parent, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
     struct stat status {
     };
-    if (!place.isOpen())
+    if (!place.isOpen()) {
         return false;
-    if (::fstatat(place.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+    }
+    if (::fstatat(place.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return errno == ENOENT;
+    }
     if (!S_ISREG(status.st_mode)) {
         logLine(QStringLiteral("own file            :-( no regular file : %@"), {path});
         return false;
     }
-    if (::unlinkat(place.get(), name.constData(), 0) == 0 || errno == ENOENT)
+    if (::unlinkat(place.get(), name.constData(), 0) == 0 || errno == ENOENT) {
         return true;
+    }
     logLine(QStringLiteral("own file            :-( %@ : %@"), {path, systemErrorText()});
     return false;
 }
@@ -260,18 +286,21 @@ bool removeOwnFile(const QString& path, const QString& folder)
 bool removeOwnFolder(const QString& path)
 {
     const QByteArray item = systemItemPath(path);
-    if (item.isEmpty())
+    if (item.isEmpty()) {
         return false;
+    }
     const std::optional<struct stat> status = linkStatus(item);
-    if (!status)
+    if (!status) {
         return errno == ENOENT;
+    }
     if (!S_ISDIR(status->st_mode) || status->st_uid != ::geteuid() || hasDotComponent(QFile::decodeName(item)) ||
         isPrecious(item)) {
         logLine(QStringLiteral("own folder          :-( refused : %@"), {path});
         return false;
     }
-    if (removeTree(item))
+    if (removeTree(item)) {
         return true;
+    }
     logLine(QStringLiteral("own folder          :-( %@ : %@"), {path, systemErrorText()});
     return false;
 }

@@ -20,8 +20,9 @@ namespace
 // Sorted, because the order in which a file system returns its entries is arbitrary and "the first entry" must not be.
 QStringList sortedNames(const QString& folder)
 {
-    if (systemPath(folder).isEmpty())
+    if (systemPath(folder).isEmpty()) {
         return {};
+    }
     QStringList names =
         QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Unsorted);
     std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
@@ -57,8 +58,9 @@ void appendItemsBelow(const QString& folder, const QString& shownFolder, QString
         const QString path = stringByAppendingPathComponent(folder, name);
         const QString shown = stringByAppendingPathComponent(shownFolder, name);
         items.append(shown);
-        if (isRealFolder(path))
+        if (isRealFolder(path)) {
             appendItemsBelow(path, shown, items);
+        }
     }
 }
 
@@ -66,14 +68,16 @@ void appendItemsBelow(const QString& folder, const QString& shownFolder, QString
 
 std::optional<QStringList> lsCocoa(const QString& folder)
 {
-    if (folder.isNull())
+    if (folder.isNull()) {
         return std::nullopt;
+    }
     const QString base = withTrailingSlash(stringByExpandingTildeInPath(folder));
     QStringList paths;
     const QStringList names = sortedNames(base);
     paths.reserve(names.size());
-    for (const QString& name : names)
+    for (const QString& name : names) {
         paths.append(base + name);
+    }
     logLine(QStringLiteral("lsCocoa             - fin : %d items : %@"), {static_cast<int>(paths.size()), paths});
     return paths;
 }
@@ -96,8 +100,9 @@ QStringList unspeakableEntries(const QString& folder)
     std::filesystem::directory_iterator entry(bytes.toStdString(), failure);
     for (; !bytes.isEmpty() && !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
         const QByteArray name = QByteArray::fromStdString(entry->path().filename().string());
-        if (decodedUtf8(name).isNull())
+        if (decodedUtf8(name).isNull()) {
             entries.append(stringByAppendingPathComponent(folder, QString::fromUtf8(name)));
+        }
     }
     entries.sort();
     return entries;
@@ -107,9 +112,11 @@ QStringList lsGrepCocoa(const QString& folder, const QString& extension)
 {
     QStringList selected;
     const QStringList entries = lsCocoa(folder).value_or(QStringList());
-    for (const QString& entry : entries)
-        if (pathExtension(entry).compare(extension, Qt::CaseInsensitive) == 0)
+    for (const QString& entry : entries) {
+        if (pathExtension(entry).compare(extension, Qt::CaseInsensitive) == 0) {
             selected.append(entry);
+        }
+    }
     return selected;
 }
 
@@ -125,11 +132,13 @@ QStringList findCocoa(const QString& folder, const QString& pattern, const QStri
         const QString path = work.at(index);
         if (isRealFolder(path)) {
             const QStringList names = sortedNames(path);
-            for (const QString& name : names)
+            for (const QString& name : names) {
                 work.append(path + u'/' + name);
+            }
         } else if (!isLinkToFolder(path)) {
-            if (wanted.isEmpty() || containsText(ignoreCase ? path.toLower() : path, wanted))
+            if (wanted.isEmpty() || containsText(ignoreCase ? path.toLower() : path, wanted)) {
                 found.append(path);
+            }
         }
     }
     return found;
@@ -139,9 +148,11 @@ QString fileFromFolder(const QString& folder, const QString& extension)
 {
     if (!extension.isNull()) {
         const QStringList entries = lsCocoa(folder).value_or(QStringList());
-        for (const QString& entry : entries)
-            if (pathExtension(entry) == extension)
+        for (const QString& entry : entries) {
+            if (pathExtension(entry) == extension) {
                 return entry;
+            }
+        }
     }
     return QStringLiteral("");
 }
@@ -153,20 +164,23 @@ QString fichier_basename(const QString& path)
 
 QString fichier_nom(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return {};
+    }
     return stringByDeletingPathExtension(lastPathComponent(EyetvBundle(stringByExpandingTildeInPath(path))));
 }
 
 QString fichier_dirname(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return QStringLiteral("");
+    }
     const QString marker = QStringLiteral(".iMovieProject/Shared Movies/iDVD");
     QString shortened = stringByExpandingTildeInPath(path);
     // The cut is counted from the end of the path, wherever the marker stands.
-    if (containsText(shortened, marker))
+    if (containsText(shortened, marker)) {
         shortened.chop(marker.size());
+    }
     return withTrailingSlash(stringByDeletingLastPathComponent(EyetvBundle(shortened)));
 }
 
@@ -174,16 +188,18 @@ QString pathByResolvingAlias(const QString& path)
 {
     const QByteArray bytes = systemItemPath(path);
     const std::optional<struct stat> status = linkStatus(bytes);
-    if (!status || !S_ISLNK(status->st_mode))
+    if (!status || !S_ISLNK(status->st_mode)) {
         return path;
+    }
     const QByteArray target = resolvedPath(bytes);
     return target.isEmpty() ? path : QFile::decodeName(target);
 }
 
 QString EyetvBundle(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return {};
+    }
     logDebug(QStringLiteral("EyetvBundle         - debut - %@"), {path});
     const QString parent = stringByDeletingLastPathComponent(path);
     const bool inside = containsText(path, QStringLiteral(".eyetv/")) && parent.endsWith(QLatin1String(".eyetv"));

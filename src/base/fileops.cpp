@@ -40,11 +40,13 @@ QByteArray resolvedPlace(const QByteArray& item)
 {
     const qsizetype slash = item.lastIndexOf('/');
     QByteArray parent(".");
-    if (slash >= 0)
+    if (slash >= 0) {
         parent = slash == 0 ? QByteArray("/") : item.left(slash);
+    }
     const QByteArray resolved = resolvedPath(parent);
-    if (resolved.isEmpty())
+    if (resolved.isEmpty()) {
         return {};
+    }
     return (resolved == "/" ? resolved : resolved + '/') + item.mid(slash + 1);
 }
 
@@ -68,30 +70,36 @@ bool copyNow(const Transfer& transfer, QString* reason)
 int renameWithoutReplacing(const Transfer& transfer)
 {
     if (::renameat2(AT_FDCWD, transfer.source.constData(), AT_FDCWD, transfer.destination.constData(),
-                    RENAME_NOREPLACE) == 0)
+                    RENAME_NOREPLACE) == 0) {
         return 0;
-    if (errno != EINVAL && errno != ENOSYS)
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
         return errno;
+    }
     // File systems without that flag, FAT cards among them.
-    if (linkStatus(transfer.destination))
+    if (linkStatus(transfer.destination)) {
         return EEXIST;
+    }
     return ::rename(transfer.source.constData(), transfer.destination.constData()) == 0 ? 0 : errno;
 }
 
 bool moveNow(const Transfer& transfer, QString* reason)
 {
     const int error = renameWithoutReplacing(transfer);
-    if (error == 0)
+    if (error == 0) {
         return true;
+    }
     if (error != EXDEV) {
         *reason = systemErrorText(error);
         return false;
     }
     // Another volume: the source goes only after the whole copy is on the disk.
-    if (!copyTree(transfer.source, transfer.destination, true, reason))
+    if (!copyTree(transfer.source, transfer.destination, true, reason)) {
         return false;
-    if (removeTree(transfer.source))
+    }
+    if (removeTree(transfer.source)) {
         return true;
+    }
     *reason = systemErrorText();
     return false;
 }
@@ -109,10 +117,11 @@ bool prepare(const Transfer& transfer, const QString& source, const QString& des
     }
     if (testPresenceC(destination)) {
         if (overwriteFlag != QLatin1String("y")) {
-            if (logRefusal)
+            if (logRefusal) {
                 logLine(QStringLiteral("New already exists   :-( %@"), {destination});
-            else
+            } else {
                 logDebug(QStringLiteral("New already exists   :-( %@"), {destination});
+            }
             return false;
         }
         // Removing the destination first would remove the source itself or a part of it.
@@ -121,8 +130,9 @@ bool prepare(const Transfer& transfer, const QString& source, const QString& des
             logLine(QStringLiteral("New overlaps current:-/ %@"), {destination});
             return true;
         }
-        if (rmCocoa(destination))
+        if (rmCocoa(destination)) {
             logLine(QStringLiteral("New deleted first    :-) %@"), {destination});
+        }
     }
     *ready = true;
     return true;
@@ -136,13 +146,15 @@ bool cpCocoa(const QString& source, const QString& destination, const QString& o
     const QString to = stringByExpandingTildeInPath(destination);
     const Transfer transfer{systemItemPath(from), systemItemPath(to)};
     bool ready = false;
-    if (!prepare(transfer, from, to, overwriteFlag, false, &ready))
+    if (!prepare(transfer, from, to, overwriteFlag, false, &ready)) {
         return false;
+    }
     QString reason;
-    if (ready && copyNow(transfer, &reason))
+    if (ready && copyNow(transfer, &reason)) {
         logLine(QStringLiteral("File copied          :-) %@"), {to});
-    else if (ready)
+    } else if (ready) {
         logLine(QStringLiteral("File copied          :-( %@ : %@"), {to, reason});
+    }
     return true;
 }
 
@@ -152,13 +164,15 @@ bool mvCocoa(const QString& source, const QString& destination, const QString& o
     const QString to = stringByExpandingTildeInPath(destination);
     const Transfer transfer{systemItemPath(from), systemItemPath(to)};
     bool ready = false;
-    if (!prepare(transfer, from, to, overwriteFlag, true, &ready))
+    if (!prepare(transfer, from, to, overwriteFlag, true, &ready)) {
         return false;
+    }
     QString reason;
-    if (ready && moveNow(transfer, &reason))
+    if (ready && moveNow(transfer, &reason)) {
         logLine(QStringLiteral("File moved          :-) %@"), {to});
-    else if (ready)
+    } else if (ready) {
         logLine(QStringLiteral("File moved          :-( %@ : %@"), {to, reason});
+    }
     return true;
 }
 
@@ -166,10 +180,12 @@ bool ln_sCocoa(const QString& source, const QString& linkPath)
 {
     const QByteArray target = systemPath(source);
     const QByteArray link = systemPath(linkPath);
-    if (target.isEmpty() || link.isEmpty())
+    if (target.isEmpty() || link.isEmpty()) {
         return false;
-    if (::symlink(target.constData(), link.constData()) == 0)
+    }
+    if (::symlink(target.constData(), link.constData()) == 0) {
         return true;
+    }
     logLine(QStringLiteral("ln -s               :-( %@ : %@"), {linkPath, systemErrorText()});
     return false;
 }
@@ -178,8 +194,9 @@ QString srcFromLn(const QString& linkPath)
 {
     const QByteArray link = systemItemPath(linkPath);
     std::array<char, PATH_MAX + 1> target{};
-    if (link.isEmpty() || ::readlink(link.constData(), target.data(), target.size() - 1) < 0)
+    if (link.isEmpty() || ::readlink(link.constData(), target.data(), target.size() - 1) < 0) {
         return {};
+    }
     return QFile::decodeName(QByteArray(target.data()));
 }
 
@@ -207,26 +224,32 @@ bool mkdirCocoa(const QString& path)
 
 bool chmodCocoa(const QString& path, int mode, const QString& recursiveFlag)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
-    if (recursiveFlag.compare(QLatin1String("R"), Qt::CaseInsensitive) == 0)
+    }
+    if (recursiveFlag.compare(QLatin1String("R"), Qt::CaseInsensitive) == 0) {
         logLine(QStringLiteral("faudra voir comment faire de la récursivité …"));
+    }
     const QByteArray bytes = systemPath(path);
-    if (bytes.isEmpty() || ::chmod(bytes.constData(), mode == 777 ? 0777 : 0755) != 0)
+    if (bytes.isEmpty() || ::chmod(bytes.constData(), mode == 777 ? 0777 : 0755) != 0) {
         logLine(QStringLiteral("chmod               :-( %@ : %@"),
                 {path, systemErrorText(bytes.isEmpty() ? ENOENT : errno)});
+    }
     return true;
 }
 
 bool droitsAcces(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
+    }
     QString folder = stringByExpandingTildeInPath(path);
-    if (!isFolder(folder))
+    if (!isFolder(folder)) {
         folder = stringByDeletingLastPathComponent(folder) + u'/';
-    while (folder.startsWith(QLatin1String("//")))
+    }
+    while (folder.startsWith(QLatin1String("//"))) {
         folder.remove(0, 1);
+    }
     bool allowed = false;
     if (folder == QLatin1String("/")) {
         // Nothing made directly in the root could be removed again: the guarded delete refuses it.
@@ -236,8 +259,9 @@ bool droitsAcces(const QString& path)
             folder,
             formatText(QStringLiteral("_TXdir%d"), {static_cast<int>(QRandomGenerator::global()->bounded(INT_MAX))}));
         allowed = mkdirCocoa(trial);
-        if (allowed)
+        if (allowed) {
             rmCocoa(trial);
+        }
     }
     logLine(QStringLiteral("droitsAcces ? %d"), {allowed ? 1 : 0});
     return allowed;
@@ -245,17 +269,20 @@ bool droitsAcces(const QString& path)
 
 QString dateCreation(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return {};
+    }
     const QByteArray bytes = systemPath(stringByStandardizingPath(path));
     struct statx status {
     };
-    if (bytes.isEmpty() || ::statx(AT_FDCWD, bytes.constData(), 0, STATX_MTIME | STATX_BTIME, &status) != 0)
+    if (bytes.isEmpty() || ::statx(AT_FDCWD, bytes.constData(), 0, STATX_MTIME | STATX_BTIME, &status) != 0) {
         return {};
+    }
     // A copied clip is born when it is copied but keeps the camera's date as its modification time.
     qint64 seconds = status.stx_mtime.tv_sec;
-    if ((status.stx_mask & STATX_BTIME) != 0)
+    if ((status.stx_mask & STATX_BTIME) != 0) {
         seconds = std::min<qint64>(seconds, status.stx_btime.tv_sec);
+    }
     return dateText(seconds);
 }
 

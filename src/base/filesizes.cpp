@@ -35,21 +35,24 @@ double inUnit(qint64 bytes, const QString& unit)
 double sizeBelow(FileDescriptor folder)
 {
     DIR* stream = ::fdopendir(folder.get());
-    if (!stream)
+    if (!stream) {
         return 0.0;
+    }
     const int descriptor = folder.release();
     double total = 0.0;
     while (const dirent* entry = ::readdir(stream)) {
         const QByteArray name(entry->d_name);
         struct stat status {
         };
-        if (name == "." || name == ".." || ::fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        if (name == "." || name == ".." || ::fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
             continue;
+        }
         total += static_cast<double>(status.st_size);
         if (S_ISDIR(status.st_mode)) {
             FileDescriptor child = openFileAt(descriptor, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-            if (child.isOpen())
+            if (child.isOpen()) {
                 total += sizeBelow(std::move(child));
+            }
         }
     }
     ::closedir(stream);
@@ -72,17 +75,20 @@ bool testPresenceCocoa(const QString& path)
 double poidsFileC(const QString& path, const QString& unit)
 {
     const QByteArray bytes = systemPath(path);
-    if (bytes.isEmpty())
+    if (bytes.isEmpty()) {
         return -1.0;
+    }
     const FileDescriptor file = openFile(bytes, O_RDONLY);
     struct stat status {
     };
     // The end of a folder is no size: the answer differs from one file system to the next.
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || S_ISDIR(status.st_mode))
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || S_ISDIR(status.st_mode)) {
         return -1.0;
+    }
     const off_t end = ::lseek(file.get(), 0, SEEK_END);
-    if (end < 0)
+    if (end < 0) {
         return -1.0;
+    }
     const double size = inUnit(end, unit);
     logDebug(QStringLiteral("poidsFileC          :   %lld units"), {static_cast<qint64>(end)});
     logDebug(QStringLiteral("poidsFileC          :-) %.2f %@"), {size, unit});
@@ -91,11 +97,13 @@ double poidsFileC(const QString& path, const QString& unit)
 
 double poidsFile(const QString& path, const QString& unit)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return -1.0;
+    }
     const std::optional<struct stat> status = followedStatus(systemPath(stringByStandardizingPath(path)));
-    if (!status)
+    if (!status) {
         return -1.0;
+    }
     const double size = inUnit(status->st_size, unit);
     logDebug(QStringLiteral("current file size   : %lld units"), {static_cast<qint64>(status->st_size)});
     logDebug(QStringLiteral("current file size   : %.2f %@"), {size, unit});
@@ -114,8 +122,9 @@ double poidsFolderMo(const QString& path)
 int espaceDiskDispo(const QString& path)
 {
     logLine(QStringLiteral("free disk space file: %@"), {path});
-    if (path.isNull())
+    if (path.isNull()) {
         return 0;
+    }
     int megabytes = replacedFreeSpace;
     if (megabytes < 0) {
         struct statvfs volume {

@@ -44,8 +44,9 @@ const StringsTable& tableAt(const QString& path)
         const FileDescriptor file = openFile(systemPath(path), O_RDONLY);
         const std::optional<QByteArray> bytes = file.isOpen() ? readAllFrom(file, largestTable) : std::nullopt;
         const QString text = bytes ? decodedText(*bytes) : QString();
-        if (file.isOpen() && text.isNull())
+        if (file.isOpen() && text.isNull()) {
             logLine(QStringLiteral("strings table       :-( unreadable: %@"), {path});
+        }
         known = tables.insert(path, parseStringsTable(text));
     }
     return *known;
@@ -55,26 +56,30 @@ const StringsTable& tableAt(const QString& path)
 QString textIn(const QString& folder, const QString& language, const QString& table, const QString& key)
 {
     QStringList names{table};
-    if (table == QLatin1String("Localized"))
+    if (table == QLatin1String("Localized")) {
         names.append(QStringLiteral("Localizable"));
+    }
     for (const QString& name : names) {
         const StringsTable& texts =
             tableAt(folder + u'/' + language + QStringLiteral(".lproj/") + name + QStringLiteral(".strings"));
         const auto found = texts.constFind(key);
-        if (found != texts.cend())
+        if (found != texts.cend()) {
             return *found;
+        }
     }
     return {};
 }
 
 QString lookUp(const QString& folder, const QString& key, const QString& table)
 {
-    if (key.isEmpty())
+    if (key.isEmpty()) {
         return QStringLiteral("");
+    }
     const QString name = table.isEmpty() ? QStringLiteral("Localizable") : table;
     QString text = textIn(folder, currentLanguage(), name, key);
-    if (text.isNull())
+    if (text.isNull()) {
         text = textIn(folder, QStringLiteral("en"), name, key);
+    }
     return text.isNull() ? key : text;
 }
 
@@ -85,8 +90,9 @@ QString unescaped(const QString& quoted)
         QChar character = quoted.at(index);
         if (character == u'\\' && index + 1 < quoted.size()) {
             character = quoted.at(++index);
-            if (character == u'n')
+            if (character == u'n') {
                 character = u'\n';
+            }
         }
         text.append(character);
     }
@@ -100,8 +106,9 @@ QString withoutComment(const QString& line, bool* inside)
     while (*inside || rest.startsWith(QLatin1String("/*"))) {
         const qsizetype end = rest.indexOf(QLatin1String("*/"), *inside ? 0 : 2);
         *inside = end < 0;
-        if (end < 0)
+        if (end < 0) {
             return {};
+        }
         rest = rest.mid(end + 2).trimmed();
     }
     return rest;
@@ -117,8 +124,9 @@ QString localizedString(const QString& key, const QString& table)
 QStringList availableLanguages()
 {
     QStringList languages = QDir(resourcePath()).entryList({QStringLiteral("*.lproj")}, QDir::Dirs, QDir::Name);
-    for (QString& language : languages)
+    for (QString& language : languages) {
         language.chop(6);
+    }
     return languages;
 }
 
@@ -126,10 +134,13 @@ QString languageFor(const QStringList& wanted, const QStringList& available)
 {
     for (QString language : wanted) {
         language.replace(u'_', u'-');
-        for (const QString& candidate : {language, language.section(u'-', 0, 0)})
-            for (const QString& known : available)
-                if (candidate.compare(known, Qt::CaseInsensitive) == 0)
+        for (const QString& candidate : {language, language.section(u'-', 0, 0)}) {
+            for (const QString& known : available) {
+                if (candidate.compare(known, Qt::CaseInsensitive) == 0) {
                     return known;
+                }
+            }
+        }
     }
     return QStringLiteral("en");
 }
@@ -137,8 +148,9 @@ QString languageFor(const QStringList& wanted, const QStringList& available)
 QString currentLanguage()
 {
     LocaliserState& current = state();
-    if (!current.chosenLanguage.isEmpty())
+    if (!current.chosenLanguage.isEmpty()) {
         return current.chosenLanguage;
+    }
     const QString folder = resourcePath();
     if (current.systemLanguage.isEmpty() || current.systemLanguageFolder != folder) {
         current.systemLanguageFolder = folder;
@@ -164,8 +176,9 @@ QMap<QString, QString> parseStringsTable(const QString& text)
     const QStringList lines = text.split(u'\n');
     for (const QString& line : lines) {
         const QRegularExpressionMatch match = entry.match(withoutComment(line, &inside));
-        if (match.hasMatch())
+        if (match.hasMatch()) {
             table.insert(unescaped(match.captured(1)), unescaped(match.captured(2)));
+        }
     }
     return table;
 }
@@ -182,8 +195,9 @@ void FVAutoLocalizeSetName(const QString& table)
 
 QString localizedMarkedText(const QString& text)
 {
-    if (!text.startsWith(QLatin1String("@@")))
+    if (!text.startsWith(QLatin1String("@@"))) {
         return text;
+    }
     const QString folder = state().treeFolder.isEmpty() ? resourcePath() : state().treeFolder;
     return lookUp(folder, text.mid(2), state().treeTable);
 }

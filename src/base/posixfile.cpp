@@ -32,16 +32,18 @@ bool FileDescriptor::close()
 
 QByteArray systemPath(const QString& path)
 {
-    if (path.isNull() || path.contains(QChar(0)))
+    if (path.isNull() || path.contains(QChar(0))) {
         return {};
+    }
     return nativePath(stringByExpandingTildeInPath(path));
 }
 
 QByteArray systemItemPath(const QString& path)
 {
     QByteArray bytes = systemPath(path);
-    while (bytes.size() > 1 && bytes.endsWith('/'))
+    while (bytes.size() > 1 && bytes.endsWith('/')) {
         bytes.chop(1);
+    }
     return bytes;
 }
 
@@ -53,9 +55,9 @@ FileDescriptor openFile(const QByteArray& path, int flags, mode_t mode)
 FileDescriptor openFileAt(int folder, const QByteArray& name, int flags, mode_t mode)
 {
     int descriptor = -1;
-    do
+    do {
         descriptor = ::openat(folder, name.constData(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode);
-    while (descriptor < 0 && errno == EINTR);
+    } while (descriptor < 0 && errno == EINTR);
     return FileDescriptor(descriptor);
 }
 
@@ -63,8 +65,9 @@ std::optional<struct stat> followedStatus(const QByteArray& path)
 {
     struct stat status {
     };
-    if (path.isEmpty() || ::stat(path.constData(), &status) != 0)
+    if (path.isEmpty() || ::stat(path.constData(), &status) != 0) {
         return std::nullopt;
+    }
     return status;
 }
 
@@ -72,8 +75,9 @@ std::optional<struct stat> linkStatus(const QByteArray& path)
 {
     struct stat status {
     };
-    if (path.isEmpty() || ::lstat(path.constData(), &status) != 0)
+    if (path.isEmpty() || ::lstat(path.constData(), &status) != 0) {
         return std::nullopt;
+    }
     return status;
 }
 
@@ -91,10 +95,12 @@ std::optional<QByteArray> readAllFrom(const FileDescriptor& file, qint64 limit)
         bytes.resize(used + chunk);
         const ssize_t got = ::read(file.get(), bytes.data() + used, static_cast<std::size_t>(chunk));
         bytes.resize(used + (got > 0 ? static_cast<qsizetype>(got) : 0));
-        if (got == 0)
+        if (got == 0) {
             return bytes;
-        if (got < 0 && errno != EINTR)
+        }
+        if (got < 0 && errno != EINTR) {
             return std::nullopt;
+        }
         if (bytes.size() > limit) {
             errno = EFBIG;
             return std::nullopt;
@@ -108,18 +114,21 @@ bool writeAllTo(const FileDescriptor& file, const QByteArray& bytes)
     while (written < bytes.size()) {
         const ssize_t count =
             ::write(file.get(), bytes.constData() + written, static_cast<std::size_t>(bytes.size() - written));
-        if (count < 0 && errno != EINTR)
+        if (count < 0 && errno != EINTR) {
             return false;
-        if (count > 0)
+        }
+        if (count > 0) {
             written += static_cast<qsizetype>(count);
+        }
     }
     return true;
 }
 
 QByteArray resolvedPath(const QByteArray& path)
 {
-    if (path.isEmpty())
+    if (path.isEmpty()) {
         return {};
+    }
     const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.constData(), nullptr), &std::free);
     return resolved ? QByteArray(resolved.get()) : QByteArray();
 }

@@ -37,8 +37,9 @@ public:
 
     QVariantMap& values()
     {
-        if (!loaded_)
+        if (!loaded_) {
             load();
+        }
         return values_;
     }
 
@@ -60,8 +61,9 @@ public:
         dirty_ = false;
         setAside_ = false;
         saveFailed_ = false;
-        if (timer_)
+        if (timer_) {
             timer_->stop();
+        }
     }
 
 private:
@@ -84,8 +86,9 @@ void PreferenceStore::load()
     loaded_ = true;
     path_ = preferencesPath();
     const QByteArray bytes = systemPath(path_);
-    if (!linkStatus(bytes))
+    if (!linkStatus(bytes)) {
         return;
+    }
     const FileDescriptor file = openFile(bytes, O_RDONLY);
     const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestFile) : std::nullopt;
     const std::optional<QVariant> list = contents ? propertyListFromBytes(*contents) : std::nullopt;
@@ -100,8 +103,9 @@ void PreferenceStore::load()
 
 bool PreferenceStore::putDamagedFileAside()
 {
-    if (!setAside_)
+    if (!setAside_) {
         return true;
+    }
     const QByteArray bytes = systemPath(path_);
     if (linkStatus(bytes) && ::rename(bytes.constData(), (bytes + ".damaged").constData()) != 0) {
         logLine(QStringLiteral("preferences         :-( %@ : %@"), {path_, systemErrorText()});
@@ -114,34 +118,39 @@ bool PreferenceStore::putDamagedFileAside()
 void PreferenceStore::scheduleSave()
 {
     QCoreApplication* application = QCoreApplication::instance();
-    if (!application)
+    if (!application) {
         return;
+    }
     if (!timer_) {
         timer_ = new QTimer(application);
         timer_->setSingleShot(true);
         QObject::connect(timer_, &QTimer::timeout, timer_, [] { prefSynchronize(); });
     }
     // Not restarted by later changes: a steady stream of them must not put the saving off.
-    if (!timer_->isActive())
+    if (!timer_->isActive()) {
         timer_->start(saveDelayMilliseconds);
+    }
 }
 
 bool PreferenceStore::save()
 {
-    if (dirty_)
+    if (dirty_) {
         saveFailed_ = !writeFile();
+    }
     dirty_ = saveFailed_;
     return !saveFailed_;
 }
 
 bool PreferenceStore::writeFile()
 {
-    if (!putDamagedFileAside())
+    if (!putDamagedFileAside()) {
         return false;
+    }
     QString reason;
     const std::optional<QByteArray> xml = propertyListToXml(values_, &reason);
-    if (xml && mkdirCocoa(stringByDeletingLastPathComponent(path_)) && replaceFileAtomically(path_, *xml, &reason))
+    if (xml && mkdirCocoa(stringByDeletingLastPathComponent(path_)) && replaceFileAtomically(path_, *xml, &reason)) {
         return true;
+    }
     logLine(QStringLiteral("preferences         :-( %@ : %@"), {path_, reason});
     return false;
 }
@@ -156,8 +165,9 @@ QVariantMap* storedDictionary(const QString& key)
 {
     QVariantMap& values = allValues();
     const auto entry = values.find(key);
-    if (entry == values.end() || entry->typeId() != QMetaType::QVariantMap)
+    if (entry == values.end() || entry->typeId() != QMetaType::QVariantMap) {
         return nullptr;
+    }
     return static_cast<QVariantMap*>(entry->data());
 }
 
@@ -172,8 +182,9 @@ QString prefRead(const QString& key)
 
 bool prefWrite(const QString& key, const QVariant& value)
 {
-    if (key.isNull() || !hasPropertyListForm(value))
+    if (key.isNull() || !hasPropertyListForm(value)) {
         return false;
+    }
     allValues().insert(key, value);
     PreferenceStore::instance().changed();
     return true;
@@ -181,10 +192,12 @@ bool prefWrite(const QString& key, const QVariant& value)
 
 bool prefDelete(const QString& key)
 {
-    if (!key.isNull() && allValues().remove(key) > 0)
+    if (!key.isNull() && allValues().remove(key) > 0) {
         PreferenceStore::instance().changed();
-    if (PreferenceStore::instance().hasUnappliedChanges())
+    }
+    if (PreferenceStore::instance().hasUnappliedChanges()) {
         logLine(QStringLiteral("hasUnappliedChanges :-("));
+    }
     return true;
 }
 
@@ -202,8 +215,9 @@ bool prefWriteDico(const QString& key, const std::optional<QVariantMap>& diction
 QString prefReadChildDico(const QString& key, const QString& childKey)
 {
     const QVariantMap* dictionary = key.isNull() || childKey.isNull() ? nullptr : storedDictionary(key);
-    if (!dictionary)
+    if (!dictionary) {
         return QStringLiteral("");
+    }
     const QVariant child = dictionary->value(childKey);
     const bool missing = !child.isValid() || (child.typeId() == QMetaType::QString && child.toString().isNull());
     return missing ? QStringLiteral("") : textOf(child);
@@ -211,12 +225,14 @@ QString prefReadChildDico(const QString& key, const QString& childKey)
 
 bool prefWriteChildDico(const QString& key, const QString& childKey, const QVariant& value)
 {
-    if (key.isNull() || childKey.isNull() || !hasPropertyListForm(value))
+    if (key.isNull() || childKey.isNull() || !hasPropertyListForm(value)) {
         return false;
-    if (QVariantMap* dictionary = storedDictionary(key))
+    }
+    if (QVariantMap* dictionary = storedDictionary(key)) {
         dictionary->insert(childKey, value);
-    else
+    } else {
         allValues().insert(key, QVariantMap{{childKey, value}});
+    }
     PreferenceStore::instance().changed();
     return true;
 }
@@ -224,8 +240,9 @@ bool prefWriteChildDico(const QString& key, const QString& childKey, const QVari
 bool prefDeleteChildDico(const QString& key, const QString& childKey)
 {
     QVariantMap* dictionary = key.isNull() || childKey.isNull() ? nullptr : storedDictionary(key);
-    if (dictionary && dictionary->remove(childKey) > 0)
+    if (dictionary && dictionary->remove(childKey) > 0) {
         PreferenceStore::instance().changed();
+    }
     return true;
 }
 

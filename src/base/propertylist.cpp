@@ -37,8 +37,9 @@ std::optional<QVariant> listOf(plist_t node)
         plist_t item = nullptr;
         plist_array_next_item(node, raw, &item);
         const std::optional<QVariant> value = valueOf(item);
-        if (!value)
+        if (!value) {
             return std::nullopt;
+        }
         list.append(*value);
     }
     return list;
@@ -55,12 +56,14 @@ std::optional<QVariant> dictionaryOf(plist_t node)
         plist_t item = nullptr;
         plist_dict_next_item(node, raw, &keyBytes, &item);
         const Text key(keyBytes, &std::free);
-        if (!key && !item)
+        if (!key && !item) {
             return map;
+        }
         const QString name = key ? decodedUtf8(QByteArray(key.get())) : QString();
         const std::optional<QVariant> value = valueOf(item);
-        if (name.isNull() || !value)
+        if (name.isNull() || !value) {
             return std::nullopt;
+        }
         map.insert(name, *value);
     }
 }
@@ -148,8 +151,9 @@ Node failed(QString* error, const QString& reason)
 
 Node textNode(const QString& text, QString* error)
 {
-    if (text.isNull() || text.contains(QChar(0)))
+    if (text.isNull() || text.contains(QChar(0))) {
         return failed(error, QStringLiteral("text without a property-list form"));
+    }
     return {plist_new_string(text.toUtf8().constData()), &plist_free};
 }
 
@@ -158,8 +162,9 @@ Node listNode(const QVariantList& list, QString* error)
     Node array(plist_new_array(), &plist_free);
     for (const QVariant& value : list) {
         Node item = nodeOf(value, error);
-        if (!item)
+        if (!item) {
             return item;
+        }
         plist_array_append_item(array.get(), item.release());
     }
     return array;
@@ -170,13 +175,16 @@ Node dictionaryNode(const QVariantMap& map, QString* error)
 {
     Node dictionary(plist_new_dict(), &plist_free);
     for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
-        if (isNothing(entry.value()))
+        if (isNothing(entry.value())) {
             continue;
-        if (entry.key().contains(QChar(0)))
+        }
+        if (entry.key().contains(QChar(0))) {
             return failed(error, QStringLiteral("key without a property-list form"));
+        }
         Node item = nodeOf(entry.value(), error);
-        if (!item)
+        if (!item) {
             return item;
+        }
         plist_dict_set_item(dictionary.get(), entry.key().toUtf8().constData(), item.release());
     }
     return dictionary;
@@ -186,15 +194,17 @@ Node dateNode(const QDateTime& date, QString* error)
 {
     const qint64 seconds = date.toSecsSinceEpoch() - epoch2001;
     if (!date.isValid() || seconds < std::numeric_limits<int32_t>::min() ||
-        seconds > std::numeric_limits<int32_t>::max())
+        seconds > std::numeric_limits<int32_t>::max()) {
         return failed(error, QStringLiteral("date without a property-list form"));
+    }
     return {plist_new_date(static_cast<int32_t>(seconds), 0), &plist_free};
 }
 
 Node realNode(double number, QString* error)
 {
-    if (!std::isfinite(number))
+    if (!std::isfinite(number)) {
         return failed(error, QStringLiteral("number without a property-list form"));
+    }
     return {plist_new_real(number), &plist_free};
 }
 
@@ -239,8 +249,9 @@ Node nodeOf(const QVariant& value, QString* error)
 
 std::optional<QVariant> propertyListFromBytes(const QByteArray& bytes)
 {
-    if (bytes.isEmpty() || bytes.size() > std::numeric_limits<int32_t>::max())
+    if (bytes.isEmpty() || bytes.size() > std::numeric_limits<int32_t>::max()) {
         return std::nullopt;
+    }
     plist_t raw = nullptr;
     plist_from_memory(bytes.constData(), static_cast<uint32_t>(bytes.size()), &raw);
     const Node root(raw, &plist_free);
@@ -253,11 +264,13 @@ std::optional<QByteArray> propertyListToXml(const QVariant& value, QString* erro
     const Node root = nodeOf(value, &reason);
     char* xml = nullptr;
     uint32_t length = 0;
-    if (root)
+    if (root) {
         plist_to_xml(root.get(), &xml, &length);
+    }
     if (!xml) {
-        if (error)
+        if (error) {
             *error = reason.isEmpty() ? QStringLiteral("the property list could not be made") : reason;
+        }
         return std::nullopt;
     }
     QByteArray bytes(xml, static_cast<qsizetype>(length));

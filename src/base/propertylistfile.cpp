@@ -26,8 +26,9 @@ bool createNewPlist(const QString& path, const QVariant& value)
 {
     QString reason;
     const std::optional<QByteArray> xml = propertyListToXml(value, &reason);
-    if (xml && replaceFileAtomically(path, *xml, &reason))
+    if (xml && replaceFileAtomically(path, *xml, &reason)) {
         return true;
+    }
     logLine(QStringLiteral("%@"), {reason});
     return false;
 }
@@ -38,12 +39,14 @@ std::optional<QVariantMap> readPlist(const QString& path)
     const FileDescriptor file = bytes.isEmpty() ? FileDescriptor() : openFile(bytes, O_RDONLY);
     const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestList) : std::nullopt;
     const std::optional<QVariant> list = contents ? propertyListFromBytes(*contents) : std::nullopt;
-    if (!list || list->typeId() != QMetaType::QVariantMap)
+    if (!list || list->typeId() != QMetaType::QVariantMap) {
         return std::nullopt;
+    }
     QVariantMap dictionary = list->toMap();
     const auto birthdate = dictionary.find(QStringLiteral("Birthdate"));
-    if (birthdate != dictionary.end() && isNumber(*birthdate))
+    if (birthdate != dictionary.end() && isNumber(*birthdate)) {
         *birthdate = 1564.0;
+    }
     return dictionary;
 }
 

@@ -7,8 +7,9 @@ QString shellDoubleQuoted(const QString& value)
 {
     QString escaped = value;
     // The backslash first: the others bring their own.
-    for (const QChar special : {u'\\', u'"', u'$', u'`'})
+    for (const QChar special : {u'\\', u'"', u'$', u'`'}) {
         escaped.replace(special, QStringLiteral("\\") + special);
+    }
     return escaped;
 }
 

@@ -47,8 +47,9 @@ bool holdsOnlyCodePoints(const QByteArray& body, const Mark& mark)
     for (qsizetype index = 0; mark.unit == 4 && index < body.size(); index += 4) {
         const char* unit = body.constData() + index;
         const quint32 code = littleEndian ? qFromLittleEndian<quint32>(unit) : qFromBigEndian<quint32>(unit);
-        if (code > QChar::LastValidCodePoint)
+        if (code > QChar::LastValidCodePoint) {
             return false;
+        }
     }
     return true;
 }
@@ -56,8 +57,9 @@ bool holdsOnlyCodePoints(const QByteArray& body, const Mark& mark)
 QString decodedBehindMark(const QByteArray& bytes, const Mark& mark)
 {
     const QByteArray body = bytes.mid(mark.bytes.size());
-    if (body.size() % mark.unit != 0 || !holdsOnlyCodePoints(body, mark))
+    if (body.size() % mark.unit != 0 || !holdsOnlyCodePoints(body, mark)) {
         return {};
+    }
     QStringDecoder decoder(mark.form, QStringConverter::Flag::Stateless);
     const QString text = decoder.decode(body);
     return decoder.hasError() || !text.isValidUtf16() ? QString() : notNothing(text);
@@ -71,8 +73,9 @@ QString decodedWindows1252(const QByteArray& bytes)
         const auto code = static_cast<unsigned char>(byte);
         const bool upper = code >= 0x80 && code < 0xA0;
         const char16_t character = upper ? windows1252Upper.at(code - 0x80U) : static_cast<char16_t>(code);
-        if (upper && character == 0)
+        if (upper && character == 0) {
             return {};
+        }
         text.append(QChar(character));
     }
     return notNothing(text);
@@ -138,10 +141,12 @@ QString iconvName(StringEncoding encoding)
                                              {0x94000100U, QLatin1String("UTF-16LE")},
                                              {0x98000100U, QLatin1String("UTF-32BE")},
                                              {0x9C000100U, QLatin1String("UTF-32LE")}}};
-    if (encoding == 6 || encoding == 7 || encoding == 0x10000U)
+    if (encoding == 6 || encoding == 7 || encoding == 0x10000U) {
         logLine(QStringLiteral("ch'sais même pô à quoi ça correspond :-( %u"), {encoding});
-    if (encoding == 8)
+    }
+    if (encoding == 8) {
         logLine(QStringLiteral("Pô sûr de à quoi ça correspond :-/ %u"), {encoding});
+    }
     const auto found =
         std::find_if(names.begin(), names.end(), [encoding](const Name& name) { return name.number == encoding; });
     return found == names.end() ? QStringLiteral("CP1252") : QString(found->name);

@@ -48,12 +48,14 @@ TextRead readDetecting(const QString& path)
     const QByteArray bytes = systemPath(path);
     const FileDescriptor file = openFile(bytes, O_RDONLY);
     const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestText) : std::nullopt;
-    if (!contents)
+    if (!contents) {
         return {QString(), 0, systemErrorText()};
+    }
     TextRead read;
     read.text = decodedText(*contents, &read.encoding);
-    if (read.text.isNull())
+    if (read.text.isNull()) {
         read.error = systemErrorText(EILSEQ);
+    }
     return read;
 }
 
@@ -78,8 +80,9 @@ void copyByShell(const QString& path, const QString& copy)
     shell.setProcessChannelMode(QProcess::ForwardedChannels);
     shell.setStandardInputFile(QProcess::nullDevice());
     shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command});
-    if (!shell.waitForFinished(-1))
+    if (!shell.waitForFinished(-1)) {
         logLine(QStringLiteral("/bin/sh             :-( %@"), {shell.errorString()});
+    }
 }
 
 void logWriteError(const QString& path, const QString& reason)
@@ -91,24 +94,28 @@ void logWriteError(const QString& path, const QString& reason)
 
 QString readContentsTxtUTF8(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return {};
+    }
     const QString source = stringByExpandingTildeInPath(path);
     const TextRead read = readDetecting(source);
     logLine(QStringLiteral("encoding : %d"), {static_cast<int>(read.encoding)});
-    if (!read.text.isNull())
+    if (!read.text.isNull()) {
         return read.text;
+    }
     logLine(QStringLiteral("Error reading file at path %@\n%@"), {path, read.error});
     const QString copy = source + QStringLiteral(".txt");
-    if (source.isEmpty() || source.contains(QChar(0)) || !canBeCopiedByShell(source, copy))
+    if (source.isEmpty() || source.contains(QChar(0)) || !canBeCopiedByShell(source, copy)) {
         return {};
+    }
     copyByShell(source, copy);
     const FileDescriptor file = openFile(systemPath(copy), O_RDONLY | O_NOFOLLOW);
     const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestText) : std::nullopt;
     QString text = contents ? decodedAscii(*contents) : QString();
     // The flag is not the one that allows replacing, so the copy stays beside the file.
-    if (!text.isNull() && linkStatus(systemPath(source)))
+    if (!text.isNull() && linkStatus(systemPath(source))) {
         mvCocoa(copy, source, QStringLiteral("-y"));
+    }
     logDebug(QStringLiteral("str : %@"), {text});
     return text;
 }
@@ -117,51 +124,62 @@ QString readContentsTxtC(const QString& path, int characterLimit)
 {
     const QByteArray bytes = systemPath(path);
     const FileDescriptor file = bytes.isEmpty() ? FileDescriptor() : openFile(bytes, O_RDONLY);
-    if (!file.isOpen())
+    if (!file.isOpen()) {
         return {};
+    }
     const double size = poidsFile(path, QStringLiteral("o"));
     logLine(QStringLiteral("poidsFile(srcPathStr, o) : %f"), {size});
-    if (size < 0.1)
+    if (size < 0.1) {
         return {};
+    }
     const int count = std::min(truncatedInt(size), characterLimit);
     logLine(QStringLiteral("charInt = %d"), {count});
-    if (count < 1)
+    if (count < 1) {
         return {};
+    }
     QByteArray line;
     while (line.size() < count - 1 && !line.contains('\n')) {
         QByteArray chunk(std::min<qsizetype>(4096, count - 1 - line.size()), Qt::Uninitialized);
         const ssize_t got = ::read(file.get(), chunk.data(), static_cast<std::size_t>(chunk.size()));
-        if (got < 0 && errno == EINTR)
+        if (got < 0 && errno == EINTR) {
             continue;
-        if (got < 0)
+        }
+        if (got < 0) {
             return {};
-        if (got == 0)
+        }
+        if (got == 0) {
             break;
+        }
         line.append(chunk.constData(), static_cast<qsizetype>(got));
     }
-    if (const qsizetype feed = line.indexOf('\n'); feed >= 0)
+    if (const qsizetype feed = line.indexOf('\n'); feed >= 0) {
         line.truncate(feed + 1);
+    }
     // A line of the C library ends at the first NUL.
-    if (const qsizetype end = line.indexOf('\0'); end >= 0)
+    if (const qsizetype end = line.indexOf('\0'); end >= 0) {
         line.truncate(end);
+    }
     return decodedAscii(line);
 }
 
 bool writeUtf8Bom(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
+    }
     FileDescriptor file = openFile(systemPath(path), O_WRONLY | O_NOFOLLOW);
-    if (!file.isOpen() || !writeAllTo(file, utf8Mark()) || !file.close())
+    if (!file.isOpen() || !writeAllTo(file, utf8Mark()) || !file.close()) {
         logWriteError(path, systemErrorText());
+    }
     logLine(QStringLiteral("Fixed BOM           :-) %@"), {path});
     return true;
 }
 
 bool writeTextFileUtf8Bom(const QString& path, const QString& text)
 {
-    if (path.isEmpty() || text.isEmpty())
+    if (path.isEmpty() || text.isEmpty()) {
         return false;
+    }
     const QString expanded = stringByExpandingTildeInPath(path);
     const QByteArray bytes = systemPath(expanded);
     if (!testPresenceC(expanded)) {
@@ -169,8 +187,9 @@ bool writeTextFileUtf8Bom(const QString& path, const QString& text)
             std::fputs("Impossible to create destination file !\n", stderr);
             return false;
         }
-        if (getDEBUGDEV() != 0)
+        if (getDEBUGDEV() != 0) {
             displayAlert(expanded, QStringLiteral("created"), 0, nullptr);
+        }
         writeUtf8Bom(expanded);
     }
     FileDescriptor file = openFile(bytes, O_RDWR | O_APPEND | O_NOFOLLOW);
@@ -184,8 +203,9 @@ bool writeTextFileUtf8Bom(const QString& path, const QString& text)
 
 bool ecritureFichier(const QString& path, const QString& text, int flag)
 {
-    if (path.isNull() || text.isNull())
+    if (path.isNull() || text.isNull()) {
         return false;
+    }
     logLine(QStringLiteral("%d"), {flag});
     const QString expanded = stringByExpandingTildeInPath(path);
     QString normalised = text;
@@ -204,8 +224,9 @@ bool ecritureFichier(const QString& path, const QString& text, int flag)
 
 QString encodingCharsetIdentify2iconv(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return {};
+    }
     const TextRead read = readDetecting(path);
     logLine(QStringLiteral("encoding             : %u"), {read.encoding});
     if (read.text.isNull()) {
@@ -222,14 +243,17 @@ namespace
 QString stringsFilePath(const QString& stringsFile)
 {
     QString path = stringsFile;
-    if (pathExtension(path).isEmpty())
+    if (pathExtension(path).isEmpty()) {
         path += QStringLiteral(".strings");
-    if (testPresenceC(path))
+    }
+    if (testPresenceC(path)) {
         return path;
+    }
     const QString name = stringByDeletingPathExtension(path);
     QString resource = pathForResource(name, pathExtension(path));
-    if (!resource.isNull())
+    if (!resource.isNull()) {
         return resource;
+    }
     return pathForResource(currentLanguage() + QStringLiteral(".lproj/") + name, pathExtension(path));
 }
 
@@ -237,24 +261,29 @@ QString stringsFilePath(const QString& stringsFile)
 
 QString str2LocalisationTitle(const QString& text, const QString& stringsFile)
 {
-    if (text.isNull())
+    if (text.isNull()) {
         return QStringLiteral("");
-    if (stringsFile.isNull())
+    }
+    if (stringsFile.isNull()) {
         return text;
+    }
     const QString path = stringsFilePath(stringsFile);
-    if (path.isNull())
+    if (path.isNull()) {
         return text;
+    }
     const QStringList lines = linesToArray(readContentsTxtUTF8(path));
     const QString quote = QStringLiteral("\"");
     for (const QString& line : lines) {
         const QStringList byQuote = componentsSeparated(line, quote);
         const QStringList byEquals = componentsSeparated(line, QStringLiteral("="));
-        if (byQuote.size() < 2 || byEquals.size() < 2)
+        if (byQuote.size() < 2 || byEquals.size() < 2) {
             continue;
+        }
         // The piece behind the first equals sign, wherever that stands: a key that holds one never matches.
         const QStringList value = componentsSeparated(byEquals.at(1), quote);
-        if (value.size() >= 2 && value.at(1) == text)
+        if (value.size() >= 2 && value.at(1) == text) {
             return byQuote.at(1);
+        }
     }
     logLine(QStringLiteral("str2LocalisationTitl:-("));
     return text;

@@ -25,12 +25,15 @@ bool copyAll(const FileDescriptor& from, const FileDescriptor& to)
     QByteArray buffer(1 << 20, Qt::Uninitialized);
     for (;;) {
         const ssize_t got = ::read(from.get(), buffer.data(), static_cast<std::size_t>(buffer.size()));
-        if (got == 0)
+        if (got == 0) {
             return true;
-        if (got < 0 && errno != EINTR)
+        }
+        if (got < 0 && errno != EINTR) {
             return false;
-        if (got > 0 && !writeAllTo(to, QByteArray::fromRawData(buffer.constData(), static_cast<qsizetype>(got))))
+        }
+        if (got > 0 && !writeAllTo(to, QByteArray::fromRawData(buffer.constData(), static_cast<qsizetype>(got)))) {
             return false;
+        }
     }
 }
 
@@ -45,8 +48,9 @@ bool parentReachesDisk(const QByteArray& item)
 {
     const qsizetype slash = item.lastIndexOf('/');
     QByteArray parent(".");
-    if (slash >= 0)
+    if (slash >= 0) {
         parent = slash == 0 ? QByteArray("/") : item.left(slash);
+    }
     const FileDescriptor folder = openFile(parent, O_RDONLY | O_DIRECTORY);
     return folder.isOpen() && reachesDisk(folder);
 }
@@ -60,11 +64,13 @@ bool keepAttributes(const FileDescriptor& copy, const struct stat& original)
 bool copyRegularFile(const QByteArray& source, const QByteArray& destination, const struct stat& original, bool durable)
 {
     const FileDescriptor from = openFile(source, O_RDONLY | O_NOFOLLOW);
-    if (!from.isOpen())
+    if (!from.isOpen()) {
         return false;
+    }
     FileDescriptor to = openFile(destination, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-    if (!to.isOpen())
+    if (!to.isOpen()) {
         return false;
+    }
     const bool copied =
         copyAll(from, to) && keepAttributes(to, original) && (!durable || reachesDisk(to)) && to.close();
     if (!copied) {
@@ -87,13 +93,15 @@ QList<QByteArray> namesIn(const QByteArray& folder, bool* ok)
     QList<QByteArray> names;
     DIR* stream = ::opendir(folder.constData());
     *ok = stream != nullptr;
-    if (!stream)
+    if (!stream) {
         return names;
+    }
     errno = 0;
     while (const dirent* entry = ::readdir(stream)) {
         const QByteArray name(entry->d_name);
-        if (name != "." && name != "..")
+        if (name != "." && name != "..") {
             names.append(name);
+        }
     }
     *ok = errno == 0;
     ::closedir(stream);
@@ -111,13 +119,16 @@ bool copyFolder(const QByteArray& source, const QByteArray& destination, const s
         *reason = QFile::decodeName(source) + QStringLiteral(": ") + systemErrorText();
         return false;
     }
-    for (const QByteArray& name : names)
-        if (!copyItem(source + '/' + name, destination + '/' + name, durable, reason))
+    for (const QByteArray& name : names) {
+        if (!copyItem(source + '/' + name, destination + '/' + name, durable, reason)) {
             return false;
+        }
+    }
     // Only now: every entry made has changed the folder's date, and a read-only mode would have kept them out.
     const FileDescriptor folder = openFile(destination, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    if (folder.isOpen() && keepAttributes(folder, original) && (!durable || reachesDisk(folder)))
+    if (folder.isOpen() && keepAttributes(folder, original) && (!durable || reachesDisk(folder))) {
         return true;
+    }
     *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
     return false;
 }
@@ -125,17 +136,20 @@ bool copyFolder(const QByteArray& source, const QByteArray& destination, const s
 bool copyItem(const QByteArray& source, const QByteArray& destination, bool durable, QString* reason)
 {
     const std::optional<struct stat> status = linkStatus(source);
-    if (status && S_ISDIR(status->st_mode))
+    if (status && S_ISDIR(status->st_mode)) {
         return copyFolder(source, destination, *status, durable, reason);
+    }
     bool copied = false;
-    if (status && S_ISREG(status->st_mode))
+    if (status && S_ISREG(status->st_mode)) {
         copied = copyRegularFile(source, destination, *status, durable);
-    else if (status && S_ISLNK(status->st_mode))
+    } else if (status && S_ISLNK(status->st_mode)) {
         copied = copyLink(source, destination);
-    else if (status)
+    } else if (status) {
         errno = ENOTSUP;
-    if (!copied)
+    }
+    if (!copied) {
         *reason = QFile::decodeName(source) + QStringLiteral(": ") + systemErrorText();
+    }
     return copied;
 }
 
@@ -152,10 +166,12 @@ bool copyTree(const QByteArray& source, const QByteArray& destination, bool dura
         *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
         copied = false;
     }
-    if (copied)
+    if (copied) {
         return true;
-    if (linkStatus(destination) && !removeTree(destination))
+    }
+    if (linkStatus(destination) && !removeTree(destination)) {
         *reason += QStringLiteral("; ") + QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
+    }
     return false;
 }
 

@@ -18,12 +18,15 @@ bool isMountPointAt(int folder, const QByteArray& name)
 {
     struct statx status {
     };
-    if (::statx(folder, name.constData(), AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) != 0)
+    if (::statx(folder, name.constData(), AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) != 0) {
         return false;
-    if ((status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0)
+    }
+    if ((status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0) {
         return (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
-    if (!S_ISDIR(status.stx_mode))
+    }
+    if (!S_ISDIR(status.stx_mode)) {
         return false;
+    }
     // Kernels that do not tell: a folder on another device than its parent is a mounted volume.
     struct stat own {
     };
@@ -39,14 +42,16 @@ bool entryNames(const FileDescriptor& folder, QList<QByteArray>& names)
 {
     FileDescriptor copy(::fcntl(folder.get(), F_DUPFD_CLOEXEC, 0));
     DIR* stream = copy.isOpen() ? ::fdopendir(copy.get()) : nullptr;
-    if (!stream)
+    if (!stream) {
         return false;
+    }
     [[maybe_unused]] const int owned = copy.release();
     errno = 0;
     while (const dirent* entry = ::readdir(stream)) {
         const QByteArray name(entry->d_name);
-        if (name != "." && name != "..")
+        if (name != "." && name != "..") {
             names.append(name);
+        }
     }
     const int error = errno;
     ::closedir(stream);
@@ -58,22 +63,27 @@ bool removeAt(int parent, const QByteArray& name)
 {
     struct stat status {
     };
-    if (::fstatat(parent, name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+    if (::fstatat(parent, name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return errno == ENOENT;
-    if (!S_ISDIR(status.st_mode))
+    }
+    if (!S_ISDIR(status.st_mode)) {
         return ::unlinkat(parent, name.constData(), 0) == 0 || errno == ENOENT;
+    }
     if (isMountPointAt(parent, name)) {
         errno = EBUSY;
         return false;
     }
     const FileDescriptor folder = openFileAt(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
     QList<QByteArray> names;
-    if (!folder.isOpen() || !entryNames(folder, names))
+    if (!folder.isOpen() || !entryNames(folder, names)) {
         return false;
+    }
     int firstError = 0;
-    for (const QByteArray& entry : names)
-        if (!removeAt(folder.get(), entry) && firstError == 0)
+    for (const QByteArray& entry : names) {
+        if (!removeAt(folder.get(), entry) && firstError == 0) {
             firstError = errno;
+        }
+    }
     if (firstError != 0) {
         errno = firstError;
         return false;
@@ -91,8 +101,9 @@ bool isMountPoint(const QByteArray& path)
 bool removeTree(const QByteArray& path)
 {
     QByteArray item = path;
-    while (item.size() > 1 && item.endsWith('/'))
+    while (item.size() > 1 && item.endsWith('/')) {
         item.chop(1);
+    }
     if (item.isEmpty()) {
         errno = ENOENT;
         return false;

@@ -21,15 +21,17 @@ constexpr int lineOutOfMemory = 24;
 unsigned int digitValue(QChar character)
 {
     unsigned int code = character.unicode();
-    if (code >= 'a' && code <= 'z')
+    if (code >= 'a' && code <= 'z') {
         code -= 'a' - 'A';
+    }
     return code < 'A' ? code - '0' : code - 'A' + 10U;
 }
 
 unsigned int asOffset(qint64 position)
 {
-    if (position < 0)
+    if (position < 0) {
         return dataNotFound;
+    }
     if (position > static_cast<qint64>(std::numeric_limits<unsigned int>::max())) {
         logLine(QStringLiteral("data found at %lld   :-( too far for an offset"), {position});
         return dataNotFound;
@@ -46,12 +48,14 @@ qint64 positionInDevice(QIODevice& file, const QByteArray& pattern)
     qint64 windowStart = 0;
     for (;;) {
         const QByteArray piece = file.read(pieceSize);
-        if (piece.isEmpty())
+        if (piece.isEmpty()) {
             return -1;
+        }
         window += piece;
         const auto found = std::search(window.cbegin(), window.cend(), searcher);
-        if (found != window.cend())
+        if (found != window.cend()) {
             return windowStart + std::distance(window.cbegin(), found);
+        }
         const qsizetype kept = std::min(window.size(), pattern.size() - 1);
         windowStart += window.size() - kept;
         window = window.right(kept);
@@ -64,8 +68,9 @@ HexDataError::HexDataError(const char* message, int line) : std::logic_error(mes
 
 QByteArray toDataFromHexString(const QString& text)
 {
-    if (text.size() % 2 != 0)
+    if (text.size() % 2 != 0) {
         throw HexDataError("String length is odd !", lineOddLength);
+    }
     QByteArray bytes;
     try {
         bytes.resize(text.size() / 2);
@@ -86,14 +91,17 @@ unsigned int offsetOfData(const QByteArray& buffer, const QByteArray& pattern)
 
 unsigned int offsetOfData_NSFileHandle(QIODevice& file, const QByteArray& pattern)
 {
-    if (pattern.isEmpty() || file.isSequential())
+    if (pattern.isEmpty() || file.isSequential()) {
         return dataNotFound;
+    }
     const qint64 before = file.pos();
-    if (!file.seek(0))
+    if (!file.seek(0)) {
         return dataNotFound;
+    }
     const qint64 position = positionInDevice(file, pattern);
-    if (!file.seek(before))
+    if (!file.seek(before)) {
         logLine(QStringLiteral("file position       :-( %lld cannot be restored"), {before});
+    }
     return asOffset(position);
 }
 
@@ -101,8 +109,9 @@ unsigned int replaceDataWithData(QByteArray& buffer, const QByteArray& pattern, 
 {
     logLine(QStringLiteral("replaceData"));
     const unsigned int offset = offsetOfData(buffer, pattern);
-    if (offset != dataNotFound)
+    if (offset != dataNotFound) {
         buffer.replace(static_cast<qsizetype>(offset), pattern.size(), replacement);
+    }
     return offset;
 }
 
@@ -110,8 +119,9 @@ unsigned int replaceAllDataWithData(QByteArray& buffer, const QByteArray& patter
 {
     logLine(QStringLiteral("replaceAllData"));
     unsigned int count = 0;
-    while (replaceDataWithData(buffer, pattern, replacement) != dataNotFound)
+    while (replaceDataWithData(buffer, pattern, replacement) != dataNotFound) {
         ++count;
+    }
     return count;
 }
 

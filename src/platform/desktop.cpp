@@ -50,8 +50,9 @@ public:
 private:
     static bool start(const QString& program, const QString& argument)
     {
-        if (QProcess::startDetached(program, {argument}))
+        if (QProcess::startDetached(program, {argument})) {
             return true;
+        }
         logLine(QStringLiteral("open                :-( cannot start %@"), {program});
         return false;
     }
@@ -82,32 +83,38 @@ DesktopServices& desktopServices()
 
 bool revealInFinder(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
-    if (!desktopServices().reveal(stringByExpandingTildeInPath(path)))
+    }
+    if (!desktopServices().reveal(stringByExpandingTildeInPath(path))) {
         logLine(QStringLiteral("reveal              :-( %@"), {path});
+    }
     return true;
 }
 
 bool openWith(const QString& path, const QString& applicationName)
 {
-    if (path.isEmpty())
+    if (path.isEmpty()) {
         return true;
+    }
     const QString file = stringByExpandingTildeInPath(path);
     const bool opened = applicationName.isEmpty() ? desktopServices().openUrl(QUrl::fromLocalFile(file))
                                                   : desktopServices().openFileWith(file, applicationName);
-    if (!opened)
+    if (!opened) {
         logLine(QStringLiteral("openWith            :-( %@"), {path});
+    }
     return true;
 }
 
 void openFileFolder(const QString& path)
 {
-    if (path.isEmpty())
+    if (path.isEmpty()) {
         return;
+    }
     logLine(QStringLiteral("pathStr : %@"), {path});
-    if (!desktopServices().openUrl(QUrl::fromLocalFile(stringByExpandingTildeInPath(path))))
+    if (!desktopServices().openUrl(QUrl::fromLocalFile(stringByExpandingTildeInPath(path)))) {
         logLine(QStringLiteral("openFileFolder      :-( %@"), {path});
+    }
 }
 
 } // namespace tavrix

@@ -17,8 +17,9 @@ namespace
 QString asciiPage(const QString& address)
 {
     const std::optional<QByteArray> page = fetchPage(QUrl(address, QUrl::StrictMode));
-    if (!page)
+    if (!page) {
         return {};
+    }
     const bool ascii = std::all_of(page->cbegin(), page->cend(), [](char c) { return static_cast<uchar>(c) < 128; });
     return ascii ? QString(QLatin1String(page->isEmpty() ? "" : page->constData(), page->size())) : QString();
 }
@@ -33,21 +34,24 @@ QString loggedAddress(const QString& address)
 
 void openLocation(const QString& address)
 {
-    if (address.isNull())
+    if (address.isNull()) {
         return;
+    }
     const QUrl url(address, QUrl::StrictMode);
     if (!isWebAddress(url)) {
         logLine(QStringLiteral("openLocation        :-( not a web address: %@"), {loggedAddress(address)});
         return;
     }
-    if (!desktopServices().openUrl(url))
+    if (!desktopServices().openUrl(url)) {
         logLine(QStringLiteral("openLocation        :-( %@"), {loggedAddress(address)});
+    }
 }
 
 bool internetConnexionCheck(const QString& address)
 {
-    if (address.isNull())
+    if (address.isNull()) {
         return false;
+    }
     logDebug(QStringLiteral("internetConnexionChe- deb: %@"), {lastPathComponent(loggedAddress(address))});
     const QString page = asciiPage(address);
     logDebug(QStringLiteral("internetConnexionChe- fin: srcPageStr == %@"), {page});
@@ -56,13 +60,16 @@ bool internetConnexionCheck(const QString& address)
 
 QString webpageSource(const QString& address, unsigned char verbose)
 {
-    if (address.isNull())
+    if (address.isNull()) {
         return {};
-    if (verbose != 0)
+    }
+    if (verbose != 0) {
         logDebug(QStringLiteral("WebClass source_webpa- debut (%@)"), {loggedAddress(address)});
+    }
     const QString page = asciiPage(address);
-    if (verbose != 0)
+    if (verbose != 0) {
         logDebug(QStringLiteral("WebClass source_webpa- fin"));
+    }
     logDev(QStringLiteral("WebClass source_webpa- fin : %@"), {page});
     return page.isNull() ? QString(QLatin1String("")) : page;
 }

@@ -30,14 +30,17 @@ Fetched failedFetch(const QString& reason)
 
 Fetched fetchedAnswer(const QNetworkReply& reply, const QByteArray& page)
 {
-    if (reply.error() != QNetworkReply::NoError)
+    if (reply.error() != QNetworkReply::NoError) {
         return failedFetch(QStringLiteral("error %1").arg(static_cast<int>(reply.error())));
+    }
     const QUrl target = reply.attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
-    if (!target.isEmpty())
+    if (!target.isEmpty()) {
         return {std::nullopt, QString(), reply.url().resolved(target)};
+    }
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (status < 200 || status > 299)
+    if (status < 200 || status > 299) {
         return failedFetch(QStringLiteral("status %1").arg(status));
+    }
     return {page, QString(), {}};
 }
 
@@ -52,22 +55,26 @@ Fetched fetchOnce(QNetworkAccessManager& manager, const QUrl& url, const QDeadli
     QByteArray page;
     QString stopped;
     const auto stop = [&](const QString& reason) {
-        if (stopped.isNull())
+        if (stopped.isNull()) {
             stopped = reason;
+        }
         loop.quit();
     };
     const auto take = [&] {
         page += reply->readAll();
-        if (page.size() > bytes)
+        if (page.size() > bytes) {
             stop(QStringLiteral("too large"));
+        }
     };
     QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, take);
     QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
     QTimer::singleShot(deadline.remainingTime(), &loop, [&] { stop(QStringLiteral("timed out")); });
-    if (!reply->isFinished())
+    if (!reply->isFinished()) {
         loop.exec();
-    if (stopped.isNull() && reply->isOpen())
+    }
+    if (stopped.isNull() && reply->isOpen()) {
         take();
+    }
     return stopped.isNull() ? fetchedAnswer(*reply, page) : failedFetch(stopped);
 }
 
@@ -80,10 +87,12 @@ Fetched fetchHere(const QUrl& url, const FetchLimits& limits)
     QUrl next = url;
     for (int redirects = 0; redirects <= limits.redirects; ++redirects) {
         Fetched fetched = fetchOnce(manager, next, deadline, limits.bytes);
-        if (fetched.redirectedTo.isEmpty())
+        if (fetched.redirectedTo.isEmpty()) {
             return fetched;
-        if (!isWebAddress(fetched.redirectedTo))
+        }
+        if (!isWebAddress(fetched.redirectedTo)) {
             return failedFetch(QStringLiteral("redirected elsewhere"));
+        }
         next = fetched.redirectedTo;
     }
     return failedFetch(QStringLiteral("redirected too often"));
@@ -99,14 +108,16 @@ bool isWebAddress(const QUrl& url)
 
 std::optional<QByteArray> fetchPage(const QUrl& url, const FetchLimits& limits)
 {
-    if (!isWebAddress(url))
+    if (!isWebAddress(url)) {
         return std::nullopt;
+    }
     Fetched fetched;
     const std::unique_ptr<QThread> worker(QThread::create([&] { fetched = fetchHere(url, limits); }));
     worker->start();
     worker->wait();
-    if (!fetched.page)
+    if (!fetched.page) {
         logDebug(QStringLiteral("page                :-( %@: %@"), {url.host(), fetched.failure});
+    }
     return fetched.page;
 }
 

@@ -32,8 +32,9 @@ int nibble(int word, int position)
 
 bool isCanonicalNumber(const QString& text)
 {
-    if (formatText(QStringLiteral("%d"), {leadingInteger(text)}) == text)
+    if (formatText(QStringLiteral("%d"), {leadingInteger(text)}) == text) {
         return true;
+    }
     const auto number = static_cast<float>(floatPrefix(text));
     return formatText(QStringLiteral("%f"), {static_cast<double>(number)}) == text;
 }
@@ -62,8 +63,9 @@ bool quartzExtremeCard()
 {
     // The kernel offers a render node for every card that can accelerate drawing.
     const QDir cards(QStringLiteral("/dev/dri"));
-    if (!cards.entryList({QStringLiteral("renderD*")}, QDir::System).isEmpty())
+    if (!cards.entryList({QStringLiteral("renderD*")}, QDir::System).isEmpty()) {
         return true;
+    }
     logLine(QStringLiteral("Quartz Extreme      :-( not compatible video card"));
     logLine(QStringLiteral("INFORMATION         : if you have two graphic cards, the two cards must be Quartz Extreme "
                            "compatible."));
@@ -154,18 +156,22 @@ QVariant appleScript(const QString& /*source*/)
 
 QString ASTID(const QString& text, const QString& delimiter, int index)
 {
-    if (text.isNull())
+    if (text.isNull()) {
         return QLatin1String("");
-    if (delimiter.isNull() || isCanonicalNumber(text) || !containsText(text, delimiter))
+    }
+    if (delimiter.isNull() || isCanonicalNumber(text) || !containsText(text, delimiter)) {
         return text;
+    }
     const QStringList items = componentsSeparated(text, delimiter);
-    if (items.isEmpty())
+    if (items.isEmpty()) {
         return text;
+    }
     qsizetype position = index;
-    if (index == lastItem)
+    if (index == lastItem) {
         position = items.size() - 1;
-    else if (index == itemBeforeLast)
+    } else if (index == itemBeforeLast) {
         position = items.size() - 2;
+    }
     return position < 0 || position >= items.size() ? text : items[position];
 }
 

@@ -32,8 +32,9 @@ constexpr BackgroundRunRect defaultButtonRect = {266, 94, 38, 18};
 
 void logButtonRect(const BackgroundRunRect& rect)
 {
-    if (rect.width > 0 && rect.height > 0)
+    if (rect.width > 0 && rect.height > 0) {
         return;
+    }
     const BackgroundRunRect& used = defaultButtonRect;
     logLine(QStringLiteral("btRect : x=%.0f, y=%.0f, dim=%.0fx%.0f"), {used.x, used.y, used.width, used.height});
 }
@@ -58,19 +59,22 @@ void discardOutput(const UniqueFd& pipe)
 {
     QByteArray chunk;
     for (qint64 left = waitingBytes(pipe.get()); left > 0; left -= chunk.size()) {
-        if (readChunk(pipe.get(), chunk) != ReadState::Data)
+        if (readChunk(pipe.get(), chunk) != ReadState::Data) {
             return;
+        }
     }
 }
 
 void showProgress(const QString& progressPath, const BackgroundRunIndicator& indicator)
 {
     const double seconds = backgroundRunSeconds(readContentsTxtUTF8(progressPath));
-    if (seconds < 0)
+    if (seconds < 0) {
         return;
+    }
     logLine(QStringLiteral("1 cocoa = %f"), {seconds});
-    if (indicator.setValue)
+    if (indicator.setValue) {
         indicator.setValue(seconds);
+    }
 }
 
 void watchTool(int pid, const UniqueFd& pipe, const QString& progressPath, const BackgroundRunIndicator& indicator)
@@ -81,8 +85,9 @@ void watchTool(int pid, const UniqueFd& pipe, const QString& progressPath, const
         showProgress(progressPath, indicator);
         discardOutput(pipe);
         // A process that nobody has reaped yet is still listed, and a number may be given to a stranger.
-        if (!isListed(pid) || !isRunningAs(tool))
+        if (!isListed(pid) || !isRunningAs(tool)) {
             return;
+        }
         std::this_thread::sleep_until(begun + passInterval);
     }
     logLine(QStringLiteral("background run      :-( %d is not watched any longer"), {pid});
@@ -107,16 +112,18 @@ QString backgroundRunCommand(const QStringList& arguments)
 QString backgroundRunName(const QString& command)
 {
     QString firstWord = textBefore(command, QStringLiteral(" "));
-    if (testPresenceCocoa(firstWord))
+    if (testPresenceCocoa(firstWord)) {
         return firstWord;
+    }
     return textBefore(command, QStringLiteral("\" ")) + QLatin1Char('"');
 }
 
 int backgroundRunPid(const QString& psAnswer, int shellPid)
 {
     const QStringList lines = linesToArray(psAnswer);
-    if (lines.size() < 2)
+    if (lines.size() < 2) {
         return 0;
+    }
     const int pid = leadingInteger(lines.first());
     return pid > shellPid ? pid : 0;
 }
@@ -127,12 +134,14 @@ double backgroundRunSeconds(const QString& progressText)
     const QStringList lines = linesToArray(progressText);
     for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
         QString value = textAfter(*line, marker);
-        if (value.isNull())
+        if (value.isNull()) {
             continue;
+        }
         value.chop(3);
         value = textBefore(value, QStringLiteral(" "));
-        if (value.contains(QLatin1Char(':')))
+        if (value.contains(QLatin1Char(':'))) {
             return static_cast<double>(timecodeStr2Float(value));
+        }
         return static_cast<double>(str2Float(value));
     }
     return -1;
@@ -141,32 +150,40 @@ double backgroundRunSeconds(const QString& progressText)
 void taskcontrollerBasic(const QStringList& arguments, QObject* /*window*/, const BackgroundRunRect& buttonRect,
                          const QVariant& /*spare*/, const BackgroundRunIndicator& indicator, int durationSeconds)
 {
-    if (arguments.isEmpty())
+    if (arguments.isEmpty()) {
         return;
+    }
     const QString caches = cachesFolder();
     const QString progressPath = stringByAppendingPathComponent(caches, QStringLiteral("tmpProcess.txt"));
     const QString donePath = stringByAppendingPathComponent(caches, QStringLiteral("tmpProcessDone.txt"));
-    if (!mkdirCocoa(caches))
+    if (!mkdirCocoa(caches)) {
         return;
-    if (!removeOwnFile(progressPath, caches) || !removeOwnFile(donePath, caches))
+    }
+    if (!removeOwnFile(progressPath, caches) || !removeOwnFile(donePath, caches)) {
         logLine(QStringLiteral("background run      :-( %@ cannot be removed"), {progressPath});
+    }
 
     const QString command =
         backgroundRunCommand(arguments) + formatText(QStringLiteral(" 2>%@ & /bin/echo $!"), {shellWord(progressPath)});
     const std::optional<CapturedRun> shell = runShell(command);
-    if (!shell)
+    if (!shell) {
         return;
+    }
     const int pid = listedPid(backgroundRunName(command), shell->pid);
     logButtonRect(buttonRect);
-    if (indicator.setRange)
+    if (indicator.setRange) {
         indicator.setRange(0, durationSeconds);
-    if (indicator.setValue)
+    }
+    if (indicator.setValue) {
         indicator.setValue(0);
+    }
     watchTool(pid, shell->rest, progressPath, indicator);
-    if (indicator.setValue)
+    if (indicator.setValue) {
         indicator.setValue(durationSeconds);
-    if (!removeOwnFile(progressPath, caches))
+    }
+    if (!removeOwnFile(progressPath, caches)) {
         logLine(QStringLiteral("background run      :-( %@ cannot be removed"), {progressPath});
+    }
 }
 
 } // namespace tavrix

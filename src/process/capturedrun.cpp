@@ -17,8 +17,9 @@ void readRest(int fd, QByteArray& output)
 {
     QByteArray chunk;
     for (qint64 left = waitingBytes(fd); left > 0; left -= chunk.size()) {
-        if (readChunk(fd, chunk) != ReadState::Data)
+        if (readChunk(fd, chunk) != ReadState::Data) {
             return;
+        }
         output += chunk;
     }
 }
@@ -31,17 +32,20 @@ bool collect(ChildProcess& child, int fd, QByteArray& output)
     bool open = true;
     for (;;) {
         if (poll(watched, 2, -1) < 0) {
-            if (errno != EINTR)
+            if (errno != EINTR) {
                 return false;
+            }
             continue;
         }
         if (watched[1].revents != 0 && child.reapIfEnded()) {
-            if (open)
+            if (open) {
                 readRest(fd, output);
+            }
             return true;
         }
-        if (watched[0].revents == 0)
+        if (watched[0].revents == 0) {
             continue;
+        }
         const ReadState state = readChunk(fd, chunk);
         output += chunk;
         if (state == ReadState::End) {
@@ -62,16 +66,18 @@ std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo, const st
         return std::nullopt;
     }
     setup.output = pipe.writeEnd.get();
-    if (errorToo)
+    if (errorToo) {
         setup.error = pipe.writeEnd.get();
+    }
     QString failure;
     ChildProcess child = ChildProcess::start(setup, &failure);
     pipe.writeEnd.reset();
     CapturedRun run;
     if (child.exists()) {
         run.pid = child.pid();
-        if (started && failure.isNull())
+        if (started && failure.isNull()) {
             started(run.pid);
+        }
         if (!collect(child, pipe.readEnd.get(), run.output)) {
             failure = systemErrorText();
             std::vector<ChildProcess> unwatched;

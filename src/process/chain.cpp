@@ -24,14 +24,17 @@ void startOne(const ChainCommand& command, const Links& links, int input, bool l
     setup.arguments = command.arguments;
     setup.input = input;
     setup.output = links.toNext.writeEnd.get();
-    if (last)
+    if (last) {
         setup.error = links.error.writeEnd.get();
+    }
     QString failure;
     ChildProcess child = ChildProcess::start(setup, &failure);
-    if (!failure.isNull())
+    if (!failure.isNull()) {
         logLine(QStringLiteral("task not started    :-( %@ : %@"), {command.program, failure});
-    if (!child.exists())
+    }
+    if (!child.exists()) {
         return;
+    }
     chain.processes.push_back(std::move(child));
     chain.lastExists = last;
 }
@@ -46,15 +49,17 @@ int parsedChain(const QStringList& list, QList<ChainCommand>& commands)
             pieces.last().append(launchArgument(element));
             continue;
         }
-        if (pieces.last().isEmpty())
+        if (pieces.last().isEmpty()) {
             return codeNoCommand;
+        }
         pieces.append(QStringList());
     }
     commands.clear();
     for (const QStringList& piece : pieces) {
         const QString program = piece.isEmpty() ? QString() : resolvedProgram(piece.first());
-        if (program.isNull())
+        if (program.isNull()) {
             return codeNoProgram;
+        }
         commands.append({program, piece.mid(1)});
     }
     return 0;
@@ -68,8 +73,9 @@ Chain startChain(const QList<ChainCommand>& commands)
         const bool last = index + 1 == commands.size();
         Links links;
         links.toNext = makePipe(last ? PipeReader::Parent : PipeReader::Child);
-        if (last)
+        if (last) {
             links.error = makePipe(PipeReader::Parent);
+        }
         if (!links.toNext.isValid() || (last && !links.error.isValid())) {
             logLine(QStringLiteral("task not started    :-( no pipe for %@"), {commands[index].program});
             return chain;

@@ -47,19 +47,22 @@ bool prepare(const ChildSetup& setup, Prepared& prepared)
     prepared.program = setup.program.toUtf8();
     prepared.workingFolder = setup.workingFolder.toUtf8();
     prepared.texts.push_back(setup.name.isNull() ? prepared.program : setup.name.toUtf8());
-    for (const QString& argument : setup.arguments)
+    for (const QString& argument : setup.arguments) {
         prepared.texts.push_back(argument.toUtf8());
+    }
     for (QByteArray& text : prepared.texts) {
         // The system would cut the text there and run something else than what was asked for.
-        if (text.contains('\0'))
+        if (text.contains('\0')) {
             return false;
+        }
         prepared.arguments.push_back(text.data());
     }
     prepared.arguments.push_back(nullptr);
     constexpr char localeKey[] = "LC_CTYPE=";
     for (char** entry = environ; *entry != nullptr; ++entry) {
-        if (!setup.toolLocale || std::strncmp(*entry, localeKey, sizeof localeKey - 1) != 0)
+        if (!setup.toolLocale || std::strncmp(*entry, localeKey, sizeof localeKey - 1) != 0) {
             prepared.environment.push_back(*entry);
+        }
     }
     if (setup.toolLocale) {
         prepared.locale = QByteArray(localeKey) + "en_US.UTF-8";
@@ -79,8 +82,9 @@ bool prepare(const ChildSetup& setup, Prepared& prepared)
 
 void connectStream(const Prepared& prepared, int source, int target)
 {
-    if (source >= 0 && dup2(source, target) < 0)
+    if (source >= 0 && dup2(source, target) < 0) {
         failInChild(prepared);
+    }
 }
 
 // Runs in the child: only async-signal-safe calls.
@@ -89,29 +93,35 @@ void connectStream(const Prepared& prepared, int source, int target)
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have died before the line above took effect.
-    if (getppid() != prepared.parent)
+    if (getppid() != prepared.parent) {
         _exit(ChildProcess::statusNotStarted);
-    for (int number = 1; number < NSIG; ++number)
+    }
+    for (int number = 1; number < NSIG; ++number) {
         ::signal(number, SIG_DFL);
+    }
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
 
     const ChildSetup& setup = *prepared.setup;
     int input = setup.input;
-    if (input < 0)
+    if (input < 0) {
         input = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    if (input < 0)
+    }
+    if (input < 0) {
         failInChild(prepared);
-    if (input == STDIN_FILENO)
+    }
+    if (input == STDIN_FILENO) {
         fcntl(input, F_SETFD, 0);
+    }
     connectStream(prepared, input, STDIN_FILENO);
     connectStream(prepared, setup.output, STDOUT_FILENO);
     connectStream(prepared, setup.error, STDERR_FILENO);
     // Descriptors that some library opened without the close-on-exec flag must not stay open in a tool either.
     syscall(SYS_close_range, 3U, ~0U, CLOSE_RANGE_CLOEXEC);
-    if (!prepared.workingFolder.isEmpty() && chdir(prepared.workingFolder.constData()) != 0)
+    if (!prepared.workingFolder.isEmpty() && chdir(prepared.workingFolder.constData()) != 0) {
         failInChild(prepared);
+    }
     execve(prepared.program.constData(), prepared.arguments.data(), prepared.environment.data());
     failInChild(prepared);
 }
@@ -124,8 +134,9 @@ pid_t forkChild(Prepared& prepared)
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t pid = fork();
-    if (pid == 0)
+    if (pid == 0) {
         runChild(prepared);
+    }
     const int reason = errno;
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     errno = reason;
@@ -136,13 +147,15 @@ pid_t forkChild(Prepared& prepared)
 void keepExitStatuses()
 {
     struct sigaction action = {};
-    if (sigaction(SIGCHLD, nullptr, &action) != 0)
+    if (sigaction(SIGCHLD, nullptr, &action) != 0) {
         return;
+    }
     const bool ignored = (action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == SIG_IGN;
     if (ignored || (action.sa_flags & SA_NOCLDWAIT) != 0) {
         action.sa_flags &= ~SA_NOCLDWAIT;
-        if (ignored)
+        if (ignored) {
             action.sa_handler = SIG_DFL;
+        }
         sigaction(SIGCHLD, &action, nullptr);
     }
 }
@@ -172,8 +185,9 @@ void waitUntilEnded(const ChildProcess& child, const QDeadlineTimer& deadline)
 
 void reapLater(ChildProcess&& child)
 {
-    if (!QCoreApplication::instance())
+    if (!QCoreApplication::instance()) {
         return;
+    }
     const auto kept = std::make_shared<ChildProcess>(std::move(child));
     auto* notifier = new QSocketNotifier(kept->exitDescriptor(), QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, notifier, [notifier, kept] {
@@ -207,8 +221,9 @@ ChildProcess ChildProcess::start(const ChildSetup& setup, QString* failure)
         return child;
     }
     failurePipe.writeEnd.reset();
-    if (const int reason = readFailure(failurePipe.readEnd.get()); reason != 0)
+    if (const int reason = readFailure(failurePipe.readEnd.get()); reason != 0) {
         *failure = systemReason(reason);
+    }
     child.exit_ = openExitDescriptor(pid);
     if (!child.exit_.isValid()) {
         *failure = systemReason(errno);
@@ -222,45 +237,53 @@ ChildProcess ChildProcess::start(const ChildSetup& setup, QString* failure)
 
 void ChildProcess::signalGroup(int signal) const
 {
-    if (!exists() || reaped_)
+    if (!exists() || reaped_) {
         return;
-    if (kill(-pid_, signal) != 0 && errno != ESRCH)
+    }
+    if (kill(-pid_, signal) != 0 && errno != ESRCH) {
         logLine(QStringLiteral("signal %d to %d       :-( %@"), {signal, pid_, systemReason(errno)});
+    }
 }
 
 bool ChildProcess::reapIfEnded()
 {
-    if (reaped_ || !exists())
+    if (reaped_ || !exists()) {
         return true;
+    }
     int raw = 0;
     pid_t got = -1;
     do {
         got = waitpid(pid_, &raw, WNOHANG);
     } while (got < 0 && errno == EINTR);
-    if (got == 0)
+    if (got == 0) {
         return false;
+    }
     reaped_ = true;
     exit_.reset();
-    if (got < 0)
+    if (got < 0) {
         logLine(QStringLiteral("exit status of %d     :-( %@"), {pid_, systemReason(errno)});
-    else if (WIFSIGNALED(raw))
+    } else if (WIFSIGNALED(raw)) {
         status_ = WTERMSIG(raw);
-    else
+    } else {
         status_ = WEXITSTATUS(raw);
+    }
     return true;
 }
 
 void killAndReap(std::vector<ChildProcess>& children)
 {
-    for (const ChildProcess& child : children)
+    for (const ChildProcess& child : children) {
         child.signalGroup(SIGKILL);
+    }
     const QDeadlineTimer deadline(killWaitMs);
     for (ChildProcess& child : children) {
-        if (child.reapIfEnded())
+        if (child.reapIfEnded()) {
             continue;
+        }
         waitUntilEnded(child, deadline);
-        if (!child.reapIfEnded())
+        if (!child.reapIfEnded()) {
             reapLater(std::move(child));
+        }
     }
     children.clear();
 }
@@ -269,12 +292,14 @@ UniqueFd openExitDescriptor(pid_t pid, ExitWatch watch)
 {
     if (watch == ExitWatch::Kernel) {
         const long fd = syscall(SYS_pidfd_open, pid, 0U);
-        if (fd >= 0)
+        if (fd >= 0) {
             return UniqueFd(static_cast<int>(fd));
+        }
     }
     Pipe made = makePipe(PipeReader::Child);
-    if (!made.isValid())
+    if (!made.isValid()) {
         return {};
+    }
     const int writeEnd = made.writeEnd.get();
     try {
         std::thread([pid, writeEnd] {

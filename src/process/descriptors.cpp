@@ -17,8 +17,9 @@ constexpr qsizetype chunkSize = 131072;
 UniqueFd aboveStandardStreams(int fd)
 {
     UniqueFd owned(fd);
-    if (fd > STDERR_FILENO)
+    if (fd > STDERR_FILENO) {
         return owned;
+    }
     return UniqueFd(fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
 }
 
@@ -42,21 +43,25 @@ int UniqueFd::release()
 
 void UniqueFd::reset()
 {
-    if (fd_ >= 0)
+    if (fd_ >= 0) {
         ::close(fd_);
+    }
     fd_ = -1;
 }
 
 Pipe makePipe(PipeReader reader)
 {
     int ends[2] = {-1, -1};
-    if (pipe2(ends, O_CLOEXEC) != 0)
+    if (pipe2(ends, O_CLOEXEC) != 0) {
         return {};
+    }
     Pipe made{aboveStandardStreams(ends[0]), aboveStandardStreams(ends[1])};
-    if (!made.isValid())
+    if (!made.isValid()) {
         return {};
-    if (reader == PipeReader::Parent && fcntl(made.readEnd.get(), F_SETFL, O_NONBLOCK) != 0)
+    }
+    if (reader == PipeReader::Parent && fcntl(made.readEnd.get(), F_SETFL, O_NONBLOCK) != 0) {
         return {};
+    }
     return made;
 }
 
@@ -68,8 +73,9 @@ ReadState readChunk(int fd, QByteArray& chunk)
         got = ::read(fd, chunk.data(), static_cast<size_t>(chunkSize));
     } while (got < 0 && errno == EINTR);
     chunk.resize(got > 0 ? static_cast<qsizetype>(got) : 0);
-    if (got > 0)
+    if (got > 0) {
         return ReadState::Data;
+    }
     return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK) ? ReadState::Nothing : ReadState::End;
 }
 

@@ -31,13 +31,15 @@ void NotificationCenter::post(const QString& name, const QVariant& object)
         // Handlers may add, remove and destroy observers: a copy is walked, and whoever has left meanwhile is skipped.
         const QList<Entry> snapshot = entries_;
         for (const Entry& entry : snapshot) {
-            if (entry.observer.isNull() || entry.name != name || entry.object != object)
+            if (entry.observer.isNull() || entry.name != name || entry.object != object) {
                 continue;
+            }
             const bool registered = std::any_of(entries_.cbegin(), entries_.cend(), [&entry](const Entry& current) {
                 return current.observer == entry.observer;
             });
-            if (registered)
+            if (registered) {
                 entry.handler();
+            }
         }
     });
 }

@@ -10,18 +10,21 @@ namespace tavrix
 
 QString launchArgument(const QString& element)
 {
-    if (element.contains(QLatin1String("://")))
+    if (element.contains(QLatin1String("://"))) {
         return element;
+    }
     return stringByExpandingTildeInPath(element);
 }
 
 QString resolvedProgram(const QString& element)
 {
-    if (element.isEmpty())
+    if (element.isEmpty()) {
         return {};
+    }
     const QFileInfo direct(element);
-    if (direct.exists())
+    if (direct.exists()) {
         return direct.absoluteFilePath();
+    }
     return pathForResource(stringByDeletingPathExtension(element), pathExtension(element));
 }
 

@@ -28,10 +28,12 @@ bool writeAll(int fd, const char* data, qsizetype size)
 {
     while (size > 0) {
         const ssize_t written = ::write(fd, data, static_cast<size_t>(size));
-        if (written < 0 && errno == EINTR)
+        if (written < 0 && errno == EINTR) {
             continue;
-        if (written <= 0)
+        }
+        if (written <= 0) {
             return false;
+        }
         data += written;
         size -= written;
     }
@@ -44,15 +46,17 @@ UniqueFd openCapture(const QString& path, int flags)
 {
     UniqueFd file(::open(nativePath(path).constData(), flags | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0600));
     struct stat info = {};
-    if (file.isValid() && (fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)))
+    if (file.isValid() && (fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))) {
         return {};
+    }
     return file;
 }
 
 QString withoutFinalNewline(QString text)
 {
-    if (text.endsWith(QLatin1Char('\n')))
+    if (text.endsWith(QLatin1Char('\n'))) {
         text.chop(1);
+    }
     return text;
 }
 
@@ -66,14 +70,17 @@ QString captureFailure()
 
 QString taskWithStr(const QString& command, const QString& directory)
 {
-    if (!directory.isEmpty())
+    if (!directory.isEmpty()) {
         logLine(QStringLiteral("cd : %@"), {directory});
+    }
     const std::optional<CapturedRun> run = runShell(command, directory);
-    if (!run)
+    if (!run) {
         return {};
+    }
     QString text = decodedUtf8(run->output);
-    if (text.isNull())
+    if (text.isNull()) {
         return QLatin1String("");
+    }
     if (text.isEmpty()) {
         logLine(QStringLiteral("stringOutput        :-/ '%@'"), {text});
         return {};
@@ -89,29 +96,36 @@ QString taskWithStrBasic(const QString& command)
 
 QString taskArray(const QStringList& arguments, bool stderrToo)
 {
-    if (arguments.isEmpty())
+    if (arguments.isEmpty()) {
         return {};
+    }
     const QString capturePath = getTMPFOLDER() + QStringLiteral("taskData.txt");
     UniqueFd capture = openCapture(capturePath, O_WRONLY | O_CREAT);
-    if (!capture.isValid() || !writeAll(capture.get(), byteOrderMark, sizeof byteOrderMark))
+    if (!capture.isValid() || !writeAll(capture.get(), byteOrderMark, sizeof byteOrderMark)) {
         return captureFailure();
+    }
 
     ChildSetup setup;
     setup.program = resolvedProgram(arguments.first());
-    if (setup.program.isNull())
+    if (setup.program.isNull()) {
         return {};
-    for (const QString& argument : arguments.mid(1))
+    }
+    for (const QString& argument : arguments.mid(1)) {
         setup.arguments.append(launchArgument(argument));
+    }
     setup.toolLocale = true;
     const std::optional<CapturedRun> run =
         runCaptured(setup, stderrToo, [](int pid) { logDebug(QStringLiteral("PID current        : %d"), {pid}); });
-    if (!run)
+    if (!run) {
         return {};
-    if (!writeAll(capture.get(), run->output.constData(), run->output.size()))
+    }
+    if (!writeAll(capture.get(), run->output.constData(), run->output.size())) {
         return captureFailure();
+    }
     capture.reset();
-    if (!openCapture(capturePath, O_RDWR).isValid())
+    if (!openCapture(capturePath, O_RDWR).isValid()) {
         return captureFailure();
+    }
     return withoutFinalNewline(readContentsTxtUTF8(capturePath));
 }
 
@@ -119,13 +133,15 @@ QString ffmpegPathStr()
 {
     const QString name = QStringLiteral("ffmpeg");
     QStringList folders;
-    if (const QString resources = resourcePath(); !resources.isEmpty())
+    if (const QString resources = resourcePath(); !resources.isEmpty()) {
         folders << resources << stringByAppendingPathComponent(resources, QStringLiteral("tools"));
+    }
     folders << supportFolder();
     for (const QString& folder : folders) {
         QString path = stringByAppendingPathComponent(folder, name);
-        if (testPresenceCocoa(path))
+        if (testPresenceCocoa(path)) {
             return path;
+        }
     }
     return QLatin1String("");
 }

@@ -5,8 +5,9 @@ namespace tavrix
 
 std::optional<CapturedRun> runShell(const QString& command, const QString& directory)
 {
-    if (command.isNull())
+    if (command.isNull()) {
         return std::nullopt;
+    }
     ChildSetup setup;
     setup.program = QStringLiteral("/bin/sh");
     // "&>" sends both streams to a file in bash only: another shell would put the command into the background and leave

@@ -26,17 +26,21 @@ bool isHarmless(QChar c)
 // True when the text is exactly one quoted word of the shell, without expansions in it.
 bool isQuotedWord(const QString& text)
 {
-    if (text.size() < 2 || text.front() != text.back())
+    if (text.size() < 2 || text.front() != text.back()) {
         return false;
+    }
     const QString inner = text.mid(1, text.size() - 2);
-    if (text.front() == QLatin1Char('\''))
+    if (text.front() == QLatin1Char('\'')) {
         return !QString(inner).replace(QLatin1String("'\\''"), QString()).contains(QLatin1Char('\''));
-    if (text.front() != QLatin1Char('"'))
+    }
+    if (text.front() != QLatin1Char('"')) {
         return false;
+    }
     bool escaped = false;
     for (const QChar c : inner) {
-        if (!escaped && QLatin1String("\"$`").contains(c))
+        if (!escaped && QLatin1String("\"$`").contains(c)) {
             return false;
+        }
         escaped = !escaped && c == QLatin1Char('\\');
     }
     return !escaped;
@@ -51,26 +55,32 @@ QString shellSingleQuoted(const QString& value)
 
 QString shellWord(const QString& value)
 {
-    if (value.isNull())
+    if (value.isNull()) {
         return value;
-    if (!value.isEmpty() && (std::all_of(value.cbegin(), value.cend(), isHarmless) || isQuotedWord(value)))
+    }
+    if (!value.isEmpty() && (std::all_of(value.cbegin(), value.cend(), isHarmless) || isQuotedWord(value))) {
         return value;
+    }
     return QLatin1Char('\'') + shellSingleQuoted(value) + QLatin1Char('\'');
 }
 
 bool pathSafeStr(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
-    if (path == QLatin1String("|"))
+    }
+    if (path == QLatin1String("|")) {
         return true;
+    }
     // The second set could not be echoed unchanged anyway, but asking the shell would run what follows it.
     if (containsAny(path, QLatin1String(" ()&`><")) || containsAny(path, QLatin1String(";|\n")) ||
-        path.contains(QChar(u'\0')))
+        path.contains(QChar(u'\0'))) {
         return false;
+    }
     const QString echo = taskWithStrBasic(QLatin1String("/bin/echo ") + path + QLatin1String(" 2>&1"));
-    if (!echo.isNull() && echo == path)
+    if (!echo.isNull() && echo == path) {
         return true;
+    }
     logLine(QStringLiteral("pathSafeStr() :-( '%@' > '%@'"), {path, echo});
     return false;
 }

@@ -99,8 +99,9 @@ void taskLauncher::Private::begin(Chain&& started)
     held = false;
     lastEnded = false;
     watch();
-    if (!started.lastExists)
+    if (!started.lastExists) {
         lastProcessEnded(ChildProcess::statusNotStarted);
+    }
 }
 
 void taskLauncher::Private::watch()
@@ -108,8 +109,9 @@ void taskLauncher::Private::watch()
     watching = true;
     gateConnection = connect(&RunLoopGate::instance(), &RunLoopGate::opened, q, [this] { gateOpened(); });
     for (Stream& stream : streams) {
-        if (!stream.fd.isValid())
+        if (!stream.fd.isValid()) {
             continue;
+        }
         stream.notifier.reset(new QSocketNotifier(stream.fd.get(), QSocketNotifier::Read));
         connect(stream.notifier.get(), &QSocketNotifier::activated, q, [this, &stream] { streamReadable(stream); });
     }
@@ -123,18 +125,21 @@ void taskLauncher::Private::stopWatching()
 {
     watching = false;
     disconnect(gateConnection);
-    for (Stream& stream : streams)
+    for (Stream& stream : streams) {
         stream.close();
+    }
     exitNotifiers.clear();
 }
 
 void taskLauncher::Private::processEnded(size_t index)
 {
-    if (!watching || !tasks[index].reapIfEnded())
+    if (!watching || !tasks[index].reapIfEnded()) {
         return;
+    }
     exitNotifiers[index].reset();
-    if (index + 1 == tasks.size() && !lastEnded)
+    if (index + 1 == tasks.size() && !lastEnded) {
         lastProcessEnded(tasks[index].status());
+    }
 }
 
 // Only what waits in the pipes now was written by the chain itself: a background job that holds them open may write for
@@ -152,8 +157,9 @@ void taskLauncher::Private::lastProcessEnded(int status)
 
 void taskLauncher::Private::streamReadable(Stream& stream)
 {
-    if (!watching || lastEnded || !stream.fd.isValid())
+    if (!watching || lastEnded || !stream.fd.isValid()) {
         return;
+    }
     if (RunLoopGate::instance().isClosed()) {
         held = true;
         stream.notifier->setEnabled(false);
@@ -189,19 +195,22 @@ void taskLauncher::Private::queueDrainStep()
 // One chunk per turn of the event loop, so that whatever a callback asks for comes in between.
 void taskLauncher::Private::drainStep()
 {
-    if (!watching || !lastEnded)
+    if (!watching || !lastEnded) {
         return;
+    }
     if (RunLoopGate::instance().isClosed()) {
         held = true;
         return;
     }
     for (Stream& stream : streams) {
-        if (!stream.fd.isValid() || stream.left <= 0)
+        if (!stream.fd.isValid() || stream.left <= 0) {
             continue;
+        }
         const QPointer<taskLauncher> alive(q);
         readOnce(stream);
-        if (alive)
+        if (alive) {
             queueDrainStep();
+        }
         return;
     }
     terminationStatus = lastStatus;
@@ -211,28 +220,33 @@ void taskLauncher::Private::drainStep()
 
 void taskLauncher::Private::gateOpened()
 {
-    if (!held || RunLoopGate::instance().isClosed())
+    if (!held || RunLoopGate::instance().isClosed()) {
         return;
+    }
     held = false;
     for (Stream& stream : streams) {
-        if (stream.notifier)
+        if (stream.notifier) {
             stream.notifier->setEnabled(true);
+        }
     }
-    if (lastEnded)
+    if (lastEnded) {
         queueDrainStep();
+    }
 }
 
 void taskLauncher::Private::deliver(const QByteArray& chunk)
 {
-    if (!delegate)
+    if (!delegate) {
         return;
+    }
     if (convert) {
         delegate->taskLauncherDidReceiveNewData(q, chunk);
         return;
     }
     const QString text = decodedUtf8(chunk);
-    if (!text.isNull())
+    if (!text.isNull()) {
         delegate->taskLauncherDidReceiveNewString(q, text);
+    }
 }
 
 taskLauncher::taskLauncher(QObject* parent) : QObject(parent), d(std::make_unique<Private>(this)) {}
@@ -246,14 +260,16 @@ taskLauncher::~taskLauncher()
 
 int taskLauncher::launchTasksWithArguments(const QStringList& arguments)
 {
-    if (arguments.isEmpty())
+    if (arguments.isEmpty()) {
         return 1;
+    }
     d->terminateNoAbort = false;
     d->isRunning = true;
     d->isSuspended = false;
     QList<ChainCommand> commands;
-    if (const int code = parsedChain(arguments, commands); code != 0)
+    if (const int code = parsedChain(arguments, commands); code != 0) {
         return code;
+    }
     d->begin(startChain(commands));
     return 0;
 }
@@ -303,40 +319,49 @@ int taskLauncher::terminationStatus() const
 // The consumer stops before its producers.
 void taskLauncher::suspend()
 {
-    if (!d->hasChain || !d->isRunning || d->isSuspended)
+    if (!d->hasChain || !d->isRunning || d->isSuspended) {
         return;
-    for (auto task = d->tasks.rbegin(); task != d->tasks.rend(); ++task)
+    }
+    for (auto task = d->tasks.rbegin(); task != d->tasks.rend(); ++task) {
         task->signalGroup(SIGSTOP);
+    }
     d->isSuspended = true;
-    if (d->delegate)
+    if (d->delegate) {
         d->delegate->taskLauncherTaskDidSuspend(this);
+    }
 }
 
 void taskLauncher::resume()
 {
-    if (!d->hasChain || !d->isSuspended)
+    if (!d->hasChain || !d->isSuspended) {
         return;
-    for (const ChildProcess& task : d->tasks)
+    }
+    for (const ChildProcess& task : d->tasks) {
         task.signalGroup(SIGCONT);
+    }
     d->isSuspended = false;
-    if (d->delegate)
+    if (d->delegate) {
         d->delegate->taskLauncherTaskDidResume(this);
+    }
 }
 
 void taskLauncher::terminate()
 {
     d->isRunning = false;
-    if (!d->hasChain)
+    if (!d->hasChain) {
         return;
+    }
     NotificationCenter::defaultCenter().removeObserver(this);
     d->stopWatching();
     const QPointer<taskLauncher> alive(this);
     resume();
-    if (!alive)
+    if (!alive) {
         return;
+    }
     killAndReap(d->tasks);
-    if (!d->terminateNoAbort)
+    if (!d->terminateNoAbort) {
         d->terminationStatus = statusInterrupted;
+    }
     if (d->delegate && !d->alreadyNotified) {
         d->alreadyNotified = true;
         d->delegate->taskLauncherTaskDidEnd(this);

@@ -28,10 +28,12 @@ QString ratioText(int first, int second)
 
 QString displayAspect(float displayed, int width, int height)
 {
-    if (std::fabs(static_cast<double>(displayed) - 1.33) < tolerance)
+    if (std::fabs(static_cast<double>(displayed) - 1.33) < tolerance) {
         return QStringLiteral("4:3");
-    if (std::fabs(static_cast<double>(displayed) - 1.77) < tolerance)
+    }
+    if (std::fabs(static_cast<double>(displayed) - 1.77) < tolerance) {
         return QStringLiteral("16:9");
+    }
     const QList<int> pair = sousMultipleCommuns(width, height);
     return ratioText(pair.at(0), pair.at(1));
 }
@@ -44,8 +46,9 @@ QString otherPixelAspect(float displayed, float encoded)
     QList<int> pair = sousMultipleCommuns(ratio, thousandths);
     const int divisor = nbsSousMultipleCommun(ratio, thousandths, thousandths);
     const qint64 threefold = qint64(3) * divisor;
-    if (pair.at(0) > threefold && pair.at(1) > threefold)
+    if (pair.at(0) > threefold && pair.at(1) > threefold) {
         pair = sousMultipleCommuns(pair.at(0) / divisor, pair.at(1) / divisor);
+    }
     return ratioText(pair.at(0), pair.at(1));
 }
 
@@ -53,8 +56,9 @@ QString anamorphicPixelAspect(float displayed, float encoded)
 {
     for (const PixelAspect& known : knownPixelAspects) {
         const double aspect = known.numerator / known.denominator;
-        if (std::fabs(static_cast<double>(displayed) / aspect - static_cast<double>(encoded)) < tolerance)
+        if (std::fabs(static_cast<double>(displayed) / aspect - static_cast<double>(encoded)) < tolerance) {
             return formatText(QStringLiteral("%.0f:%.0f"), {known.numerator, known.denominator});
+        }
     }
     return otherPixelAspect(displayed, encoded);
 }
@@ -63,8 +67,9 @@ QString anamorphicPixelAspect(float displayed, float encoded)
 
 QStringList DarPar(int displayedWidth, int displayedHeight, int encodedWidth, int encodedHeight)
 {
-    if (displayedHeight == 0 || encodedWidth == 0 || encodedHeight == 0)
+    if (displayedHeight == 0 || encodedWidth == 0 || encodedHeight == 0) {
         return {};
+    }
     const float displayed = static_cast<float>(displayedWidth) / static_cast<float>(displayedHeight);
     float encoded = static_cast<float>(encodedWidth) / static_cast<float>(encodedHeight);
     if (encodedWidth == 1 && encodedHeight == 1) {

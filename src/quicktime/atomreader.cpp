@@ -36,11 +36,13 @@ std::optional<HeaderFields> headerFields(ByteView bytes)
     if (shortSize == 1) {
         header.size = reader.u64();
         header.headerSize = longHeader;
-        if (header.size < longHeader)
+        if (header.size < longHeader) {
             return std::nullopt;
+        }
     }
-    if (!reader.ok() || (header.size != 0 && header.size < header.headerSize))
+    if (!reader.ok() || (header.size != 0 && header.size < header.headerSize)) {
         return std::nullopt;
+    }
     return header;
 }
 
@@ -60,11 +62,13 @@ std::uint64_t FieldReader::number(std::size_t bytes)
 {
     const std::size_t start = position_;
     skip(bytes);
-    if (!ok_)
+    if (!ok_) {
         return 0;
+    }
     std::uint64_t value = 0;
-    for (std::size_t index = 0; index < bytes; ++index)
+    for (std::size_t index = 0; index < bytes; ++index) {
         value = (value << 8) | bytes_[start + index];
+    }
     return value;
 }
 
@@ -81,23 +85,26 @@ std::vector<Atom> childAtoms(ByteView container, bool* wellFormed)
         }
         const std::optional<HeaderFields> header = headerFields(rest);
         fits = header && header->size <= rest.size();
-        if (!fits)
+        if (!fits) {
             break;
+        }
         const auto size = static_cast<std::size_t>(header->size);
         const auto headerSize = static_cast<std::size_t>(header->headerSize);
         atoms.push_back({header->type, offset, rest.first(size), rest.subspan(headerSize, size - headerSize)});
         offset += size;
     }
-    if (wellFormed != nullptr)
+    if (wellFormed != nullptr) {
         *wellFormed = fits;
+    }
     return atoms;
 }
 
 ByteView childPayload(ByteView container, std::uint32_t type)
 {
     for (const Atom& atom : childAtoms(container)) {
-        if (atom.type == type)
+        if (atom.type == type) {
             return atom.payload;
+        }
     }
     return {};
 }
@@ -125,8 +132,9 @@ FileAtoms topLevelAtoms(const ReadAt& readAt, std::uint64_t fileSize)
 ReadAt readAtOf(ByteView bytes)
 {
     return [bytes](std::uint64_t offset, std::span<std::uint8_t> to) {
-        if (offset > bytes.size() || to.size() > bytes.size() - offset)
+        if (offset > bytes.size() || to.size() > bytes.size() - offset) {
             return false;
+        }
         std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(offset), to.size(), to.begin());
         return true;
     };
@@ -139,10 +147,12 @@ ReadAt readAtOf(int descriptor)
         while (done < to.size()) {
             const ssize_t got =
                 ::pread(descriptor, to.data() + done, to.size() - done, static_cast<off_t>(offset + done));
-            if (got < 0 && errno == EINTR)
+            if (got < 0 && errno == EINTR) {
                 continue;
-            if (got <= 0)
+            }
+            if (got <= 0) {
                 return false;
+            }
             done += static_cast<std::size_t>(got);
         }
         return true;

@@ -39,13 +39,15 @@ StreamFacts streamFacts(AVFormatContext* context, AVStream* stream, const FileFa
     facts.width = parameters.width;
     facts.height = parameters.height;
     const AVRational aspect = av_guess_sample_aspect_ratio(context, stream, nullptr);
-    if (aspect.num > 0 && aspect.den > 0)
+    if (aspect.num > 0 && aspect.den > 0) {
         facts.pixelAspect = av_q2d(aspect);
+    }
     facts.channels = parameters.ch_layout.nb_channels;
     facts.sampleRate = parameters.sample_rate;
     facts.bits = parameters.bits_per_coded_sample > 0 ? parameters.bits_per_coded_sample : 16;
-    if (stream->start_time != AV_NOPTS_VALUE)
+    if (stream->start_time != AV_NOPTS_VALUE) {
         facts.start = std::max<std::int64_t>(0, microseconds(stream->start_time, stream->time_base) - file.origin);
+    }
     facts.duration = stream->duration > 0 ? microseconds(stream->duration, stream->time_base)
                                           : std::max<std::int64_t>(0, file.duration - facts.start);
     return facts;
@@ -68,22 +70,25 @@ int AvInput::interrupted(void* self)
 
 void AvInput::allowSeconds(int seconds)
 {
-    if (seconds > 0)
+    if (seconds > 0) {
         deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    else
+    } else {
         deadline_.reset();
+    }
 }
 
 std::unique_ptr<AvInput> AvInput::open(const QString& path, int seconds)
 {
     const QByteArray native = nativePath(path);
-    if (!isRegularFile(native))
+    if (!isRegularFile(native)) {
         return nullptr;
+    }
     std::unique_ptr<AvInput> input(new AvInput);
     input->allowSeconds(seconds);
     input->context_ = avformat_alloc_context();
-    if (input->context_ == nullptr)
+    if (input->context_ == nullptr) {
         return nullptr;
+    }
     input->context_->interrupt_callback = {&AvInput::interrupted, input.get()};
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
@@ -91,8 +96,9 @@ std::unique_ptr<AvInput> AvInput::open(const QString& path, int seconds)
     const QByteArray address = "file:" + native;
     int error = avformat_open_input(&input->context_, address.constData(), nullptr, &options);
     av_dict_free(&options);
-    if (error >= 0)
+    if (error >= 0) {
         error = avformat_find_stream_info(input->context_, nullptr);
+    }
     if (error < 0) {
         logDebug(QStringLiteral("media               :-( %@ : %@"), {avErrorText(error), path});
         return nullptr;
@@ -118,13 +124,15 @@ FileFacts fileFacts(const AvInput& input)
     facts.isMov = input.isMov();
     facts.isAvi = facts.format == QLatin1String("avi");
     // A QuickTime timeline begins at 0; other files count from an arbitrary clock.
-    if (!facts.isMov && context->start_time != AV_NOPTS_VALUE)
+    if (!facts.isMov && context->start_time != AV_NOPTS_VALUE) {
         facts.origin = context->start_time;
+    }
     facts.duration = context->duration > 0 ? context->duration : 0;
     for (unsigned int index = 0; index < context->nb_streams; ++index) {
         AVStream* stream = context->streams[index];
-        if ((stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0)
+        if ((stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0) {
             facts.streams.push_back(streamFacts(context, stream, facts));
+        }
     }
     return facts;
 }

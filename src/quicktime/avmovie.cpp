@@ -23,8 +23,9 @@ constexpr quint32 trackEnabled = 1;
 
 bool isPictureType(const QString& mediaType, quint32 wanted)
 {
-    if (mediaType == QLatin1String("vide"))
+    if (mediaType == QLatin1String("vide")) {
         return true;
+    }
     return wanted == fourCharCode("eyes") && (mediaType == QLatin1String("MPEG") ||
                                               mediaType == QLatin1String("flsh") || mediaType == QLatin1String("movi"));
 }
@@ -52,8 +53,9 @@ AvMovie::AvMovie(const std::shared_ptr<MovieSource>& source) : state_(std::make_
 {
     state_->source = source;
     state_->timeline = EditTimeline(source->duration, source->timeScale);
-    for (std::size_t index = 0; index < source->tracks.size(); ++index)
+    for (std::size_t index = 0; index < source->tracks.size(); ++index) {
         tracks_.push_back(std::make_shared<AvTrack>(state_, index));
+    }
 }
 
 QString AvMovie::path() const
@@ -69,8 +71,9 @@ MediaTime AvMovie::duration() const
 QList<std::shared_ptr<Track>> AvMovie::tracks() const
 {
     QList<std::shared_ptr<Track>> list;
-    for (const std::shared_ptr<AvTrack>& track : tracks_)
+    for (const std::shared_ptr<AvTrack>& track : tracks_) {
         list.append(track);
+    }
     return list;
 }
 
@@ -81,14 +84,17 @@ AvMovie::Boxes AvMovie::computedSizes() const
     for (const std::shared_ptr<AvTrack>& track : tracks_) {
         const DisplayBox box = track->box();
         const MediaSize size = sizeOf(box);
-        if (!isPictureType(track->mediaType(), fourCharCode("eyes")) || size.width <= 0 || size.height <= 0)
+        if (!isPictureType(track->mediaType(), fourCharCode("eyes")) || size.width <= 0 || size.height <= 0) {
             continue;
+        }
         every = every ? unitedBox(*every, box) : box;
-        if ((track->source().atoms.flags & trackEnabled) != 0)
+        if ((track->source().atoms.flags & trackEnabled) != 0) {
             enabled = enabled ? unitedBox(*enabled, box) : box;
+        }
     }
-    if (!every)
+    if (!every) {
         return {};
+    }
     const DisplayBox shown = enabled.value_or(*every);
     return {sizeOf(shown), sizeOf(mappedBox(shown, state_->source->atoms.matrix))};
 }
@@ -107,8 +113,9 @@ QVariantMap AvMovie::movieAttributes() const
 {
     const MovieSource& source = *state_->source;
     QStringList types;
-    for (const std::shared_ptr<AvTrack>& track : tracks_)
+    for (const std::shared_ptr<AvTrack>& track : tracks_) {
         types.append(track->mediaType());
+    }
     return {{QStringLiteral("path"), source.path},
             {QStringLiteral("format"), source.facts.format},
             {QStringLiteral("duration"), QTStringFromTime(duration())},
@@ -127,12 +134,14 @@ QVariantMap AvMovie::movieAttributes() const
 const std::vector<std::int64_t>& AvMovie::interestingTimes(quint32 mediaType)
 {
     const auto known = interestingTimes_.find(mediaType);
-    if (known != interestingTimes_.end())
+    if (known != interestingTimes_.end()) {
         return known->second;
+    }
     std::vector<std::int64_t>& times = interestingTimes_[mediaType];
     for (std::size_t index = 0; index < tracks_.size(); ++index) {
-        if (!isPictureType(tracks_[index]->mediaType(), mediaType))
+        if (!isPictureType(tracks_[index]->mediaType(), mediaType)) {
             continue;
+        }
         const std::vector<std::int64_t> own = state_->source->sampleTimes(index, state_->timeline);
         times.insert(times.end(), own.begin(), own.end());
     }
@@ -158,26 +167,30 @@ void AvMovie::setTimeScale(qint32 scale)
 
 void AvMovie::setApertureMode(ApertureMode mode)
 {
-    for (const std::shared_ptr<AvTrack>& track : tracks_)
+    for (const std::shared_ptr<AvTrack>& track : tracks_) {
         track->setApertureMode(mode);
+    }
 }
 
 void AvMovie::generateApertureModeDimensions()
 {
-    for (const std::shared_ptr<AvTrack>& track : tracks_)
+    for (const std::shared_ptr<AvTrack>& track : tracks_) {
         track->generateApertureModeDimensions();
+    }
 }
 
 void AvMovie::removeApertureModeDimensions()
 {
-    for (const std::shared_ptr<AvTrack>& track : tracks_)
+    for (const std::shared_ptr<AvTrack>& track : tracks_) {
         track->removeApertureModeDimensions();
+    }
 }
 
 void AvMovie::deleteSegment(const MediaTimeRange& range)
 {
-    if (!editable_)
+    if (!editable_) {
         return;
+    }
     const qint32 scale = state_->timeline.timeScale();
     state_->timeline.deleteRange(valueInScale(range.time, scale), valueInScale(range.duration, scale));
     interestingTimes_.clear();
@@ -185,8 +198,9 @@ void AvMovie::deleteSegment(const MediaTimeRange& range)
 
 void AvMovie::scaleSegment(const MediaTimeRange& range, const MediaTime& newDuration)
 {
-    if (!editable_)
+    if (!editable_) {
         return;
+    }
     const qint32 scale = state_->timeline.timeScale();
     state_->timeline.scaleRange(valueInScale(range.time, scale), valueInScale(range.duration, scale),
                                 valueInScale(newDuration, scale));
@@ -198,12 +212,14 @@ std::optional<DisplayScale> AvMovie::displayScale() const
 {
     const MediaSize computed = computedSizes().current;
     if (!currentSize_ || computed.width <= 0 || computed.height <= 0 || currentSize_->width <= 0 ||
-        currentSize_->height <= 0)
+        currentSize_->height <= 0) {
         return std::nullopt;
+    }
     const DisplayScale scale{currentSize_->width / computed.width, currentSize_->height / computed.height};
     constexpr double negligible = 1e-4;
-    if (std::fabs(scale.x - 1) < negligible && std::fabs(scale.y - 1) < negligible)
+    if (std::fabs(scale.x - 1) < negligible && std::fabs(scale.y - 1) < negligible) {
         return std::nullopt;
+    }
     return scale;
 }
 
@@ -214,8 +230,9 @@ bool AvMovie::writeFromAtoms(const QString& path, bool headerFirst, QString* rea
     request.fileSize = state_->source->identity.size;
     request.timeline = state_->timeline;
     request.displayScale = displayScale();
-    for (const std::shared_ptr<AvTrack>& track : tracks_)
+    for (const std::shared_ptr<AvTrack>& track : tracks_) {
         request.changes.push_back(track->change());
+    }
     std::string refusal;
     const std::optional<RewritePlan> plan = RewritePlan::make(request, &refusal);
     if (!plan) {
@@ -240,8 +257,9 @@ bool AvMovie::writeFromCopy(const QString& path, bool headerFirst, QString* reas
         return false;
     }
     std::vector<int> streams;
-    if (!remuxToMov(state_->source->path, copy.fileName(), state_->source->timeScale, &streams, reason))
+    if (!remuxToMov(state_->source->path, copy.fileName(), state_->source->timeScale, &streams, reason)) {
         return false;
+    }
     const std::optional<FileIdentity> identity = fileIdentity(copy.fileName());
     const ReadDescriptor file(copy.fileName());
     if (!identity || file.number() < 0) {
@@ -269,10 +287,12 @@ bool AvMovie::writeMovie(const QString& path, bool headerFirst, QString* reason)
 {
     const MovieSource& source = *state_->source;
     const bool fromAtoms = !source.tracks.empty() && source.tracks.front().fromAtoms;
-    if (fromAtoms && writeFromAtoms(path, headerFirst, reason))
+    if (fromAtoms && writeFromAtoms(path, headerFirst, reason)) {
         return true;
-    if (fromAtoms)
+    }
+    if (fromAtoms) {
         logDebug(QStringLiteral("movie               :-/ copied first, as %@ : %@"), {*reason, source.path});
+    }
     return writeFromCopy(path, headerFirst, reason);
 }
 
@@ -280,15 +300,18 @@ bool AvMovie::writeMovie(const QString& path, bool headerFirst, QString* reason)
 QString AvMovie::refusal(bool isWave) const
 {
     const MovieSource& source = *state_->source;
-    if (source.atoms.nsav.value_or(0) != 0 && !isWave)
+    if (source.atoms.nsav.value_or(0) != 0 && !isWave) {
         return QStringLiteral("the movie forbids to be saved");
-    if (fileIdentity(source.path) != source.identity)
+    }
+    if (fileIdentity(source.path) != source.identity) {
         return QStringLiteral("the source has changed since it was opened");
+    }
     // libavformat would look for such media in the movie file itself.
     for (const TrackAtoms& track : source.atoms.tracks) {
         const bool matters = track.mediaType == "soun" || (track.mediaType == "vide" && !isWave);
-        if (matters && !track.selfContained)
+        if (matters && !track.selfContained) {
             return QStringLiteral("media lie in other files");
+        }
     }
     return {};
 }
@@ -299,12 +322,14 @@ bool AvMovie::writeToFile(const QString& path, const WriteAttributes& attributes
     const bool isWave = attributes.exportNumber.value_or(0) != 0 && attributes.exportType == fourCharCode("WAVE");
     QString reason = refusal(isWave);
     bool written = false;
-    if (reason.isNull() && isWave)
+    if (reason.isNull() && isWave) {
         written = exportWave(source.path, path, state_->timeline, &reason);
-    else if (reason.isNull())
+    } else if (reason.isNull()) {
         written = writeMovie(path, attributes.flatten.value_or(false), &reason);
-    if (!written)
+    }
+    if (!written) {
         logLine(QStringLiteral("movie               :-( %@ : %@"), {reason, path});
+    }
     return written;
 }
 

@@ -17,8 +17,9 @@ constexpr int openSeconds = 20;
 struct OutputDeleter {
     void operator()(AVFormatContext* context) const
     {
-        if (context->pb != nullptr)
+        if (context->pb != nullptr) {
             avio_closep(&context->pb);
+        }
         avformat_free_context(context);
     }
 };
@@ -41,8 +42,9 @@ int copySideData(const AVStream* from, AVStream* to)
     for (int index = 0; index < from->nb_side_data; ++index) {
         const AVPacketSideData& data = from->side_data[index];
         std::uint8_t* copy = av_stream_new_side_data(to, data.type, data.size);
-        if (copy == nullptr)
+        if (copy == nullptr) {
             return AVERROR(ENOMEM);
+        }
         std::memcpy(copy, data.data, data.size);
     }
     return 0;
@@ -51,11 +53,13 @@ int copySideData(const AVStream* from, AVStream* to)
 int addStream(AVFormatContext* output, const AVStream* from)
 {
     AVStream* to = avformat_new_stream(output, nullptr);
-    if (to == nullptr)
+    if (to == nullptr) {
         return AVERROR(ENOMEM);
+    }
     const int error = avcodec_parameters_copy(to->codecpar, from->codecpar);
-    if (error < 0)
+    if (error < 0) {
         return error;
+    }
     to->codecpar->codec_tag = movTag(output->oformat, *from->codecpar);
     to->time_base = from->time_base;
     to->avg_frame_rate = from->avg_frame_rate;
@@ -82,8 +86,9 @@ int addStreams(AVFormatContext* input, AVFormatContext* output, std::vector<Stre
             continue;
         }
         const int error = addStream(output, input->streams[index]);
-        if (error < 0)
+        if (error < 0) {
             return error;
+        }
         map[index].output = static_cast<int>(streams->size());
         streams->push_back(static_cast<int>(index));
     }
@@ -93,23 +98,27 @@ int addStreams(AVFormatContext* input, AVFormatContext* output, std::vector<Stre
 // Containers leave times out or repeat them; the muxer wants each to be later than the one before.
 void mendTimes(AVPacket* packet, StreamMap& map)
 {
-    if (packet->dts == AV_NOPTS_VALUE)
+    if (packet->dts == AV_NOPTS_VALUE) {
         packet->dts =
             packet->pts != AV_NOPTS_VALUE
                 ? packet->pts
                 : (map.lastDts == AV_NOPTS_VALUE ? 0 : map.lastDts + std::max<std::int64_t>(packet->duration, 1));
-    if (map.lastDts != AV_NOPTS_VALUE && packet->dts <= map.lastDts)
+    }
+    if (map.lastDts != AV_NOPTS_VALUE && packet->dts <= map.lastDts) {
         packet->dts = map.lastDts + 1;
-    if (packet->pts == AV_NOPTS_VALUE || packet->pts < packet->dts)
+    }
+    if (packet->pts == AV_NOPTS_VALUE || packet->pts < packet->dts) {
         packet->pts = packet->dts;
+    }
     map.lastDts = packet->dts;
 }
 
 int copyPackets(AVFormatContext* input, AVFormatContext* output, std::vector<StreamMap>& map, std::int64_t origin)
 {
     const PacketPointer packet(av_packet_alloc());
-    if (packet == nullptr)
+    if (packet == nullptr) {
         return AVERROR(ENOMEM);
+    }
     int error = 0;
     while ((error = av_read_frame(input, packet.get())) >= 0) {
         const auto index = static_cast<std::size_t>(packet->stream_index);
@@ -120,17 +129,20 @@ int copyPackets(AVFormatContext* input, AVFormatContext* output, std::vector<Str
         const AVStream* from = input->streams[packet->stream_index];
         const AVStream* to = output->streams[map[index].output];
         const std::int64_t start = av_rescale_q(origin, AVRational{1, AV_TIME_BASE}, from->time_base);
-        if (packet->pts != AV_NOPTS_VALUE)
+        if (packet->pts != AV_NOPTS_VALUE) {
             packet->pts -= start;
-        if (packet->dts != AV_NOPTS_VALUE)
+        }
+        if (packet->dts != AV_NOPTS_VALUE) {
             packet->dts -= start;
+        }
         av_packet_rescale_ts(packet.get(), from->time_base, to->time_base);
         mendTimes(packet.get(), map[index]);
         packet->stream_index = map[index].output;
         packet->pos = -1;
         error = av_interleaved_write_frame(output, packet.get());
-        if (error < 0)
+        if (error < 0) {
             return error;
+        }
     }
     return error == AVERROR_EOF ? 0 : error;
 }
@@ -148,19 +160,24 @@ int remux(AvInput& input, const QByteArray& address, int movieTimeScale, std::ve
 {
     AVFormatContext* context = nullptr;
     int error = avformat_alloc_output_context2(&context, nullptr, "mov", address.constData());
-    if (error < 0)
+    if (error < 0) {
         return error;
+    }
     const OutputPointer output(context);
     std::vector<StreamMap> map;
     error = addStreams(input.context(), context, map, streams);
-    if (error >= 0)
+    if (error >= 0) {
         error = avio_open(&context->pb, address.constData(), AVIO_FLAG_WRITE);
-    if (error >= 0)
+    }
+    if (error >= 0) {
         error = writeHeader(context, movieTimeScale);
-    if (error >= 0)
+    }
+    if (error >= 0) {
         error = copyPackets(input.context(), context, map, fileFacts(input).origin);
-    if (error >= 0)
+    }
+    if (error >= 0) {
         error = av_write_trailer(context);
+    }
     if (context->pb != nullptr) {
         const int closed = avio_closep(&context->pb);
         error = error < 0 ? error : closed;

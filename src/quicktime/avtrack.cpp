@@ -36,8 +36,9 @@ MediaTimeRange AvTrack::range() const
     bool started = false;
     for (const TrackPiece& piece : trackPieces(source().atoms, sourceScale, state_->timeline)) {
         started = started || !piece.empty;
-        if (!started)
+        if (!started) {
             start += piece.shown;
+        }
         end += piece.shown;
     }
     return QTMakeTimeRange(QTMakeTime(start, scale), QTMakeTime(end - start, scale));

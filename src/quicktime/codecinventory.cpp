@@ -35,8 +35,9 @@ QString identityText(const QTCompDesc& component)
 bool isPresent(const QString& code, const QList<QTCompDesc>& components)
 {
     for (const QTCompDesc& component : components) {
-        if (containsText(component.subType().left(4).toUpper(), code))
+        if (containsText(component.subType().left(4).toUpper(), code)) {
             return true;
+        }
     }
     return false;
 }
@@ -68,22 +69,25 @@ QTCompDesc QTCompDesc::withComponent(ComponentHandle component)
 QString OSTypeToNSString(quint32 code)
 {
     QString text = QLatin1String("");
-    if (code == 0)
+    if (code == 0) {
         return text;
+    }
     for (int shift = 24; shift >= 0; shift -= 8) {
         const quint32 byte = (code >> shift) & 0xFFU;
-        if (byte >= 0x20 && byte <= 0x7E)
+        if (byte >= 0x20 && byte <= 0x7E) {
             text += QLatin1Char(static_cast<char>(byte));
-        else
+        } else {
             text += formatText(QStringLiteral("$%02x"), {byte});
+        }
     }
     return text;
 }
 
 QString PStringToNSString(const unsigned char* pascalText)
 {
-    if (pascalText[0] == 0)
+    if (pascalText[0] == 0) {
         return QStringLiteral("**NO NAME**");
+    }
     return QString::fromLatin1(reinterpret_cast<const char*>(pascalText) + 1);
 }
 
@@ -95,8 +99,9 @@ QList<QTCompDesc> componentsCollecte()
     QList<QTCompDesc> components;
     components.reserve(registry.countComponents(search));
     ComponentHandle component = nullptr;
-    while ((component = registry.findNextComponent(component, search)) != nullptr)
+    while ((component = registry.findNextComponent(component, search)) != nullptr) {
         components.append(QTCompDesc::withComponent(component));
+    }
     return components;
 }
 
@@ -106,8 +111,9 @@ QList<int> codecsCheck(const QStringList& codes)
     QList<int> present;
     for (const QString& code : codes) {
         const bool found = isPresent(code, components);
-        if (found)
+        if (found) {
             logDebug(QStringLiteral("%@                :-)"), {code});
+        }
         present.append(found ? 1 : 0);
     }
     return present;
@@ -122,8 +128,9 @@ QStringList codecsProresCheck()
     for (const QString& prores : wanted) {
         for (const QTCompDesc& component : components) {
             const QString identity = identityText(component);
-            if (!containsText(identity, prores))
+            if (!containsText(identity, prores)) {
                 continue;
+            }
             logDebug(QStringLiteral("ProRes name         : %@"), {component.name()});
             found.append(formatText(QStringLiteral("%@   (%@)"), {component.name(), identity}));
             break;

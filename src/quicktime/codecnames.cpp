@@ -43,8 +43,9 @@ QString nameOf(const QString& code, std::span<const CodecRow> rows)
 {
     QString lowered = code.toLower();
     for (const CodecRow& row : rows) {
-        if (QString::fromLatin1(row.codes).split(QLatin1Char('|')).contains(lowered))
+        if (QString::fromLatin1(row.codes).split(QLatin1Char('|')).contains(lowered)) {
             return QString::fromLatin1(row.name);
+        }
     }
     return lowered;
 }
@@ -57,19 +58,22 @@ QString fourCharText(quint32 code)
     std::memcpy(bytes, &code, sizeof bytes);
     QString text;
     for (const char byte : bytes) {
-        if (static_cast<unsigned char>(byte) > 0x7F)
+        if (static_cast<unsigned char>(byte) > 0x7F) {
             return QString();
+        }
         text += byte == 0 ? QLatin1Char('.') : QLatin1Char(byte);
     }
-    if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN)
+    if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
         std::reverse(text.begin(), text.end());
+    }
     return text;
 }
 
 QString sampleFormatText(const QString& mediaType, const SampleDescription& description)
 {
-    if (description.error || mediaType == QLatin1String("flsh"))
+    if (description.error || mediaType == QLatin1String("flsh")) {
         return QStringLiteral("raw");
+    }
     const QString text = fourCharText(description.dataFormat);
     return text.isNull() ? QStringLiteral("raw") : text;
 }

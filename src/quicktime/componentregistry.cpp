@@ -49,11 +49,13 @@ quint32 subTypeOf(AVCodecID id)
 {
     unsigned int tag = 0;
     const AVCodecTag* const movTags[] = {avformat_get_mov_video_tags(), nullptr};
-    if (av_codec_get_tag2(movTags, id, &tag) != 0)
+    if (av_codec_get_tag2(movTags, id, &tag) != 0) {
         return fourCharCodeOfTag(tag);
+    }
     const AVCodecTag* const riffTags[] = {avformat_get_riff_video_tags(), nullptr};
-    if (av_codec_get_tag2(riffTags, id, &tag) != 0)
+    if (av_codec_get_tag2(riffTags, id, &tag) != 0) {
         return fourCharCodeOfTag(tag);
+    }
     return 0;
 }
 
@@ -64,12 +66,14 @@ std::vector<Encoder> installedEncoders()
     bool proresListed = false;
     void* position = nullptr;
     while (const AVCodec* codec = av_codec_iterate(&position)) {
-        if (av_codec_is_encoder(codec) == 0 || codec->type != AVMEDIA_TYPE_VIDEO || codec->id == AV_CODEC_ID_AIC)
+        if (av_codec_is_encoder(codec) == 0 || codec->type != AVMEDIA_TYPE_VIDEO || codec->id == AV_CODEC_ID_AIC) {
             continue;
+        }
         if (codec->id == AV_CODEC_ID_PRORES) {
             if (!proresListed) {
-                for (const ProresProfile& profile : proresProfiles)
+                for (const ProresProfile& profile : proresProfiles) {
                     encoders.push_back(encoderOf(profile.name, profile.code, fourCharCode("appl")));
+                }
             }
             proresListed = true;
             continue;
@@ -102,8 +106,9 @@ public:
     {
         bool reached = after == nullptr;
         for (const Encoder& encoder : encoders_) {
-            if (reached && matches(encoder.description, search))
+            if (reached && matches(encoder.description, search)) {
                 return &encoder;
+            }
             reached = reached || &encoder == after;
         }
         return nullptr;
@@ -112,8 +117,9 @@ public:
     int countComponents(const ComponentDescription& search) override
     {
         int count = 0;
-        for (const Encoder& encoder : encoders_)
+        for (const Encoder& encoder : encoders_) {
             count += matches(encoder.description, search) ? 1 : 0;
+        }
         return count;
     }
 

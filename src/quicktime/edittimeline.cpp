@@ -24,8 +24,9 @@ std::vector<SourceEdit> sourceEdits(const TrackAtoms& track, std::uint32_t movie
         track.mediaDuration != 0
             ? rescaled(static_cast<std::int64_t>(track.mediaDuration), timeScale, track.mediaTimeScale)
             : rescaled(static_cast<std::int64_t>(track.duration), timeScale, movieScale);
-    if (track.edits.empty())
+    if (track.edits.empty()) {
         return {{0, whole, 0, 65536}};
+    }
     std::vector<SourceEdit> edits;
     std::int64_t position = 0;
     for (const EditEntry& entry : track.edits) {
@@ -48,8 +49,9 @@ std::int64_t mediaDistance(std::int64_t movieTime, const SourceEdit& edit, const
 
 void append(std::vector<TrackPiece>& pieces, const TrackPiece& piece)
 {
-    if (piece.shown <= 0)
+    if (piece.shown <= 0) {
         return;
+    }
     if (!pieces.empty()) {
         TrackPiece& last = pieces.back();
         const bool sameSpeed =
@@ -77,10 +79,12 @@ TrackPiece gap(std::int64_t shown)
 
 std::int64_t rescaled(std::int64_t value, std::int64_t to, std::int64_t from)
 {
-    if (from <= 0)
+    if (from <= 0) {
         return 0;
-    if (to == from)
+    }
+    if (to == from) {
         return value;
+    }
     const WideInteger product = WideInteger(value) * to;
     const WideInteger half = from / 2;
     const WideInteger result = (product < 0 ? product - half : product + half) / from;
@@ -98,15 +102,17 @@ EditTimeline::EditTimeline(std::int64_t duration, std::int32_t timeScale) : time
 std::int64_t EditTimeline::duration() const
 {
     std::int64_t total = 0;
-    for (const TimelineSegment& segment : segments_)
+    for (const TimelineSegment& segment : segments_) {
         total += segment.shown;
+    }
     return total;
 }
 
 void EditTimeline::setTimeScale(std::int32_t timeScale)
 {
-    if (timeScale < 1 || timeScale == timeScale_)
+    if (timeScale < 1 || timeScale == timeScale_) {
         return;
+    }
     // Borders are converted rather than lengths, so that rounding does not add up.
     std::int64_t shownEnd = 0;
     std::int64_t newShownEnd = 0;
@@ -127,8 +133,9 @@ std::size_t EditTimeline::splitAt(std::int64_t time)
     std::int64_t position = 0;
     for (std::size_t index = 0; index < segments_.size(); ++index) {
         const TimelineSegment segment = segments_[index];
-        if (time <= position)
+        if (time <= position) {
             return index;
+        }
         if (time < position + segment.shown) {
             const std::int64_t before = time - position;
             const std::int64_t sourceBefore = rescaled(before, segment.duration, segment.shown);
@@ -147,8 +154,9 @@ void EditTimeline::deleteRange(std::int64_t start, std::int64_t length)
     const std::int64_t total = duration();
     const std::int64_t from = std::clamp<std::int64_t>(start, 0, total);
     const auto to = static_cast<std::int64_t>(std::clamp<WideInteger>(WideInteger(start) + length, from, total));
-    if (to <= from)
+    if (to <= from) {
         return;
+    }
     const auto first = static_cast<std::ptrdiff_t>(splitAt(from));
     const auto last = static_cast<std::ptrdiff_t>(splitAt(to));
     segments_.erase(segments_.begin() + first, segments_.begin() + last);
@@ -160,8 +168,9 @@ void EditTimeline::scaleRange(std::int64_t start, std::int64_t length, std::int6
     const std::int64_t total = duration();
     const std::int64_t from = std::clamp<std::int64_t>(start, 0, total);
     const std::int64_t to = from + std::clamp<std::int64_t>(length, 0, total - from);
-    if (to <= from || newLength < 0)
+    if (to <= from || newLength < 0) {
         return;
+    }
     const std::size_t first = splitAt(from);
     const std::size_t last = splitAt(to);
     std::int64_t shownEnd = 0;
@@ -189,8 +198,9 @@ std::vector<TrackPiece> trackPieces(const TrackAtoms& track, std::uint32_t movie
         for (const SourceEdit& edit : edits) {
             const std::int64_t from = std::max(edit.start, position);
             const std::int64_t to = std::min(edit.end, segmentEnd);
-            if (to <= from)
+            if (to <= from) {
                 continue;
+            }
             append(pieces, gap(shownUpTo(from) - shownUpTo(position)));
             TrackPiece piece = gap(shownUpTo(to) - shownUpTo(from));
             if (edit.mediaTime >= 0) {
@@ -204,8 +214,9 @@ std::vector<TrackPiece> trackPieces(const TrackAtoms& track, std::uint32_t movie
         }
         append(pieces, gap(segment.shown - shownUpTo(position)));
     }
-    while (!pieces.empty() && pieces.back().empty)
+    while (!pieces.empty() && pieces.back().empty) {
         pieces.pop_back();
+    }
     return pieces;
 }
 
@@ -231,14 +242,16 @@ std::vector<std::int64_t> displayTimes(const SampleTable& table, const std::vect
         auto sample = std::partition_point(shown.begin(), shown.end(),
                                            [&piece](const Shown& s) { return s.start < piece.mediaStart; });
         // A sample that began before the edit is the first picture of it.
-        if (sample != shown.begin() && std::prev(sample)->end > piece.mediaStart)
+        if (sample != shown.begin() && std::prev(sample)->end > piece.mediaStart) {
             --sample;
+        }
         for (; !piece.empty && sample != shown.end() && sample->start < mediaEnd; ++sample) {
             const std::int64_t into = std::max<std::int64_t>(sample->start - piece.mediaStart, 0);
             const std::int64_t time =
                 position + (piece.mediaLength > 0 ? rescaled(into, piece.shown, piece.mediaLength) : 0);
-            if (times.empty() || time > times.back())
+            if (times.empty() || time > times.back()) {
                 times.push_back(time);
+            }
         }
         position += piece.shown;
     }

@@ -18,10 +18,12 @@ float videoSeconds(const Movie& movie)
 {
     float seconds = 0.0F;
     const TrackList tracks = movieVideoTracks(movie);
-    for (const std::shared_ptr<Track>& track : tracks)
+    for (const std::shared_ptr<Track>& track : tracks) {
         seconds += timecodeStr2Float(QTStringFromTime(track->range().duration));
-    if (std::fabs(seconds) < 0.1F)
+    }
+    if (std::fabs(seconds) < 0.1F) {
         seconds = secondsFloat(movie.duration());
+    }
     return seconds;
 }
 
@@ -43,8 +45,9 @@ qint64 countedFrames(Movie& movie, quint8 mpegFlag)
 float correctedRate(float rate, qint32 timeScale)
 {
     const auto scale = static_cast<float>(timeScale);
-    if (scale == 29970.0F || scale == 23976.0F || scale == 25000.0F)
+    if (scale == 29970.0F || scale == 23976.0F || scale == 25000.0F) {
         return scale / 1000.0F;
+    }
     return rate;
 }
 
@@ -67,8 +70,9 @@ float movieFps(Movie& movie, quint8 mpegFlag)
 
 float movieFpsQt(const QString& path, quint8 mpegFlag)
 {
-    if (!qtkitInstantiate(path))
+    if (!qtkitInstantiate(path)) {
         return 0.0F;
+    }
     return movieFps(*getQTMOVIE(), mpegFlag);
 }
 

@@ -39,8 +39,9 @@ MediaTime QTTimeRangeEnd(const MediaTimeRange& range)
 
 QString QTStringFromTime(const MediaTime& time)
 {
-    if (time.timeScale <= 0)
+    if (time.timeScale <= 0) {
         return QStringLiteral("0:00:00.000000");
+    }
     constexpr qint32 microseconds = 1000000;
     const qint64 value = valueInScale(time, microseconds);
     const quint64 total = value < 0 ? quint64(0) - static_cast<quint64>(value) : static_cast<quint64>(value);
@@ -64,21 +65,26 @@ float secondsFloat(const MediaTime& time)
 qint64 truncated64(double value)
 {
     constexpr double limit = 9.2e18;
-    if (std::isnan(value))
+    if (std::isnan(value)) {
         return 0;
-    if (value >= limit)
+    }
+    if (value >= limit) {
         return std::numeric_limits<qint64>::max();
-    if (value <= -limit)
+    }
+    if (value <= -limit) {
         return std::numeric_limits<qint64>::min();
+    }
     return static_cast<qint64>(value);
 }
 
 qint64 valueInScale(const MediaTime& time, qint32 scale)
 {
-    if (time.timeScale <= 0)
+    if (time.timeScale <= 0) {
         return 0;
-    if (time.timeScale == scale)
+    }
+    if (time.timeScale == scale) {
         return time.timeValue;
+    }
     const WideInteger product = WideInteger(time.timeValue) * scale;
     const WideInteger half = time.timeScale / 2;
     return saturated((product < 0 ? product - half : product + half) / time.timeScale);

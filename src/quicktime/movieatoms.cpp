@@ -90,11 +90,13 @@ std::string handlerType(ByteView payload)
     FieldReader reader(payload);
     reader.skip(8);
     const std::uint32_t type = reader.u32();
-    if (!reader.ok() || type == 0)
+    if (!reader.ok() || type == 0) {
         return {};
+    }
     std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
+    for (int shift = 24; shift >= 0; shift -= 8) {
         text += static_cast<char>((type >> shift) & 0xFFU);
+    }
     return text;
 }
 
@@ -105,8 +107,9 @@ std::optional<AtomSize> apertureSize(ByteView payload)
     AtomSize size;
     size.width = reader.u32();
     size.height = reader.u32();
-    if (!reader.ok() || size.width == 0 || size.height == 0)
+    if (!reader.ok() || size.width == 0 || size.height == 0) {
         return std::nullopt;
+    }
     return size;
 }
 
@@ -123,8 +126,9 @@ bool readEdits(ByteView payload, TrackAtoms& track)
         edit.mediaTime = version == 1 ? reader.s64() : reader.s32();
         edit.rate = reader.s32();
         if (!reader.ok() || edit.duration > std::uint64_t(longestTime) || edit.mediaTime > longestTime ||
-            edit.mediaTime < -longestTime)
+            edit.mediaTime < -longestTime) {
             return false;
+        }
         track.edits.push_back(edit);
     }
     return reader.ok();
@@ -148,8 +152,9 @@ void readVideoExtensions(ByteView extensions, DescriptionAtom& description)
             clean.width = quotient(widthN, reader.u32());
             const std::uint32_t heightN = reader.u32();
             clean.height = quotient(heightN, reader.u32());
-            if (reader.ok() && clean.width >= 1 && clean.height >= 1)
+            if (reader.ok() && clean.width >= 1 && clean.height >= 1) {
                 description.cleanAperture = clean;
+            }
         }
     }
 }
@@ -159,8 +164,9 @@ void readVideoEntry(ByteView entry, DescriptionAtom& description)
     FieldReader reader(entry, 32);
     description.width = reader.u16();
     description.height = reader.u16();
-    if (entry.size() > videoEntryFields)
+    if (entry.size() > videoEntryFields) {
         readVideoExtensions(entry.subspan(videoEntryFields), description);
+    }
 }
 
 // Version 2 fills the fields of the older versions with dummies.
@@ -202,25 +208,29 @@ bool readDescription(ByteView payload, TrackAtoms& track)
     FieldReader reader(payload, 8);
     const std::uint32_t size = reader.u32();
     const std::uint32_t format = reader.u32();
-    if (!reader.ok() || size < entryHeader || size > payload.size() - 8)
+    if (!reader.ok() || size < entryHeader || size > payload.size() - 8) {
         return false;
+    }
     const ByteView entry = payload.subspan(8, size);
     track.description.present = true;
     track.description.format = format;
-    if (track.mediaType == "soun")
+    if (track.mediaType == "soun") {
         readSoundEntry(entry, track.description);
-    else
+    } else {
         readVideoEntry(entry, track.description);
+    }
     return true;
 }
 
 bool isSelfContained(ByteView dref)
 {
-    if (dref.size() < 8)
+    if (dref.size() < 8) {
         return true;
+    }
     for (const Atom& reference : childAtoms(dref.subspan(8))) {
-        if ((FieldReader(reference.payload).u32() & 1U) == 0)
+        if ((FieldReader(reference.payload).u32() & 1U) == 0) {
             return false;
+        }
     }
     return true;
 }
@@ -255,15 +265,17 @@ std::uint64_t tableEntryBytes(std::uint32_t type)
 bool isWholeTable(const Atom& atom)
 {
     std::uint64_t entryBytes = tableEntryBytes(atom.type);
-    if (entryBytes == 0)
+    if (entryBytes == 0) {
         return true;
+    }
     FieldReader reader(atom.payload, 4);
     std::uint64_t needed = 8;
     if (atom.type == atomType("stsz")) {
         needed += 4;
         // One size for all samples stands in place of the entries.
-        if (reader.u32() != 0)
+        if (reader.u32() != 0) {
             entryBytes = 0;
+        }
     }
     needed += reader.u32() * entryBytes;
     return reader.ok() && needed <= atom.payload.size();
@@ -272,8 +284,9 @@ bool isWholeTable(const Atom& atom)
 bool hasWholeTables(ByteView stbl)
 {
     bool whole = true;
-    for (const Atom& atom : childAtoms(stbl, &whole))
+    for (const Atom& atom : childAtoms(stbl, &whole)) {
         whole = whole && isWholeTable(atom);
+    }
     return whole;
 }
 
@@ -283,12 +296,13 @@ bool readMedia(ByteView mdia, TrackAtoms& track)
     const std::vector<Atom> atoms = childAtoms(mdia, &wellFormed);
     ByteView minf;
     for (const Atom& atom : atoms) {
-        if (atom.type == atomType("mdhd"))
+        if (atom.type == atomType("mdhd")) {
             wellFormed = readMediaHeader(atom.payload, track) && wellFormed;
-        else if (atom.type == atomType("hdlr"))
+        } else if (atom.type == atomType("hdlr")) {
             track.mediaType = handlerType(atom.payload);
-        else if (atom.type == atomType("minf") && minf.empty())
+        } else if (atom.type == atomType("minf") && minf.empty()) {
             minf = atom.payload;
+        }
     }
     track.stbl = childPayload(minf, atomType("stbl"));
     track.selfContained = isSelfContained(childPayload(childPayload(minf, atomType("dinf")), atomType("dref")));
@@ -322,8 +336,9 @@ void readUserData(ByteView udta, std::uint64_t fileOffset, MovieAtoms& movie)
 {
     bool wellFormed = true;
     for (const Atom& atom : childAtoms(udta, &wellFormed)) {
-        if (atom.type != atomType("nsav"))
+        if (atom.type != atomType("nsav")) {
             continue;
+        }
         FieldReader reader(atom.payload);
         const std::uint32_t value = reader.u32();
         if (!reader.ok()) {
@@ -371,8 +386,9 @@ MovieAtoms readMovieAtoms(const ReadAt& readAt, std::uint64_t fileSize)
     for (const FileAtom& atom : file.atoms) {
         movie.fragmented = movie.fragmented || atom.type == atomType("moof");
         const std::uint64_t payloadSize = atom.size - atom.headerSize;
-        if (atom.type != atomType("moov") || movie.found || payloadSize > mostMovieBytes)
+        if (atom.type != atomType("moov") || movie.found || payloadSize > mostMovieBytes) {
             continue;
+        }
         movie.fileOffset = atom.offset + atom.headerSize;
         movie.bytes.resize(static_cast<std::size_t>(payloadSize));
         if (!readAt(movie.fileOffset, movie.bytes)) {

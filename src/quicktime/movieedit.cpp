@@ -32,16 +32,19 @@ const char* cutToStretch(Movie& movie, double cutStart, qint32 keep)
     constexpr qint32 tenths = 10;
     const float seconds = secondsFloat(movie.duration());
     if (keep - cutStart <= static_cast<double>(seconds)) {
-        if (cutStart >= 0.1 && !movieCut(movie, 0, truncated64(cutStart * tenths), tenths))
+        if (cutStart >= 0.1 && !movieCut(movie, 0, truncated64(cutStart * tenths), tenths)) {
             return "echec MovieCoupe";
+        }
         const MediaTime rest = movie.duration();
-        if (keep != 0 && !movieCut(movie, qint64(keep) * rest.timeScale, rest.timeValue, rest.timeScale))
+        if (keep != 0 && !movieCut(movie, qint64(keep) * rest.timeScale, rest.timeValue, rest.timeScale)) {
             return "echec MovieCoupe cplt";
+        }
         return nullptr;
     }
     if (cutStart <= static_cast<double>(seconds) && static_cast<float>(keep) < seconds) {
-        if (!movieCut(movie, 0, keep, tenths))
+        if (!movieCut(movie, 0, keep, tenths)) {
             return "echec MovieCoupe";
+        }
     }
     return nullptr;
 }
@@ -51,8 +54,9 @@ void forceTrackSize(Track& track, int width, int height)
     const MediaSize shown = track.dimensions();
     const int trackWidth = truncatedInt(shown.width);
     const int trackHeight = trackWidth <= 0 ? 0 : truncatedInt(shown.height);
-    if (trackWidth == width || trackHeight == height)
+    if (trackWidth == width || trackHeight == height) {
         return;
+    }
     if (hasApertureModes()) {
         track.generateApertureModeDimensions();
         track.setApertureMode(ApertureMode::EncodedPixels);
@@ -111,8 +115,9 @@ bool exportMovie(Movie& movie, const QString& dstPath, qint32 exportInt)
         return false;
     }
     desktopServices().noteFileSystemChanged(dstPath);
-    if (!testPresenceCocoa(dstPath))
+    if (!testPresenceCocoa(dstPath)) {
         logLine(QStringLiteral("QTKit_m Export:      :-( fin (testPresenceCocoa)"));
+    }
     logDebug(QStringLiteral("QTKit_m Export:      :-) fin"));
     return true;
 }
@@ -120,11 +125,13 @@ bool exportMovie(Movie& movie, const QString& dstPath, qint32 exportInt)
 bool movieForceTracksSize(Movie& movie, int width, int height)
 {
     const TrackList tracks = movieVideoTracks(movie);
-    if (tracks.isEmpty())
+    if (tracks.isEmpty()) {
         return false;
+    }
     movie.setCurrentSize({static_cast<double>(width), static_cast<double>(height)});
-    for (const std::shared_ptr<Track>& track : tracks)
+    for (const std::shared_ptr<Track>& track : tracks) {
         forceTrackSize(*track, width, height);
+    }
     return true;
 }
 
@@ -146,22 +153,28 @@ bool movieCutForceSize(const QString& srcPath, const QString& dstPath, double cu
 {
     const QString source = stringByExpandingTildeInPath(srcPath);
     const QString destination = stringByExpandingTildeInPath(dstPath);
-    if (!qtkitInstantiate(source))
+    if (!qtkitInstantiate(source)) {
         return failedCutJob("echec Instantiate");
+    }
     const std::shared_ptr<Movie> movie = getQTMOVIE();
     movieEditable(*movie);
     movieDisplaySettings(*movie);
-    if (const char* failure = cutToStretch(*movie, cutStart, keepSeconds))
+    if (const char* failure = cutToStretch(*movie, cutStart, keepSeconds)) {
         return failedCutJob(failure);
-    if (width > 0 && height > 0 && !movieForceTracksSize(*movie, width, height))
+    }
+    if (width > 0 && height > 0 && !movieForceTracksSize(*movie, width, height)) {
         return failedCutJob("echec MovieTailleViaTrack");
+    }
     // The destination goes before it is written: were it the source, the clip would be gone.
-    if (isSameFile(source, destination))
+    if (isSameFile(source, destination)) {
         return failedCutJob("echec Export");
-    if (testPresenceCocoa(destination) && !rmCocoa(destination))
+    }
+    if (testPresenceCocoa(destination) && !rmCocoa(destination)) {
         logLine(QStringLiteral("QTKit CoupeTailleMovi:-/ not removed : %@"), {destination});
-    if (!exportMovie(*movie, destination, exportInt))
+    }
+    if (!exportMovie(*movie, destination, exportInt)) {
         return failedCutJob("echec Export");
+    }
     QTMOVIErelease();
     logDebug(QStringLiteral("QTKit CoupeTailleMovie:-) fin"));
     return true;
@@ -178,16 +191,19 @@ bool movieForceSizeCurrentDisplay(const QString& srcPath, const QString& dstPath
     const std::shared_ptr<Movie> movie = getQTMOVIE();
     const MediaSize size{static_cast<double>(width), static_cast<double>(height)};
     movieEditable(*movie);
-    if (hasApertureModes())
+    if (hasApertureModes()) {
         movie->setApertureMode(ApertureMode::EncodedPixels);
-    else
+    } else {
         movie->removeApertureModeDimensions();
+    }
     movie->setNaturalSize(size);
     movie->setCurrentSize(size);
-    if (!movieForceTracksSize(*movie, width, height))
+    if (!movieForceTracksSize(*movie, width, height)) {
         return failedCutJob("echec MovieTailleViaTrack");
-    if (!exportMovie(*movie, dstPath, exportInt))
+    }
+    if (!exportMovie(*movie, dstPath, exportInt)) {
         return false;
+    }
     const std::optional<QList<int>> current = movieSizeCurrentDisplayed(dstPath);
     const std::optional<QList<int>> natural = movieSizeNaturalDisplayed(dstPath);
     logDebug(QStringLiteral("[self movieSizeCurrentDisplayed:dstPathStr] : %@"), {sizeValue(current)});

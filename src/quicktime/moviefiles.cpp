@@ -22,8 +22,9 @@ QList<int> asIntegers(const MediaSize& size)
 
 void removeTrialCopy(const QString& path)
 {
-    if (testPresenceCocoa(path) && !removeOwnFile(path, stringByDeletingLastPathComponent(path)))
+    if (testPresenceCocoa(path) && !removeOwnFile(path, stringByDeletingLastPathComponent(path))) {
         logLine(QStringLiteral("nsavQtMovie         :-( not removed : %@"), {path});
+    }
 }
 
 } // namespace

@@ -32,8 +32,9 @@ std::vector<std::uint8_t> fileTypeAtom(const ReadAt& readAt, std::uint64_t fileS
     if (!file.atoms.empty() && file.atoms.front().type == atomType("ftyp") &&
         file.atoms.front().size <= mostFileTypeBytes) {
         std::vector<std::uint8_t> bytes(static_cast<std::size_t>(file.atoms.front().size));
-        if (readAt(file.atoms.front().offset, bytes))
+        if (readAt(file.atoms.front().offset, bytes)) {
             return bytes;
+        }
     }
     AtomWriter writer;
     writer.begin(atomType("ftyp"));
@@ -89,8 +90,9 @@ bool copyMedia(const ReadAt& readAt, const RewritePlan& plan, QSaveFile& file, Q
             size += run.size;
             continue;
         }
-        if (!copyStretch(readAt, offset, size, file, reason))
+        if (!copyStretch(readAt, offset, size, file, reason)) {
             return false;
+        }
         offset = run.sourceOffset;
         size = run.size;
     }
@@ -104,10 +106,13 @@ bool writeAll(const MovieFileJob& job, const ReadAt& readAt, std::uint64_t sourc
     const std::uint64_t headerSize = job.headerFirst ? job.plan->movieAtom(0).size() : 0;
     const std::vector<std::uint8_t> header = job.plan->movieAtom(fileType.size() + headerSize + dataHeader.size());
     *reason = QStringLiteral("the file cannot be written");
-    if (!writeBytes(file, fileType) || (job.headerFirst && !writeBytes(file, header)) || !writeBytes(file, dataHeader))
+    if (!writeBytes(file, fileType) || (job.headerFirst && !writeBytes(file, header)) ||
+        !writeBytes(file, dataHeader)) {
         return false;
-    if (!copyMedia(readAt, *job.plan, file, reason))
+    }
+    if (!copyMedia(readAt, *job.plan, file, reason)) {
         return false;
+    }
     return job.headerFirst || writeBytes(file, header);
 }
 

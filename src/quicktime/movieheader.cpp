@@ -47,10 +47,11 @@ HeaderParts headerParts(ByteView payload, std::size_t between)
 
 void writeTime(AtomWriter& writer, bool isLong, std::uint64_t value)
 {
-    if (isLong)
+    if (isLong) {
         writer.u64(value);
-    else
+    } else {
         writer.u32(static_cast<std::uint32_t>(value));
+    }
 }
 
 void writeVersionAndDates(AtomWriter& writer, const HeaderParts& parts, bool isLong)
@@ -96,14 +97,17 @@ void writeMediaHeader(AtomWriter& writer, ByteView payload, const TrackRewrite& 
 std::int32_t pieceRate(const TrackPiece& piece, const TrackRewrite& track)
 {
     constexpr std::int32_t normal = 65536;
-    if (piece.empty)
+    if (piece.empty) {
         return normal;
+    }
     const std::int64_t natural = rescaled(piece.shown, track.mediaTimeScale, track.movieTimeScale);
-    if (piece.mediaLength == 0 || natural == 0)
+    if (piece.mediaLength == 0 || natural == 0) {
         return piece.mediaLength == 0 ? 0 : normal;
+    }
     const std::int64_t tolerance = 2 + 2 * rescaled(1, track.mediaTimeScale, track.movieTimeScale) + natural / 1000000;
-    if (std::abs(piece.mediaLength - natural) <= tolerance)
+    if (std::abs(piece.mediaLength - natural) <= tolerance) {
         return normal;
+    }
     return static_cast<std::int32_t>(
         std::clamp<std::int64_t>(rescaled(normal, piece.mediaLength, natural), 1, INT32_MAX));
 }
@@ -132,18 +136,21 @@ void writeEditList(AtomWriter& writer, const TrackRewrite& track)
 void writeTrackUserData(AtomWriter& writer, ByteView udta, const std::string& displayName)
 {
     if (displayName.empty()) {
-        if (!udta.empty())
+        if (!udta.empty()) {
             writer.atom(atomType("udta"), udta);
+        }
         return;
     }
     writer.begin(atomType("udta"));
     for (const Atom& atom : childAtoms(udta)) {
-        if (atom.type != atomType("name"))
+        if (atom.type != atomType("name")) {
             writer.raw(atom.whole);
+        }
     }
     writer.begin(atomType("name"));
-    for (const char letter : displayName)
+    for (const char letter : displayName) {
         writer.u8(static_cast<std::uint8_t>(letter));
+    }
     writer.end();
     writer.end();
 }
@@ -152,10 +159,11 @@ void writeMediaInformation(AtomWriter& writer, ByteView minf, const TrackRewrite
 {
     writer.begin(atomType("minf"));
     for (const Atom& atom : childAtoms(minf)) {
-        if (atom.type == atomType("stbl"))
+        if (atom.type == atomType("stbl")) {
             writeSampleTable(writer, atom.payload, track, dataStart);
-        else
+        } else {
             writer.raw(atom.whole);
+        }
     }
     writer.end();
 }
@@ -164,12 +172,13 @@ void writeMedia(AtomWriter& writer, ByteView mdia, const TrackRewrite& track, st
 {
     writer.begin(atomType("mdia"));
     for (const Atom& atom : childAtoms(mdia)) {
-        if (atom.type == atomType("mdhd"))
+        if (atom.type == atomType("mdhd")) {
             writeMediaHeader(writer, atom.payload, track);
-        else if (atom.type == atomType("minf"))
+        } else if (atom.type == atomType("minf")) {
             writeMediaInformation(writer, atom.payload, track, dataStart);
-        else
+        } else {
             writer.raw(atom.whole);
+        }
     }
     writer.end();
 }
@@ -208,10 +217,11 @@ void writeMovieHeader(AtomWriter& writer, ByteView payload, std::uint32_t timeSc
     }
     writer.raw(parts.rest.first(beforeMatrix));
     const ByteView matrix = parts.rest.subspan(beforeMatrix, matrixBytes);
-    if (scale)
+    if (scale) {
         writeScaledMatrix(writer, matrix, *scale);
-    else
+    } else {
         writer.raw(matrix);
+    }
     const std::array<std::uint8_t, markerBytes> noMarkers{};
     writer.raw(edited ? ByteView(noMarkers) : parts.rest.subspan(beforeMatrix + matrixBytes, markerBytes));
     writer.raw(parts.rest.subspan(beforeMatrix + matrixBytes + markerBytes));
@@ -240,10 +250,12 @@ void writeTrack(AtomWriter& writer, const TrackRewrite& track, std::uint64_t dat
             writer.raw(atom.whole);
         }
     }
-    if (!editsWritten)
+    if (!editsWritten) {
         writeEditList(writer, track);
-    if (!nameWritten)
+    }
+    if (!nameWritten) {
         writeTrackUserData(writer, {}, track.change.displayName);
+    }
     writer.end();
 }
 

@@ -17,16 +17,18 @@ TrackList soundTracks(const Movie& movie)
     TrackList sound;
     const TrackList tracks = movie.tracks();
     for (const std::shared_ptr<Track>& track : tracks) {
-        if (track->mediaType() == QLatin1String("soun"))
+        if (track->mediaType() == QLatin1String("soun")) {
             sound.append(track);
+        }
     }
     return sound;
 }
 
 void keepEarlier(std::optional<MediaTime>& stored, const MediaTime& candidate)
 {
-    if (!stored || secondsDouble(candidate) < secondsDouble(*stored))
+    if (!stored || secondsDouble(candidate) < secondsDouble(*stored)) {
         stored = candidate;
+    }
 }
 
 } // namespace

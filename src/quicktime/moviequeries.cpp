@@ -22,8 +22,9 @@ bool isVideoMediaType(const QString& mediaType)
 std::optional<TrackList> movieTracks(const Movie& movie)
 {
     TrackList tracks = movie.tracks();
-    if (tracks.isEmpty())
+    if (tracks.isEmpty()) {
         return std::nullopt;
+    }
     return tracks;
 }
 
@@ -32,8 +33,9 @@ TrackList movieVideoTracks(const Movie& movie)
     TrackList video;
     const TrackList tracks = movie.tracks();
     for (const std::shared_ptr<Track>& track : tracks) {
-        if (isVideoMediaType(track->mediaType()))
+        if (isVideoMediaType(track->mediaType())) {
             video.append(track);
+        }
     }
     return video;
 }
@@ -48,8 +50,9 @@ double movieDuration(const Movie& movie)
     const MediaTime duration = movie.duration();
     qint64 scaled = 0;
     // A product beyond 64 bits is no duration that a movie can have.
-    if (duration.timeScale == 0 || __builtin_mul_overflow(duration.timeValue, qint64(10000), &scaled))
+    if (duration.timeScale == 0 || __builtin_mul_overflow(duration.timeValue, qint64(10000), &scaled)) {
         return 0.0;
+    }
     const qint64 milliseconds = (scaled / duration.timeScale + 5) / 10;
     return static_cast<double>(milliseconds) / 1000.0;
 }
@@ -62,8 +65,9 @@ bool hasApertureModes()
 
 void movieDisplaySettings(Movie& movie)
 {
-    if (movieVideoTracks(movie).isEmpty())
+    if (movieVideoTracks(movie).isEmpty()) {
         return;
+    }
     if (hasApertureModes()) {
         movie.generateApertureModeDimensions();
         movie.setApertureMode(ApertureMode::EncodedPixels);

@@ -23,14 +23,16 @@ std::optional<Speed> uniformSpeed(const EditTimeline& timeline)
         speed.source += segment.duration;
         speed.shown += segment.shown;
     }
-    if (speed.source <= 0 || speed.shown <= 0)
+    if (speed.source <= 0 || speed.shown <= 0) {
         return std::nullopt;
+    }
     for (const TimelineSegment& segment : timeline.segments()) {
         const WideInteger difference =
             WideInteger(segment.shown) * speed.source - WideInteger(segment.duration) * speed.shown;
         const WideInteger oneUnit = 2 * WideInteger(std::max(speed.source, speed.shown));
-        if (difference > oneUnit || difference < -oneUnit)
+        if (difference > oneUnit || difference < -oneUnit) {
             return std::nullopt;
+        }
     }
     return speed;
 }
@@ -38,8 +40,9 @@ std::optional<Speed> uniformSpeed(const EditTimeline& timeline)
 // Few players honour the rate of an edit. A movie that was scaled as a whole therefore gets other media time scales.
 std::uint32_t scaledMediaTimeScale(std::uint32_t timeScale, const std::optional<Speed>& speed)
 {
-    if (!speed || speed->source == speed->shown)
+    if (!speed || speed->source == speed->shown) {
         return timeScale;
+    }
     const std::int64_t scaled = rescaled(timeScale, speed->source, speed->shown);
     return scaled >= 1 && scaled <= INT32_MAX ? static_cast<std::uint32_t>(scaled) : timeScale;
 }
@@ -50,13 +53,16 @@ bool isRewritable(const MovieAtoms& movie, std::string* reason)
         *reason = text;
         return false;
     };
-    if (!movie.found || movie.damaged)
+    if (!movie.found || movie.damaged) {
         return refuse("the movie header is missing or damaged");
-    if (movie.compressed || movie.fragmented)
+    }
+    if (movie.compressed || movie.fragmented) {
         return refuse("the movie header is compressed or in fragments");
+    }
     for (const TrackAtoms& track : movie.tracks) {
-        if (!track.selfContained)
+        if (!track.selfContained) {
             return refuse("media lie in other files");
+        }
     }
     return true;
 }
@@ -65,16 +71,18 @@ std::optional<TrackRewrite> rewrittenTrack(const TrackAtoms& track, const Rewrit
                                            const std::optional<Speed>& speed)
 {
     const std::optional<SampleTable> table = readSampleTable(track, request.fileSize);
-    if (!table || track.mediaTimeScale == 0)
+    if (!table || track.mediaTimeScale == 0) {
         return std::nullopt;
+    }
     TrackRewrite rewrite;
     rewrite.source = &track;
     rewrite.movieTimeScale = static_cast<std::uint32_t>(request.timeline.timeScale());
     rewrite.mediaTimeScale = scaledMediaTimeScale(track.mediaTimeScale, speed);
     const std::vector<TrackPiece> pieces = trackPieces(track, request.movie->timeScale, request.timeline);
     rewrite.selected = selectSamples(*table, pieces, track.mediaType == "soun");
-    for (const TrackPiece& piece : rewrite.selected.pieces)
+    for (const TrackPiece& piece : rewrite.selected.pieces) {
         rewrite.shownDuration += static_cast<std::uint64_t>(piece.shown);
+    }
     return rewrite;
 }
 
@@ -82,8 +90,9 @@ std::optional<TrackRewrite> rewrittenTrack(const TrackAtoms& track, const Rewrit
 
 std::optional<RewritePlan> RewritePlan::make(const RewriteRequest& request, std::string* reason)
 {
-    if (!isRewritable(*request.movie, reason))
+    if (!isRewritable(*request.movie, reason)) {
         return std::nullopt;
+    }
     RewritePlan plan;
     plan.movie_ = request.movie;
     plan.timeScale_ = static_cast<std::uint32_t>(request.timeline.timeScale());
@@ -96,10 +105,12 @@ std::optional<RewritePlan> RewritePlan::make(const RewriteRequest& request, std:
             *reason = "a sample table is damaged";
             return std::nullopt;
         }
-        if (track->selected.runs.empty())
+        if (track->selected.runs.empty()) {
             continue;
-        if (index < request.changes.size())
+        }
+        if (index < request.changes.size()) {
             track->change = request.changes[index];
+        }
         plan.duration_ = std::max(plan.duration_, track->shownDuration);
         plan.tracks_.push_back(std::move(*track));
     }
@@ -121,8 +132,9 @@ void RewritePlan::layOut()
 {
     std::vector<CopyRun*> order;
     for (TrackRewrite& track : tracks_) {
-        for (CopyRun& run : track.selected.runs)
+        for (CopyRun& run : track.selected.runs) {
             order.push_back(&run);
+        }
     }
     std::stable_sort(order.begin(), order.end(),
                      [](const CopyRun* a, const CopyRun* b) { return a->sourceOffset < b->sourceOffset; });
@@ -132,8 +144,9 @@ void RewritePlan::layOut()
         copies_.push_back(*run);
     }
     constexpr std::uint64_t mostShortOffset = 0xE0000000U; // leaves room for the header in front of the data
-    for (TrackRewrite& track : tracks_)
+    for (TrackRewrite& track : tracks_) {
         track.longOffsets = dataSize_ > mostShortOffset;
+    }
 }
 
 std::vector<std::uint8_t> RewritePlan::movieAtom(std::uint64_t dataStart) const
@@ -147,8 +160,9 @@ std::vector<std::uint8_t> RewritePlan::movieAtom(std::uint64_t dataStart) const
         } else if (atom.type == atomType("trak")) {
             const TrackAtoms& source = movie_->tracks[trackIndex++];
             for (const TrackRewrite& track : tracks_) {
-                if (track.source == &source)
+                if (track.source == &source) {
                     writeTrack(writer, track, dataStart);
+                }
             }
         } else {
             writer.raw(atom.whole);

@@ -19,8 +19,9 @@ struct MovieSlot {
 
     void release()
     {
-        if (movie == nullptr)
+        if (movie == nullptr) {
             return;
+        }
         movie.reset();
         path = QString();
     }
@@ -107,8 +108,9 @@ QString ac_qtMovieviewPathStr()
 
 bool qtkitInstantiate(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
+    }
     if (!testPresenceCocoa(path)) {
         logLine(QStringLiteral("qt qtkitInstantiate :-( fin - no file at path : %@"), {path});
         QTMOVIErelease();
@@ -142,15 +144,18 @@ std::shared_ptr<Movie> qtkitMovieInstantiateAsync(const QString& path)
 
 bool qtkitMovieviewInstantiate(const QString& path)
 {
-    if (path.isNull())
+    if (path.isNull()) {
         return false;
+    }
     if (getQTMOVIEVIEW() != nullptr) {
-        if (getQTMOVIEVIEWSTR() == path)
+        if (getQTMOVIEVIEWSTR() == path) {
             return true;
+        }
         QTMOVIEVIEWrelease();
     }
-    if (!qtkitInstantiate(path))
+    if (!qtkitInstantiate(path)) {
         return false;
+    }
     setQTMOVIEVIEW(getQTMOVIE());
     return true;
 }

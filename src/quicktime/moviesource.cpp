@@ -35,8 +35,9 @@ TrackAtoms madeUpTrack(const StreamFacts& stream, qint32 timeScale)
     track.mediaDuration = static_cast<std::uint64_t>(start + duration);
     track.duration = track.mediaDuration;
     track.hasEdits = true;
-    if (start > 0)
+    if (start > 0) {
         track.edits.push_back({static_cast<std::uint64_t>(start), -1, 65536});
+    }
     track.edits.push_back({static_cast<std::uint64_t>(duration), start, 65536});
     return track;
 }
@@ -63,8 +64,9 @@ std::optional<FileIdentity> fileIdentity(const QString& path)
 {
     struct stat status {
     };
-    if (::stat(nativePath(path).constData(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (::stat(nativePath(path).constData(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
+    }
     FileIdentity identity;
     identity.device = status.st_dev;
     identity.inode = status.st_ino;
@@ -77,8 +79,9 @@ std::shared_ptr<MovieSource> MovieSource::open(const QString& path)
 {
     const std::optional<FileIdentity> identity = fileIdentity(path);
     const std::unique_ptr<AvInput> input = identity ? AvInput::open(path, openSeconds) : nullptr;
-    if (input == nullptr)
+    if (input == nullptr) {
         return nullptr;
+    }
     auto source = std::make_shared<MovieSource>();
     source->path = path;
     source->identity = *identity;
@@ -92,24 +95,30 @@ void MovieSource::takeMovieAtoms()
 {
     timeScale = usualTimeScale;
     duration = rescaled(facts.duration, timeScale, AV_TIME_BASE);
-    if (!facts.isMov)
+    if (!facts.isMov) {
         return;
+    }
     const ReadDescriptor file(path);
-    if (file.number() < 0)
+    if (file.number() < 0) {
         return;
+    }
     atoms = readMovieAtoms(readAtOf(file.number()), identity.size);
-    if (!atoms.found || atoms.timeScale == 0 || atoms.timeScale > std::uint32_t(INT32_MAX))
+    if (!atoms.found || atoms.timeScale == 0 || atoms.timeScale > std::uint32_t(INT32_MAX)) {
         return;
+    }
     timeScale = static_cast<qint32>(atoms.timeScale);
     duration = static_cast<qint64>(atoms.duration);
-    if (atoms.fragmented)
+    if (atoms.fragmented) {
         duration = 0;
-    for (const TrackAtoms& track : atoms.tracks) {
-        if (duration == 0 && !atoms.fragmented)
-            duration = std::max(duration, static_cast<qint64>(track.duration));
     }
-    if (duration == 0)
+    for (const TrackAtoms& track : atoms.tracks) {
+        if (duration == 0 && !atoms.fragmented) {
+            duration = std::max(duration, static_cast<qint64>(track.duration));
+        }
+    }
+    if (duration == 0) {
         duration = rescaled(facts.duration, timeScale, AV_TIME_BASE);
+    }
 }
 
 void MovieSource::takeTracks()
@@ -117,8 +126,9 @@ void MovieSource::takeTracks()
     // The header of a fragmented movie says nothing of its samples.
     const bool useAtoms = atoms.found && !atoms.compressed && !atoms.fragmented && !atoms.tracks.empty();
     if (!useAtoms) {
-        for (const StreamFacts& stream : facts.streams)
+        for (const StreamFacts& stream : facts.streams) {
             tracks.push_back({madeUpTrack(stream, timeScale), stream, false});
+        }
         return;
     }
     for (const TrackAtoms& track : atoms.tracks) {
@@ -127,8 +137,9 @@ void MovieSource::takeTracks()
                 return static_cast<std::uint32_t>(candidate.id) == track.id;
             });
         SourceTrack entry{track, std::nullopt, true};
-        if (stream != facts.streams.end())
+        if (stream != facts.streams.end()) {
             entry.stream = *stream;
+        }
         tracks.push_back(entry);
     }
 }
@@ -138,8 +149,9 @@ void MovieSource::scanPackets()
 {
     scanned_ = true;
     const std::unique_ptr<AvInput> input = AvInput::open(path, openSeconds);
-    if (input == nullptr)
+    if (input == nullptr) {
         return;
+    }
     input->allowSeconds(scanSeconds);
     std::map<int, std::vector<std::int64_t>> times;
     const PacketPointer packet(av_packet_alloc());
@@ -155,22 +167,25 @@ void MovieSource::scanPackets()
         }
         av_packet_unref(packet.get());
     }
-    if (error != AVERROR_EOF)
+    if (error != AVERROR_EOF) {
         logLine(QStringLiteral("media               :-/ samples not counted to the end : %@ : %@"),
                 {avErrorText(error), path});
+    }
     for (std::size_t track = 0; track < tracks.size(); ++track) {
-        if (tracks[track].stream && error == AVERROR_EOF)
+        if (tracks[track].stream && error == AVERROR_EOF) {
             tables_[track] = tableOf(times[tracks[track].stream->index]);
+        }
     }
 }
 
 const SampleTable& MovieSource::sampleTable(std::size_t track)
 {
     if (tables_.count(track) == 0) {
-        if (tracks[track].fromAtoms)
+        if (tracks[track].fromAtoms) {
             tables_[track] = readSampleTable(tracks[track].atoms, identity.size).value_or(SampleTable());
-        else if (!scanned_)
+        } else if (!scanned_) {
             scanPackets();
+        }
     }
     return tables_[track];
 }

@@ -14,8 +14,9 @@ namespace
 // False when neither the plain nor, where allowed, the asynchronous way opens the file.
 bool openForView(const QString& path, MovieView& view, bool asyncFlag)
 {
-    if (qtkitMovieviewInstantiate(path))
+    if (qtkitMovieviewInstantiate(path)) {
         return true;
+    }
     QTMOVIEVIEWrelease();
     view.setMovie(getQTMOVIEVIEW());
     if (!asyncFlag) {
@@ -33,11 +34,13 @@ bool openForView(const QString& path, MovieView& view, bool asyncFlag)
 
 bool movie2MovieView(const QString& path, MovieView& view, bool asyncFlag)
 {
-    if (!openForView(stringByExpandingTildeInPath(path), view, asyncFlag))
+    if (!openForView(stringByExpandingTildeInPath(path), view, asyncFlag)) {
         return false;
+    }
     const std::shared_ptr<Movie> movie = getQTMOVIE();
-    if (movie != nullptr)
+    if (movie != nullptr) {
         movieDisplaySettings(*movie);
+    }
     view.setMovie(movie);
     logDebug(QStringLiteral("qt movie2MovieVie:-) fin"));
     return true;

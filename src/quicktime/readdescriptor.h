@@ -22,8 +22,9 @@ public:
     ReadDescriptor& operator=(const ReadDescriptor&) = delete;
     ~ReadDescriptor()
     {
-        if (number_ >= 0)
+        if (number_ >= 0) {
             ::close(number_);
+        }
     }
     [[nodiscard]] int number() const { return number_; }
 

@@ -29,12 +29,14 @@ std::vector<KeptRange> merged(std::vector<PieceRange> needed)
     std::sort(needed.begin(), needed.end(), [](const PieceRange& a, const PieceRange& b) { return a.first < b.first; });
     std::vector<KeptRange> ranges;
     for (const PieceRange& need : needed) {
-        if (need.last <= need.first)
+        if (need.last <= need.first) {
             continue;
-        if (!ranges.empty() && need.first <= ranges.back().last)
+        }
+        if (!ranges.empty() && need.first <= ranges.back().last) {
             ranges.back().last = std::max(ranges.back().last, need.last);
-        else
+        } else {
             ranges.push_back({need.first, need.last, 0, 0});
+        }
     }
     return ranges;
 }
@@ -46,19 +48,22 @@ std::vector<TrackPiece> shifted(const std::vector<TrackPiece>& pieces, const std
     std::vector<TrackPiece> result = pieces;
     for (std::size_t index = 0; index < result.size(); ++index) {
         TrackPiece& piece = result[index];
-        if (piece.empty)
+        if (piece.empty) {
             continue;
+        }
         const PieceRange& need = needed[index];
         const auto range = std::find_if(ranges.begin(), ranges.end(), [&need](const KeptRange& kept) {
             return need.last > need.first && need.first >= kept.first && need.last <= kept.last;
         });
-        if (range == ranges.end())
+        if (range == ranges.end()) {
             piece.empty = true;
-        else
+        } else {
             piece.mediaStart += range->newStart - range->oldStart;
+        }
     }
-    while (!result.empty() && result.back().empty)
+    while (!result.empty() && result.back().empty) {
         result.pop_back();
+    }
     return result;
 }
 
@@ -90,14 +95,16 @@ public:
         std::int64_t earliest = end;
         for (; index < stop; ++index) {
             const std::int64_t shown = shownAt(index);
-            if (shown >= end || shown + std::max<std::int64_t>(samples_[index].duration, 1) <= piece.mediaStart)
+            if (shown >= end || shown + std::max<std::int64_t>(samples_[index].duration, 1) <= piece.mediaStart) {
                 continue;
+            }
             range.first = std::min(range.first, index);
             range.last = index + 1;
             earliest = std::min(earliest, shown);
         }
-        if (range.last <= range.first)
+        if (range.last <= range.first) {
             return {0, 0};
+        }
         range.first = decodableFrom(range.first, earliest);
         return range;
     }
@@ -119,10 +126,12 @@ private:
     // Pictures shown before their key picture lean on the one before it.
     [[nodiscard]] std::size_t decodableFrom(std::size_t index, std::int64_t earliestShown) const
     {
-        if (isSound_)
+        if (isSound_) {
             return index - std::min(index, soundPreroll);
-        while (index > 0 && !(samples_[index].sync && shownAt(index) <= earliestShown))
+        }
+        while (index > 0 && !(samples_[index].sync && shownAt(index) <= earliestShown)) {
             --index;
+        }
         return index;
     }
 
@@ -150,8 +159,9 @@ SelectedTrack selectedSamples(const SampleTable& table, const std::vector<TrackP
     const SampleChooser chooser(table, isSound);
     std::vector<PieceRange> needed;
     needed.reserve(pieces.size());
-    for (const TrackPiece& piece : pieces)
+    for (const TrackPiece& piece : pieces) {
         needed.push_back(piece.empty ? PieceRange{} : chooser.needed(piece));
+    }
     std::vector<KeptRange> ranges = merged(needed);
     SelectedTrack selected;
     selected.table.constantSize = table.constantSize;
@@ -190,8 +200,9 @@ SelectedTrack selectedChunks(const SampleTable& table, const std::vector<TrackPi
 {
     std::vector<PieceRange> needed;
     needed.reserve(pieces.size());
-    for (const TrackPiece& piece : pieces)
+    for (const TrackPiece& piece : pieces) {
         needed.push_back(piece.empty ? PieceRange{} : neededChunks(table.chunks, piece));
+    }
     std::vector<KeptRange> ranges = merged(needed);
     SelectedTrack selected;
     selected.table.packed = true;

@@ -41,8 +41,9 @@ bool readChunks(ByteView stbl, ChunkPlan& plan)
 {
     const bool isLong = childPayload(stbl, atomType("stco")).empty();
     TableHead offsets = tableHead(childPayload(stbl, isLong ? atomType("co64") : atomType("stco")));
-    for (std::uint32_t index = 0; index < offsets.count && offsets.reader.ok(); ++index)
+    for (std::uint32_t index = 0; index < offsets.count && offsets.reader.ok(); ++index) {
         plan.offsets.push_back(isLong ? offsets.reader.u64() : offsets.reader.u32());
+    }
     TableHead runs = tableHead(childPayload(stbl, atomType("stsc")));
     for (std::uint32_t index = 0; index < runs.count && runs.reader.ok(); ++index) {
         ChunkRun run;
@@ -50,8 +51,9 @@ bool readChunks(ByteView stbl, ChunkPlan& plan)
         run.samples = runs.reader.u32();
         run.description = runs.reader.u32();
         const bool inOrder = plan.runs.empty() || run.firstChunk > plan.runs.back().firstChunk;
-        if (run.firstChunk == 0 || run.samples == 0 || !inOrder)
+        if (run.firstChunk == 0 || run.samples == 0 || !inOrder) {
             return false;
+        }
         plan.runs.push_back(run);
     }
     const bool startsAtFirst = plan.offsets.empty() || (!plan.runs.empty() && plan.runs.front().firstChunk == 1);
@@ -65,8 +67,9 @@ public:
     explicit ChunkWalker(const ChunkPlan& plan) : plan_(plan) {}
     const ChunkRun& runOf(std::size_t chunk)
     {
-        while (run_ + 1 < plan_.runs.size() && plan_.runs[run_ + 1].firstChunk <= chunk + 1)
+        while (run_ + 1 < plan_.runs.size() && plan_.runs[run_ + 1].firstChunk <= chunk + 1) {
             ++run_;
+        }
         return plan_.runs[run_];
     }
 
@@ -97,8 +100,9 @@ SizeTable sizeTable(ByteView stbl)
 bool hasUnitDurations(ByteView stbl)
 {
     TableHead times = tableHead(childPayload(stbl, atomType("stts")));
-    if (times.count != 1)
+    if (times.count != 1) {
         return false;
+    }
     times.reader.skip(4);
     return times.reader.u32() == 1 && times.reader.ok();
 }
@@ -121,8 +125,9 @@ bool fillChunks(const TrackAtoms& track, const ChunkPlan& plan, std::uint64_t sa
         chunk.samples = static_cast<std::uint32_t>(std::min<std::uint64_t>(run.samples, sampleCount - sample));
         chunk.description = run.description;
         chunk.size = packedSoundBytes(track.description, table.constantSize, chunk.samples);
-        if (chunk.size == 0 || !fitsFile(chunk.offset, chunk.size, fileSize))
+        if (chunk.size == 0 || !fitsFile(chunk.offset, chunk.size, fileSize)) {
             return false;
+        }
         table.chunks.push_back(chunk);
         sample += chunk.samples;
     }
@@ -131,8 +136,9 @@ bool fillChunks(const TrackAtoms& track, const ChunkPlan& plan, std::uint64_t sa
 
 bool fillSamples(const ChunkPlan& plan, SizeTable& sizes, std::uint64_t fileSize, SampleTable& table)
 {
-    if (sizes.count > mostSamples || (sizes.constantSize != 0 && sizes.count > fileSize / sizes.constantSize))
+    if (sizes.count > mostSamples || (sizes.constantSize != 0 && sizes.count > fileSize / sizes.constantSize)) {
         return false;
+    }
     ChunkWalker walker(plan);
     for (std::size_t index = 0; index < plan.offsets.size() && table.samples.size() < sizes.count; ++index) {
         const ChunkRun& run = walker.runOf(index);
@@ -143,8 +149,9 @@ bool fillSamples(const ChunkPlan& plan, SizeTable& sizes, std::uint64_t fileSize
             sample.size = sizes.constantSize != 0 ? sizes.constantSize : sizes.sizes.u32();
             sample.chunk = static_cast<std::uint32_t>(index);
             sample.description = static_cast<std::uint16_t>(std::min<std::uint32_t>(run.description, UINT16_MAX));
-            if (!sizes.sizes.ok() || !fitsFile(sample.offset, sample.size, fileSize))
+            if (!sizes.sizes.ok() || !fitsFile(sample.offset, sample.size, fileSize)) {
                 return false;
+            }
             table.samples.push_back(sample);
             offset += sample.size;
         }
@@ -159,10 +166,12 @@ bool fillDurations(ByteView stbl, SampleTable& table)
     for (std::uint32_t index = 0; index < times.count && sample < table.samples.size(); ++index) {
         const std::uint32_t count = times.reader.u32();
         const std::uint32_t duration = times.reader.u32();
-        if (!times.reader.ok())
+        if (!times.reader.ok()) {
             return false;
-        for (std::uint32_t held = 0; held < count && sample < table.samples.size(); ++held)
+        }
+        for (std::uint32_t held = 0; held < count && sample < table.samples.size(); ++held) {
             table.samples[sample++].duration = duration;
+        }
     }
     return sample == table.samples.size();
 }
@@ -176,10 +185,12 @@ bool fillCompositionOffsets(ByteView stbl, SampleTable& table)
     for (std::uint32_t index = 0; index < offsets.count && sample < table.samples.size(); ++index) {
         const std::uint32_t count = offsets.reader.u32();
         const std::int32_t offset = offsets.reader.s32();
-        if (!offsets.reader.ok())
+        if (!offsets.reader.ok()) {
             return false;
-        for (std::uint32_t held = 0; held < count && sample < table.samples.size(); ++held)
+        }
+        for (std::uint32_t held = 0; held < count && sample < table.samples.size(); ++held) {
             table.samples[sample++].compositionOffset = offset;
+        }
     }
     return true;
 }
@@ -188,17 +199,21 @@ bool fillSync(ByteView stbl, SampleTable& table)
 {
     const ByteView stss = childPayload(stbl, atomType("stss"));
     table.hasSyncTable = !stss.empty();
-    if (!table.hasSyncTable)
+    if (!table.hasSyncTable) {
         return true;
-    for (Sample& sample : table.samples)
+    }
+    for (Sample& sample : table.samples) {
         sample.sync = false;
+    }
     TableHead numbers = tableHead(stss);
     for (std::uint32_t index = 0; index < numbers.count; ++index) {
         const std::uint32_t number = numbers.reader.u32();
-        if (!numbers.reader.ok())
+        if (!numbers.reader.ok()) {
             return false;
-        if (number >= 1 && number <= table.samples.size())
+        }
+        if (number >= 1 && number <= table.samples.size()) {
             table.samples[number - 1].sync = true;
+        }
     }
     return true;
 }
@@ -221,8 +236,9 @@ std::uint64_t uncompressedFrameBytes(const DescriptionAtom& description)
                                                    {atomType("alaw"), 1},
                                                    {atomType("ulaw"), 1}}};
     for (const Width& width : widths) {
-        if (width.format != description.format || description.channels <= 0)
+        if (width.format != description.format || description.channels <= 0) {
             continue;
+        }
         const auto bytes =
             width.bytes != 0 ? width.bytes : static_cast<std::uint64_t>(std::max(0, description.sampleSize) / 8);
         return bytes * static_cast<std::uint64_t>(description.channels);
@@ -235,12 +251,15 @@ std::uint64_t uncompressedFrameBytes(const DescriptionAtom& description)
 std::uint64_t packedSoundBytes(const DescriptionAtom& description, std::uint32_t constantSize, std::uint64_t samples)
 {
     const std::uint64_t frame = uncompressedFrameBytes(description);
-    if (frame != 0)
+    if (frame != 0) {
         return samples * frame;
-    if (description.version == 2 && description.bytesPerPacket != 0)
+    }
+    if (description.version == 2 && description.bytesPerPacket != 0) {
         return samples * description.bytesPerPacket;
-    if (description.version == 1 && description.samplesPerPacket > 1 && description.bytesPerFrame != 0)
+    }
+    if (description.version == 1 && description.samplesPerPacket > 1 && description.bytesPerFrame != 0) {
         return samples / description.samplesPerPacket * description.bytesPerFrame;
+    }
     return samples * constantSize;
 }
 
@@ -248,16 +267,18 @@ std::optional<SampleTable> readSampleTable(const TrackAtoms& track, std::uint64_
 {
     SizeTable sizes = sizeTable(track.stbl);
     ChunkPlan plan;
-    if (!sizes.ok || !readChunks(track.stbl, plan))
+    if (!sizes.ok || !readChunks(track.stbl, plan)) {
         return std::nullopt;
+    }
     SampleTable table;
     table.constantSize = sizes.constantSize;
     table.packed = track.mediaType == "soun" && sizes.constantSize != 0 && hasUnitDurations(track.stbl);
     const bool read = table.packed ? fillChunks(track, plan, sizes.count, fileSize, table)
                                    : fillSamples(plan, sizes, fileSize, table) && fillDurations(track.stbl, table) &&
                                          fillCompositionOffsets(track.stbl, table) && fillSync(track.stbl, table);
-    if (!read)
+    if (!read) {
         return std::nullopt;
+    }
     return table;
 }
 

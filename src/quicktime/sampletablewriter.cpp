@@ -17,19 +17,22 @@ template <typename Value> using Runs = std::vector<std::pair<std::uint32_t, Valu
 
 template <typename Value> void addToRuns(Runs<Value>& runs, Value value)
 {
-    if (!runs.empty() && runs.back().second == value)
+    if (!runs.empty() && runs.back().second == value) {
         ++runs.back().first;
-    else
+    } else {
         runs.emplace_back(1U, value);
+    }
 }
 
 void writeDecodeTimes(AtomWriter& writer, const SelectedTrack& selected)
 {
     Runs<std::uint32_t> runs;
-    for (const Sample& sample : selected.table.samples)
+    for (const Sample& sample : selected.table.samples) {
         addToRuns(runs, sample.duration);
-    if (selected.table.packed && selected.packedSamples > 0)
+    }
+    if (selected.table.packed && selected.packedSamples > 0) {
         runs.emplace_back(static_cast<std::uint32_t>(selected.packedSamples), 1U);
+    }
     writer.begin(atomType("stts"));
     writer.u32(0);
     writer.u32(static_cast<std::uint32_t>(runs.size()));
@@ -42,8 +45,9 @@ void writeDecodeTimes(AtomWriter& writer, const SelectedTrack& selected)
 
 void writeCompositionOffsets(AtomWriter& writer, const SelectedTrack& selected)
 {
-    if (!selected.table.hasCompositionOffsets)
+    if (!selected.table.hasCompositionOffsets) {
         return;
+    }
     Runs<std::int32_t> runs;
     bool negative = false;
     for (const Sample& sample : selected.table.samples) {
@@ -62,18 +66,21 @@ void writeCompositionOffsets(AtomWriter& writer, const SelectedTrack& selected)
 
 void writeSyncSamples(AtomWriter& writer, const SelectedTrack& selected)
 {
-    if (!selected.table.hasSyncTable)
+    if (!selected.table.hasSyncTable) {
         return;
+    }
     std::vector<std::uint32_t> numbers;
     for (std::size_t index = 0; index < selected.table.samples.size(); ++index) {
-        if (selected.table.samples[index].sync)
+        if (selected.table.samples[index].sync) {
             numbers.push_back(static_cast<std::uint32_t>(index + 1));
+        }
     }
     writer.begin(atomType("stss"));
     writer.u32(0);
     writer.u32(static_cast<std::uint32_t>(numbers.size()));
-    for (const std::uint32_t number : numbers)
+    for (const std::uint32_t number : numbers) {
         writer.u32(number);
+    }
     writer.end();
 }
 
@@ -86,8 +93,9 @@ void writeSizes(AtomWriter& writer, const SelectedTrack& selected)
     writer.u32(table.constantSize);
     writer.u32(static_cast<std::uint32_t>(count));
     if (table.constantSize == 0) {
-        for (const Sample& sample : table.samples)
+        for (const Sample& sample : table.samples) {
             writer.u32(sample.size);
+        }
     }
     writer.end();
 }
@@ -103,8 +111,9 @@ void writeChunkRuns(AtomWriter& writer, const std::vector<CopyRun>& runs)
     for (std::size_t index = 0; index < runs.size(); ++index) {
         const auto samples = static_cast<std::uint32_t>(runs[index].samples);
         if (entries.empty() || entries.back().samples != samples ||
-            entries.back().description != runs[index].description)
+            entries.back().description != runs[index].description) {
             entries.push_back({static_cast<std::uint32_t>(index + 1), samples, runs[index].description});
+        }
     }
     writer.begin(atomType("stsc"));
     writer.u32(0);
@@ -124,10 +133,11 @@ void writeChunkOffsets(AtomWriter& writer, const TrackRewrite& track, std::uint6
     writer.u32(static_cast<std::uint32_t>(track.selected.runs.size()));
     for (const CopyRun& run : track.selected.runs) {
         const std::uint64_t offset = run.newOffset + dataStart;
-        if (track.longOffsets)
+        if (track.longOffsets) {
             writer.u64(offset);
-        else
+        } else {
             writer.u32(static_cast<std::uint32_t>(offset));
+        }
     }
     writer.end();
 }
@@ -138,8 +148,10 @@ void writePixelAspect(AtomWriter& writer, const PixelSize& shown, std::uint64_t 
     const std::uint64_t horizontal = shown.width * height;
     const std::uint64_t vertical = shown.height * width;
     const std::uint64_t divisor = std::gcd(horizontal, vertical);
-    if (divisor == 0 || horizontal == vertical || horizontal / divisor > UINT32_MAX || vertical / divisor > UINT32_MAX)
+    if (divisor == 0 || horizontal == vertical || horizontal / divisor > UINT32_MAX ||
+        vertical / divisor > UINT32_MAX) {
         return;
+    }
     writer.begin(atomType("pasp"));
     writer.u32(static_cast<std::uint32_t>(horizontal / divisor));
     writer.u32(static_cast<std::uint32_t>(vertical / divisor));
@@ -163,8 +175,9 @@ void writeResizedDescription(AtomWriter& writer, const Atom& entry, const PixelS
     writer.raw(bytes.subspan(8, videoEntryFields - 8));
     std::size_t end = 0;
     for (const Atom& atom : atoms) {
-        if (atom.type != atomType("pasp") && atom.type != atomType("clap"))
+        if (atom.type != atomType("pasp") && atom.type != atomType("clap")) {
             writer.raw(atom.whole);
+        }
         end = atom.offset + atom.whole.size();
     }
     writePixelAspect(writer, shown, width, height);
@@ -181,8 +194,9 @@ void writeDescriptions(AtomWriter& writer, const Atom& stsd, const TrackRewrite&
     }
     writer.begin(atomType("stsd"));
     writer.raw(stsd.payload.first(head));
-    for (const Atom& entry : childAtoms(stsd.payload.subspan(head)))
+    for (const Atom& entry : childAtoms(stsd.payload.subspan(head))) {
         writeResizedDescription(writer, entry, *track.change.size);
+    }
     writer.end();
 }
 
@@ -192,8 +206,9 @@ void writeSampleTable(AtomWriter& writer, ByteView stbl, const TrackRewrite& tra
 {
     writer.begin(atomType("stbl"));
     for (const Atom& atom : childAtoms(stbl)) {
-        if (atom.type == atomType("stsd"))
+        if (atom.type == atomType("stsd")) {
             writeDescriptions(writer, atom, track);
+        }
     }
     writeDecodeTimes(writer, track.selected);
     writeCompositionOffsets(writer, track.selected);

@@ -14,10 +14,12 @@ SoundSink::SoundSink(const EditTimeline& timeline, int sampleRate, int channels,
         stretch.start = rescaled(segment.start, sampleRate, timeline.timeScale());
         stretch.length = rescaled(segment.start + segment.duration, sampleRate, timeline.timeScale()) - stretch.start;
         stretch.shown = rescaled(segment.shown, sampleRate, timeline.timeScale());
-        if (segment.shown == segment.duration)
+        if (segment.shown == segment.duration) {
             stretch.shown = stretch.length;
-        if (stretch.length > 0 && stretch.shown > 0)
+        }
+        if (stretch.length > 0 && stretch.shown > 0) {
             segments_.push_back(stretch);
+        }
     }
 }
 
@@ -26,10 +28,12 @@ bool SoundSink::add(std::int64_t position, std::span<const std::int16_t> samples
     const auto channels = static_cast<std::size_t>(channels_);
     const auto frames = static_cast<std::int64_t>(samples.size() / channels);
     const std::int64_t from = std::max(position_ - position, std::int64_t(0));
-    if (from >= frames)
+    if (from >= frames) {
         return true;
-    if (!addSilence(position + from))
+    }
+    if (!addSilence(position + from)) {
         return false;
+    }
     pending_.clear();
     for (std::int64_t frame = from; frame < frames && !finished(); ++frame) {
         addFrame(samples.subspan(static_cast<std::size_t>(frame) * channels, channels));
@@ -50,8 +54,9 @@ bool SoundSink::addSilence(std::int64_t upTo)
         }
         addFrame(silence);
         if (pending_.size() >= flushAt) {
-            if (!write_(pending_))
+            if (!write_(pending_)) {
                 return false;
+            }
             pending_.clear();
         }
     }
@@ -63,8 +68,9 @@ void SoundSink::addFrame(std::span<const std::int16_t> frame)
 {
     const std::int64_t position = position_++;
     const Stretch& stretch = segments_[segment_];
-    if (position < stretch.start)
+    if (position < stretch.start) {
         return;
+    }
     const std::int64_t offset = position - stretch.start;
     writeUpTo(stretch, offset, frame);
     std::copy(frame.begin(), frame.end(), previous_.begin());
@@ -85,8 +91,9 @@ void SoundSink::writeUpTo(const Stretch& stretch, std::int64_t offset, std::span
     const double step = static_cast<double>(stretch.length) / static_cast<double>(stretch.shown);
     while (written_ < stretch.shown) {
         const double place = static_cast<double>(written_) * step;
-        if (place > static_cast<double>(offset))
+        if (place > static_cast<double>(offset)) {
             break;
+        }
         const double weight = offset == 0 ? 1.0 : place - static_cast<double>(offset - 1);
         for (std::size_t channel = 0; channel < frame.size(); ++channel) {
             const double value = previous_[channel] * (1.0 - weight) + frame[channel] * weight;

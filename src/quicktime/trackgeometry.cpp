@@ -18,15 +18,17 @@ MediaSize pixels(const AtomSize& size)
 double pixelAspect(const SourceTrack& track)
 {
     const DescriptionAtom& description = track.atoms.description;
-    if (description.pixelAspectH != 0 && description.pixelAspectV != 0)
+    if (description.pixelAspectH != 0 && description.pixelAspectV != 0) {
         return static_cast<double>(description.pixelAspectH) / description.pixelAspectV;
+    }
     return track.stream ? track.stream->pixelAspect : 1.0;
 }
 
 MediaSize cleanSize(const SourceTrack& track)
 {
-    if (track.atoms.clef)
+    if (track.atoms.clef) {
         return pixels(*track.atoms.clef);
+    }
     const std::optional<CleanAperture>& clean = track.atoms.description.cleanAperture;
     const MediaSize stored = clean ? MediaSize{clean->width, clean->height} : encodedSize(track);
     return {stored.width * pixelAspect(track), stored.height};
@@ -46,22 +48,27 @@ quint32 codeIn(const AVCodecTag* table, AVCodecID codec)
 
 quint32 codeOfPicture(const StreamFacts& stream, bool isAvi)
 {
-    if (isAvi && stream.tag != 0)
+    if (isAvi && stream.tag != 0) {
         return stream.tag;
-    if (const quint32 code = codeIn(avformat_get_mov_video_tags(), stream.codec); code != 0)
+    }
+    if (const quint32 code = codeIn(avformat_get_mov_video_tags(), stream.codec); code != 0) {
         return code;
+    }
     return stream.tag != 0 ? stream.tag : codeIn(avformat_get_riff_video_tags(), stream.codec);
 }
 
 quint32 codeOfSound(const StreamFacts& stream)
 {
     constexpr quint32 waveFormat = fourCharCode("ms  ") & 0xFFFF0000U; // with the format number of a WAVE header
-    if (stream.codec == AV_CODEC_ID_AC3)
+    if (stream.codec == AV_CODEC_ID_AC3) {
         return waveFormat | 0x2000U;
-    if (stream.codec == AV_CODEC_ID_WMAV2)
+    }
+    if (stream.codec == AV_CODEC_ID_WMAV2) {
         return fourCharCode("wma2");
-    if (const quint32 code = codeIn(avformat_get_mov_audio_tags(), stream.codec); code != 0)
+    }
+    if (const quint32 code = codeIn(avformat_get_mov_audio_tags(), stream.codec); code != 0) {
         return code;
+    }
     const quint32 number = fourCharCodeOfTag(stream.tag);
     return number <= 0xFFFFU && number != 0 ? waveFormat | number : stream.tag;
 }
@@ -74,10 +81,12 @@ quint32 codeOfStream(const StreamFacts& stream, bool isAvi)
 
 void takeSoundFacts(const StreamFacts& stream, SampleDescription& description)
 {
-    if (stream.channels > 0)
+    if (stream.channels > 0) {
         description.channels = stream.channels;
-    if (stream.sampleRate > 0)
+    }
+    if (stream.sampleRate > 0) {
         description.sampleRateFixed = static_cast<quint64>(stream.sampleRate) << 16;
+    }
 }
 
 } // namespace
@@ -85,10 +94,12 @@ void takeSoundFacts(const StreamFacts& stream, SampleDescription& description)
 MediaSize encodedSize(const SourceTrack& track)
 {
     const DescriptionAtom& description = track.atoms.description;
-    if (description.width > 0 && description.height > 0)
+    if (description.width > 0 && description.height > 0) {
         return {static_cast<double>(description.width), static_cast<double>(description.height)};
-    if (track.stream && track.stream->type == AVMEDIA_TYPE_VIDEO)
+    }
+    if (track.stream && track.stream->type == AVMEDIA_TYPE_VIDEO) {
         return {static_cast<double>(track.stream->width), static_cast<double>(track.stream->height)};
+    }
     return {};
 }
 
@@ -111,11 +122,13 @@ MediaSize apertureSize(const SourceTrack& track, ApertureMode mode)
 
 MediaSize shownSize(const SourceTrack& track)
 {
-    if (track.atoms.clef)
+    if (track.atoms.clef) {
         return pixels(*track.atoms.clef);
+    }
     const MediaSize header = pixels(track.atoms.size);
-    if (header.width > 0 && header.height > 0)
+    if (header.width > 0 && header.height > 0) {
         return header;
+    }
     return isPicture(track) ? cleanSize(track) : MediaSize();
 }
 
@@ -163,8 +176,9 @@ SampleDescription describedSample(const SourceTrack& track, bool isAvi)
     description.sampleSize = atom.sampleSize;
     description.sampleRateFixed = atom.sampleRateFixed;
     // Writers of AAC put fixed values into these fields; only the decoder knows.
-    if (atom.format == atomType("mp4a") && track.stream)
+    if (atom.format == atomType("mp4a") && track.stream) {
         takeSoundFacts(*track.stream, description);
+    }
     return description;
 }
 

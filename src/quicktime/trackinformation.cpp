@@ -53,8 +53,9 @@ float addMovieKeys(const Movie& movie, MediaInfoRecord& record)
     if (width == 0 || height == 0) {
         record.insert(record::w_qtasync, 1);
         logLine(QStringLiteral("Erreur              : Movie lisible mais sans info wrapper (async?)"));
-        if (getDEBUGDEV() != 0)
+        if (getDEBUGDEV() != 0) {
             displayAlert(QStringLiteral("qt size: 0x0"), QString(), 0, nullptr);
+        }
         return 0.0F;
     }
     record.insert(record::w_width, width);
@@ -92,8 +93,9 @@ void addCrop(const Track& track, int number, const QString& pixelAspect, const P
 void addVideoKeys(Track& track, int number, float movieRatio, float rate, MediaInfoRecord& record)
 {
     const QString name = videoCodecName(sampleFormatText(track.mediaType(), track.sampleDescription()));
-    if (name != QLatin1String("raw"))
+    if (name != QLatin1String("raw")) {
         record.insert(record::stream('v', number, "codec"), name);
+    }
     PictureSizes sizes;
     DisplaySize display{1, 1};
     if (hasApertureModes()) {
@@ -119,8 +121,9 @@ void addSoundKeys(const Track& track, int number, MediaInfoRecord& record)
 {
     const SampleDescription description = track.sampleDescription();
     const QString name = audioCodecName(sampleFormatText(track.mediaType(), description));
-    if (name != QLatin1String("raw"))
+    if (name != QLatin1String("raw")) {
         record.insert(record::stream('a', number, "codec"), name);
+    }
     record.insert(record::stream('a', number, "channels"), description.channels);
     record.insert(record::stream('a', number, "bits"), description.sampleSize);
     record.insert(record::stream('a', number, "rate"),
@@ -134,14 +137,16 @@ void addTrackKeys(const TrackList& tracks, float movieRatio, float rate, MediaIn
     for (qsizetype index = 0; index < tracks.size(); ++index) {
         Track& track = *tracks.at(index);
         const QString mediaType = track.mediaType();
-        if (mediaType.isNull() || mediaType == QLatin1String("twen"))
+        if (mediaType.isNull() || mediaType == QLatin1String("twen")) {
             continue;
-        if (isVideoMediaType(mediaType))
+        }
+        if (isVideoMediaType(mediaType)) {
             addVideoKeys(track, videos++, movieRatio, rate, record);
-        else if (mediaType == QLatin1String("soun"))
+        } else if (mediaType == QLatin1String("soun")) {
             addSoundKeys(track, sounds++, record);
-        else
+        } else {
             record.insert(formatText(QStringLiteral("toto%d_mediaAttributes"), {static_cast<int>(index)}), mediaType);
+        }
     }
 }
 
@@ -149,26 +154,30 @@ void addTrackKeys(const TrackList& tracks, float movieRatio, float rate, MediaIn
 void repairNsav(const QString& path)
 {
     logLine(QStringLiteral("qt>infosQtMovieTr:-( nsav"));
-    if (!disponible(path))
+    if (!disponible(path)) {
         return;
+    }
     QTMOVIErelease();
     const QString output = taskArray({QStringLiteral("atompatch"), QStringLiteral("-i"), path, QStringLiteral("-f"),
                                       QStringLiteral("nsav"), QStringLiteral("-o"), QStringLiteral("self")},
                                      true);
     logDebug(QStringLiteral("%@"), {output});
     desktopServices().noteFileSystemChanged(path);
-    if (!qtkitInstantiate(path))
+    if (!qtkitInstantiate(path)) {
         logLine(QStringLiteral("Erreur              : Movie illisible"));
+    }
 }
 
 void addNsavKey(const QString& path, MediaInfoRecord& record)
 {
     const QString name = lastPathComponent(path);
     const bool named = name == QLatin1String("mov") || name == QLatin1String("qtl");
-    if (!named || record.contains(record::w_qtasync))
+    if (!named || record.contains(record::w_qtasync)) {
         return;
-    if (nsavQtMovie(path))
+    }
+    if (nsavQtMovie(path)) {
         repairNsav(path);
+    }
     record.insert(record::w_nsav, nsavQtMovie(path));
 }
 
@@ -202,14 +211,18 @@ DisplaySize chosenDisplaySize(const PictureSizes& sizes, float movieRatio)
     const float cleanRatio = ratio(sizes.cleanWidth, sizes.cleanHeight);
     const float encodedRatio = ratio(sizes.encodedWidth, sizes.encodedHeight);
     const bool differs = !isNear(cleanRatio, encodedRatio) || cleanRatio == 1.77F;
-    if (differs && !isNear(cleanRatio, 1.33F))
+    if (differs && !isNear(cleanRatio, 1.33F)) {
         return clean;
-    if (isNear(cleanRatio, movieRatio))
+    }
+    if (isNear(cleanRatio, movieRatio)) {
         return clean;
-    if (isNear(cleanRatio, 1.33F) && isNear(movieRatio, 1.77F))
+    }
+    if (isNear(cleanRatio, 1.33F) && isNear(movieRatio, 1.77F)) {
         return {16 * sizes.encodedHeight / 9, sizes.encodedHeight};
-    if (isNear(movieRatio, encodedRatio))
+    }
+    if (isNear(movieRatio, encodedRatio)) {
         return clean;
+    }
     return {sizes.trackWidth, sizes.trackHeight};
 }
 
@@ -224,8 +237,9 @@ MediaInfoRecord infosQtMovieTrack(const QString& path)
 MediaInfoRecord qtDico(const QString& path)
 {
     MediaInfoRecord record = infosQtMovieTrack(path);
-    if (record.size() > 1)
+    if (record.size() > 1) {
         record.insert(qtOffsetMs(path));
+    }
     return record;
 }
 

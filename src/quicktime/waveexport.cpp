@@ -138,57 +138,68 @@ bool WaveExport::failedWrite()
 bool WaveExport::openDecoder(const QString& sourcePath)
 {
     input_ = AvInput::open(sourcePath, openSeconds);
-    if (input_ == nullptr)
+    if (input_ == nullptr) {
         return failed(QStringLiteral("the source cannot be opened"));
+    }
     input_->allowSeconds(0);
     AVFormatContext* context = input_->context();
     for (unsigned int index = 0; index < context->nb_streams; ++index) {
         AVStream* stream = context->streams[index];
-        if (stream_ == nullptr && stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO)
+        if (stream_ == nullptr && stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO) {
             stream_ = stream;
-        else
+        } else {
             stream->discard = AVDISCARD_ALL;
+        }
     }
     const AVCodec* codec = stream_ == nullptr ? nullptr : avcodec_find_decoder(stream_->codecpar->codec_id);
-    if (codec == nullptr)
+    if (codec == nullptr) {
         return failed(QStringLiteral("no sound that can be decoded"));
+    }
     decoder_.reset(avcodec_alloc_context3(codec));
     frame_.reset(av_frame_alloc());
-    if (decoder_ == nullptr || frame_ == nullptr)
+    if (decoder_ == nullptr || frame_ == nullptr) {
         return failed(AVERROR(ENOMEM));
+    }
     int error = avcodec_parameters_to_context(decoder_.get(), stream_->codecpar);
     decoder_->pkt_timebase = stream_->time_base;
-    if (error >= 0)
+    if (error >= 0) {
         error = avcodec_open2(decoder_.get(), codec, nullptr);
-    if (error < 0)
+    }
+    if (error < 0) {
         return failed(error);
+    }
     origin_ = fileFacts(*input_).origin;
     sampleRate_ = stream_->codecpar->sample_rate;
     channels_ = stream_->codecpar->ch_layout.nb_channels;
-    if (sampleRate_ <= 0 || channels_ <= 0)
+    if (sampleRate_ <= 0 || channels_ <= 0) {
         return failed(QStringLiteral("rate or channels of the sound are not known"));
+    }
     return true;
 }
 
 bool WaveExport::writeSamples(std::span<const std::int16_t> samples)
 {
     std::vector<std::int16_t> stored(samples.begin(), samples.end());
-    for (std::int16_t& sample : stored)
+    for (std::int16_t& sample : stored) {
         sample = qToLittleEndian(sample);
+    }
     const auto size = static_cast<qint64>(stored.size()) * static_cast<qint64>(sizeof(std::int16_t));
     constexpr qint64 mostWaveBytes = 0xFFFFFFFFLL - waveHeaderSize;
-    if (dataBytes_ + size > mostWaveBytes)
+    if (dataBytes_ + size > mostWaveBytes) {
         return failed(QStringLiteral("a WAVE file cannot hold that much sound"));
-    if (file_->write(reinterpret_cast<const char*>(stored.data()), size) != size)
+    }
+    if (file_->write(reinterpret_cast<const char*>(stored.data()), size) != size) {
         return failedWrite();
+    }
     dataBytes_ += size;
     return true;
 }
 
 bool WaveExport::takeFrame(SoundSink& sink)
 {
-    if (frame_->ch_layout.nb_channels != channels_)
+    if (frame_->ch_layout.nb_channels != channels_) {
         return failed(QStringLiteral("the sound changes its number of channels"));
+    }
     std::int64_t position = expected_;
     if (frame_->pts != AV_NOPTS_VALUE) {
         const std::int64_t time = av_rescale_q(frame_->pts, stream_->time_base, AVRational{1, AV_TIME_BASE});
@@ -198,8 +209,9 @@ bool WaveExport::takeFrame(SoundSink& sink)
             expected_ == std::numeric_limits<std::int64_t>::min() || std::abs(told - expected_) > sampleRate_ / 20;
         position = jumps ? told : expected_;
     }
-    if (position == std::numeric_limits<std::int64_t>::min())
+    if (position == std::numeric_limits<std::int64_t>::min()) {
         position = 0;
+    }
     expected_ = position + frame_->nb_samples;
     return sink.add(position, interleaved(*frame_, channels_));
 }
@@ -208,8 +220,9 @@ bool WaveExport::takeFrames(SoundSink& sink)
 {
     int error = 0;
     while ((error = avcodec_receive_frame(decoder_.get(), frame_.get())) >= 0) {
-        if (!takeFrame(sink))
+        if (!takeFrame(sink)) {
             return false;
+        }
     }
     return error == AVERROR(EAGAIN) || error == AVERROR_EOF || failed(error);
 }
@@ -217,45 +230,55 @@ bool WaveExport::takeFrames(SoundSink& sink)
 bool WaveExport::decodeAll(SoundSink& sink)
 {
     const PacketPointer packet(av_packet_alloc());
-    if (packet == nullptr)
+    if (packet == nullptr) {
         return failed(AVERROR(ENOMEM));
+    }
     int error = 0;
     while (!sink.finished() && (error = av_read_frame(input_->context(), packet.get())) >= 0) {
         if (packet->stream_index == stream_->index) {
             error = avcodec_send_packet(decoder_.get(), packet.get());
             // One bad packet is a click, not the end of the sound.
-            if (error < 0 && error != AVERROR_INVALIDDATA)
+            if (error < 0 && error != AVERROR_INVALIDDATA) {
                 return failed(error);
-            if (!takeFrames(sink))
+            }
+            if (!takeFrames(sink)) {
                 return false;
+            }
         }
         av_packet_unref(packet.get());
     }
-    if (error < 0 && error != AVERROR_EOF && error != AVERROR_INVALIDDATA)
+    if (error < 0 && error != AVERROR_EOF && error != AVERROR_INVALIDDATA) {
         return failed(error);
+    }
     error = avcodec_send_packet(decoder_.get(), nullptr);
     return error < 0 ? failed(error) : takeFrames(sink);
 }
 
 bool WaveExport::run(const QString& sourcePath, const QString& destinationPath, const EditTimeline& timeline)
 {
-    if (!openDecoder(sourcePath))
+    if (!openDecoder(sourcePath)) {
         return false;
+    }
     const std::int64_t frames = rescaled(timeline.duration(), sampleRate_, timeline.timeScale());
     if (!hasRoomFor(destinationPath, static_cast<std::uint64_t>(std::max<std::int64_t>(frames, 0)) *
-                                         static_cast<std::uint64_t>(channels_) * sizeof(std::int16_t)))
+                                         static_cast<std::uint64_t>(channels_) * sizeof(std::int16_t))) {
         return failed(QStringLiteral("not enough space on the volume"));
+    }
     file_ = std::make_unique<QSaveFile>(destinationPath);
-    if (!file_->open(QIODevice::WriteOnly))
+    if (!file_->open(QIODevice::WriteOnly)) {
         return failed(file_->errorString());
-    if (file_->write(waveHeader(sampleRate_, channels_, 0)) != waveHeaderSize)
+    }
+    if (file_->write(waveHeader(sampleRate_, channels_, 0)) != waveHeaderSize) {
         return failedWrite();
+    }
     SoundSink sink(timeline, sampleRate_, channels_,
                    [this](std::span<const std::int16_t> samples) { return writeSamples(samples); });
-    if (!decodeAll(sink))
+    if (!decodeAll(sink)) {
         return false;
-    if (!file_->seek(0) || file_->write(waveHeader(sampleRate_, channels_, dataBytes_)) != waveHeaderSize)
+    }
+    if (!file_->seek(0) || file_->write(waveHeader(sampleRate_, channels_, dataBytes_)) != waveHeaderSize) {
         return failedWrite();
+    }
     return file_->commit() || failed(file_->errorString());
 }
 
@@ -265,8 +288,9 @@ bool exportWave(const QString& sourcePath, const QString& destinationPath, const
                 QString* reason)
 {
     WaveExport job;
-    if (job.run(sourcePath, destinationPath, timeline))
+    if (job.run(sourcePath, destinationPath, timeline)) {
         return true;
+    }
     *reason = job.reason();
     return false;
 }

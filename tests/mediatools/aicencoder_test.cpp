@@ -25,8 +25,9 @@ std::atomic<int> decoderMessages;
 
 void countMessages(void*, int level, const char*, va_list)
 {
-    if (level <= AV_LOG_WARNING)
+    if (level <= AV_LOG_WARNING) {
         ++decoderMessages;
+    }
 }
 
 struct Planes {
@@ -36,9 +37,10 @@ struct Planes {
 
     Planes(int w, int h) : width(w), height(h)
     {
-        for (int plane = 0; plane < 3; ++plane)
+        for (int plane = 0; plane < 3; ++plane) {
             samples[plane].resize(static_cast<std::size_t>(planeWidth(plane)) *
                                   static_cast<std::size_t>(planeHeight(plane)));
+        }
     }
     [[nodiscard]] int planeWidth(int plane) const { return plane == 0 ? width : (width + 1) / 2; }
     [[nodiscard]] int planeHeight(int plane) const { return plane == 0 ? height : (height + 1) / 2; }
@@ -81,9 +83,10 @@ public:
         }
         for (int plane = 0; good && plane < 3; ++plane) {
             const auto width = static_cast<std::size_t>(planes.planeWidth(plane));
-            for (int y = 0; y < planes.planeHeight(plane); ++y)
+            for (int y = 0; y < planes.planeHeight(plane); ++y) {
                 std::memcpy(planes.samples[plane].data() + static_cast<std::size_t>(y) * width,
                             frame->data[plane] + static_cast<std::ptrdiff_t>(y) * frame->linesize[plane], width);
+            }
         }
         av_frame_free(&frame);
         av_packet_free(&packet);
@@ -128,8 +131,9 @@ void paint(Planes& planes, Content content, SteadyRandom& random)
         const std::uint32_t seeds[4] = {random(), random(), random(), random()};
         std::size_t next = 0;
         for (int y = 0; y < planes.planeHeight(plane); ++y) {
-            for (int x = 0; x < planes.planeWidth(plane); ++x)
+            for (int x = 0; x < planes.planeWidth(plane); ++x) {
                 planes.samples[plane][next++] = sampleOf(content, x, y, random, seeds);
+            }
         }
     }
 }
@@ -161,8 +165,9 @@ double errorOf(const Planes& source, const Planes& result, const Block& block, i
         const int y = block.y + v * block.lineStep;
         for (int u = 0; u < 8 && y < lineLimit; ++u) {
             const int x = block.x + u;
-            if (x < source.planeWidth(block.plane))
+            if (x < source.planeWidth(block.plane)) {
                 sum += std::pow(source.at(block.plane, x, y) - result.at(block.plane, x, y), 2);
+            }
         }
     }
     return std::sqrt(sum);
@@ -184,8 +189,9 @@ double worstError(const Planes& source, const Planes& result, bool interlaced)
                                   interlaced ? 2 : 1};
                 worst = std::max(worst, errorOf(source, result, block, lumaEnd));
             }
-            for (int plane = 1; plane < 3; ++plane)
+            for (int plane = 1; plane < 3; ++plane) {
                 worst = std::max(worst, errorOf(source, result, {plane, 8 * column, chroma, 1}, chromaEnd));
+            }
         }
     }
     return worst;
@@ -242,8 +248,9 @@ TEST_F(AicRoundTrip, FourHundredPicturesOfRandomSizes)
 TEST_F(AicRoundTrip, PicturesWithShortSlices)
 {
     for (const int width : {16, 592, 656, 688, 752, 848, 592 - 15}) {
-        for (const int height : {16, 24, 33})
+        for (const int height : {16, 24, 33}) {
             ASSERT_NO_FATAL_FAILURE(roundTrip(width, height, 4, random_));
+        }
     }
 }
 
@@ -258,8 +265,9 @@ TEST_F(AicRoundTrip, EverySmallSize)
 TEST_F(AicRoundTrip, LargeSizes)
 {
     for (const auto& [width, height] : std::vector<std::pair<int, int>>{
-             {1920, 1088}, {1920, 1080}, {1440, 1080}, {1366, 768}, {1280, 720}, {720, 576}, {1919, 31}, {17, 1087}})
+             {1920, 1088}, {1920, 1080}, {1440, 1080}, {1366, 768}, {1280, 720}, {720, 576}, {1919, 31}, {17, 1087}}) {
         ASSERT_NO_FATAL_FAILURE(roundTrip(width, height, 1, random_));
+    }
 }
 
 TEST_F(AicRoundTrip, WorstContentAtTheFinestQuantiser)

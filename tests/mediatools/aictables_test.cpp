@@ -87,8 +87,9 @@ TEST_P(AicGeometry, CutsThePicture)
     EXPECT_EQ(geometry.slicesPerRow, row.slicesPerRow);
     EXPECT_EQ(geometry.macroblocksOfSlice(row.slicesPerRow - 1), row.lastSlice);
     int macroblocks = 0;
-    for (int slice = 0; slice < geometry.slicesPerRow; ++slice)
+    for (int slice = 0; slice < geometry.slicesPerRow; ++slice) {
         macroblocks += geometry.macroblocksOfSlice(slice);
+    }
     EXPECT_EQ(macroblocks, row.columns);
 }
 
@@ -138,8 +139,9 @@ std::string bitsOf(const std::vector<CodeWord>& words)
     const std::uint8_t* end = writer.finish();
     EXPECT_EQ(end - memory.data(), (count + 7) / 8);
     std::string text;
-    for (std::uint32_t i = 0; i < count; ++i)
+    for (std::uint32_t i = 0; i < count; ++i) {
         text += (memory[i / 8] >> (7 - i % 8) & 1) != 0 ? '1' : '0';
+    }
     return text;
 }
 
@@ -184,8 +186,9 @@ TEST(AicBits, TablesAgreeWithTheCodes)
 {
     for (std::uint32_t index = 0; index < codeCount; ++index) {
         for (std::uint32_t value = 0; value < tabledValues; ++value) {
-            if (!codeHolds(codeOf(index), value))
+            if (!codeHolds(codeOf(index), value)) {
                 continue;
+            }
             EXPECT_EQ(codeTable(index)[value].bits, codeWord(codeOf(index), value).bits);
             EXPECT_EQ(codeTable(index)[value].length, codeLength(codeOf(index), value));
             EXPECT_EQ(static_cast<std::uint32_t>(lengthTable(index)[value]), codeLength(codeOf(index), value));
@@ -197,8 +200,9 @@ TEST(AicBits, RowsOfZerosAreTheSingleOnesInARow)
 {
     for (std::uint32_t index = 0; index < codeCount; ++index) {
         const Code code = codeOf(index);
-        for (std::uint32_t zeros = 0; zeros <= longestZeroRow(code); ++zeros)
+        for (std::uint32_t zeros = 0; zeros <= longestZeroRow(code); ++zeros) {
             EXPECT_EQ(bitsOf({zeroRow(code, zeros)}), bitsOf(std::vector<CodeWord>(zeros, codeWord(code, 0))));
+        }
     }
 }
 
@@ -213,21 +217,24 @@ TEST(AicBits, WriterKeepsEveryBitOfAnyMixture)
         const auto word = [&] {
             const CodeWord made{random(), 1 + random() % 39};
             const CodeWord kept{made.length < 32 ? made.bits & ((1U << made.length) - 1) : made.bits, made.length};
-            for (std::uint32_t i = kept.length; i-- > 0;)
+            for (std::uint32_t i = kept.length; i-- > 0;) {
                 expected += i < 32 && (kept.bits >> i & 1) != 0 ? '1' : '0';
+            }
             return kept;
         };
         for (int i = 0; i < 300; ++i) {
             const CodeWord first = word();
-            if (random() % 2 == 0)
+            if (random() % 2 == 0) {
                 writer.put(first);
-            else
+            } else {
                 writer.put(first, word());
+            }
         }
         writer.finish();
         std::string actual;
-        for (std::size_t i = 0; i < expected.size(); ++i)
+        for (std::size_t i = 0; i < expected.size(); ++i) {
             actual += (memory[i / 8] >> (7 - i % 8) & 1) != 0 ? '1' : '0';
+        }
         ASSERT_EQ(actual, expected);
     }
 }

@@ -131,8 +131,9 @@ TEST(AtomPatchTest, damageDeepInTheMovieIsNoticed)
         const qsizetype at = bytes.indexOf(damage.atom);
         ASSERT_GE(at, 4) << damage.atom;
         bytes[at + damage.byte] = damage.value;
-        if (damage.value == 0)
+        if (damage.value == 0) {
             bytes.replace(at - 4, 4, QByteArray(4, '\0'));
+        }
         const QString path = folder.makeFile(QStringLiteral("a.mov"), bytes);
         EXPECT_EQ(patch(path).result, AtomPatchResult::Refused) << damage.atom << damage.byte;
         EXPECT_EQ(readBytes(path), bytes);
@@ -158,8 +159,9 @@ TEST(AtomPatchTest, otherFilesAreLeftAlone)
 
 TEST(AtomPatchTest, aFileThatMayNotBeWrittenIsRefused)
 {
-    if (::geteuid() == 0)
+    if (::geteuid() == 0) {
         GTEST_SKIP() << "root may write everything";
+    }
     const TempFolder folder;
     const QString path = folder.makeFile(QStringLiteral("a.mov"), movieBytes(markedMovie()));
     QFile::setPermissions(path, QFile::ReadOwner);

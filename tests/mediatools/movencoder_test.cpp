@@ -42,9 +42,10 @@ bool MovencoderPicture::made_ = false;
 
 void expectSameTimes(const QMap<QString, QString>& actual, const QMap<QString, QString>& expected)
 {
-    for (const char* key : {"nb_read_frames", "duration", "start_time", "time_base", "r_frame_rate"})
+    for (const char* key : {"nb_read_frames", "duration", "start_time", "time_base", "r_frame_rate"}) {
         EXPECT_EQ(actual.value(QLatin1String(key)).toStdString(), expected.value(QLatin1String(key)).toStdString())
             << key;
+    }
     EXPECT_EQ(actual.value(QStringLiteral("audio.duration")).toStdString(),
               expected.value(QStringLiteral("audio.duration")).toStdString());
 }
@@ -242,13 +243,14 @@ TEST_F(MovencoderShapes, FourByThreeGetsBordersAndSquarePixels)
                        QStringLiteral("[0:v]crop=960:720:160:0,format=yuv420p[a];[1:v]scale=960:720:flags=bicubic:"
                                       "out_range=tv,format=yuv420p[b];[a][b]psnr")),
                   42.0);
-        for (const char* x : {"0", "1120"})
+        for (const char* x : {"0", "1120"}) {
             EXPECT_GE(psnr(output, source,
                            QStringLiteral("color=black:s=160x720,format=yuv420p,trim=end_frame=9[c];[1:v]nullsink;"
                                           "[0:v]crop=160:720:") +
                                QLatin1String(x) + QStringLiteral(":0,format=yuv420p[a];[a][c]psnr=shortest=1")),
                       48.0)
                 << x;
+        }
     }
 }
 

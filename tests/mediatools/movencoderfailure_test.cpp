@@ -128,8 +128,9 @@ TEST_F(MovencoderFailure, OutputThatIsTheInput)
     const QString symbolic = folder_.path(QStringLiteral("c.mov"));
     ASSERT_EQ(::link(QFile::encodeName(copy).constData(), QFile::encodeName(link).constData()), 0);
     ASSERT_TRUE(QFile::link(copy, symbolic));
-    for (const QString& same : {copy, link, symbolic})
+    for (const QString& same : {copy, link, symbolic}) {
         expectFailure(movencode(settingsPath(plain), QString(), copy, same), same);
+    }
     EXPECT_TRUE(readBytes(copy) == readBytes(camera()));
     EXPECT_EQ(entriesOf(folder_.path()).size(), 3);
 }

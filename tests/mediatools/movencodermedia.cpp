@@ -16,16 +16,18 @@ void addProbe(QMap<QString, QString>& values, const QString& prefix, const QStri
               const QString& path)
 {
     QStringList arguments{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-count_frames")};
-    if (!stream.isEmpty())
+    if (!stream.isEmpty()) {
         arguments << QStringLiteral("-select_streams") << stream;
+    }
     arguments << QStringLiteral("-show_entries") << entries << QStringLiteral("-of") << QStringLiteral("default=nw=1")
               << path;
     const QList<QByteArray> lines = runProgram(QStringLiteral("ffprobe"), arguments).output.split('\n');
     for (const QByteArray& line : lines) {
         const qsizetype equal = line.indexOf('=');
         const QString key = prefix + QString::fromUtf8(line.left(equal));
-        if (equal > 0 && !values.contains(key))
+        if (equal > 0 && !values.contains(key)) {
             values.insert(key, QString::fromUtf8(line.mid(equal + 1)));
+        }
     }
 }
 
@@ -35,14 +37,16 @@ ToolResult runProgram(const QString& program, const QStringList& arguments, cons
 {
     QProcess process;
     process.setStandardInputFile(QProcess::nullDevice());
-    if (inChild)
+    if (inChild) {
         process.setChildProcessModifier(inChild);
+    }
     process.start(program, arguments);
     ToolResult result;
-    if (!process.waitForFinished(longestRun))
+    if (!process.waitForFinished(longestRun)) {
         process.kill();
-    else if (process.exitStatus() == QProcess::NormalExit)
+    } else if (process.exitStatus() == QProcess::NormalExit) {
         result.status = process.exitCode();
+    }
     result.output = process.readAllStandardOutput();
     result.errors = process.readAllStandardError();
     return result;
@@ -62,8 +66,9 @@ ToolResult movencode(const QString& settings, const QString& format, const QStri
                      const std::function<void()>& inChild)
 {
     QStringList arguments{QStringLiteral("-s"), settings};
-    if (!format.isEmpty())
+    if (!format.isEmpty()) {
         arguments << QStringLiteral("-f") << format;
+    }
     return runProgram(movencoderPath(), arguments << input << output, inChild);
 }
 
@@ -72,8 +77,9 @@ bool makeMedia(const QStringList& arguments)
     const QStringList quiet{QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"),
                             QStringLiteral("-y")};
     const ToolResult result = runProgram(QStringLiteral("ffmpeg"), quiet + arguments);
-    if (result.status != 0)
+    if (result.status != 0) {
         qWarning("ffmpeg: %s", result.errors.constData());
+    }
     return result.status == 0;
 }
 
@@ -97,10 +103,11 @@ bool makeCameraMovie(const QString& path, int pictures, bool sound)
            << QStringLiteral("-colorspace") << QStringLiteral("bt709") << QStringLiteral("-c:a")
            << QStringLiteral("ac3") << recording;
     QStringList rewrap{QStringLiteral("-i"), recording, QStringLiteral("-c:v"), QStringLiteral("copy")};
-    if (sound)
+    if (sound) {
         rewrap << QStringLiteral("-c:a") << QStringLiteral("pcm_s16le");
-    else
+    } else {
         rewrap << QStringLiteral("-an");
+    }
     rewrap << QStringLiteral("-timecode") << QStringLiteral("01:02:03:04") << QStringLiteral("-metadata")
            << QStringLiteral("creation_time=2010-05-07T10:11:12Z") << path;
     return makeMedia(record) && makeMedia(rewrap);
@@ -133,8 +140,9 @@ double psnr(const QString& first, const QString& second, const QString& graph)
                     QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-")});
     static const QRegularExpression average(QStringLiteral("average:([0-9.]+|inf)"));
     const auto match = average.match(QString::fromUtf8(result.errors));
-    if (!match.hasMatch())
+    if (!match.hasMatch()) {
         return -1;
+    }
     return match.captured(1) == QStringLiteral("inf") ? equalPictures : match.captured(1).toDouble();
 }
 

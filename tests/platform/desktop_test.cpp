@@ -95,8 +95,9 @@ TEST_F(Desktop, OpensOnlyWebAddresses)
 {
     openLocation(QStringLiteral("http://example.org/a"));
     openLocation(QStringLiteral("https://example.org/b"));
-    for (const char* other : {"file:///etc/passwd", "-x", "javascript:x", "", "http:", "ftp://example.org"})
+    for (const char* other : {"file:///etc/passwd", "-x", "javascript:x", "", "http:", "ftp://example.org"}) {
         openLocation(text(other));
+    }
     openLocation(QString());
     EXPECT_TEXTS(fake.calls, QStringList({QStringLiteral("url http://example.org/a"),
                                           QStringLiteral("url https://example.org/b")}));
@@ -117,8 +118,9 @@ protected:
     QString given()
     {
         const QString out = folder.path(QStringLiteral("opener.out"));
-        if (!waitUntil([&] { return itemExists(out); }))
+        if (!waitUntil([&] { return itemExists(out); })) {
             return {};
+        }
         QString content = QString::fromUtf8(readBytes(out).value_or(QByteArray()));
         QFile::remove(out);
         return content;

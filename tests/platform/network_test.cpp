@@ -32,8 +32,9 @@ public:
     {
         thread_.reset(QThread::create([this] { serve(); }));
         thread_->start();
-        while (port_ == 0)
+        while (port_ == 0) {
             QThread::yieldCurrentThread();
+        }
     }
     ~Server()
     {
@@ -57,13 +58,15 @@ private:
         port_ = server.serverPort();
         std::vector<std::unique_ptr<QTcpSocket>> open;
         while (!stopped_) {
-            if (!server.waitForNewConnection(10))
+            if (!server.waitForNewConnection(10)) {
                 continue;
+            }
             std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
             socket->setParent(nullptr);
             QByteArray request;
-            while (!request.contains("\r\n\r\n") && socket->waitForReadyRead(2000))
+            while (!request.contains("\r\n\r\n") && socket->waitForReadyRead(2000)) {
                 request += socket->readAll();
+            }
             ++requests_;
             const QByteArray answer = answer_(request.split(' ').value(1));
             if (answer.isEmpty()) {
@@ -74,8 +77,9 @@ private:
             while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten(2000)) {
             }
             socket->disconnectFromHost();
-            if (socket->state() != QAbstractSocket::UnconnectedState)
+            if (socket->state() != QAbstractSocket::UnconnectedState) {
                 socket->waitForDisconnected(2000);
+            }
         }
     }
 
@@ -154,19 +158,24 @@ TEST(Network, AServerThatIsNotThereIsNoPage)
 TEST(Network, RedirectsAreFollowedToWebAddressesOnly)
 {
     const Server server([](const QByteArray& path) {
-        if (path == "/near")
+        if (path == "/near") {
             return redirect("/page");
-        if (path == "/file")
+        }
+        if (path == "/file") {
             return redirect("file:///etc/passwd");
-        if (path == "/data")
+        }
+        if (path == "/data") {
             return redirect("data:,text");
-        if (path == "/loop")
+        }
+        if (path == "/loop") {
             return redirect("/loop");
+        }
         return page("reached");
     });
     EXPECT_TEXT(webpageSource(server.address(QStringLiteral("/near")), 0), QStringLiteral("reached"));
-    for (const char* path : {"/file", "/data", "/loop"})
+    for (const char* path : {"/file", "/data", "/loop"}) {
         EXPECT_FALSE(internetConnexionCheck(server.address(text(path)))) << path;
+    }
     // A request is sent again when the server closes a connection that is kept alive; the circle ends all the same.
     EXPECT_LT(server.requests(), 100);
 }

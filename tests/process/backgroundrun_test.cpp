@@ -160,8 +160,9 @@ TEST(ProcessInfo, AZombieHasEnded)
     const pid_t pid = fork();
     ASSERT_GE(pid, 0);
     if (pid == 0) {
-        for (;;)
+        for (;;) {
             pause();
+        }
     }
     const ProcessIdentity identity = processIdentity(pid);
     EXPECT_TRUE(isRunningAs(identity));

@@ -66,8 +66,9 @@ TEST_P(ExitDescriptor, BecomesReadableAtTheEnd)
     const pid_t pid = fork();
     ASSERT_GE(pid, 0);
     if (pid == 0) {
-        for (;;)
+        for (;;) {
             pause();
+        }
     }
     const UniqueFd fd = openExitDescriptor(pid, GetParam());
     ASSERT_TRUE(fd.isValid());

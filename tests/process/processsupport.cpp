@@ -39,8 +39,9 @@ bool hasChildren()
 char processState(pid_t pid)
 {
     QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return 0;
+    }
     const QByteArray line = file.readAll();
     const qsizetype at = line.lastIndexOf(')') + 2;
     return at < line.size() ? line[at] : '\0';
@@ -71,8 +72,9 @@ bool makeFifo(const QString& path)
 bool releaseFifo(const QString& path)
 {
     const int fd = open(QFile::encodeName(path).constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
+    if (fd < 0) {
         return false;
+    }
     close(fd);
     return true;
 }
@@ -82,8 +84,9 @@ void Recorder::taskLauncherDidReceiveNewString(taskLauncher* launcher, const QSt
     events << QStringLiteral("string:") + chunk;
     text += chunk;
     ++chunks;
-    if (onOutput)
+    if (onOutput) {
         onOutput(launcher);
+    }
 }
 
 void Recorder::taskLauncherDidReceiveNewData(taskLauncher* launcher, const QByteArray& chunk)
@@ -91,16 +94,18 @@ void Recorder::taskLauncherDidReceiveNewData(taskLauncher* launcher, const QByte
     events << QStringLiteral("data:") + QString::fromLatin1(chunk);
     data += chunk;
     ++chunks;
-    if (onOutput)
+    if (onOutput) {
         onOutput(launcher);
+    }
 }
 
 void Recorder::taskLauncherTaskDidEnd(taskLauncher* launcher)
 {
     events << QStringLiteral("end:%1").arg(launcher->terminationStatus());
     ++ends;
-    if (onEnd)
+    if (onEnd) {
         onEnd(launcher);
+    }
 }
 
 void Recorder::taskLauncherTaskDidSuspend(taskLauncher* /*launcher*/)
@@ -111,8 +116,9 @@ void Recorder::taskLauncherTaskDidSuspend(taskLauncher* /*launcher*/)
 void Recorder::taskLauncherTaskDidResume(taskLauncher* launcher)
 {
     events << QStringLiteral("resume");
-    if (onResume)
+    if (onResume) {
         onResume(launcher);
+    }
 }
 
 } // namespace tavrix::test

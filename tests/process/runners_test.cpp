@@ -117,8 +117,9 @@ TEST(Runners, LeaveNoDescriptorAndNoZombie)
 {
     EXPECT_TEXT(taskWithStrBasic(QStringLiteral("echo a")), QStringLiteral("a"));
     const int before = openDescriptors();
-    for (int run = 0; run < 100; ++run)
+    for (int run = 0; run < 100; ++run) {
         EXPECT_TEXT(taskWithStrBasic(QStringLiteral("echo a | cat")), QStringLiteral("a"));
+    }
     EXPECT_EQ(openDescriptors(), before);
     EXPECT_FALSE(hasChildren());
 }

@@ -47,8 +47,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ShellQuoting, LeavesOrdinaryPathsAlone)
 {
-    for (const char* path : {"/a b/c(1).mts", "/é'x/~", "*"})
+    for (const char* path : {"/a b/c(1).mts", "/é'x/~", "*"}) {
         EXPECT_TEXT(shellDoubleQuoted(text(path)), text(path));
+    }
     EXPECT_TEXT(shellDoubleQuoted(QStringLiteral("a\\b\"c$d`e")), QStringLiteral("a\\\\b\\\"c\\$d\\`e"));
     EXPECT_TEXT(shellSingleQuoted(QStringLiteral("a \"$b\"")), QStringLiteral("a \"$b\""));
     EXPECT_TEXT(shellSingleQuoted(QStringLiteral("x';y'")), QStringLiteral("x'\\'';y'\\''"));
@@ -151,8 +152,9 @@ TEST(PathSafe, AnAsteriskInALargeFolderDoesNotHang)
 {
     const TempFolder folder;
     const QString longName(180, QLatin1Char('n'));
-    for (int file = 0; file < 600; ++file)
+    for (int file = 0; file < 600; ++file) {
         folder.makeFile(longName + QString::number(file));
+    }
     const QuietErrors quiet;
     EXPECT_FALSE(pathSafeStr(folder.path() + QStringLiteral("/*")));
 }

@@ -307,8 +307,9 @@ TEST_F(Control, AGateClosedInACallbackHoldsTheRestBack)
 {
     std::unique_ptr<ModalGateCloser> gate;
     recorder.onOutput = [&](taskLauncher*) {
-        if (!gate)
+        if (!gate) {
             gate = std::make_unique<ModalGateCloser>();
+        }
     };
     ASSERT_EQ(launcher->launchTasksWithArguments(
                   fake({QStringLiteral("out"), QStringLiteral("first"), QStringLiteral("err"), QStringLiteral("second"),
@@ -352,19 +353,22 @@ TEST_F(Control, AClosedGateHoldsControlNotificationsBack)
 [[noreturn]] void beParent(const QStringList& arguments)
 {
     taskLauncher launcher;
-    if (launcher.launchTasksWithArguments(arguments) != 0)
+    if (launcher.launchTasksWithArguments(arguments) != 0) {
         _exit(1);
-    for (;;)
+    }
+    for (;;) {
         pause();
+    }
 }
 
 TEST_F(Control, AKilledProgramLeavesNoChildBehind)
 {
     const pid_t parent = fork();
     ASSERT_GE(parent, 0);
-    if (parent == 0)
+    if (parent == 0) {
         beParent(fake({QStringLiteral("pid"), childPath, QStringLiteral("silence")}) + QStringList(bar) +
                  fake({QStringLiteral("pid"), grandchildPath, QStringLiteral("stop")}));
+    }
     const pid_t first = waitForPid(childPath);
     const pid_t second = waitForPid(grandchildPath);
     ASSERT_GT(first, 0);

@@ -181,8 +181,9 @@ TEST(TaskLauncher, KeepsAccentedTextOfAFullPipeWhole)
     const TempFolder folder;
     const QString marker = folder.path(QStringLiteral("written"));
     QStringList actions;
-    for (int line = 0; line < 100; ++line)
+    for (int line = 0; line < 100; ++line) {
         actions << QStringLiteral("outline") << QString(300, QChar(0xE9));
+    }
     actions << QStringLiteral("touch") << marker;
     ASSERT_EQ(launcher.launchTasksWithArguments(fake(actions)), 0);
     ASSERT_TRUE(waitUntil([&] { return recorder.ends > 0; }));
@@ -349,16 +350,18 @@ TEST(TaskLauncher, ManyRunsLeaveNoDescriptorAndNoZombie)
         auto launcher = std::make_unique<taskLauncher>();
         launcher->setDelegate(&recorder);
         ASSERT_EQ(launcher->launchTasksWithArguments(fake(words("out x")) + QStringList(bar) + fake(words("cat"))), 0);
-        if (run % 3 == 0)
+        if (run % 3 == 0) {
             launcher->terminate();
-        else if (run % 3 == 1)
+        } else if (run % 3 == 1) {
             ASSERT_TRUE(waitUntil([&] { return recorder.ends == run + 1; }));
-        else
+        } else {
             ++recorder.ends;
+        }
         launcher.reset();
         ASSERT_EQ(recorder.ends, run + 1);
-        if (run == 10)
+        if (run == 10) {
             before = openDescriptors();
+        }
     }
     EXPECT_TRUE(waitUntil([] { return !hasChildren(); }));
     EXPECT_TRUE(waitUntil([&] { return openDescriptors() <= before; }));

@@ -226,8 +226,9 @@ TEST_F(BuiltMovieTest, mediaOfOtherFilesAreNotReplacedByBytesOfThisOne)
 TEST_F(BuiltMovieTest, theMarkIsClearedInAFileNamedMov)
 {
     setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
-    if (!itemExists(toolPath(QStringLiteral("atompatch"))))
+    if (!itemExists(toolPath(QStringLiteral("atompatch")))) {
         GTEST_SKIP() << "the tool is not built";
+    }
     setTMPFOLDER(folder_.path() + QLatin1Char('/'));
     BuiltMovie movie;
     movie.nsav = 1;

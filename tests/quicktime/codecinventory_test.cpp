@@ -32,8 +32,9 @@ public:
     {
         bool reached = after == nullptr;
         for (const FakeComponent& component : components) {
-            if (reached && (component.description.componentFlags & search.componentFlagsMask) == 0)
+            if (reached && (component.description.componentFlags & search.componentFlagsMask) == 0) {
                 return &component;
+            }
             reached = reached || &component == after;
         }
         return nullptr;

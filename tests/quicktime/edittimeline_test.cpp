@@ -149,8 +149,9 @@ TEST(SampleSelectionTest, reachesBackToTheKeyPicture)
     EXPECT_EQ(selected.pieces.front().mediaStart, 50);
     EXPECT_EQ(selected.mediaDuration, 60U);
     std::uint64_t samples = 0;
-    for (const CopyRun& run : selected.runs)
+    for (const CopyRun& run : selected.runs) {
         samples += run.samples;
+    }
     EXPECT_EQ(samples, 6U);
     EXPECT_EQ(selected.runs.size(), 2U) << "chunks of the source are not joined";
 }
@@ -182,8 +183,9 @@ TEST(SoundSinkTest, writesTheStretchesSampleBySample)
         return true;
     });
     std::vector<std::int16_t> sound(100);
-    for (std::size_t index = 0; index < sound.size(); ++index)
+    for (std::size_t index = 0; index < sound.size(); ++index) {
         sound[index] = static_cast<std::int16_t>(index);
+    }
     EXPECT_TRUE(sink.add(-5, std::span(sound).first(5)));
     EXPECT_TRUE(sink.add(0, std::span(sound).first(60)));
     EXPECT_TRUE(sink.add(50, std::span(sound).subspan(50)));

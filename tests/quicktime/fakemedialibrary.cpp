@@ -63,8 +63,9 @@ void FakeMovie::setPlayHints(quint32 hints, quint32 mask)
 void FakeMovie::deleteSegment(const MediaTimeRange& range)
 {
     calls.append(QStringLiteral("delete ") + rangeText(range));
-    if (!deletes)
+    if (!deletes) {
         return;
+    }
     const qint64 start = std::clamp<qint64>(valueInScale(range.time, length.timeScale), 0, length.timeValue);
     const qint64 end =
         std::clamp<qint64>(start + valueInScale(range.duration, length.timeScale), start, length.timeValue);
@@ -82,8 +83,9 @@ bool FakeMovie::writeToFile(const QString& path, const WriteAttributes& attribut
     written.append(attributes);
     writtenPaths.append(path);
     calls.append(QStringLiteral("write"));
-    if (writes && leavesFile)
+    if (writes && leavesFile) {
         writeBytes(path, "movie");
+    }
     return writes;
 }
 

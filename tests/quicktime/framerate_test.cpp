@@ -31,11 +31,13 @@ FakeMovie movieOf(const RateRow& row)
 {
     FakeMovie movie(QStringLiteral("/x"));
     movie.length = QTMakeTime(row.movieUnits, row.timeScale);
-    if (row.trackUnits > 0)
+    if (row.trackUnits > 0) {
         movie.addTrack(QStringLiteral("vide"))->trackRange =
             QTMakeTimeRange(QTMakeTime(0, row.timeScale), QTMakeTime(row.trackUnits, row.timeScale));
-    for (int frame = 0; frame < row.frames; ++frame)
+    }
+    for (int frame = 0; frame < row.frames; ++frame) {
         movie.sampleTimes.append(frame);
+    }
     return movie;
 }
 
@@ -89,10 +91,12 @@ TEST(MovieFpsCountingTest, twoVideoTracksHalveTheRate)
 {
     FakeMovie movie(QStringLiteral("/x"));
     movie.length = QTMakeTime(6000, 600);
-    for (const char* type : {"vide", "MPEG", "soun"})
+    for (const char* type : {"vide", "MPEG", "soun"}) {
         movie.addTrack(text(type))->trackRange = QTMakeTimeRange(QTMakeTime(0, 600), QTMakeTime(6000, 600));
-    for (int frame = 0; frame < 500; ++frame)
+    }
+    for (int frame = 0; frame < 500; ++frame) {
         movie.sampleTimes.append(frame);
+    }
     EXPECT_FLOAT_EQ(movieFps(movie, 0), 25.0F);
 }
 

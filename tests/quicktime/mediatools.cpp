@@ -36,8 +36,9 @@ void makeClip(const QString& path, const QString& arguments)
 QString probed(const QString& path, const QString& stream, const QString& entries)
 {
     QStringList arguments{QStringLiteral("-v"), QStringLiteral("error")};
-    if (!stream.isEmpty())
+    if (!stream.isEmpty()) {
         arguments += {QStringLiteral("-select_streams"), stream};
+    }
     arguments += {QStringLiteral("-show_entries"), entries, QStringLiteral("-of"), QStringLiteral("csv=p=0"), path};
     const QByteArray output = mediaTool(QStringLiteral("ffprobe"), arguments);
     return QString::fromUtf8(output).trimmed();
@@ -53,8 +54,9 @@ QStringList pictureSums(const QString& path)
     QStringList sums;
     const QStringList lines = QString::fromLatin1(output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& line : lines) {
-        if (!line.startsWith(QLatin1Char('#')))
+        if (!line.startsWith(QLatin1Char('#'))) {
             sums.append(line.section(QLatin1Char(','), -1).trimmed());
+        }
     }
     return sums;
 }
@@ -66,8 +68,9 @@ QList<qint16> soundSamples(const QString& path)
                   {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path, QStringLiteral("-map"),
                    QStringLiteral("0:a:0"), QStringLiteral("-f"), QStringLiteral("s16le"), QStringLiteral("-")});
     QList<qint16> samples(output.size() / 2);
-    for (qsizetype index = 0; index < samples.size(); ++index)
+    for (qsizetype index = 0; index < samples.size(); ++index) {
         samples[index] = qFromLittleEndian<qint16>(output.constData() + 2 * index);
+    }
     return samples;
 }
 

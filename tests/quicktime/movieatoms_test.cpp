@@ -188,13 +188,15 @@ TEST(MovieAtomsTest, readsSoundDescriptionsOfEveryVersion)
 {
     BuiltMovie movie;
     Bytes version1 = soundFields(1, 2, 16, 22254.5454);
-    for (const std::uint32_t field : {64U, 34U, 68U, 2U})
+    for (const std::uint32_t field : {64U, 34U, 68U, 2U}) {
         put32(version1, field);
+    }
     Bytes version2 = soundFields(2, 3, 16, 1);
     put32(version2, 72);
     put64(version2, std::bit_cast<std::uint64_t>(96000.0));
-    for (const std::uint32_t field : {6U, 0x7F000000U, 24U, 0U, 18U, 1U})
+    for (const std::uint32_t field : {6U, 0x7F000000U, 24U, 0U, 18U, 1U}) {
         put32(version2, field);
+    }
     movie.tracks = {soundTrack("sowt", soundFields(0, 2, 16, 44100)), soundTrack("ima4", version1),
                     soundTrack("lpcm", version2)};
     const MovieAtoms atoms = readFrom(builtFile(movie));

@@ -86,8 +86,9 @@ TEST(MovieTracksTest, areNothingWhenThereAreNone)
     FakeMovie movie(QStringLiteral("/a"));
     EXPECT_FALSE(movieTracks(movie).has_value());
     EXPECT_TRUE(movieVideoTracks(movie).isEmpty());
-    for (const char* type : {"vide", "soun", "MPEG", "flsh", "movi", "text"})
+    for (const char* type : {"vide", "soun", "MPEG", "flsh", "movi", "text"}) {
         movie.addTrack(text(type));
+    }
     EXPECT_EQ(movieTracks(movie)->size(), 6);
     EXPECT_EQ(movieVideoTracks(movie).size(), 4);
 }

@@ -281,8 +281,9 @@ void PrintTo(const RecordRow& row, std::ostream* stream)
 MediaInfoRecord values(std::initializer_list<std::pair<const char*, QVariant>> pairs)
 {
     MediaInfoRecord record;
-    for (const auto& [key, value] : pairs)
+    for (const auto& [key, value] : pairs) {
         record.insert(QString::fromLatin1(key), value);
+    }
     return record;
 }
 
@@ -292,8 +293,9 @@ TEST_P(RecordTest, agreesWithFfprobe)
 {
     const QString path = clip(text(GetParam().file), sources(2, GetParam().size) + text(GetParam().arguments));
     const MediaInfoRecord record = qtDico(path);
-    for (auto entry = GetParam().expected.cbegin(); entry != GetParam().expected.cend(); ++entry)
+    for (auto entry = GetParam().expected.cbegin(); entry != GetParam().expected.cend(); ++entry) {
         EXPECT_EQ(record.value(entry.key()), entry.value()) << entry.key().toStdString();
+    }
     EXPECT_EQ(record.value(QStringLiteral("w_duration")).toInt(),
               static_cast<int>(probed(path, QString(), QStringLiteral("format=duration")).toDouble() + 0.001));
     const QStringList picture =

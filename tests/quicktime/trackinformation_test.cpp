@@ -36,8 +36,9 @@ protected:
         movie_ = library_.addMovie(path_);
         movie_->length = QTMakeTime(6059, 600);
         movie_->current = {1920, 1080};
-        for (qint64 frame = 0; frame < 250; ++frame)
+        for (qint64 frame = 0; frame < 250; ++frame) {
             movie_->sampleTimes.append(frame * 24);
+        }
     }
     ~TrackInformationTest() override { setTMPFOLDER(QString()); }
 

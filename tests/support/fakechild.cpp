@@ -26,10 +26,12 @@ void writeAll(int fd, std::string_view text)
 {
     while (!text.empty()) {
         const ssize_t written = write(fd, text.data(), text.size());
-        if (written < 0 && errno != EINTR)
+        if (written < 0 && errno != EINTR) {
             _exit(90);
-        if (written > 0)
+        }
+        if (written > 0) {
             text.remove_prefix(static_cast<size_t>(written));
+        }
     }
 }
 
@@ -38,27 +40,31 @@ void writeFile(const std::string& path, const std::string& text)
     // The name appears with its content in it: whoever waits for the file reads all of it.
     const std::string unfinished = path + ".part";
     const int fd = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0)
+    if (fd < 0) {
         _exit(91);
+    }
     writeAll(fd, text);
     close(fd);
-    if (rename(unfinished.c_str(), path.c_str()) != 0)
+    if (rename(unfinished.c_str(), path.c_str()) != 0) {
         _exit(91);
+    }
 }
 
 // Two hexadecimal digits a byte: "41ff" is "A" and an invalid byte.
 std::string bytesOf(const std::string& hex)
 {
     std::string bytes;
-    for (size_t at = 0; at + 1 < hex.size(); at += 2)
+    for (size_t at = 0; at + 1 < hex.size(); at += 2) {
         bytes += static_cast<char>(std::stoi(hex.substr(at, 2), nullptr, 16));
+    }
     return bytes;
 }
 
 [[noreturn]] void liveOn()
 {
-    for (;;)
+    for (;;) {
         pause();
+    }
 }
 
 void crash()
@@ -86,8 +92,9 @@ void copyInput()
     char buffer[65536];
     for (;;) {
         const ssize_t got = read(STDIN_FILENO, buffer, sizeof buffer);
-        if (got <= 0)
+        if (got <= 0) {
             return;
+        }
         writeAll(STDOUT_FILENO, std::string_view(buffer, static_cast<size_t>(got)));
     }
 }
@@ -107,8 +114,9 @@ void progress(int lines, int spacing)
 void waitForFifo(const std::string& path)
 {
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
+    if (fd < 0) {
         _exit(92);
+    }
     char byte = 0;
     while (read(fd, &byte, 1) > 0) {
     }
@@ -124,8 +132,9 @@ void startBackground(const std::string& pidPath, bool floods)
     }
     if (floods) {
         signal(SIGPIPE, SIG_DFL);
-        for (;;)
+        for (;;) {
             flood(4096);
+        }
     }
     liveOn();
 }
@@ -133,8 +142,9 @@ void startBackground(const std::string& pidPath, bool floods)
 void printArguments(const Words& words)
 {
     std::string text;
-    for (const std::string& word : words)
+    for (const std::string& word : words) {
         text += word + '\n';
+    }
     writeAll(STDOUT_FILENO, text);
 }
 
@@ -142,11 +152,13 @@ void printDescriptors()
 {
     std::string text;
     DIR* folder = opendir("/proc/self/fd");
-    if (folder == nullptr)
+    if (folder == nullptr) {
         _exit(93);
+    }
     while (const dirent* entry = readdir(folder)) {
-        if (entry->d_name[0] != '.' && std::atoi(entry->d_name) != dirfd(folder))
+        if (entry->d_name[0] != '.' && std::atoi(entry->d_name) != dirfd(folder)) {
             text += std::string(entry->d_name) + ' ';
+        }
     }
     closedir(folder);
     writeAll(STDOUT_FILENO, text);
@@ -159,14 +171,16 @@ void printSignals()
     for (const int number : {SIGPIPE, SIGCHLD, SIGTERM, SIGINT, SIGUSR1}) {
         struct sigaction action = {};
         sigaction(number, nullptr, &action);
-        if (action.sa_handler == SIG_IGN)
+        if (action.sa_handler == SIG_IGN) {
             text += "ignored " + std::to_string(number) + ' ';
+        }
     }
     sigset_t blocked;
     sigprocmask(SIG_BLOCK, nullptr, &blocked);
     for (int number = 1; number < 32; ++number) {
-        if (sigismember(&blocked, number) == 1)
+        if (sigismember(&blocked, number) == 1) {
             text += "blocked " + std::to_string(number) + ' ';
+        }
     }
     writeAll(STDOUT_FILENO, text.empty() ? "default" : text);
 }

@@ -26,15 +26,17 @@ std::uint32_t fixed(double value)
 void putMatrix(Bytes& bytes, const std::int32_t (&matrix)[6])
 {
     const std::int64_t fields[] = {matrix[0], matrix[1], 0, matrix[2], matrix[3], 0, matrix[4], matrix[5], 0x40000000};
-    for (const std::int64_t field : fields)
+    for (const std::int64_t field : fields) {
         put32(bytes, static_cast<std::uint32_t>(field));
+    }
 }
 
 Bytes movieHeader(const BuiltMovie& movie)
 {
     Bytes bytes;
-    for (const std::uint32_t field : {0U, 0U, 0U, movie.timeScale, movie.duration, 0x10000U})
+    for (const std::uint32_t field : {0U, 0U, 0U, movie.timeScale, movie.duration, 0x10000U}) {
         put32(bytes, field);
+    }
     put(bytes, Bytes(12, 0)); // volume and reserved
     putMatrix(bytes, movie.matrix);
     put(bytes, Bytes(24, 0));
@@ -50,10 +52,11 @@ Bytes trackHeader(const BuiltTrack& track)
     put(bytes, Bytes(isLong ? 16 : 8, 0));
     put32(bytes, track.id);
     put32(bytes, 0);
-    if (isLong)
+    if (isLong) {
         put64(bytes, track.duration);
-    else
+    } else {
         put32(bytes, track.duration);
+    }
     put(bytes, Bytes(16, 0));
     putMatrix(bytes, track.matrix);
     put32(bytes, fixed(track.trackWidth));
@@ -63,8 +66,9 @@ Bytes trackHeader(const BuiltTrack& track)
 
 Bytes apertureAtoms(const BuiltTrack& track)
 {
-    if (track.apertures.empty())
+    if (track.apertures.empty()) {
         return {};
+    }
     Bytes bytes;
     for (const auto& [name, size] : track.apertures) {
         Bytes payload;
@@ -78,8 +82,9 @@ Bytes apertureAtoms(const BuiltTrack& track)
 
 Bytes editAtoms(const BuiltTrack& track)
 {
-    if (track.edits.empty())
+    if (track.edits.empty()) {
         return {};
+    }
     Bytes bytes;
     put32(bytes, track.longEdits ? 0x1000000U : 0U);
     put32(bytes, static_cast<std::uint32_t>(track.edits.size()));
@@ -129,8 +134,9 @@ Bytes description(const BuiltTrack& track)
 Bytes table(const std::string& type, const std::vector<std::uint32_t>& fields)
 {
     Bytes bytes;
-    for (const std::uint32_t field : fields)
+    for (const std::uint32_t field : fields) {
         put32(bytes, field);
+    }
     return atomBytes(type, bytes);
 }
 
@@ -161,8 +167,9 @@ Bytes mediaInformation(const BuiltTrack& track, std::uint32_t dataOffset)
 Bytes trackAtom(const BuiltTrack& track, std::uint32_t dataOffset)
 {
     Bytes header;
-    for (const std::uint32_t field : {0U, 0U, 0U, track.mediaScale, track.mediaDuration, 0U})
+    for (const std::uint32_t field : {0U, 0U, 0U, track.mediaScale, track.mediaDuration, 0U}) {
         put32(header, field);
+    }
     Bytes handler(4, 0);
     putText(handler, "mhlr");
     putText(handler, track.mediaType);
@@ -260,8 +267,9 @@ Bytes builtFile(const BuiltMovie& movie)
     Bytes data;
     std::uint8_t value = 0;
     for (const BuiltTrack& track : movie.tracks) {
-        for (std::uint32_t index = 0; index < track.samples * track.sampleSize; ++index)
+        for (std::uint32_t index = 0; index < track.samples * track.sampleSize; ++index) {
             data.push_back(value++);
+        }
     }
     Bytes file = atomBytes("ftyp", {'q', 't', ' ', ' ', 0, 0, 2, 0, 'q', 't', ' ', ' '});
     const Bytes media = movie.longSizes ? longAtomBytes("mdat", data) : atomBytes("mdat", data);
@@ -275,8 +283,9 @@ Bytes builtFile(const BuiltMovie& movie)
     }
     put(file, media);
     Bytes header = movieAtom(movie, start + mediaHeader);
-    if (movie.openEnded)
+    if (movie.openEnded) {
         std::fill_n(header.begin(), 4, std::uint8_t(0));
+    }
     put(file, header);
     return file;
 }

@@ -18,8 +18,9 @@ inline bool waitUntil(const std::function<bool()>& condition, int msDeadline = 1
     QTimer tick;
     tick.start(5);
     while (!condition()) {
-        if (deadline.hasExpired())
+        if (deadline.hasExpired()) {
             return false;
+        }
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         // processEvents leaves objects that asked for their deletion alone.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -25,8 +25,9 @@ TEST(WriteAll, WaitsForRoomInAPipeThatDoesNotBlock)
     std::string received;
     std::thread reader([&] {
         std::array<char, 4096> buffer = {};
-        for (ssize_t count = 0; (count = read(reading.get(), buffer.data(), buffer.size())) > 0;)
+        for (ssize_t count = 0; (count = read(reading.get(), buffer.data(), buffer.size())) > 0;) {
             received.append(buffer.data(), static_cast<std::size_t>(count));
+        }
     });
     EXPECT_TRUE(writeAll(writing.get(), sent));
     writing.reset();

@@ -44,8 +44,9 @@ protected:
 
 TEST_F(FakeFfmpeg, GivesItsStatusToTheCaller)
 {
-    for (const int status : {0, 1, 8, 183, 234})
+    for (const int status : {0, 1, 8, 183, 234}) {
         EXPECT_EQ(runWith("exit " + std::to_string(status), {"-i", "x"}).code, status);
+    }
     EXPECT_EQ(runWith("kill -9 $$", {"-i", "x"}).code, 128 + 9);
 }
 

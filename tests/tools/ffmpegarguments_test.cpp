@@ -20,24 +20,27 @@ std::vector<std::string> words(const std::string& text)
 {
     std::istringstream stream(text);
     std::vector<std::string> list;
-    for (std::string word; stream >> word;)
+    for (std::string word; stream >> word;) {
         list.push_back(word);
+    }
     return list;
 }
 
 std::string joined(const std::vector<std::string>& list)
 {
     std::string text;
-    for (const std::string& word : list)
+    for (const std::string& word : list) {
         text += (text.empty() ? "" : " ") + word;
+    }
     return text;
 }
 
 FileUrls urlsOf(const CommandLine& line)
 {
     FileUrls urls;
-    for (const FileEntry& input : line.inputs)
+    for (const FileEntry& input : line.inputs) {
         urls.inputs.push_back("<" + input.name + ">");
+    }
     for (const FileEntry& output : line.outputs) {
         const auto format = optionValue(output.options, "f");
         urls.outputs.push_back(
@@ -183,9 +186,10 @@ TEST(ClassicArguments, FrameSpacingFollowsTheVersionThatRefusesTheOldName)
         {"nosuch", "8.0", false},
         {"", "8.0", false},
     };
-    for (const auto& row : cases)
+    for (const auto& row : cases) {
         EXPECT_EQ(dialectAfterRefusal({}, row.refused, row.version).frameRateMode, row.renamed)
             << row.refused << " " << row.version;
+    }
     const CommandLine line = parseCommandLine(words("-i X -vsync 0 -r 25 -vcodec mpeg4 -y O.mp4"));
     Dialect dialect;
     dialect.frameRateMode = true;
@@ -224,8 +228,9 @@ TEST(CommandLine, TellsAMissingValue)
 
 TEST(CommandLine, KnowsWhatAsksFfmpegAboutItself)
 {
-    for (const char* option : {"-version", "-codecs", "-h", "-formats", "-encoders"})
+    for (const char* option : {"-version", "-codecs", "-h", "-formats", "-encoders"}) {
         EXPECT_TRUE(parseCommandLine({option}).reportOnly) << option;
+    }
     EXPECT_FALSE(parseCommandLine(words("-i X")).reportOnly);
 }
 
@@ -261,8 +266,9 @@ TEST(Filters, AspectRatiosBecomeFractions)
         {"yadif", "yadif"},
         {"setdar", "setdar"},
     };
-    for (const auto& row : cases)
+    for (const auto& row : cases) {
         EXPECT_EQ(modernFilters(row.classic), row.modern) << row.classic;
+    }
 }
 
 TEST(Muxers, FollowTheExtension)
@@ -287,8 +293,9 @@ TEST(Muxers, FollowTheExtension)
         {"/a.mp4/b", ""},
         {"mp4", ""},
     };
-    for (const auto& row : cases)
+    for (const auto& row : cases) {
         EXPECT_EQ(joined(muxerArguments(row.name)), row.arguments) << row.name;
+    }
 }
 
 TEST(Muxers, NumberedPicturesAreToldFromNames)
@@ -313,8 +320,9 @@ TEST(Muxers, NumberedPicturesHaveNumbersWhereThePatternSays)
         {"x%d.jpg", "x%d.jpg", false},   {"a%d-%d.png", "a1-2.png", true}, {"a%d-%d.png", "a1-.png", false},
         {"100%.jpg", "100%.jpg", true},
     };
-    for (const auto& row : cases)
+    for (const auto& row : cases) {
         EXPECT_EQ(isPictureOf(row.pattern, row.name), row.matches) << row.pattern << ' ' << row.name;
+    }
 }
 
 TEST(Muxers, SomeWriteNoFileOfTheOutputsNameAlone)

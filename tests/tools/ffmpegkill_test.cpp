@@ -35,8 +35,9 @@ template <class Condition> bool becomes(Condition condition)
     QElapsedTimer timer;
     timer.start();
     while (!condition()) {
-        if (timer.elapsed() > patienceMs)
+        if (timer.elapsed() > patienceMs) {
             return false;
+        }
         QThread::usleep(500);
     }
     return true;
@@ -54,8 +55,9 @@ protected:
     static void waitUntil(const QElapsedTimer& since, int us)
     {
         const auto left = us - since.nsecsElapsed() / 1000;
-        if (left > 0)
+        if (left > 0) {
             QThread::usleep(static_cast<unsigned long>(left));
+        }
     }
 };
 
@@ -179,14 +181,15 @@ TEST_F(StoppedFfmpeg, EndsByTheInterruptKeyWithoutPublishing)
     EXPECT_TRUE(entriesOf(folderPath()).empty());
 }
 
-/// User and system ticks of a process.
+// User and system ticks of a process.
 long processorTime(pid_t pid)
 {
     const std::string text = test::fileContents("/proc/" + std::to_string(pid) + "/stat");
     std::istringstream fields(text.substr(std::min(text.rfind(") ") + 2, text.size())));
     std::string skipped;
-    for (int i = 0; i < 11; ++i)
+    for (int i = 0; i < 11; ++i) {
         fields >> skipped;
+    }
     long user = 0;
     long system = 0;
     fields >> user >> system;

@@ -85,8 +85,9 @@ TEST_F(FfmpegSurroundings, StandardStreamsHaveNamesAmongTheDevices)
 {
     Options options;
     options.input = fileContents(clip("mts"));
-    for (const char* input : {"/dev/stdin", "/dev/fd/0", "/proc/self/fd/0"})
+    for (const char* input : {"/dev/stdin", "/dev/fd/0", "/proc/self/fd/0"}) {
         EXPECT_EQ(runTool(copyTo(input, name("out.ts")), options).code, 0) << input;
+    }
     const auto size = fs::file_size(name("out.ts"));
     // The stream is a regular file here, which must be written to and not replaced.
     fs::create_symlink("/proc/self/fd/1", name("link"));
@@ -152,8 +153,9 @@ TEST_F(FfmpegSurroundings, UnknownOptionDoesNotTurnAnInputIntoAnOutput)
 {
     fs::copy_file(clip("mts"), name("a.mts"));
     fs::copy_file(clip("mts"), name("b.mts"));
-    for (const char* option : {"-nosuchflag", "-xerror"})
+    for (const char* option : {"-nosuchflag", "-xerror"}) {
         (void)runTool({"-y", "-i", name("a.mts"), option, "-i", name("b.mts"), "-vcodec", "copy", name("out.mov")});
+    }
     EXPECT_EQ(fileContents(name("a.mts")), fileContents(clip("mts")));
     EXPECT_EQ(fileContents(name("b.mts")), fileContents(clip("mts")));
     EXPECT_EQ(probed(name("out.mov"), "v", "codec_name"), "codec_name=h264\n");

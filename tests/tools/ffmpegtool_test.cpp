@@ -285,14 +285,16 @@ TEST_F(FfmpegTool, TakesAFullDiskAsAFailureThoughFfmpegEndsWithZero)
     Words words = {"-m",   "sh",      "-c",        script, test::toolPath(), "-i", clip("mts"), "-vcodec",
                    "copy", "-acodec", "pcm_s16le", "-y",   disk + "/out.mov"};
     QStringList list;
-    for (const std::string& word : words)
+    for (const std::string& word : words) {
         list.append(QString::fromStdString(word));
+    }
     QProcess process;
     process.start(QStringLiteral("/usr/bin/unshare"), list);
     process.waitForFinished(60000);
     if (process.exitStatus() != QProcess::NormalExit || process.error() == QProcess::FailedToStart ||
-        process.exitCode() == 99 || contains(process.readAllStandardError().toStdString(), "unshare failed"))
+        process.exitCode() == 99 || contains(process.readAllStandardError().toStdString(), "unshare failed")) {
         GTEST_SKIP() << "no file system can be mounted here";
+    }
     EXPECT_NE(process.exitCode(), 0);
     EXPECT_EQ(process.readAllStandardOutput().toStdString(), "");
 }

@@ -56,18 +56,21 @@ std::string translated(const Recording& recording, std::size_t pieceSize)
 {
     const std::string outputUrl = recording.device ? "file:" + recording.output : "file:/proc/self/fd/9";
     front::TranscriptNames names{{{"file:" + recording.input, recording.input}}, {}};
-    if (!recording.output.empty())
+    if (!recording.output.empty()) {
         names.outputs.push_back({outputUrl, recording.output});
+    }
     front::Transcript transcript(names, recording.levelsMarked);
     std::string text;
     const auto add = [&](const std::vector<front::TranscriptLine>& lines) {
-        for (const front::TranscriptLine& line : lines)
+        for (const front::TranscriptLine& line : lines) {
             text += line.text + line.end;
+        }
     };
     front::LineSplitter splitter([&](std::string_view line, char end) { add(transcript.translate(line, end)); });
     const std::string modern = contents(dataPath(recording.name + ".modern"));
-    for (std::size_t i = 0; i < modern.size(); i += pieceSize)
+    for (std::size_t i = 0; i < modern.size(); i += pieceSize) {
         splitter.feed(std::string_view(modern).substr(i, pieceSize));
+    }
     splitter.finish();
     add(transcript.finish(recording.status));
     return text;
@@ -81,8 +84,9 @@ TEST_P(RecordedTranscript, IsThatOfTheOldBuild)
 {
     const std::string classic = translated(GetParam(), 65536);
     const std::string path = dataPath(GetParam().name + ".classic");
-    if (std::getenv("TAVRIX_ACCEPT_TRANSCRIPTS") != nullptr)
+    if (std::getenv("TAVRIX_ACCEPT_TRANSCRIPTS") != nullptr) {
         std::ofstream(path, std::ios::binary) << classic;
+    }
     EXPECT_EQ(classic, contents(path));
 }
 
@@ -141,8 +145,9 @@ std::string testName(const testing::TestParamInfo<Recording>& info)
 {
     std::string name = info.param.name;
     for (char& c : name) {
-        if (std::isalnum(static_cast<unsigned char>(c)) == 0)
+        if (std::isalnum(static_cast<unsigned char>(c)) == 0) {
             c = '_';
+        }
     }
     return name;
 }
@@ -168,7 +173,7 @@ protected:
     void expectVideo(const QString& prefix, const QJsonObject& stream)
     {
         const auto value = [&](const char* key) {
-            return m_record.value(prefix + QLatin1String(key));
+            return record_.value(prefix + QLatin1String(key));
         };
         EXPECT_EQ(value("codec").toString(), stream.value(u"codec_name").toString());
         EXPECT_EQ(value("id").toInt(), stream.value(u"index").toInt());
@@ -183,7 +188,7 @@ protected:
     void expectAudio(const QString& prefix, const QJsonObject& stream, bool first)
     {
         const auto value = [&](const char* key) {
-            return m_record.value(prefix + QLatin1String(key));
+            return record_.value(prefix + QLatin1String(key));
         };
         EXPECT_EQ(value("codec").toString(), stream.value(u"codec_name").toString());
         EXPECT_EQ(value("id").toInt(), stream.value(u"index").toInt());
@@ -194,14 +199,14 @@ protected:
     }
     void expectContainer(const QJsonObject& format)
     {
-        EXPECT_EQ(m_record.value(u"wrapper"_qs).toString(), format.value(u"format_name").toString());
+        EXPECT_EQ(record_.value(u"wrapper"_qs).toString(), format.value(u"format_name").toString());
         const double duration = format.value(u"duration").toString().toDouble();
-        EXPECT_EQ(m_record.value(u"w_duration"_qs).toInt(), static_cast<int>(duration));
-        EXPECT_NEAR(m_record.value(u"w_offset"_qs).toDouble(), format.value(u"start_time").toString().toDouble(), 1e-4);
-        EXPECT_EQ(m_record.value(u"w_bitrate"_qs).toInt(), format.value(u"bit_rate").toString().toInt() / 1000);
+        EXPECT_EQ(record_.value(u"w_duration"_qs).toInt(), static_cast<int>(duration));
+        EXPECT_NEAR(record_.value(u"w_offset"_qs).toDouble(), format.value(u"start_time").toString().toDouble(), 1e-4);
+        EXPECT_EQ(record_.value(u"w_bitrate"_qs).toInt(), format.value(u"bit_rate").toString().toInt() / 1000);
     }
 
-    MediaInfoRecord m_record;
+    MediaInfoRecord record_;
 };
 
 TEST_P(RecordedClip, IsReadAsFfprobeReadsIt)
@@ -210,7 +215,7 @@ TEST_P(RecordedClip, IsReadAsFfprobeReadsIt)
     EXPECT_TRUE(ffmpegSuccess(transcript));
     const auto record = ffInfos(QString(), transcript);
     ASSERT_TRUE(record.has_value());
-    m_record = *record;
+    record_ = *record;
     const QJsonObject json = probed(GetParam().name);
     expectContainer(json.value(u"format").toObject());
     int video = 0;
@@ -219,15 +224,15 @@ TEST_P(RecordedClip, IsReadAsFfprobeReadsIt)
         const QJsonObject stream = entry.toObject();
         const QString type = stream.value(u"codec_type").toString();
         SCOPED_TRACE(type.toStdString() + " stream");
-        if (type == u"video")
+        if (type == u"video") {
             expectVideo(u"v"_qs + QString::number(video++) + u'_', stream);
-        else if (type == u"audio") {
+        } else if (type == u"audio") {
             expectAudio(u"a"_qs + QString::number(audio) + u'_', stream, audio == 0);
             ++audio;
         }
     }
-    EXPECT_FALSE(m_record.contains(u"v"_qs + QString::number(video) + u"_codec"_qs));
-    EXPECT_FALSE(m_record.contains(u"a"_qs + QString::number(audio) + u"_codec"_qs));
+    EXPECT_FALSE(record_.contains(u"v"_qs + QString::number(video) + u"_codec"_qs));
+    EXPECT_FALSE(record_.contains(u"a"_qs + QString::number(audio) + u"_codec"_qs));
 }
 
 INSTANTIATE_TEST_SUITE_P(Clips, RecordedClip, testing::ValuesIn(clips()), testName);

@@ -29,8 +29,9 @@ std::vector<char*> pointers(const Words& words)
 {
     std::vector<char*> list;
     list.reserve(words.size() + 1);
-    for (const std::string& word : words)
+    for (const std::string& word : words) {
         list.push_back(const_cast<char*>(word.c_str()));
+    }
     list.push_back(nullptr);
     return list;
 }
@@ -38,33 +39,39 @@ std::vector<char*> pointers(const Words& words)
 void redirect(const std::string& path, int fd, int flags)
 {
     const int opened = open(path.c_str(), flags, 0600);
-    if (opened < 0 || dup2(opened, fd) < 0)
+    if (opened < 0 || dup2(opened, fd) < 0) {
         _exit(126);
+    }
     close(opened);
 }
 
 void arrangeSurroundings(const RunningTool::Options& options)
 {
-    for (const auto& [name, value] : options.environment)
+    for (const auto& [name, value] : options.environment) {
         setenv(name.c_str(), value.c_str(), 1);
-    for (const int signal : options.ignoredSignals)
+    }
+    for (const int signal : options.ignoredSignals) {
         std::signal(signal, SIG_IGN);
-    if (options.errorStream >= 0 && dup2(options.errorStream, STDERR_FILENO) < 0)
+    }
+    if (options.errorStream >= 0 && dup2(options.errorStream, STDERR_FILENO) < 0) {
         _exit(126);
-    for (const int stream : options.closedStreams)
+    }
+    for (const int stream : options.closedStreams) {
         close(stream);
+    }
 }
 
 bool runInstalled(const Words& arguments)
 {
     QStringList list = {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"),
                         QStringLiteral("-y")};
-    for (const std::string& argument : arguments)
+    for (const std::string& argument : arguments) {
         list.append(QString::fromStdString(argument));
+    }
     return QProcess::execute(QStringLiteral("/usr/bin/ffmpeg"), list) == 0;
 }
 
-/// One folder for all clips of this test program; removed with it.
+// One folder for all clips of this test program; removed with it.
 const TempFolder& clipFolder()
 {
     static const TempFolder folder;
@@ -107,14 +114,14 @@ RunningTool::RunningTool(const Words& arguments, const Options& options)
 {
     Words words = {toolPath()};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    const std::string out = m_folder.path().toStdString() + "/out";
-    const std::string err = m_folder.path().toStdString() + "/err";
-    const std::string in = m_folder.path().toStdString() + "/in";
+    const std::string out = folder_.path().toStdString() + "/out";
+    const std::string err = folder_.path().toStdString() + "/err";
+    const std::string in = folder_.path().toStdString() + "/in";
     writeFile(in, options.input);
     const std::vector<char*> list = pointers(words);
-    m_pid = fork();
-    if (m_pid != 0) {
-        setpgid(m_pid, m_pid);
+    pid_ = fork();
+    if (pid_ != 0) {
+        setpgid(pid_, pid_);
         return;
     }
     setpgid(0, 0);
@@ -122,8 +129,9 @@ RunningTool::RunningTool(const Words& arguments, const Options& options)
     redirect(out, STDOUT_FILENO, O_WRONLY | O_CREAT | O_TRUNC);
     redirect(err, STDERR_FILENO, O_WRONLY | O_CREAT | O_TRUNC);
     arrangeSurroundings(options);
-    if (!options.workingFolder.empty() && chdir(options.workingFolder.c_str()) != 0)
+    if (!options.workingFolder.empty() && chdir(options.workingFolder.c_str()) != 0) {
         _exit(126);
+    }
     if (options.fileSizeLimit >= 0) {
         const rlimit limit = {static_cast<rlim_t>(options.fileSizeLimit), static_cast<rlim_t>(options.fileSizeLimit)};
         setrlimit(RLIMIT_FSIZE, &limit);
@@ -135,15 +143,15 @@ RunningTool::RunningTool(const Words& arguments, const Options& options)
 
 RunningTool::~RunningTool()
 {
-    if (!m_reaped) {
+    if (!reaped_) {
         signalGroup(SIGKILL);
-        waitpid(m_pid, &m_status, 0);
+        waitpid(pid_, &status_, 0);
     }
 }
 
 pid_t RunningTool::child() const
 {
-    std::ifstream list("/proc/" + std::to_string(m_pid) + "/task/" + std::to_string(m_pid) + "/children");
+    std::ifstream list("/proc/" + std::to_string(pid_) + "/task/" + std::to_string(pid_) + "/children");
     pid_t child = 0;
     list >> child;
     return list ? child : 0;
@@ -151,25 +159,27 @@ pid_t RunningTool::child() const
 
 void RunningTool::signalGroup(int signal) const
 {
-    kill(-m_pid, signal);
+    kill(-pid_, signal);
 }
 
 bool RunningTool::hasEnded()
 {
-    if (!m_reaped)
-        m_reaped = waitpid(m_pid, &m_status, WNOHANG) == m_pid;
-    return m_reaped;
+    if (!reaped_) {
+        reaped_ = waitpid(pid_, &status_, WNOHANG) == pid_;
+    }
+    return reaped_;
 }
 
 ToolEnd RunningTool::wait()
 {
-    if (!m_reaped)
-        m_reaped = waitpid(m_pid, &m_status, 0) == m_pid;
+    if (!reaped_) {
+        reaped_ = waitpid(pid_, &status_, 0) == pid_;
+    }
     ToolEnd end;
-    end.bySignal = WIFSIGNALED(m_status);
-    end.code = end.bySignal ? WTERMSIG(m_status) : WEXITSTATUS(m_status);
-    end.out = fileContents(m_folder.path().toStdString() + "/out");
-    end.err = fileContents(m_folder.path().toStdString() + "/err");
+    end.bySignal = WIFSIGNALED(status_);
+    end.code = end.bySignal ? WTERMSIG(status_) : WEXITSTATUS(status_);
+    end.out = fileContents(folder_.path().toStdString() + "/out");
+    end.err = fileContents(folder_.path().toStdString() + "/err");
     return end;
 }
 
@@ -214,8 +224,9 @@ std::string probed(const std::string& file, const std::string& kind, const std::
 Words entriesOf(const std::string& folder)
 {
     Words names;
-    for (const auto& entry : fs::directory_iterator(folder))
+    for (const auto& entry : fs::directory_iterator(folder)) {
         names.push_back(entry.path().filename().string());
+    }
     std::ranges::sort(names);
     return names;
 }

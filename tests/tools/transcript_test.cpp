@@ -19,11 +19,13 @@ std::string transcriptOf(const TranscriptNames& names, const std::vector<std::st
     Transcript transcript(names, levelsMarked);
     std::string text;
     const auto add = [&](const std::vector<TranscriptLine>& translated) {
-        for (const TranscriptLine& line : translated)
+        for (const TranscriptLine& line : translated) {
             text += line.text + line.end;
+        }
     };
-    for (const std::string& line : lines)
+    for (const std::string& line : lines) {
         add(transcript.translate(line, '\n'));
+    }
     add(transcript.finish(status));
     return text;
 }

@@ -101,8 +101,9 @@ TEST(StreamLines, BecomeClassic)
 TEST(StreamLines, OtherLinesAreNotTouched)
 {
     for (const char* line : {"Stream mapping:", "  Stream #0:0 -> #0:0 (copy)", "", "  Stream #", "  Stream #0:",
-                             "  Stream #0:1", "Stream #0:0: Video: h264", "    title           : Stream"})
+                             "  Stream #0:1", "Stream #0:0: Video: h264", "    title           : Stream"}) {
         EXPECT_FALSE(classicStreamLine(line, {}).has_value()) << line;
+    }
 }
 
 TEST(StreamLines, KnowTheContainersWithIdentifiers)
@@ -158,8 +159,9 @@ TEST(ProgressLines, AnUnknownTimeRepeatsTheLast)
 TEST(ProgressLines, OtherLinesAreNoProgress)
 {
     for (const char* line : {"", "frame=", "frame size time= bitrate=", "  frame= 1 time=00:00:01.00 bitrate=1",
-                             "title: frame=1 time=2 bitrate=3", "timecode = 1"})
+                             "title: frame=1 time=2 bitrate=3", "timecode = 1"}) {
         EXPECT_FALSE(isProgressLine(line)) << line;
+    }
 }
 
 TEST(SummaryLines, LoseWhatCameLater)
@@ -190,8 +192,9 @@ TEST(ErrorLines, OpenFailuresHaveTheirOldWords)
         {"corrupt decoded frame in stream 0", "-"},
         {"", "-"},
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(classicOpenFailure(row.modern).value_or("-"), row.classic) << row.modern;
+    }
 }
 
 TEST(ProgressLines, TellWhetherThereWasContent)
@@ -209,8 +212,9 @@ TEST(ProgressLines, TellWhetherThereWasContent)
          {"video:1kB audio:0kB subtitle:0kB other streams:0kB global headers:0kB muxing overhead: unknown",
           "video:0kB audio:10kB subtitle:0kB other streams:0kB global headers:0kB muxing overhead: unknown",
           "video:0kB audio:0kB subtitle:1kB other streams:0kB global headers:0kB muxing overhead: unknown",
-          "video:0kB audio:0kB subtitle:0kB other streams:1kB global headers:0kB muxing overhead: unknown", ""})
+          "video:0kB audio:0kB subtitle:0kB other streams:1kB global headers:0kB muxing overhead: unknown", ""}) {
         EXPECT_FALSE(tellsNoContent(line)) << line;
+    }
 }
 
 TEST(ErrorLines, TellDamagedOutputs)
@@ -218,21 +222,26 @@ TEST(ErrorLines, TellDamagedOutputs)
     for (const char* line :
          {"Error writing trailer of file:/proc/self/fd/5: No space left on device",
           "Error closing file file:x: Input/output error", "av_interleaved_write_frame(): No space left on device",
-          "[out#0/mov @ 0x1] Error muxing a packet", "Conversion failed!", "[mov @ 0x1] File too large"})
+          "[out#0/mov @ 0x1] Error muxing a packet", "Conversion failed!", "[mov @ 0x1] File too large"}) {
         EXPECT_TRUE(tellsWriteFailure(line)) << line;
+    }
     for (const char* line :
-         {"    title           : No space left on device", "video:1kB", "", "Error while decoding stream"})
+         {"    title           : No space left on device", "video:1kB", "", "Error while decoding stream"}) {
         EXPECT_FALSE(tellsWriteFailure(line)) << line;
+    }
 }
 
 TEST(Failures, OfReadingAreOfTheDeviceAndNotOfTheClip)
 {
-    for (const char* reason : {"Input/output error", "Stale file handle", "No such device", "No such device or address",
-                               "Transport endpoint is not connected", "Connection timed out", "Cannot allocate memory"})
+    for (const char* reason :
+         {"Input/output error", "Stale file handle", "No such device", "No such device or address",
+          "Transport endpoint is not connected", "Connection timed out", "Cannot allocate memory"}) {
         EXPECT_TRUE(tellsReadFailure(reason)) << reason;
+    }
     for (const char* reason : {"Invalid data found when processing input", "End of file",
-                               "corrupt input packet in stream 0", "No such file or directory", ""})
+                               "corrupt input packet in stream 0", "No such file or directory", ""}) {
         EXPECT_FALSE(tellsReadFailure(reason)) << reason;
+    }
 }
 
 TEST(ErrorLines, TellWhatIsRefused)
@@ -297,8 +306,9 @@ TEST(TextPieces, InvalidBytesAreReplaced)
 {
     EXPECT_EQ(validUtf8("caf\xe9 x"), "caf\xef\xbf\xbd x");
     EXPECT_EQ(validUtf8("h\xc3\xa9 \xf0\x9f\x98\x80"), "h\xc3\xa9 \xf0\x9f\x98\x80");
-    for (const char* bad : {"\xc0\x80", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xe2\x82", "\xff"})
+    for (const char* bad : {"\xc0\x80", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xe2\x82", "\xff"}) {
         EXPECT_NE(validUtf8(bad).find("\xef\xbf\xbd"), std::string::npos);
+    }
 }
 
 TEST(TextPieces, NamesStayOnOneLine)

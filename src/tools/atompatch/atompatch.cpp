@@ -55,12 +55,13 @@ Options optionsFrom(const std::vector<std::string>& arguments)
         }
         *value = arguments[++index];
     }
-    if (options.input.empty())
+    if (options.input.empty()) {
         options.error = "no file given (-i)";
-    else if (options.atom != "nsav")
+    } else if (options.atom != "nsav") {
         options.error = "only the atom nsav can be cleared (-f nsav)";
-    else if (options.output != "self")
+    } else if (options.output != "self") {
         options.error = "the file can only be changed in place (-o self)";
+    }
     return options;
 }
 
@@ -75,8 +76,9 @@ public:
     OpenFile& operator=(const OpenFile&) = delete;
     ~OpenFile()
     {
-        if (descriptor_ >= 0)
+        if (descriptor_ >= 0) {
             ::close(descriptor_);
+        }
     }
     [[nodiscard]] int descriptor() const { return descriptor_; }
 
@@ -87,12 +89,15 @@ private:
 // "" when the movie may be patched, else why not.
 std::string reasonToRefuse(const MovieAtoms& movie)
 {
-    if (!movie.found)
+    if (!movie.found) {
         return movie.damaged ? "damaged, or not a QuickTime movie" : "not a QuickTime movie";
-    if (movie.compressed)
+    }
+    if (movie.compressed) {
         return "its header is compressed";
-    if (movie.damaged)
+    }
+    if (movie.damaged) {
         return "the movie is damaged";
+    }
     return {};
 }
 
@@ -117,24 +122,29 @@ AtomPatchResult patchFile(const std::string& path, std::ostream& out, std::ostre
     const OpenFile file(path);
     struct stat status {
     };
-    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0)
+    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0) {
         return refused(errors, path, std::strerror(errno));
-    if (!S_ISREG(status.st_mode))
+    }
+    if (!S_ISREG(status.st_mode)) {
         return refused(errors, path, "not a regular file");
+    }
     const MovieAtoms movie = readMovieAtoms(readAtOf(file.descriptor()), static_cast<std::uint64_t>(status.st_size));
     const std::string reason = reasonToRefuse(movie);
-    if (!reason.empty())
+    if (!reason.empty()) {
         return refused(errors, path, reason);
+    }
     if (movie.nsav.value_or(0) == 0) {
         out << "nothing to clear\n";
         return AtomPatchResult::Done;
     }
     for (const std::uint64_t offset : movie.nsavValueOffsets) {
-        if (!writeZeros(file.descriptor(), offset))
+        if (!writeZeros(file.descriptor(), offset)) {
             return refused(errors, path, std::string("cannot be written: ") + std::strerror(errno));
+        }
     }
-    if (::fsync(file.descriptor()) != 0)
+    if (::fsync(file.descriptor()) != 0) {
         return refused(errors, path, std::string("cannot be written: ") + std::strerror(errno));
+    }
     out << "nsav cleared\n";
     return AtomPatchResult::Done;
 }

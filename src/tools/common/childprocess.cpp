@@ -28,11 +28,12 @@ volatile std::sig_atomic_t caughtSignal = 0;
 extern "C" void onEndingSignal(int signal)
 {
     caughtSignal = signal;
-    if (runningChild > 0)
+    if (runningChild > 0) {
         kill(static_cast<pid_t>(runningChild), SIGKILL);
+    }
 }
 
-/// Keeps signal handlers out while `runningChild` changes together with the child itself.
+// Keeps signal handlers out while `runningChild` changes together with the child itself.
 class SignalBlock
 {
 public:
@@ -40,21 +41,22 @@ public:
     {
         sigset_t all;
         sigfillset(&all);
-        sigprocmask(SIG_SETMASK, &all, &m_before);
+        sigprocmask(SIG_SETMASK, &all, &before_);
     }
-    ~SignalBlock() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+    ~SignalBlock() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
     SignalBlock(const SignalBlock&) = delete;
     SignalBlock& operator=(const SignalBlock&) = delete;
 
 private:
-    sigset_t m_before = {};
+    sigset_t before_ = {};
 };
 
 bool openPipe(Descriptor& reading, Descriptor& writing)
 {
     std::array<int, 2> ends = {-1, -1};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         return false;
+    }
     reading.reset(aboveStandardStreams(ends[0]));
     writing.reset(aboveStandardStreams(ends[1]));
     return reading.get() >= 0 && writing.get() >= 0;
@@ -74,31 +76,37 @@ bool isNamed(std::string_view variable, std::string_view name)
 bool isReplaced(std::string_view variable, const ChildRequest& request)
 {
     for (const auto& [name, value] : request.environment) {
-        if (isNamed(variable, name))
+        if (isNamed(variable, name)) {
             return true;
+        }
     }
     for (const std::string& name : request.removedVariables) {
-        if (isNamed(variable, name))
+        if (isNamed(variable, name)) {
             return true;
+        }
     }
     return false;
 }
 
-/// Everything is laid out before the fork: the child must not allocate.
+// Everything is laid out before the fork: the child must not allocate.
 ChildImage imageOf(const ChildRequest& request)
 {
     ChildImage image;
-    for (const std::string& argument : request.arguments)
+    for (const std::string& argument : request.arguments) {
         image.arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
     image.arguments.push_back(nullptr);
     for (char** variable = environ; *variable != nullptr; ++variable) {
-        if (!isReplaced(*variable, request))
+        if (!isReplaced(*variable, request)) {
             image.variables.emplace_back(*variable);
+        }
     }
-    for (const auto& [name, value] : request.environment)
+    for (const auto& [name, value] : request.environment) {
         image.variables.emplace_back(name).append("=").append(value);
-    for (const std::string& variable : image.variables)
+    }
+    for (const std::string& variable : image.variables) {
         image.environment.push_back(const_cast<char*>(variable.c_str()));
+    }
     image.environment.push_back(nullptr);
     return image;
 }
@@ -117,33 +125,38 @@ ChildImage imageOf(const ChildRequest& request)
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     // The parent may already be gone; then nobody is left to send the signal.
-    if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent)
+    if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
         fail();
-    if (dup2(errorStream, STDERR_FILENO) < 0)
+    }
+    if (dup2(errorStream, STDERR_FILENO) < 0) {
         fail();
+    }
     if (!request.readsStandardInput) {
         const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
         if (null < 0 || (null != STDIN_FILENO && dup2(null, STDIN_FILENO) < 0) ||
-            (null == STDIN_FILENO && fcntl(null, F_SETFD, 0) != 0))
+            (null == STDIN_FILENO && fcntl(null, F_SETFD, 0) != 0)) {
             fail();
+        }
     }
     for (const int fd : request.inheritedDescriptors) {
-        if (fcntl(fd, F_SETFD, 0) != 0)
+        if (fcntl(fd, F_SETFD, 0) != 0) {
             fail();
+        }
     }
     execve(request.program.c_str(), image.arguments.data(), image.environment.data());
     fail();
     _exit(127);
 }
 
-/// Reads what is there. False at the end of the stream, or when nothing more is to come from a stream that does not
-/// block.
+// Reads what is there. False at the end of the stream, or when nothing more is to come from a stream that does not
+// block.
 bool readPiece(int fd, const std::function<void(std::string_view)>& receiver)
 {
     std::array<char, 65536> buffer; // filled by read before it is looked at
     const ssize_t count = read(fd, buffer.data(), buffer.size());
-    if (count > 0)
+    if (count > 0) {
         receiver({buffer.data(), static_cast<std::size_t>(count)});
+    }
     return count > 0 || (count < 0 && errno == EINTR);
 }
 
@@ -152,20 +165,22 @@ int openProcess(pid_t child)
     return aboveStandardStreams(static_cast<int>(syscall(SYS_pidfd_open, child, 0U)));
 }
 
-/// The stream ends with the child; another process that has inherited it does not hold up the end.
+// The stream ends with the child; another process that has inherited it does not hold up the end.
 void drain(int stream, pid_t child, const std::function<void(std::string_view)>& receiver)
 {
     const Descriptor process(openProcess(child));
     std::array<pollfd, 2> watched = {pollfd{stream, POLLIN, 0}, pollfd{process.get(), POLLIN, 0}};
     while (true) {
         if (poll(watched.data(), process.get() >= 0 ? 2 : 1, -1) < 0) {
-            if (errno == EINTR)
+            if (errno == EINTR) {
                 continue;
+            }
             break;
         }
         if (watched[0].revents != 0) {
-            if (!readPiece(stream, receiver))
+            if (!readPiece(stream, receiver)) {
                 return;
+            }
         } else if (watched[1].revents != 0) {
             break;
         }
@@ -188,10 +203,12 @@ ChildEnd reap(pid_t child)
     while ((reaped = waitpid(child, &status, 0)) < 0 && errno == EINTR) {
     }
     // An end that nobody can tell of is no good one.
-    if (reaped != child)
+    if (reaped != child) {
         return {true, SIGKILL};
-    if (WIFSIGNALED(status))
+    }
+    if (WIFSIGNALED(status)) {
         return {true, WTERMSIG(status)};
+    }
     return {false, WEXITSTATUS(status)};
 }
 
@@ -216,8 +233,9 @@ std::optional<ChildEnd> runChild(const ChildRequest& request, const std::functio
     {
         const SignalBlock block;
         child = caughtSignal == 0 ? fork() : -1;
-        if (child == 0)
+        if (child == 0) {
             becomeChild(request, image, parent, streamWriting.get(), reportWriting.get());
+        }
         if (child < 0) {
             error = errorText(caughtSignal == 0 ? errno : EINTR);
             return std::nullopt;
@@ -242,8 +260,9 @@ std::optional<ChildEnd> runChild(const ChildRequest& request, const std::functio
 void killChild()
 {
     const SignalBlock block;
-    if (runningChild > 0)
+    if (runningChild > 0) {
         kill(static_cast<pid_t>(runningChild), SIGKILL);
+    }
 }
 
 int interruptingSignal()
@@ -261,8 +280,9 @@ void watchForInterruption()
     for (const int signal : endingSignals) {
         struct sigaction before = {};
         // A signal that the parent had ignored, as nohup does, stays ignored.
-        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
             sigaction(signal, &action, nullptr);
+        }
         sigaddset(&ending, signal);
     }
     // A caller that takes its own signals from a queue leaves them blocked here.

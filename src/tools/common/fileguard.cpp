@@ -17,7 +17,7 @@ namespace tavrix
 namespace
 {
 
-/// Nobody may wait in vain for the end of a stream that the guard has inherited, the guard itself included.
+// Nobody may wait in vain for the end of a stream that the guard has inherited, the guard itself included.
 bool closeAllBut(int one, int other)
 {
     const auto low = static_cast<unsigned>(std::min(one, other));
@@ -26,14 +26,15 @@ bool closeAllBut(int one, int other)
            (high <= low + 1 || close_range(low + 1, high - 1, 0) == 0) && close_range(high + 1, UINT_MAX, 0) == 0;
 }
 
-/// Only calls that are allowed between fork and exec.
+// Only calls that are allowed between fork and exec.
 [[noreturn]] void standGuard(int reading, int folderFd, const char* name)
 {
     sigset_t all;
     sigfillset(&all);
     sigprocmask(SIG_SETMASK, &all, nullptr);
-    if (!closeAllBut(reading, folderFd))
+    if (!closeAllBut(reading, folderFd)) {
         _exit(1);
+    }
     char nothing = 0;
     while (read(reading, &nothing, 1) < 0 && errno == EINTR) {
     }
@@ -46,18 +47,21 @@ bool closeAllBut(int one, int other)
 int guardFile(int folderFd, const std::string& name)
 {
     std::array<int, 2> ends = {-1, -1};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         return -1;
+    }
     const Descriptor reading(aboveStandardStreams(ends[0]));
     Descriptor writing(aboveStandardStreams(ends[1]));
-    if (reading.get() < 0 || writing.get() < 0)
+    if (reading.get() < 0 || writing.get() < 0) {
         return -1;
+    }
     const pid_t starter = fork();
     if (starter == 0) {
         // The guard is nobody's child, so that nobody has to reap it.
         const pid_t guard = setsid() < 0 ? -1 : fork();
-        if (guard == 0)
+        if (guard == 0) {
             standGuard(reading.get(), folderFd, name.c_str());
+        }
         _exit(guard < 0 ? 1 : 0);
     }
     int status = 0;

@@ -6,9 +6,9 @@
 namespace tavrix
 {
 
-/// Starts a small process that waits until the returned descriptor is closed, be it by the death of this process, and
-/// then removes the file of that name from the folder, if it is still there. It is in a session of its own, so that a
-/// kill of the process group does not reach it. -1 when it cannot be started; the descriptor is close-on-exec.
+// Starts a small process that waits until the returned descriptor is closed, be it by the death of this process, and
+// then removes the file of that name from the folder, if it is still there. It is in a session of its own, so that a
+// kill of the process group does not reach it. -1 when it cannot be started; the descriptor is close-on-exec.
 [[nodiscard]] int guardFile(int folderFd, const std::string& name);
 
 } // namespace tavrix

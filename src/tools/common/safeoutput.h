@@ -9,29 +9,29 @@
 namespace tavrix
 {
 
-/// An output file in the making. Where the file system allows it the file has no name at all until `commit`
-/// (O_TMPFILE), so that even a kill leaves nothing behind; elsewhere it has a hidden name in the same folder, with the
-/// extension of the final one, which is removed on failure, by a guard after a kill, and where even that could not be,
-/// by the next output into that folder.
-/// What stands under the final name stays untouched until `commit`; a symbolic link there is replaced, not followed.
+// An output file in the making. Where the file system allows it the file has no name at all until `commit`
+// (O_TMPFILE), so that even a kill leaves nothing behind; elsewhere it has a hidden name in the same folder, with the
+// extension of the final one, which is removed on failure, by a guard after a kill, and where even that could not be,
+// by the next output into that folder.
+// What stands under the final name stays untouched until `commit`; a symbolic link there is replaced, not followed.
 class SafeOutput
 {
 public:
     enum class Style {
-        Anonymous, ///< without a name where possible
-        Hidden,    ///< always with a hidden name: for a writer that looks at the extension
+        Anonymous, // without a name where possible
+        Hidden,    // always with a hidden name: for a writer that looks at the extension
     };
     enum class Durability {
-        Synced,   ///< on the disk before it is published
-        Unsynced, ///< for files that a crash of the machine may take
+        Synced,   // on the disk before it is published
+        Unsynced, // for files that a crash of the machine may take
     };
 
     enum class Existing {
-        Replaced, ///< what stands under the final name by then goes
-        Kept,     ///< it stays, and publishing fails
+        Replaced, // what stands under the final name by then goes
+        Kept,     // it stays, and publishing fails
     };
 
-    /// Starts an output for `finalPath`, in its folder. Nothing, with the reason in `error`, when that is impossible.
+    // Starts an output for `finalPath`, in its folder. Nothing, with the reason in `error`, when that is impossible.
     [[nodiscard]] static std::optional<SafeOutput> open(const std::string& finalPath, std::string& error,
                                                         Style style = Style::Anonymous);
 
@@ -39,23 +39,23 @@ public:
     SafeOutput& operator=(SafeOutput&& other) noexcept;
     SafeOutput(const SafeOutput&) = delete;
     SafeOutput& operator=(const SafeOutput&) = delete;
-    /// Discards an output that was not committed.
+    // Discards an output that was not committed.
     ~SafeOutput();
 
-    /// The name to hand to the writer: "/proc/self/fd/N" or the hidden file. It is good in this process, and in a child
-    /// that inherits `fd` under the same number.
-    [[nodiscard]] const std::string& path() const { return m_path; }
-    /// Open for reading and writing, close-on-exec.
-    [[nodiscard]] int fd() const { return m_fd; }
-    [[nodiscard]] const std::string& finalPath() const { return m_finalPath; }
-    /// Bytes written so far; -1 when they cannot be asked.
+    // The name to hand to the writer: "/proc/self/fd/N" or the hidden file. It is good in this process, and in a child
+    // that inherits `fd` under the same number.
+    [[nodiscard]] const std::string& path() const { return path_; }
+    // Open for reading and writing, close-on-exec.
+    [[nodiscard]] int fd() const { return fd_; }
+    [[nodiscard]] const std::string& finalPath() const { return finalPath_; }
+    // Bytes written so far; -1 when they cannot be asked.
     [[nodiscard]] std::int64_t size() const;
 
-    /// Publishes the file under its final name. False, with the reason in `error` and the output discarded, when that
-    /// fails.
+    // Publishes the file under its final name. False, with the reason in `error` and the output discarded, when that
+    // fails.
     [[nodiscard]] bool commit(std::string& error, Durability durability = Durability::Synced,
                               Existing existing = Existing::Replaced);
-    /// Drops the output; harmless when it is already published or dropped.
+    // Drops the output; harmless when it is already published or dropped.
     void discard();
 
 private:
@@ -66,14 +66,14 @@ private:
     [[nodiscard]] bool giveHiddenName();
     [[nodiscard]] bool renameToFinal(Existing existing);
 
-    std::string m_finalPath;
-    std::string m_folder;
-    std::string m_name;
-    std::string m_hiddenName; // empty while the file has no name
-    std::string m_path;
-    int m_folderFd = -1;
-    int m_fd = -1;
-    int m_guard = -1; // closed after the hidden name has gone
+    std::string finalPath_;
+    std::string folder_;
+    std::string name_;
+    std::string hiddenName_; // empty while the file has no name
+    std::string path_;
+    int folderFd_ = -1;
+    int fd_ = -1;
+    int guard_ = -1; // closed after the hidden name has gone
 };
 
 } // namespace tavrix

@@ -40,8 +40,9 @@ std::string helpText()
 std::optional<std::string> installedVersion(std::string_view line)
 {
     constexpr std::string_view head = "ffmpeg version ";
-    if (!line.starts_with(head))
+    if (!line.starts_with(head)) {
         return std::nullopt;
+    }
     line.remove_prefix(head.size());
     return std::string(line.substr(0, line.find_first_of(" ,")));
 }

@@ -36,16 +36,17 @@ public:
                 continue;
             }
             // A last word that only looks like an option is the output's name.
-            if (name == "i" || isKnownOption(name))
-                m_line.missingValueFor = name;
-            else
+            if (name == "i" || isKnownOption(name)) {
+                line_.missingValueFor = name;
+            } else {
                 addOutput(word);
+            }
         }
-        return std::move(m_line);
+        return std::move(line_);
     }
 
 private:
-    /// Whether a word can only be the next option, and not the value of one that is not known.
+    // Whether a word can only be the next option, and not the value of one that is not known.
     static bool startsOption(const std::vector<std::string>& words, std::size_t i)
     {
         return i < words.size() && words[i].starts_with('-') &&
@@ -54,17 +55,18 @@ private:
 
     void addValued(const std::string& name, const std::string& value, OptionSide side)
     {
-        if (name == "i")
+        if (name == "i") {
             addInput(value);
-        else
+        } else {
             addOption({name, value}, side);
+        }
     }
 
     void addOption(Option option, OptionSide side)
     {
         switch (side) {
         case OptionSide::Report:
-            m_line.reportOnly = true;
+            line_.reportOnly = true;
             break;
         case OptionSide::Global:
             addGlobal(std::move(option));
@@ -72,22 +74,23 @@ private:
         case OptionSide::Output:
         case OptionSide::Shape:
         case OptionSide::Following:
-            m_line.timestampDebug = m_line.timestampDebug || option.name == "fdebug";
-            m_pending.push_back(std::move(option));
+            line_.timestampDebug = line_.timestampDebug || option.name == "fdebug";
+            pending_.push_back(std::move(option));
             break;
         }
     }
 
     void addGlobal(Option option)
     {
-        if (option.name == "y")
-            m_line.overwrite = true;
-        else if (option.name == "n")
-            m_line.neverOverwrite = true;
-        else if (option.name == "v" || option.name == "loglevel")
-            m_line.verbosity = option.name == "v" ? std::atoi(option.value->c_str()) : m_line.verbosity;
-        else if (!concernsTranscript(option.name))
-            m_line.globals.push_back(std::move(option));
+        if (option.name == "y") {
+            line_.overwrite = true;
+        } else if (option.name == "n") {
+            line_.neverOverwrite = true;
+        } else if (option.name == "v" || option.name == "loglevel") {
+            line_.verbosity = option.name == "v" ? std::atoi(option.value->c_str()) : line_.verbosity;
+        } else if (!concernsTranscript(option.name)) {
+            line_.globals.push_back(std::move(option));
+        }
     }
 
     // The transcript has to appear whatever these say, and nobody answers on standard input.
@@ -100,22 +103,23 @@ private:
     {
         FileEntry input{name, {}};
         std::vector<Option> forOutput;
-        const bool formatGiven = hasOption(m_pending, "f");
-        for (Option& option : m_pending) {
+        const bool formatGiven = hasOption(pending_, "f");
+        for (Option& option : pending_) {
             const OptionSide side = optionRule(option.name).side;
-            if (side == OptionSide::Output)
+            if (side == OptionSide::Output) {
                 forOutput.push_back(std::move(option));
-            else if (side == OptionSide::Following || (formatGiven && option.name != "aspect"))
+            } else if (side == OptionSide::Following || (formatGiven && option.name != "aspect")) {
                 input.options.push_back(std::move(option));
+            }
         }
-        m_pending = std::move(forOutput);
-        m_line.inputs.push_back(std::move(input));
+        pending_ = std::move(forOutput);
+        line_.inputs.push_back(std::move(input));
     }
 
-    void addOutput(const std::string& name) { m_line.outputs.push_back({name, std::exchange(m_pending, {})}); }
+    void addOutput(const std::string& name) { line_.outputs.push_back({name, std::exchange(pending_, {})}); }
 
-    CommandLine m_line;
-    std::vector<Option> m_pending; // waiting for their file
+    CommandLine line_;
+    std::vector<Option> pending_; // waiting for their file
 };
 
 } // namespace

@@ -18,8 +18,9 @@ bool contains(std::string_view text, std::string_view part)
 std::optional<int> numberBehind(std::string_view line, std::string_view head)
 {
     const auto at = line.find(head);
-    if (at == std::string_view::npos)
+    if (at == std::string_view::npos) {
         return std::nullopt;
+    }
     const std::string_view rest = line.substr(at + head.size());
     int number = 0;
     const auto result = std::from_chars(rest.data(), rest.data() + rest.size(), number);
@@ -43,29 +44,33 @@ std::optional<std::string> classicOpenFailure(std::string_view reason)
         Row{"No such file or directory", "No such file or directory"},
     };
     const auto* const row = std::ranges::find(rows, reason, &Row::modern);
-    if (row != rows.end())
+    if (row != rows.end()) {
         return std::string(row->classic);
+    }
     constexpr std::array<std::string_view, 10> others = {
         "Operation not permitted",  "Permission denied",   "Is a directory",
         "Not a directory",          "Protocol not found",  "No such device or address",
         "Invalid argument",         "Too many open files", "Too many levels of symbolic links",
         "Immediate exit requested",
     };
-    if (std::ranges::find(others, reason) == others.end())
+    if (std::ranges::find(others, reason) == others.end()) {
         return std::nullopt;
+    }
     return "Error while opening file (" + std::string(reason) + ')';
 }
 
 std::optional<OpenFailure> laterOpenFailure(std::string_view line)
 {
     constexpr std::string_view head = "[in#";
-    if (!line.starts_with(head))
+    if (!line.starts_with(head)) {
         return std::nullopt;
+    }
     const auto input = numberBehind(line, head);
     for (const std::string_view marker : {"] Error opening input: ", "] Error during demuxing: "}) {
         const auto at = line.find(marker);
-        if (input && at != std::string_view::npos)
+        if (input && at != std::string_view::npos) {
             return OpenFailure{static_cast<std::size_t>(*input), std::string(line.substr(at + marker.size()))};
+        }
     }
     return std::nullopt;
 }
@@ -94,8 +99,9 @@ bool repeatsOpenFailure(std::string_view line)
 std::optional<std::string> refusedOption(std::string_view line)
 {
     constexpr std::string_view head = "Unrecognized option '";
-    if (!line.starts_with(head))
+    if (!line.starts_with(head)) {
         return std::nullopt;
+    }
     line.remove_prefix(head.size());
     return std::string(line.substr(0, line.find('\'')));
 }
@@ -108,8 +114,9 @@ bool refusesAnnexB(std::string_view line)
 bool tellsWriteFailure(std::string_view line)
 {
     // Indented lines hold what the clip says of itself.
-    if (line.starts_with(' '))
+    if (line.starts_with(' ')) {
         return false;
+    }
     constexpr std::array<std::string_view, 10> phrases = {
         "Error writing trailer",
         "Error closing file",

@@ -8,38 +8,38 @@
 namespace tavrix::front
 {
 
-/// The old words for the reason why an input could not be opened or read ("Invalid data found when processing input"
-/// was "Unknown format"); nothing for a text that names no such reason.
+// The old words for the reason why an input could not be opened or read ("Invalid data found when processing input"
+// was "Unknown format"); nothing for a text that names no such reason.
 [[nodiscard]] std::optional<std::string> classicOpenFailure(std::string_view reason);
 
-/// An input's number, and why it could not be opened or read.
+// An input's number, and why it could not be opened or read.
 struct OpenFailure {
     std::size_t input = 0;
     std::string reason;
 };
-/// The failure in "[in#0 @ 0x55] Error opening input: <reason>" of later versions; nothing for other lines.
+// The failure in "[in#0 @ 0x55] Error opening input: <reason>" of later versions; nothing for other lines.
 [[nodiscard]] std::optional<OpenFailure> laterOpenFailure(std::string_view line);
 
-/// Whether an input's failure is one of its disk, device or network, and not of the clip: what stands behind that place
-/// is then missing in the output, and ffmpeg ends with status 0 all the same.
+// Whether an input's failure is one of its disk, device or network, and not of the clip: what stands behind that place
+// is then missing in the output, and ffmpeg ends with status 0 all the same.
 [[nodiscard]] bool tellsReadFailure(std::string_view reason);
 
-/// Lines that only repeat a failure already told in the old words.
+// Lines that only repeat a failure already told in the old words.
 [[nodiscard]] bool repeatsOpenFailure(std::string_view line);
 
-/// The option that the installed ffmpeg does not know; nothing for other lines.
+// The option that the installed ffmpeg does not know; nothing for other lines.
 [[nodiscard]] std::optional<std::string> refusedOption(std::string_view line);
 
-/// Whether the line says that the bitstream filter h264_mp4toannexb cannot take the stream.
+// Whether the line says that the bitstream filter h264_mp4toannexb cannot take the stream.
 [[nodiscard]] bool refusesAnnexB(std::string_view line);
 
-/// Whether the line tells that the output is damaged, which ffmpeg may follow with status 0.
+// Whether the line tells that the output is damaged, which ffmpeg may follow with status 0.
 [[nodiscard]] bool tellsWriteFailure(std::string_view line);
 
-/// Whether the line tells that no frame went into the output, which is status 0 as well.
+// Whether the line tells that no frame went into the output, which is status 0 as well.
 [[nodiscard]] bool tellsNothingEncoded(std::string_view line);
 
-/// The number of the stream whose parameters were not found; nothing for other lines.
+// The number of the stream whose parameters were not found; nothing for other lines.
 [[nodiscard]] std::optional<int> streamWithoutParameters(std::string_view line);
 
 } // namespace tavrix::front

@@ -24,11 +24,12 @@ namespace
 // ffmpeg cuts its messages, and loses their line end, at a thousand bytes.
 constexpr std::size_t longestPrintedName = 512;
 
-/// "-", "pipe:" and "pipe:1"; everything else is the name of a file.
+// "-", "pipe:" and "pipe:1"; everything else is the name of a file.
 bool isPipe(const std::string& name)
 {
-    if (name == "-")
+    if (name == "-") {
         return true;
+    }
     return name.starts_with("pipe:") && name.find_first_not_of("0123456789", 5) == std::string::npos;
 }
 
@@ -39,17 +40,19 @@ bool isStandardInput(const std::string& name)
     return std::ranges::find(names, name) != names.end();
 }
 
-/// Whether a name stands for something that a process has open ("/dev/stdout"): there is nothing to put under it.
+// Whether a name stands for something that a process has open ("/dev/stdout"): there is nothing to put under it.
 bool isOpenDescriptor(std::string name)
 {
     constexpr int longestChain = 40; // where the system gives up, too
     for (int links = 0; links < longestChain; ++links) {
-        if (name.starts_with("/dev/fd/") || name.starts_with("/proc/"))
+        if (name.starts_with("/dev/fd/") || name.starts_with("/proc/")) {
             return true;
+        }
         std::array<char, PATH_MAX> target = {};
         const ssize_t length = readlink(name.c_str(), target.data(), target.size());
-        if (length <= 0)
+        if (length <= 0) {
             return false;
+        }
         const auto folder = target.front() == '/' ? 0 : name.rfind('/') + 1;
         name.replace(folder, std::string::npos, target.data(), static_cast<std::size_t>(length));
     }
@@ -61,7 +64,7 @@ bool isStream(const struct stat& info)
     return S_ISFIFO(info.st_mode) || S_ISCHR(info.st_mode);
 }
 
-/// Formats whose "file" is a device or a description.
+// Formats whose "file" is a device or a description.
 bool readsNoFile(const FileEntry& input)
 {
     constexpr std::array<std::string_view, 12> formats = {"lavfi", "alsa",   "pulse", "x11grab", "v4l2", "video4linux2",
@@ -83,16 +86,17 @@ bool isSameFile(const std::string& a, const std::string& b)
            first.st_ino == second.st_ino;
 }
 
-/// The folder of a file and its name in there.
+// The folder of a file and its name in there.
 std::pair<std::string, std::string> splitName(const std::string& name)
 {
     const auto slash = name.rfind('/');
-    if (slash == std::string::npos)
+    if (slash == std::string::npos) {
         return {".", name};
+    }
     return {name.substr(0, slash + 1), name.substr(slash + 1)};
 }
 
-/// Whether numbered pictures would be written over `input`.
+// Whether numbered pictures would be written over `input`.
 bool wouldTouchPicture(const std::string& output, const std::string& input)
 {
     const auto [pictures, pattern] = splitName(output);
@@ -116,8 +120,9 @@ std::vector<std::string> muxerFor(const FileEntry& output, bool& guessed)
 {
     const auto format = optionValue(output.options, "f");
     guessed = !format;
-    if (!format)
+    if (!format) {
         return muxerArguments(output.name);
+    }
     return formatArguments(*format);
 }
 
@@ -125,19 +130,22 @@ std::vector<std::string> muxerFor(const FileEntry& output, bool& guessed)
 
 RunFiles::~RunFiles()
 {
-    for (const int fd : m_openDescriptors)
+    for (const int fd : openDescriptors_) {
         close(fd);
+    }
 }
 
 bool RunFiles::open(const CommandLine& line, std::string& error)
 {
     for (const FileEntry& input : line.inputs) {
-        if (!openInput(input, error))
+        if (!openInput(input, error)) {
             return false;
+        }
     }
     for (const FileEntry& output : line.outputs) {
-        if (!openOutput(output, line, error))
+        if (!openOutput(output, line, error)) {
             return false;
+        }
     }
     return true;
 }
@@ -146,10 +154,11 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
 {
     struct stat info = {};
     const bool exists = stat(input.name.c_str(), &info) == 0;
-    m_readsStandardInput = m_readsStandardInput || isStandardInput(input.name);
-    m_canBeReadAgain = m_canBeReadAgain && !isPipe(input.name) && !(exists && isStream(info));
-    if (exists && S_ISREG(info.st_mode))
-        m_inputSizes.push_back({input.name, info.st_size});
+    readsStandardInput_ = readsStandardInput_ || isStandardInput(input.name);
+    canBeReadAgain_ = canBeReadAgain_ && !isPipe(input.name) && !(exists && isStream(info));
+    if (exists && S_ISREG(info.st_mode)) {
+        inputSizes_.push_back({input.name, info.st_size});
+    }
     const std::string shown = onOneLine(input.name);
     std::string url = "file:" + input.name;
     if (isPipe(input.name) || readsNoFile(input)) {
@@ -166,20 +175,22 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
     } else if (input.name.size() > longestPrintedName) {
         const auto [folder, name] = splitName(input.name);
         const int fd = keep(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        if (fd >= 0)
+        if (fd >= 0) {
             url = descriptorUrl(fd) + '/' + name;
+        }
     }
-    m_urls.inputs.push_back(url);
-    m_inputNames.push_back({url, shown});
+    urls_.inputs.push_back(url);
+    inputNames_.push_back({url, shown});
     return true;
 }
 
-/// Holds a descriptor open until the end; a negative one stays as it is, with errno.
+// Holds a descriptor open until the end; a negative one stays as it is, with errno.
 int RunFiles::keep(int descriptor)
 {
     const int fd = aboveStandardStreams(descriptor);
-    if (fd >= 0)
-        m_openDescriptors.push_back(fd);
+    if (fd >= 0) {
+        openDescriptors_.push_back(fd);
+    }
     return fd;
 }
 
@@ -188,7 +199,7 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
     bool guessed = false;
     std::vector<std::string> muxer = muxerFor(output, guessed);
     const std::string shown = onOneLine(output.name);
-    m_outputNames.push_back({output.name, shown});
+    outputNames_.push_back({output.name, shown});
     if (isPipe(output.name)) {
         passOutput(output.name, guessed ? std::vector<std::string>() : muxer);
         return true;
@@ -213,10 +224,12 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
         error = "File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting";
         return false;
     }
-    if (sequence)
+    if (sequence) {
         muxer = guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"};
-    if (!sequence && !descriptor && !writesOtherFiles(muxer))
+    }
+    if (!sequence && !descriptor && !writesOtherFiles(muxer)) {
         return openFile(output.name, std::move(muxer), overwrites, error);
+    }
     passOutput("file:" + output.name, std::move(muxer));
     return true;
 }
@@ -228,72 +241,78 @@ bool RunFiles::openFile(const std::string& name, std::vector<std::string> muxer,
     std::string reason;
     auto file = SafeOutput::open(name, reason, style);
     if (!file) {
-        error = m_outputNames.back().shown + ": " + reason;
+        error = outputNames_.back().shown + ": " + reason;
         return false;
     }
     const std::string url = "file:" + file->path();
-    m_outputNames.back().url = url;
+    outputNames_.back().url = url;
     Output made;
     made.file = std::move(file);
-    if (isScratchFormat(muxer))
+    if (isScratchFormat(muxer)) {
         made.durability = SafeOutput::Durability::Unsynced;
+    }
     // Another run may publish the same name while this one works.
-    if (!overwrites)
+    if (!overwrites) {
         made.existing = SafeOutput::Existing::Kept;
-    m_outputs.push_back(std::move(made));
-    m_urls.outputs.push_back({url, std::move(muxer)});
+    }
+    outputs_.push_back(std::move(made));
+    urls_.outputs.push_back({url, std::move(muxer)});
     return true;
 }
 
 void RunFiles::passOutput(const std::string& url, std::vector<std::string> muxer)
 {
-    m_outputNames.back().url = url;
-    m_outputs.emplace_back();
-    m_urls.outputs.push_back({url, std::move(muxer)});
+    outputNames_.back().url = url;
+    outputs_.emplace_back();
+    urls_.outputs.push_back({url, std::move(muxer)});
 }
 
 TranscriptNames RunFiles::names() const
 {
-    return {m_inputNames, m_outputNames};
+    return {inputNames_, outputNames_};
 }
 
 std::vector<int> RunFiles::inheritedDescriptors() const
 {
-    std::vector<int> descriptors = m_openDescriptors;
-    for (const Output& output : m_outputs) {
-        if (output.file)
+    std::vector<int> descriptors = openDescriptors_;
+    for (const Output& output : outputs_) {
+        if (output.file) {
             descriptors.push_back(output.file->fd());
+        }
     }
     return descriptors;
 }
 
 std::optional<std::string> RunFiles::shortenedInput() const
 {
-    for (const InputSize& input : m_inputSizes) {
+    for (const InputSize& input : inputSizes_) {
         struct stat info = {};
-        if (stat(input.name.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size < input.bytes)
+        if (stat(input.name.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size < input.bytes) {
             return onOneLine(input.name);
+        }
     }
     return std::nullopt;
 }
 
 std::optional<std::string> RunFiles::emptyOutput() const
 {
-    for (std::size_t i = 0; i < m_outputs.size(); ++i) {
-        if (m_outputs[i].file && m_outputs[i].file->size() <= 0)
-            return m_outputNames[i].shown;
+    for (std::size_t i = 0; i < outputs_.size(); ++i) {
+        if (outputs_[i].file && outputs_[i].file->size() <= 0) {
+            return outputNames_[i].shown;
+        }
     }
     return std::nullopt;
 }
 
 bool RunFiles::publish(std::string& error)
 {
-    for (std::size_t i = 0; i < m_outputs.size(); ++i) {
-        if (!m_outputs[i].file)
+    for (std::size_t i = 0; i < outputs_.size(); ++i) {
+        if (!outputs_[i].file) {
             continue;
+        }
         std::string reason;
-        if (!m_outputs[i].file->commit(reason, m_outputs[i].durability, m_outputs[i].existing)) {
-            error = m_outputNames[i].shown + ": " + reason;
+        if (!outputs_[i].file->commit(reason, outputs_[i].durability, outputs_[i].existing)) {
+            error = outputNames_[i].shown + ": " + reason;
             return false;
         }
     }

@@ -14,7 +14,7 @@
 namespace tavrix::front
 {
 
-/// Opens what has to be open for a run and publishes the outputs after it. A failure is told in one line.
+// Opens what has to be open for a run and publishes the outputs after it. A failure is told in one line.
 class RunFiles
 {
 public:
@@ -23,21 +23,21 @@ public:
     RunFiles& operator=(const RunFiles&) = delete;
     ~RunFiles();
 
-    /// False, with the line to print in `error`, when a file cannot be used; nothing has been touched then.
+    // False, with the line to print in `error`, when a file cannot be used; nothing has been touched then.
     [[nodiscard]] bool open(const CommandLine& line, std::string& error);
 
-    [[nodiscard]] const FileUrls& urls() const { return m_urls; }
+    [[nodiscard]] const FileUrls& urls() const { return urls_; }
     [[nodiscard]] TranscriptNames names() const;
     [[nodiscard]] std::vector<int> inheritedDescriptors() const;
-    [[nodiscard]] bool readsStandardInput() const { return m_readsStandardInput; }
-    /// False when an input is a stream that a second reader would find half empty.
-    [[nodiscard]] bool canBeReadAgain() const { return m_canBeReadAgain; }
+    [[nodiscard]] bool readsStandardInput() const { return readsStandardInput_; }
+    // False when an input is a stream that a second reader would find half empty.
+    [[nodiscard]] bool canBeReadAgain() const { return canBeReadAgain_; }
 
-    /// The name of the first input that has become shorter since it was opened: its end cannot have been read.
+    // The name of the first input that has become shorter since it was opened: its end cannot have been read.
     [[nodiscard]] std::optional<std::string> shortenedInput() const;
-    /// The name of the first output that holds not a byte; nothing when all have some.
+    // The name of the first output that holds not a byte; nothing when all have some.
     [[nodiscard]] std::optional<std::string> emptyOutput() const;
-    /// Puts the outputs under their names. False, with the line to print, at the first that cannot be.
+    // Puts the outputs under their names. False, with the line to print, at the first that cannot be.
     [[nodiscard]] bool publish(std::string& error);
 
 private:
@@ -59,14 +59,14 @@ private:
         std::int64_t bytes = 0;
     };
 
-    FileUrls m_urls;
-    std::vector<InputSize> m_inputSizes; // of the regular files
-    std::vector<FileName> m_inputNames;
-    std::vector<FileName> m_outputNames;
-    std::vector<int> m_openDescriptors;
-    std::vector<Output> m_outputs;
-    bool m_readsStandardInput = false;
-    bool m_canBeReadAgain = true;
+    FileUrls urls_;
+    std::vector<InputSize> inputSizes_; // of the regular files
+    std::vector<FileName> inputNames_;
+    std::vector<FileName> outputNames_;
+    std::vector<int> openDescriptors_;
+    std::vector<Output> outputs_;
+    bool readsStandardInput_ = false;
+    bool canBeReadAgain_ = true;
 };
 
 } // namespace tavrix::front

@@ -13,16 +13,18 @@ std::string_view unquoted(std::string_view text)
 {
     const bool quoted =
         text.size() >= 2 && (text.front() == '\'' || text.front() == '"') && text.back() == text.front();
-    if (!quoted || text.substr(1, text.size() - 2).find(text.front()) != std::string_view::npos)
+    if (!quoted || text.substr(1, text.size() - 2).find(text.front()) != std::string_view::npos) {
         return text;
+    }
     return text.substr(1, text.size() - 2);
 }
 
 bool isDigits(std::string_view text)
 {
     for (const char c : text) {
-        if (std::isdigit(static_cast<unsigned char>(c)) == 0)
+        if (std::isdigit(static_cast<unsigned char>(c)) == 0) {
             return false;
+        }
     }
     return !text.empty();
 }
@@ -32,17 +34,20 @@ std::string modernFilter(std::string_view filter)
     const auto equals = filter.find('=');
     const std::string_view name = filter.substr(0, equals);
     std::string_view modern;
-    if (name == "setdar" || name == "aspect")
+    if (name == "setdar" || name == "aspect") {
         modern = "setdar";
-    else if (name == "setsar" || name == "pixelaspect")
+    } else if (name == "setsar" || name == "pixelaspect") {
         modern = "setsar";
-    if (modern.empty() || equals == std::string_view::npos)
+    }
+    if (modern.empty() || equals == std::string_view::npos) {
         return std::string(filter);
+    }
     const std::string_view ratio = filter.substr(equals + 1);
     const auto colon = ratio.find(':');
     std::string result = std::string(modern) + '=';
-    if (colon != std::string_view::npos && isDigits(ratio.substr(0, colon)) && isDigits(ratio.substr(colon + 1)))
+    if (colon != std::string_view::npos && isDigits(ratio.substr(0, colon)) && isDigits(ratio.substr(colon + 1))) {
         return result + std::string(ratio.substr(0, colon)) + '/' + std::string(ratio.substr(colon + 1));
+    }
     return result + std::string(ratio);
 }
 
@@ -56,15 +61,18 @@ std::string modernFilters(std::string_view description)
     bool quoted = false;
     for (std::size_t i = 0; i <= description.size(); ++i) {
         const bool atEnd = i == description.size();
-        if (!atEnd && description[i] == '\'')
+        if (!atEnd && description[i] == '\'') {
             quoted = !quoted;
+        }
         const bool separator = atEnd || (!quoted && (description[i] == ',' || description[i] == ';') &&
                                          (i == 0 || description[i - 1] != '\\'));
-        if (!separator)
+        if (!separator) {
             continue;
+        }
         result += modernFilter(description.substr(begin, i - begin));
-        if (!atEnd)
+        if (!atEnd) {
             result += description[i];
+        }
         begin = i + 1;
     }
     return result;

@@ -7,9 +7,9 @@
 namespace tavrix::front
 {
 
-/// The filter description in today's words: quotes around the whole go, "setdar=16:9" becomes "setdar=16/9" (the second
-/// number is an unrelated option today, which gives a picture nine times as wide as high), and the first names of the
-/// aspect filters become the present ones.
+// The filter description in today's words: quotes around the whole go, "setdar=16:9" becomes "setdar=16/9" (the second
+// number is an unrelated option today, which gives a picture nine times as wide as high), and the first names of the
+// aspect filters become the present ones.
 [[nodiscard]] std::string modernFilters(std::string_view description);
 
 } // namespace tavrix::front

@@ -10,14 +10,14 @@ void LineSplitter::feed(std::string_view bytes)
     while (!bytes.empty()) {
         const auto end = bytes.find_first_of("\r\n");
         if (end == std::string_view::npos) {
-            m_unfinished += bytes;
+            unfinished_ += bytes;
             return;
         }
-        if (m_unfinished.empty()) {
-            m_receiver(bytes.substr(0, end), bytes[end]);
+        if (unfinished_.empty()) {
+            receiver_(bytes.substr(0, end), bytes[end]);
         } else {
-            m_unfinished += bytes.substr(0, end);
-            m_receiver(std::exchange(m_unfinished, {}), bytes[end]);
+            unfinished_ += bytes.substr(0, end);
+            receiver_(std::exchange(unfinished_, {}), bytes[end]);
         }
         bytes.remove_prefix(end + 1);
     }
@@ -25,8 +25,9 @@ void LineSplitter::feed(std::string_view bytes)
 
 void LineSplitter::finish()
 {
-    if (!m_unfinished.empty())
-        m_receiver(std::exchange(m_unfinished, {}), '\n');
+    if (!unfinished_.empty()) {
+        receiver_(std::exchange(unfinished_, {}), '\n');
+    }
 }
 
 std::vector<std::string_view> writablePieces(std::string_view text, std::size_t limit)
@@ -37,8 +38,9 @@ std::vector<std::string_view> writablePieces(std::string_view text, std::size_t 
         const auto continues = [&](std::size_t i) {
             return (static_cast<unsigned char>(text[i]) & 0xc0) == 0x80;
         };
-        while (length < text.size() && length + 3 > limit && length > 1 && continues(length))
+        while (length < text.size() && length + 3 > limit && length > 1 && continues(length)) {
             --length;
+        }
         pieces.push_back(text.substr(0, length));
         text.remove_prefix(length);
     }

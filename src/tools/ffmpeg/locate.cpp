@@ -15,8 +15,9 @@ namespace
 bool isUsable(const std::string& candidate, std::string_view skipped)
 {
     struct stat info = {};
-    if (stat(candidate.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || access(candidate.c_str(), X_OK) != 0)
+    if (stat(candidate.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || access(candidate.c_str(), X_OK) != 0) {
         return false;
+    }
     const std::string surrounded = ' ' + std::string(skipped) + ' ';
     return surrounded.find(' ' + fileIdentity(candidate) + ' ') == std::string::npos;
 }
@@ -34,8 +35,9 @@ std::optional<std::string> installedFfmpeg(std::string_view pathVariable, std::s
     folders.insert(folders.end(), {"/usr/bin", "/usr/local/bin"});
     for (const std::string& folder : folders) {
         const std::string candidate = folder + "/ffmpeg";
-        if (folder.starts_with('/') && isUsable(candidate, skipped))
+        if (folder.starts_with('/') && isUsable(candidate, skipped)) {
             return candidate;
+        }
     }
     return std::nullopt;
 }
@@ -43,18 +45,21 @@ std::optional<std::string> installedFfmpeg(std::string_view pathVariable, std::s
 std::string fileIdentity(const std::string& path)
 {
     struct stat info = {};
-    if (stat(path.c_str(), &info) != 0)
+    if (stat(path.c_str(), &info) != 0) {
         return {};
+    }
     return std::to_string(info.st_dev) + ':' + std::to_string(info.st_ino);
 }
 
 std::string ownPath(const std::string& startedAs)
 {
-    if (startedAs.starts_with('/'))
+    if (startedAs.starts_with('/')) {
         return startedAs;
+    }
     std::array<char, PATH_MAX> buffer = {};
-    if (startedAs.find('/') != std::string::npos && getcwd(buffer.data(), buffer.size()) != nullptr)
+    if (startedAs.find('/') != std::string::npos && getcwd(buffer.data(), buffer.size()) != nullptr) {
         return std::string(buffer.data()) + '/' + startedAs;
+    }
     const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size() - 1);
     return length > 0 ? std::string(buffer.data(), static_cast<std::size_t>(length)) : startedAs;
 }

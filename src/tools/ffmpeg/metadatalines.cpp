@@ -39,8 +39,9 @@ constexpr std::array<std::string_view, 22> phrases = {
 
 bool isMetadataLine(std::string_view line)
 {
-    if (!line.starts_with("    "))
+    if (!line.starts_with("    ")) {
         return false;
+    }
     const auto start = line.find_first_not_of(' ');
     const auto colon = line.find(": ");
     return start != std::string_view::npos && colon != std::string_view::npos && colon >= start;
@@ -50,8 +51,9 @@ std::string defusedMetadataLine(std::string_view line)
 {
     std::string result(line);
     std::string lower(line);
-    for (char& c : lower)
+    for (char& c : lower) {
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
     for (const std::string_view phrase : phrases) {
         for (auto at = lower.find(phrase); at != std::string::npos; at = lower.find(phrase, at + 1)) {
             // Any one character changed breaks the phrase; a blank or a sign shows least.

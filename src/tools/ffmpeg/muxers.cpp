@@ -36,8 +36,9 @@ std::string lowerExtension(std::string_view fileName)
     const std::string_view name = slash == std::string_view::npos ? fileName : fileName.substr(slash + 1);
     const auto dot = name.rfind('.');
     std::string extension(dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1));
-    for (char& c : extension)
+    for (char& c : extension) {
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
     return extension;
 }
 
@@ -47,19 +48,21 @@ std::size_t leadingDigits(std::string_view text)
     return end == std::string_view::npos ? text.size() : end;
 }
 
-/// The length of "%d" or "%03d" at the start of `text`; 0 when there is none.
+// The length of "%d" or "%03d" at the start of `text`; 0 when there is none.
 std::size_t numberFieldLength(std::string_view text)
 {
-    if (!text.starts_with('%'))
+    if (!text.starts_with('%')) {
         return 0;
+    }
     const std::size_t digits = leadingDigits(text.substr(1));
     return text.size() > digits + 1 && text[digits + 1] == 'd' ? digits + 2 : 0;
 }
 
 std::string_view pictureCodec(std::string_view extension)
 {
-    if (extension == "png" || extension == "bmp" || extension == "ppm")
+    if (extension == "png" || extension == "bmp" || extension == "ppm") {
         return extension;
+    }
     return extension.starts_with("tif") ? "tiff" : "mjpeg";
 }
 
@@ -75,8 +78,9 @@ std::vector<std::string> muxerArguments(std::string_view fileName)
 {
     const std::string extension = lowerExtension(fileName);
     const std::string_view format = formatFor(extension);
-    if (format.empty())
+    if (format.empty()) {
         return {};
+    }
     std::vector<std::string> arguments = formatArguments(std::string(format));
     if (extension == "m2ts") {
         arguments.insert(arguments.end(), {"-mpegts_m2ts_mode", "1"});
@@ -89,18 +93,21 @@ std::vector<std::string> muxerArguments(std::string_view fileName)
 
 std::vector<std::string> formatArguments(const std::string& format)
 {
-    if (format == "image2")
+    if (format == "image2") {
         return {"-f", format, "-update", "1"};
+    }
     return {"-f", format};
 }
 
 bool isPictureSequence(std::string_view fileName)
 {
-    if (formatFor(lowerExtension(fileName)) != "image2")
+    if (formatFor(lowerExtension(fileName)) != "image2") {
         return false;
+    }
     for (auto i = fileName.find('%'); i != std::string_view::npos; i = fileName.find('%', i + 1)) {
-        if (numberFieldLength(fileName.substr(i)) > 0)
+        if (numberFieldLength(fileName.substr(i)) > 0) {
             return true;
+        }
     }
     return false;
 }
@@ -110,12 +117,15 @@ bool isPictureOf(std::string_view pattern, std::string_view name)
     while (!pattern.empty()) {
         const std::size_t field = numberFieldLength(pattern);
         const std::size_t digits = field > 0 ? leadingDigits(name) : 0;
-        if (field > 0 && digits == 0)
+        if (field > 0 && digits == 0) {
             return false;
-        if (pattern.starts_with("%%"))
+        }
+        if (pattern.starts_with("%%")) {
             pattern.remove_prefix(1);
-        if (field == 0 && (name.empty() || name.front() != pattern.front()))
+        }
+        if (field == 0 && (name.empty() || name.front() != pattern.front())) {
             return false;
+        }
         pattern.remove_prefix(field > 0 ? field : 1);
         name.remove_prefix(field > 0 ? digits : 1);
     }

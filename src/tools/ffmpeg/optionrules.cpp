@@ -135,13 +135,15 @@ const Row* rowFor(std::string_view name)
 OptionRule optionRule(std::string_view name)
 {
     const Row* row = rowFor(name);
-    if (row == nullptr)
+    if (row == nullptr) {
         return {OptionSide::Following, true, std::string(name)};
+    }
     const bool renamed = !row->modernName.empty() && name == row->name;
     std::string modern(renamed ? row->modernName : name);
     // Without a stream specifier these two mean the video and draw a warning, or an error, today.
-    if (name == "b" || name == "qscale" || name == "q")
+    if (name == "b" || name == "qscale" || name == "q") {
         modern = name == "b" ? "b:v" : "q:v";
+    }
     return {row->side, row->takesValue, modern};
 }
 

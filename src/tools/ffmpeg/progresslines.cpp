@@ -14,38 +14,44 @@ namespace tavrix::front
 namespace
 {
 
-/// The text behind "key=", up to the next blank; nothing when the key is absent.
+// The text behind "key=", up to the next blank; nothing when the key is absent.
 std::optional<std::string> valueOf(std::string_view line, std::string_view key)
 {
     const std::string needle = std::string(key) + '=';
     auto at = line.find(needle);
-    while (at != std::string_view::npos && at > 0 && line[at - 1] != ' ')
+    while (at != std::string_view::npos && at > 0 && line[at - 1] != ' ') {
         at = line.find(needle, at + 1);
-    if (at == std::string_view::npos)
+    }
+    if (at == std::string_view::npos) {
         return std::nullopt;
+    }
     std::string_view rest = line.substr(at + needle.size());
     const auto begin = rest.find_first_not_of(' ');
-    if (begin == std::string_view::npos)
+    if (begin == std::string_view::npos) {
         return std::nullopt;
+    }
     rest.remove_prefix(begin);
     return std::string(rest.substr(0, rest.find(' ')));
 }
 
 double numberIn(const std::optional<std::string>& text)
 {
-    if (!text)
+    if (!text) {
         return 0;
+    }
     const double value = std::strtod(text->c_str(), nullptr);
     return std::isfinite(value) && value != 0 ? value : 0; // no negative zero
 }
 
-/// Seconds of "00:01:02.50" or "62.50"; nothing for "N/A".
+// Seconds of "00:01:02.50" or "62.50"; nothing for "N/A".
 std::optional<double> seconds(const std::string& text)
 {
-    if (text.find_first_of("0123456789") == std::string::npos)
+    if (text.find_first_of("0123456789") == std::string::npos) {
         return std::nullopt;
-    if (text.front() == '-')
+    }
+    if (text.front() == '-') {
         return 0.0; // before the first frame
+    }
     double total = 0;
     std::size_t begin = 0;
     while (begin <= text.size()) {
@@ -73,25 +79,29 @@ bool isProgressLine(std::string_view line)
 
 std::optional<std::string> classicProgressLine(std::string_view line, double& knownTime)
 {
-    if (!isProgressLine(line))
+    if (!isProgressLine(line)) {
         return std::nullopt;
+    }
     std::string result;
     if (line.starts_with("frame=")) {
         result = printed("frame=%5.0f fps=%3.0f ", numberIn(valueOf(line, "frame")), numberIn(valueOf(line, "fps")));
-        if (const auto quality = valueOf(line, "q"))
+        if (const auto quality = valueOf(line, "q")) {
             result += printed("q=%3.1f ", numberIn(quality));
+        }
     }
     const auto finalSize = valueOf(line, "Lsize");
     const auto size = finalSize ? finalSize : valueOf(line, "size");
     const auto time = valueOf(line, "time");
-    if (const auto value = time ? seconds(*time) : std::nullopt)
+    if (const auto value = time ? seconds(*time) : std::nullopt) {
         knownTime = *value;
+    }
     result += printed("%ssize=%8.0fkB time=%0.2f bitrate=%6.1fkbits/s", finalSize ? "L" : "", numberIn(size), knownTime,
                       numberIn(valueOf(line, "bitrate")));
     const double repeated = numberIn(valueOf(line, "dup"));
     const double dropped = numberIn(valueOf(line, "drop"));
-    if (repeated > 0 || dropped > 0)
+    if (repeated > 0 || dropped > 0) {
         result += printed(" dup=%.0f drop=%.0f", repeated, dropped);
+    }
     return result + "    ";
 }
 
@@ -111,17 +121,20 @@ bool tellsNoContent(std::string_view line)
 std::optional<std::string> classicSummaryLine(std::string_view line)
 {
     const auto start = line.starts_with("[out#") ? line.find("] video:") : std::string_view::npos;
-    if (start != std::string_view::npos)
+    if (start != std::string_view::npos) {
         line.remove_prefix(start + 2);
-    if (!line.starts_with("video:") || line.find(" muxing overhead") == std::string_view::npos)
+    }
+    if (!line.starts_with("video:") || line.find(" muxing overhead") == std::string_view::npos) {
         return std::nullopt;
+    }
     std::string text = replacedAll(std::string(line), "KiB", "kB");
     text = replacedAll(text, "muxing overhead: ", "muxing overhead ");
     // The two counts that came later are between "audio:" and "global headers:".
     const auto from = text.find(" subtitle:");
     const auto to = text.find(" global headers:");
-    if (from != std::string::npos && to != std::string::npos && from < to)
+    if (from != std::string::npos && to != std::string::npos && from < to) {
         text.erase(from, to - from);
+    }
     return text;
 }
 

@@ -27,42 +27,44 @@ constexpr int notInstalled = 127;
 // The files of this tool that already stand in the chain: two copies in PATH would start each other for ever.
 constexpr const char* chainVariable = "TAVRIX_FFMPEG_FRONT";
 
-/// Errors are not looked at: a caller that reads no messages is none of the encode's business. It does not hold up an
-/// end on request either.
+// Errors are not looked at: a caller that reads no messages is none of the encode's business. It does not hold up an
+// end on request either.
 void print(const std::string& text, char end = '\n')
 {
     std::string line = text;
     line += end;
     for (const std::string_view piece : writablePieces(line, atomicWrite)) {
-        if (!writeUnless([] { return interruptingSignal() != 0; }, STDERR_FILENO, piece))
+        if (!writeUnless([] { return interruptingSignal() != 0; }, STDERR_FILENO, piece)) {
             return;
+        }
     }
 }
 
-/// Prints lines, or keeps them while another start of ffmpeg may still replace them.
+// Prints lines, or keeps them while another start of ffmpeg may still replace them.
 class Printer
 {
 public:
     void add(const std::vector<TranscriptLine>& lines)
     {
         for (const TranscriptLine& line : lines) {
-            if (m_holding)
-                m_held.push_back(line);
-            else
+            if (holding_) {
+                held_.push_back(line);
+            } else {
                 print(line.text, line.end);
+            }
         }
     }
-    void hold() { m_holding = true; }
-    void drop() { m_held.clear(); }
+    void hold() { holding_ = true; }
+    void drop() { held_.clear(); }
     void release()
     {
-        m_holding = false;
-        add(std::exchange(m_held, {}));
+        holding_ = false;
+        add(std::exchange(held_, {}));
     }
 
 private:
-    std::vector<TranscriptLine> m_held;
-    bool m_holding = false;
+    std::vector<TranscriptLine> held_;
+    bool holding_ = false;
 };
 
 struct Attempt {
@@ -75,14 +77,14 @@ class Run
 {
 public:
     Run(std::string program, std::string self, std::string chain, CommandLine line)
-        : m_program(std::move(program)), m_self(std::move(self)), m_chain(std::move(chain)), m_line(std::move(line))
+        : program_(std::move(program)), self_(std::move(self)), chain_(std::move(chain)), line_(std::move(line))
     {
     }
 
     int execute()
     {
         std::string error;
-        if (!m_files.open(m_line, error)) {
+        if (!files_.open(line_, error)) {
             print(classicBanner());
             print(error);
             return 1;
@@ -92,8 +94,9 @@ public:
         std::signal(SIGPIPE, SIG_IGN);
         Attempt attempt = once({});
         const Dialect next = dialectAfter(attempt.findings);
-        if (next != Dialect() && interruptingSignal() == 0)
+        if (next != Dialect() && interruptingSignal() == 0) {
             attempt = once(next);
+        }
         return conclude(attempt);
     }
 
@@ -102,43 +105,44 @@ private:
     {
         Dialect next = dialectAfterRefusal({}, findings.refusedOption, findings.version);
         // A second start would miss what the first has taken out of a pipe.
-        next.annexBFilter = !findings.annexBRefused || !m_files.canBeReadAgain();
+        next.annexBFilter = !findings.annexBRefused || !files_.canBeReadAgain();
         return next;
     }
 
     [[nodiscard]] ChildRequest request(const Dialect& dialect) const
     {
         ChildRequest request;
-        request.program = m_program;
-        request.arguments = modernArguments(m_line, m_files.urls(), dialect);
-        request.arguments.insert(request.arguments.begin(), m_self);
-        request.environment = {{"LC_ALL", "C"}, {"AV_LOG_FORCE_NOCOLOR", "1"}, {chainVariable, m_chain}};
+        request.program = program_;
+        request.arguments = modernArguments(line_, files_.urls(), dialect);
+        request.arguments.insert(request.arguments.begin(), self_);
+        request.environment = {{"LC_ALL", "C"}, {"AV_LOG_FORCE_NOCOLOR", "1"}, {chainVariable, chain_}};
         request.removedVariables = {"AV_LOG_FORCE_COLOR", "AV_LOG_FORCE_256COLOR", "FFREPORT"};
-        request.inheritedDescriptors = m_files.inheritedDescriptors();
-        request.readsStandardInput = m_files.readsStandardInput();
+        request.inheritedDescriptors = files_.inheritedDescriptors();
+        request.readsStandardInput = files_.readsStandardInput();
         return request;
     }
 
-    /// Lines that would contradict those of a second start are kept back until it is clear that there is none.
+    // Lines that would contradict those of a second start are kept back until it is clear that there is none.
     [[nodiscard]] bool isSettled(const Findings& findings) const
     {
-        return mayRefuseAnnexB(m_line) ? findings.outputDescribed : findings.inputDescribed;
+        return mayRefuseAnnexB(line_) ? findings.outputDescribed : findings.inputDescribed;
     }
 
     Attempt once(const Dialect& dialect)
     {
         Attempt attempt;
-        Transcript transcript(m_files.names(), levelsAreMarked(m_line));
+        Transcript transcript(files_.names(), levelsAreMarked(line_));
         Printer printer;
         printer.hold();
         const bool first = dialect == Dialect();
         LineSplitter splitter([&](std::string_view line, char end) {
             printer.add(transcript.translate(line, end));
             const Findings& findings = transcript.findings();
-            if (first && dialectAfter(findings) != dialect)
+            if (first && dialectAfter(findings) != dialect) {
                 killChild();
-            else if (!first || isSettled(findings))
+            } else if (!first || isSettled(findings)) {
                 printer.release();
+            }
         });
         attempt.end = runChild(
             request(dialect), [&](std::string_view bytes) { splitter.feed(bytes); }, attempt.error);
@@ -146,63 +150,75 @@ private:
         printer.add(transcript.finish(!attempt.end || attempt.end->bySignal ? 1 : attempt.end->code));
         attempt.findings = transcript.findings();
         const bool repeated = first && dialectAfter(attempt.findings) != dialect && interruptingSignal() == 0;
-        if (repeated)
+        if (repeated) {
             printer.drop();
+        }
         printer.release();
         return attempt;
     }
 
     int conclude(const Attempt& attempt)
     {
-        if (interruptingSignal() != 0)
+        if (interruptingSignal() != 0) {
             return 128 + interruptingSignal();
+        }
         if (!attempt.end) {
-            print(m_program + ": " + attempt.error);
+            print(program_ + ": " + attempt.error);
             return notInstalled;
         }
-        if (attempt.end->bySignal)
+        if (attempt.end->bySignal) {
             return 128 + attempt.end->code;
-        if (attempt.end->code != 0)
+        }
+        if (attempt.end->code != 0) {
             return attempt.end->code;
+        }
         std::string error = unpublishable(attempt.findings);
-        if (error.empty() && m_files.publish(error))
+        if (error.empty() && files_.publish(error)) {
             return 0;
+        }
         print(error);
         return 1;
     }
 
-    /// Why an output must not be published although ffmpeg ended with status 0; empty when it may be.
+    // Why an output must not be published although ffmpeg ended with status 0; empty when it may be.
     [[nodiscard]] std::string unpublishable(const Findings& findings) const
     {
-        if (m_line.outputs.empty())
+        if (line_.outputs.empty()) {
             return {};
-        if (!findings.writeFailure.empty())
+        }
+        if (!findings.writeFailure.empty()) {
             return "Output incomplete, discarded: " + findings.writeFailure;
-        if (!findings.readFailure.empty())
+        }
+        if (!findings.readFailure.empty()) {
             return "Output incomplete, discarded: " + findings.readFailure;
-        if (const auto shortened = m_files.shortenedInput())
+        }
+        if (const auto shortened = files_.shortenedInput()) {
             return "Output incomplete, discarded: " + *shortened + " has become shorter meanwhile";
-        const auto empty = m_files.emptyOutput();
-        if (empty)
+        }
+        const auto empty = files_.emptyOutput();
+        if (empty) {
             return *empty + ": nothing was written";
-        if (findings.nothingEncoded && !m_files.inheritedDescriptors().empty())
+        }
+        if (findings.nothingEncoded && !files_.inheritedDescriptors().empty()) {
             return "Output without content, discarded";
+        }
         return {};
     }
 
-    std::string m_program;
-    std::string m_self;
-    std::string m_chain;
-    CommandLine m_line;
-    RunFiles m_files;
+    std::string program_;
+    std::string self_;
+    std::string chain_;
+    CommandLine line_;
+    RunFiles files_;
 };
 
-/// Becomes the installed ffmpeg, for what needs no bridge.
+// Becomes the installed ffmpeg, for what needs no bridge.
 int becomeInstalled(const std::string& program, const std::string& self, const std::vector<std::string>& words)
 {
     std::vector<char*> arguments = {const_cast<char*>(self.c_str())};
-    for (const std::string& word : words)
+    for (const std::string& word : words) {
         arguments.push_back(const_cast<char*>(word.c_str()));
+    }
     arguments.push_back(nullptr);
     execv(program.c_str(), arguments.data());
     print(program + ": " + errorText(errno));
@@ -211,11 +227,13 @@ int becomeInstalled(const std::string& program, const std::string& self, const s
 
 std::string wrongUsage(const CommandLine& line)
 {
-    if (!line.missingValueFor.empty())
+    if (!line.missingValueFor.empty()) {
         return "ffmpeg: missing argument for option '-" + line.missingValueFor + "'";
-    if (line.inputs.empty())
+    }
+    if (line.inputs.empty()) {
         return line.outputs.empty() ? "At least one output file must be specified"
                                     : "At least one input file must be specified";
+    }
     return {};
 }
 
@@ -224,8 +242,9 @@ std::string wrongUsage(const CommandLine& line)
 int runTool(const std::string& startedAs, const std::vector<std::string>& words)
 {
     if (words.empty()) {
-        for (const std::string& line : usageLines())
+        for (const std::string& line : usageLines()) {
             print(line);
+        }
         return 1;
     }
     if (words.front() == "--help") {

@@ -7,7 +7,7 @@
 namespace tavrix::front
 {
 
-/// Does what the words after the program's name ask for; the exit status.
+// Does what the words after the program's name ask for; the exit status.
 [[nodiscard]] int runTool(const std::string& startedAs, const std::vector<std::string>& words);
 
 } // namespace tavrix::front

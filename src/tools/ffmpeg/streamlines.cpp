@@ -28,8 +28,9 @@ struct StreamLine {
 std::string leadingDigits(std::string_view text)
 {
     std::size_t end = 0;
-    while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) != 0)
+    while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) != 0) {
         ++end;
+    }
     return std::string(text.substr(0, end));
 }
 
@@ -38,19 +39,22 @@ std::optional<StreamLine> parsed(std::string_view line)
     constexpr std::string_view head = "Stream #";
     constexpr std::array<std::string_view, 6> kinds = {"Video", "Audio", "Data", "Subtitle", "Attachment", "Unknown"};
     const auto start = line.find_first_not_of(' ');
-    if (start == std::string_view::npos || start == 0 || !line.substr(start).starts_with(head))
+    if (start == std::string_view::npos || start == 0 || !line.substr(start).starts_with(head)) {
         return std::nullopt;
+    }
     std::string_view rest = line.substr(start + head.size());
     StreamLine stream;
     stream.file = leadingDigits(rest);
     rest.remove_prefix(stream.file.size());
-    if (stream.file.empty() || rest.empty() || (rest.front() != ':' && rest.front() != '.'))
+    if (stream.file.empty() || rest.empty() || (rest.front() != ':' && rest.front() != '.')) {
         return std::nullopt;
+    }
     rest.remove_prefix(1);
     stream.number = leadingDigits(rest);
     rest.remove_prefix(stream.number.size());
-    if (stream.number.empty())
+    if (stream.number.empty()) {
         return std::nullopt;
+    }
     auto first = std::string_view::npos;
     for (const std::string_view kind : kinds) {
         const auto at = rest.find(": " + std::string(kind) + ": ");
@@ -59,20 +63,22 @@ std::optional<StreamLine> parsed(std::string_view line)
             stream.kind = kind;
         }
     }
-    if (first == std::string_view::npos)
+    if (first == std::string_view::npos) {
         return std::nullopt;
+    }
     stream.suffix = rest.substr(0, first);
     stream.description = rest.substr(first + stream.kind.size() + 4);
     return stream;
 }
 
-/// The tag of "none (tmcd / 0x64636D74)", which stood alone for a codec without a name.
+// The tag of "none (tmcd / 0x64636D74)", which stood alone for a codec without a name.
 std::string codecTag(const std::string& field)
 {
     const auto open = field.rfind('(');
     const auto close = field.find(')', open == std::string::npos ? 0 : open);
-    if (open == std::string::npos || close == std::string::npos)
+    if (open == std::string::npos || close == std::string::npos) {
         return {};
+    }
     const std::string inside = field.substr(open + 1, close - open - 1);
     return inside.find(" / 0x") == std::string::npos ? std::string() : inside;
 }
@@ -81,14 +87,16 @@ std::string classicCodec(const std::string& field)
 {
     const std::string name = withoutParentheses(field);
     std::string tag = codecTag(field);
-    if ((name == "none" || name == "unknown") && !tag.empty())
+    if ((name == "none" || name == "unknown") && !tag.empty()) {
         return tag;
-    if (name == "wrapped_avframe")
+    }
+    if (name == "wrapped_avframe") {
         return "rawvideo";
+    }
     return name == "dts" ? "dca" : name;
 }
 
-/// "119.88": twice or once the value of a rate field, without the loss of its two decimals for the NTSC rates.
+// "119.88": twice or once the value of a rate field, without the loss of its two decimals for the NTSC rates.
 std::string rateText(const std::string& field, double factor)
 {
     const double printed = std::strtod(field.c_str(), nullptr);
@@ -98,12 +106,13 @@ std::string rateText(const std::string& field, double factor)
     const bool ntsc = printed != std::round(printed) && std::fabs(whole / 1.001 - printed) < 0.006;
     double value = (ntsc ? whole / 1.001 : printed) * factor * (thousands ? 1000 : 1);
     std::array<char, 64> text = {};
-    if (value >= 1000 && std::fabs(value / 1000 - std::round(value / 1000)) < 1e-9)
+    if (value >= 1000 && std::fabs(value / 1000 - std::round(value / 1000)) < 1e-9) {
         std::snprintf(text.data(), text.size(), "%.0fk", value / 1000);
-    else if (std::fabs(value - std::round(value)) < 1e-9)
+    } else if (std::fabs(value - std::round(value)) < 1e-9) {
         std::snprintf(text.data(), text.size(), "%.0f", value);
-    else
+    } else {
         std::snprintf(text.data(), text.size(), "%.2f", value);
+    }
     return text.data();
 }
 
@@ -125,7 +134,7 @@ std::string classicBitRate(const std::string& field)
     return field.starts_with(maximum) ? field.substr(maximum.size()) : field;
 }
 
-/// Two fields per frame were counted for the codecs that may be interlaced inside.
+// Two fields per frame were counted for the codecs that may be interlaced inside.
 bool countsFields(const std::string& codec)
 {
     return codec == "h264" || codec.starts_with("mpeg1video") || codec.starts_with("mpeg2video") ||
@@ -144,57 +153,65 @@ struct VideoFields {
 
 void sortVideoField(VideoFields& fields, const std::string& field)
 {
-    if (field.ends_with(" fps"))
+    if (field.ends_with(" fps")) {
         fields.averageRate = field;
-    else if (field.ends_with(" tbr"))
+    } else if (field.ends_with(" tbr")) {
         fields.baseRate = field;
-    else if (field.ends_with(" tbn"))
+    } else if (field.ends_with(" tbn")) {
         fields.timeBase = field;
-    else if (field.ends_with(" tbc"))
+    } else if (field.ends_with(" tbc")) {
         fields.codecTimeBase = field;
-    else if (field.ends_with(" kb/s"))
+    } else if (field.ends_with(" kb/s")) {
         fields.shape.push_back(classicBitRate(field));
-    else if (isPictureSize(field) || field.starts_with("SAR ") || field.starts_with("PAR "))
+    } else if (isPictureSize(field) || field.starts_with("SAR ") || field.starts_with("PAR ")) {
         fields.shape.push_back(classicAspect(field));
-    else if (field.starts_with("q="))
+    } else if (field.starts_with("q=")) {
         fields.shape.push_back(field);
+    }
     // A field of any other form would be read as the pixel format if it were kept.
-    else if (fields.pixelFormat.empty() && fields.shape.empty() && field.find_first_of(" /.") == std::string::npos)
+    else if (fields.pixelFormat.empty() && fields.shape.empty() && field.find_first_of(" /.") == std::string::npos) {
         fields.pixelFormat = field;
+    }
 }
 
 std::string classicVideo(const std::vector<std::string>& words, bool ofOutput)
 {
     VideoFields fields;
     fields.codec = classicCodec(words.front());
-    for (std::size_t i = 1; i < words.size(); ++i)
+    for (std::size_t i = 1; i < words.size(); ++i) {
         sortVideoField(fields, withoutParentheses(words[i]));
+    }
     std::vector<std::string> parts = {fields.codec};
-    if (!fields.pixelFormat.empty() && fields.pixelFormat != "none")
+    if (!fields.pixelFormat.empty() && fields.pixelFormat != "none") {
         parts.push_back(fields.pixelFormat);
+    }
     parts.insert(parts.end(), fields.shape.begin(), fields.shape.end());
     if (ofOutput) {
-        if (fields.codecTimeBase.empty() && !fields.averageRate.empty())
+        if (fields.codecTimeBase.empty() && !fields.averageRate.empty()) {
             fields.codecTimeBase = rateText(fields.averageRate, 1) + " tbc";
+        }
         fields.averageRate.clear();
         fields.baseRate.clear();
     } else if (fields.codecTimeBase.empty() && !fields.baseRate.empty()) {
         fields.codecTimeBase = rateText(fields.baseRate, countsFields(fields.codec) ? 2 : 1) + " tbc";
     }
     for (const std::string& rate : {fields.averageRate, fields.baseRate, fields.timeBase, fields.codecTimeBase}) {
-        if (!rate.empty())
+        if (!rate.empty()) {
             parts.push_back(rate);
+        }
     }
     std::string text = parts.front();
-    for (std::size_t i = 1; i < parts.size(); ++i)
+    for (std::size_t i = 1; i < parts.size(); ++i) {
         text += ", " + parts[i];
+    }
     return text;
 }
 
 std::string classicSampleFormat(const std::string& codec, const std::string& format)
 {
-    if (codec.starts_with("pcm_"))
+    if (codec.starts_with("pcm_")) {
         return format;
+    }
     // Decoders that work in floating point today delivered 16-bit integers then.
     return format == "fltp" || format == "flt" || format == "s16p" ? "s16" : format;
 }
@@ -221,8 +238,9 @@ std::string classicAudio(const std::vector<std::string>& words)
     for (std::size_t i = 1; i < words.size(); ++i) {
         const std::string field = classicBitRate(withoutParentheses(words[i]));
         const bool isLogDetail = field.find('/') != std::string::npos && !field.ends_with(" kb/s");
-        if (!field.empty() && !isLogDetail && !field.starts_with("delay ") && !field.starts_with("padding "))
+        if (!field.empty() && !isLogDetail && !field.starts_with("delay ") && !field.starts_with("padding ")) {
             text += ", " + classicSampleFormat(codec, classicLayout(field));
+        }
     }
     return text;
 }
@@ -230,8 +248,9 @@ std::string classicAudio(const std::vector<std::string>& words)
 std::string classicOther(const std::vector<std::string>& words)
 {
     std::string text = classicCodec(words.front());
-    for (std::size_t i = 1; i < words.size(); ++i)
+    for (std::size_t i = 1; i < words.size(); ++i) {
         text += ", " + withoutParentheses(words[i]);
+    }
     return text;
 }
 
@@ -239,8 +258,9 @@ std::string classicSuffix(std::string suffix, const StreamLineContext& context)
 {
     const bool identified = suffix.starts_with("[0x");
     const auto close = suffix.find(']');
-    if (identified && close != std::string::npos && (context.ofOutput || !context.showsIdentifiers))
+    if (identified && close != std::string::npos && (context.ofOutput || !context.showsIdentifiers)) {
         suffix.erase(0, close + 1);
+    }
     return suffix;
 }
 
@@ -249,16 +269,18 @@ std::string classicSuffix(std::string suffix, const StreamLineContext& context)
 std::optional<std::string> classicStreamLine(std::string_view line, const StreamLineContext& context)
 {
     const auto stream = parsed(line);
-    if (!stream)
+    if (!stream) {
         return std::nullopt;
+    }
     const std::vector<std::string> words = topLevelFields(stream->description);
     std::string description;
-    if (stream->kind == "Video")
+    if (stream->kind == "Video") {
         description = classicVideo(words, context.ofOutput);
-    else if (stream->kind == "Audio")
+    } else if (stream->kind == "Audio") {
         description = classicAudio(words);
-    else
+    } else {
         description = classicOther(words);
+    }
     return "    Stream #" + stream->file + '.' + stream->number + classicSuffix(stream->suffix, context) + ": " +
            stream->kind + ": " + description;
 }
@@ -266,8 +288,9 @@ std::optional<std::string> classicStreamLine(std::string_view line, const Stream
 std::optional<int> describedStream(std::string_view line)
 {
     const auto stream = parsed(line);
-    if (!stream)
+    if (!stream) {
         return std::nullopt;
+    }
     int number = 0;
     const auto result = std::from_chars(stream->number.data(), stream->number.data() + stream->number.size(), number);
     return result.ec == std::errc() ? std::optional<int>(number) : std::nullopt;

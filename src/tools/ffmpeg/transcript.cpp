@@ -21,7 +21,7 @@ bool contains(std::string_view text, std::string_view part)
     return text.find(part) != std::string_view::npos;
 }
 
-/// A name counts only as a whole: "/proc/self/fd/5" does not stand in "/proc/self/fd/51".
+// A name counts only as a whole: "/proc/self/fd/5" does not stand in "/proc/self/fd/51".
 std::string replacedName(const std::string& line, const std::string& url, const std::string& shown)
 {
     std::string result;
@@ -30,28 +30,30 @@ std::string replacedName(const std::string& line, const std::string& url, const 
         const auto end = at + url.size();
         const bool whole = end == line.size() || std::isdigit(static_cast<unsigned char>(line[end])) == 0 ||
                            std::isdigit(static_cast<unsigned char>(url.back())) == 0;
-        if (at < begin || !whole)
+        if (at < begin || !whole) {
             continue;
+        }
         result += line.substr(begin, at - begin) + shown;
         begin = end;
     }
     return result + line.substr(begin);
 }
 
-/// The names in today's lines of timestamp debugging lost their first part.
+// The names in today's lines of timestamp debugging lost their first part.
 std::string classicPacketLine(std::string line)
 {
     for (const std::string_view name : {"read_frame_internal stream=", "ff_read_packet stream="}) {
         const auto at = line.find(name);
-        if (at == std::string::npos || (at >= 3 && line.compare(at - 3, 3, "av_") == 0))
+        if (at == std::string::npos || (at >= 3 && line.compare(at - 3, 3, "av_") == 0)) {
             continue;
+        }
         const bool hasOtherPrefix = name.starts_with("ff_");
         line.replace(at, hasOtherPrefix ? 3 : 0, "av_");
     }
     return line;
 }
 
-/// Remarks on the words that this tool itself chose for an option.
+// Remarks on the words that this tool itself chose for an option.
 bool concernsOwnSpelling(std::string_view line)
 {
     return contains(line, "-vsync is deprecated") || contains(line, "Use -fps_mode") ||
@@ -60,8 +62,7 @@ bool concernsOwnSpelling(std::string_view line)
 
 } // namespace
 
-Transcript::Transcript(TranscriptNames names, bool levelsMarked)
-    : m_names(std::move(names)), m_levelsMarked(levelsMarked)
+Transcript::Transcript(TranscriptNames names, bool levelsMarked) : names_(std::move(names)), levelsMarked_(levelsMarked)
 {
 }
 
@@ -69,30 +70,34 @@ std::vector<TranscriptLine> Transcript::translate(std::string_view rawLine, char
 {
     std::vector<TranscriptLine> lines;
     std::string line(rawLine);
-    if (m_levelsMarked && !stripLevel(line))
+    if (levelsMarked_ && !stripLevel(line)) {
         return lines;
+    }
     if (const auto version = installedVersion(line)) {
-        m_findings.version = *version;
+        findings_.version = *version;
         return {{classicBanner(), '\n'}, {"  on top of ffmpeg " + *version, '\n'}};
     }
     std::string classic;
     if (translateFailure(line, classic)) {
-        if (!classic.empty())
+        if (!classic.empty()) {
             lines.push_back({validUtf8(classic), end});
+        }
         return lines;
     }
     const std::string bare = withoutNames(line);
-    if (concernsOwnSpelling(bare))
+    if (concernsOwnSpelling(bare)) {
         return lines;
+    }
     line = withShownNames(std::move(line));
     note(bare, line);
     trackSection(line);
-    if (m_section == Section::Mapping) {
-        m_mapping.push_back(validUtf8(translateOther(line)));
+    if (section_ == Section::Mapping) {
+        mapping_.push_back(validUtf8(translateOther(line)));
         return lines;
     }
-    if (m_findings.outputDescribed && !line.starts_with(' ') && !line.starts_with("Output #"))
+    if (findings_.outputDescribed && !line.starts_with(' ') && !line.starts_with("Output #")) {
         releaseMapping(lines);
+    }
     lines.push_back({validUtf8(translateOther(line)), end});
     return lines;
 }
@@ -101,15 +106,16 @@ std::vector<TranscriptLine> Transcript::finish(int status)
 {
     std::vector<TranscriptLine> lines;
     releaseMapping(lines);
-    const bool onlyInput = m_names.inputs.size() == 1 && m_findings.inputDescribed && !m_failureTold;
+    const bool onlyInput = names_.inputs.size() == 1 && findings_.inputDescribed && !failureTold_;
     const bool allWithoutParameters =
-        std::ranges::all_of(m_describedStreams, [&](int stream) { return m_withoutParameters.contains(stream); });
-    if (status != 0 && onlyInput && allWithoutParameters)
-        lines.push_back({validUtf8(m_names.inputs.front().shown) + ": could not find codec parameters", '\n'});
+        std::ranges::all_of(describedStreams_, [&](int stream) { return withoutParameters_.contains(stream); });
+    if (status != 0 && onlyInput && allWithoutParameters) {
+        lines.push_back({validUtf8(names_.inputs.front().shown) + ": could not find codec parameters", '\n'});
+    }
     return lines;
 }
 
-/// Takes "[info] " off; false for lines that only the library's debug level prints.
+// Takes "[info] " off; false for lines that only the library's debug level prints.
 bool Transcript::stripLevel(std::string& line) const
 {
     struct Level {
@@ -124,8 +130,9 @@ bool Transcript::stripLevel(std::string& line) const
     const auto component = line.starts_with('[') && contains(line, " @ ") ? line.find("] [") : std::string::npos;
     const std::size_t at = component == std::string::npos ? 0 : component + 2;
     for (const Level& level : levels) {
-        if (line.compare(at, level.mark.size(), level.mark) != 0)
+        if (line.compare(at, level.mark.size(), level.mark) != 0) {
             continue;
+        }
         line.erase(at, level.mark.size());
         return level.printed || contains(line, "timestamp discontinuity") || contains(line, "***");
     }
@@ -134,25 +141,27 @@ bool Transcript::stripLevel(std::string& line) const
 
 std::string Transcript::withShownNames(std::string line) const
 {
-    for (const auto* files : {&m_names.outputs, &m_names.inputs}) {
+    for (const auto* files : {&names_.outputs, &names_.inputs}) {
         for (const FileName& file : *files) {
             line = replacedName(line, file.url, file.shown);
             // Some messages leave the protocol out.
             constexpr std::string_view descriptor = "file:/proc/self/fd/";
-            if (file.url.starts_with(descriptor))
+            if (file.url.starts_with(descriptor)) {
                 line = replacedName(line, file.url.substr(5), file.shown);
+            }
         }
     }
     return line;
 }
 
-/// For what is concluded from a line: a file may bear the words of a failure.
+// For what is concluded from a line: a file may bear the words of a failure.
 std::string Transcript::withoutNames(std::string line) const
 {
-    for (const auto* files : {&m_names.outputs, &m_names.inputs}) {
+    for (const auto* files : {&names_.outputs, &names_.inputs}) {
         for (const FileName& file : *files) {
-            if (file.url.starts_with("file:"))
+            if (file.url.starts_with("file:")) {
                 line = replacedName(line, file.url, "");
+            }
         }
     }
     return line;
@@ -160,102 +169,121 @@ std::string Transcript::withoutNames(std::string line) const
 
 void Transcript::note(const std::string& line, const std::string& shown)
 {
-    if (const auto option = refusedOption(line))
-        m_findings.refusedOption = *option;
-    m_findings.annexBRefused = m_findings.annexBRefused || refusesAnnexB(line);
-    m_framesCounted = m_framesCounted || countsFrames(line);
+    if (const auto option = refusedOption(line)) {
+        findings_.refusedOption = *option;
+    }
+    findings_.annexBRefused = findings_.annexBRefused || refusesAnnexB(line);
+    framesCounted_ = framesCounted_ || countsFrames(line);
     // Without pictures the header alone makes the file, and ffmpeg does not always say so.
-    const bool noContent = tellsNoContent(line) && !m_framesCounted;
-    m_findings.nothingEncoded = m_findings.nothingEncoded || tellsNothingEncoded(line) || noContent;
-    if (m_findings.writeFailure.empty() && tellsWriteFailure(line))
-        m_findings.writeFailure = shown;
-    if (const auto stream = streamWithoutParameters(line))
-        m_withoutParameters.insert(*stream);
+    const bool noContent = tellsNoContent(line) && !framesCounted_;
+    findings_.nothingEncoded = findings_.nothingEncoded || tellsNothingEncoded(line) || noContent;
+    if (findings_.writeFailure.empty() && tellsWriteFailure(line)) {
+        findings_.writeFailure = shown;
+    }
+    if (const auto stream = streamWithoutParameters(line)) {
+        withoutParameters_.insert(*stream);
+    }
 }
 
 void Transcript::trackSection(const std::string& line)
 {
     if (line.starts_with("Input #")) {
-        m_section = Section::Input;
-        m_findings.inputDescribed = true;
+        section_ = Section::Input;
+        findings_.inputDescribed = true;
         const auto names = line.find(", ");
         const auto end = line.find(", from '");
-        if (names != std::string::npos && end != std::string::npos && names < end)
-            m_showsIdentifiers = formatShowsIdentifiers(line.substr(names + 2, end - names - 2));
+        if (names != std::string::npos && end != std::string::npos && names < end) {
+            showsIdentifiers_ = formatShowsIdentifiers(line.substr(names + 2, end - names - 2));
+        }
     } else if (line.starts_with("Output #")) {
-        m_section = Section::Output;
-        m_findings.outputDescribed = true;
+        section_ = Section::Output;
+        findings_.outputDescribed = true;
     } else if (line == "Stream mapping:") {
-        m_section = Section::Mapping;
-    } else if (m_section == Section::Mapping ? !line.starts_with(' ') : isProgressLine(line)) {
-        m_section = Section::None;
+        section_ = Section::Mapping;
+    } else if (section_ == Section::Mapping ? !line.starts_with(' ') : isProgressLine(line)) {
+        section_ = Section::None;
     }
-    if (m_section == Section::Input && line.starts_with(' ')) {
-        if (const auto stream = describedStream(line))
-            m_describedStreams.insert(*stream);
+    if (section_ == Section::Input && line.starts_with(' ')) {
+        if (const auto stream = describedStream(line)) {
+            describedStreams_.insert(*stream);
+        }
     }
 }
 
-/// "<input>: <reason>".
+// "<input>: <reason>".
 std::optional<OpenFailure> Transcript::namedFailure(const std::string& line) const
 {
-    for (std::size_t input = 0; input < m_names.inputs.size(); ++input) {
-        const std::string head = m_names.inputs[input].url + ": ";
-        if (line.starts_with(head))
+    for (std::size_t input = 0; input < names_.inputs.size(); ++input) {
+        const std::string head = names_.inputs[input].url + ": ";
+        if (line.starts_with(head)) {
             return OpenFailure{input, line.substr(head.size())};
+        }
     }
     return std::nullopt;
 }
 
-/// The failure of an input, which was told in other words; `classic` stays empty when nothing is to be printed.
+// The failure of an input, which was told in other words; `classic` stays empty when nothing is to be printed.
 bool Transcript::translateFailure(const std::string& line, std::string& classic)
 {
-    if (repeatsOpenFailure(line))
-        return m_failureTold;
+    if (repeatsOpenFailure(line)) {
+        return failureTold_;
+    }
     const auto later = laterOpenFailure(line);
     const auto failure = later ? later : namedFailure(line);
-    if (!failure || failure->input >= m_names.inputs.size())
+    if (!failure || failure->input >= names_.inputs.size()) {
         return false;
-    const std::string& shown = m_names.inputs[failure->input].shown;
-    if (m_findings.readFailure.empty() && tellsReadFailure(failure->reason))
-        m_findings.readFailure = shown + ": " + failure->reason;
+    }
+    const std::string& shown = names_.inputs[failure->input].shown;
+    if (findings_.readFailure.empty() && tellsReadFailure(failure->reason)) {
+        findings_.readFailure = shown + ": " + failure->reason;
+    }
     auto reason = classicOpenFailure(failure->reason);
-    if (!reason && later)
+    if (!reason && later) {
         reason = "Error while opening file (" + failure->reason + ')';
-    if (!reason)
+    }
+    if (!reason) {
         return false;
-    m_failureTold = true;
+    }
+    failureTold_ = true;
     classic = shown + ": " + *reason;
     return true;
 }
 
 std::string Transcript::translateOther(const std::string& line)
 {
-    if (const auto progress = classicProgressLine(line, m_knownTime))
+    if (const auto progress = classicProgressLine(line, knownTime_)) {
         return *progress;
-    if (const auto summary = classicSummaryLine(line))
-        return *summary;
-    if (m_section == Section::Input || m_section == Section::Output) {
-        const StreamLineContext context{m_section == Section::Output, m_showsIdentifiers};
-        if (const auto stream = classicStreamLine(line, context))
-            return *stream;
-        if (isMetadataLine(line))
-            return withDottedNumbers(defusedMetadataLine(line));
     }
-    if (m_section == Section::Mapping && line.starts_with("  "))
+    if (const auto summary = classicSummaryLine(line)) {
+        return *summary;
+    }
+    if (section_ == Section::Input || section_ == Section::Output) {
+        const StreamLineContext context{section_ == Section::Output, showsIdentifiers_};
+        if (const auto stream = classicStreamLine(line, context)) {
+            return *stream;
+        }
+        if (isMetadataLine(line)) {
+            return withDottedNumbers(defusedMetadataLine(line));
+        }
+    }
+    if (section_ == Section::Mapping && line.starts_with("  ")) {
         return withDottedNumbers(withoutParentheses(line));
+    }
     return classicPacketLine(withDottedNumbers(line));
 }
 
 void Transcript::releaseMapping(std::vector<TranscriptLine>& lines)
 {
-    if (m_mapping.empty())
+    if (mapping_.empty()) {
         return;
-    for (std::string& line : m_mapping)
+    }
+    for (std::string& line : mapping_) {
         lines.push_back({std::move(line), '\n'});
-    m_mapping.clear();
-    if (m_findings.outputDescribed)
+    }
+    mapping_.clear();
+    if (findings_.outputDescribed) {
         lines.push_back({"Press [q] to stop encoding", '\n'});
+    }
 }
 
 } // namespace tavrix::front

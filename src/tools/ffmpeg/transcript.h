@@ -12,10 +12,10 @@
 namespace tavrix::front
 {
 
-/// A file as the installed ffmpeg names it, and as the caller does.
+// A file as the installed ffmpeg names it, and as the caller does.
 struct FileName {
-    std::string url;   ///< "file:/proc/self/fd/5"
-    std::string shown; ///< "/home/me/clip.mp4"
+    std::string url;   // "file:/proc/self/fd/5"
+    std::string shown; // "/home/me/clip.mp4"
 };
 
 struct TranscriptNames {
@@ -30,32 +30,32 @@ struct TranscriptLine {
     bool operator==(const TranscriptLine&) const = default;
 };
 
-/// What the lines seen so far mean for the run.
+// What the lines seen so far mean for the run.
 struct Findings {
-    std::string version;          ///< of the installed ffmpeg
-    std::string refusedOption;    ///< an option it does not know
-    bool annexBRefused = false;   ///< the stream is not H.264
-    bool inputDescribed = false;  ///< an input was opened
-    bool outputDescribed = false; ///< an output was opened
-    std::string writeFailure;     ///< the line that tells of a damaged output
-    std::string readFailure;      ///< the input that could not be read to its end, and why
+    std::string version;          // of the installed ffmpeg
+    std::string refusedOption;    // an option it does not know
+    bool annexBRefused = false;   // the stream is not H.264
+    bool inputDescribed = false;  // an input was opened
+    bool outputDescribed = false; // an output was opened
+    std::string writeFailure;     // the line that tells of a damaged output
+    std::string readFailure;      // the input that could not be read to its end, and why
     bool nothingEncoded = false;
 };
 
-/// Translates line by line, without waiting for more: only the stream mapping is held back until the output has been
-/// described, where it used to stand.
+// Translates line by line, without waiting for more: only the stream mapping is held back until the output has been
+// described, where it used to stand.
 class Transcript
 {
 public:
-    /// `levelsMarked`: lines carry "[info] " and the like, and those of the library's debug level are left out.
+    // `levelsMarked`: lines carry "[info] " and the like, and those of the library's debug level are left out.
     Transcript(TranscriptNames names, bool levelsMarked);
 
-    /// The lines to print for one line of ffmpeg.
+    // The lines to print for one line of ffmpeg.
     [[nodiscard]] std::vector<TranscriptLine> translate(std::string_view line, char end);
-    /// The lines to print after the last one, when ffmpeg has ended with `status`.
+    // The lines to print after the last one, when ffmpeg has ended with `status`.
     [[nodiscard]] std::vector<TranscriptLine> finish(int status);
 
-    [[nodiscard]] const Findings& findings() const { return m_findings; }
+    [[nodiscard]] const Findings& findings() const { return findings_; }
 
 private:
     enum class Section { None, Input, Mapping, Output };
@@ -70,17 +70,17 @@ private:
     [[nodiscard]] std::string translateOther(const std::string& line);
     void releaseMapping(std::vector<TranscriptLine>& lines);
 
-    TranscriptNames m_names;
-    bool m_levelsMarked;
-    Findings m_findings;
-    Section m_section = Section::None;
-    bool m_showsIdentifiers = false;
-    std::vector<std::string> m_mapping;
-    std::set<int> m_describedStreams;
-    std::set<int> m_withoutParameters;
-    bool m_failureTold = false;
-    bool m_framesCounted = false;
-    double m_knownTime = 0;
+    TranscriptNames names_;
+    bool levelsMarked_;
+    Findings findings_;
+    Section section_ = Section::None;
+    bool showsIdentifiers_ = false;
+    std::vector<std::string> mapping_;
+    std::set<int> describedStreams_;
+    std::set<int> withoutParameters_;
+    bool failureTold_ = false;
+    bool framesCounted_ = false;
+    double knownTime_ = 0;
 };
 
 } // namespace tavrix::front

@@ -10,8 +10,9 @@ template <typename Table, typename Make> constexpr std::array<Table, codeCount> 
 {
     std::array<Table, codeCount> tables{};
     for (std::uint32_t index = 0; index < codeCount; ++index) {
-        for (std::uint32_t value = 0; value < tables[index].size(); ++value)
+        for (std::uint32_t value = 0; value < tables[index].size(); ++value) {
             tables[index][value] = make(codeOf(index), value);
+        }
     }
     return tables;
 }

@@ -38,8 +38,9 @@ constexpr bool codeHolds(Code code, std::uint32_t value)
 constexpr std::uint32_t codeLength(Code code, std::uint32_t value)
 {
     const std::uint32_t prefix = value >> code.k;
-    if (code.golomb)
+    if (code.golomb) {
         return 2U * static_cast<std::uint32_t>(std::bit_width(prefix + 1)) - 1U + code.k;
+    }
     return (prefix < longestUnaryPrefix ? prefix + 1U : longestUnaryPrefix) + code.k;
 }
 
@@ -48,8 +49,9 @@ constexpr CodeWord codeWord(Code code, std::uint32_t value)
     const std::uint32_t low = value & ((1U << code.k) - 1U);
     const std::uint32_t prefix = value >> code.k;
     const std::uint32_t length = codeLength(code, value);
-    if (code.golomb)
+    if (code.golomb) {
         return {(prefix + 1U) << code.k | low, length};
+    }
     return {(prefix < longestUnaryPrefix ? 1U << code.k : 0U) | low, length};
 }
 
@@ -71,8 +73,9 @@ constexpr std::uint32_t longestZeroRow(Code code)
 constexpr CodeWord zeroRow(Code code, std::uint32_t zeros)
 {
     CodeWord row{0, zeros * (code.k + 1U)};
-    for (std::uint32_t i = 0; i < zeros; ++i)
+    for (std::uint32_t i = 0; i < zeros; ++i) {
         row.bits = row.bits << (code.k + 1U) | 1U << code.k;
+    }
     return row;
 }
 
@@ -104,8 +107,9 @@ public:
     // Ends the last byte with zeros and answers the end of what was written.
     std::uint8_t* finish()
     {
-        if (pending_ > 0)
+        if (pending_ > 0) {
             put({0, 8 - pending_});
+        }
         return at_;
     }
 
@@ -115,8 +119,9 @@ private:
         pending_ += length;
         // Without pending bits what is written does not count; the mask keeps the shift defined.
         std::uint64_t word = held_ << ((64 - pending_) & 63);
-        if constexpr (std::endian::native == std::endian::little)
+        if constexpr (std::endian::native == std::endian::little) {
             word = __builtin_bswap64(word);
+        }
         std::memcpy(at_, &word, sizeof word);
         at_ += pending_ >> 3;
         pending_ &= 7;

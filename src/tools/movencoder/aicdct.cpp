@@ -81,8 +81,9 @@ void loadSamples(const std::uint8_t* samples, std::ptrdiff_t stride, Lanes* bloc
         block[2 * row] = _mm_cvtepi32_ps(_mm_unpacklo_epi16(words, zero));
         block[2 * row + 1] = _mm_cvtepi32_ps(_mm_unpackhi_epi16(words, zero));
 #else
-        for (int i = 0; i < 8; ++i)
+        for (int i = 0; i < 8; ++i) {
             block[2 * row + i / 4][i % 4] = static_cast<float>(samples[i]);
+        }
 #endif
     }
 }

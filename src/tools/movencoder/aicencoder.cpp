@@ -30,8 +30,9 @@ void putBigEndian32(std::uint8_t* at, std::size_t value)
 CodingOrder turnedOrder(bool interlaced)
 {
     CodingOrder order = codingOrder(interlaced);
-    for (std::uint16_t& place : order)
+    for (std::uint16_t& place : order) {
         place = static_cast<std::uint16_t>((place & ~63U) | (place & 7U) << 3 | (place >> 3 & 7U));
+    }
     return order;
 }
 
@@ -45,8 +46,9 @@ using Copy = std::array<std::uint8_t, 256>;
 Samples samplesOf(const std::uint8_t* plane, std::ptrdiff_t stride, int planeWidth, int x, int y, int side, Copy& copy)
 {
     const std::uint8_t* at = plane + static_cast<std::ptrdiff_t>(y) * stride + x;
-    if (x + side <= planeWidth)
+    if (x + side <= planeWidth) {
         return {at, stride};
+    }
     const auto present = static_cast<std::size_t>(planeWidth - x);
     for (std::ptrdiff_t line = 0; line < side; ++line, at += stride) {
         std::uint8_t* to = copy.data() + 16 * line;
@@ -66,8 +68,9 @@ Encoder::Encoder(int width, int height)
 
 void Encoder::useQuantiser(int quantiser)
 {
-    if (quantiser == quantiser_)
+    if (quantiser == quantiser_) {
         return;
+    }
     quantiser_ = quantiser;
     factors_ = levelFactors(quantiser);
 }
@@ -96,8 +99,9 @@ void Encoder::collectSlice(const Picture& picture, int row, int slice)
 {
     const int count = geometry_.macroblocksOfSlice(slice);
     coder_.begin(count);
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         collectMacroblock(picture, row, slice * geometry_.sliceWidth + i);
+    }
 }
 
 std::size_t Encoder::firstSliceOffset() const
@@ -167,20 +171,23 @@ int Encoder::encodeToSize(const Picture& picture, std::size_t limit, std::vector
     int high = coarsestQuantiser;
     while (low < high) {
         const int middle = (low + high) / 2;
-        if (measure(picture, middle, rowStep) <= limit)
+        if (measure(picture, middle, rowStep) <= limit) {
             high = middle;
-        else
+        } else {
             low = middle + 1;
+        }
     }
     int quantiser = low;
     encode(picture, quantiser, frame);
     if (frame.size() > limit) {
-        while (frame.size() > limit && quantiser < coarsestQuantiser)
+        while (frame.size() > limit && quantiser < coarsestQuantiser) {
             encode(picture, ++quantiser, frame);
+        }
         return quantiser;
     }
-    while (quantiser > finestQuantiser && measure(picture, quantiser - 1, 1) <= limit)
+    while (quantiser > finestQuantiser && measure(picture, quantiser - 1, 1) <= limit) {
         --quantiser;
+    }
     encode(picture, quantiser, frame);
     return quantiser;
 }

@@ -22,8 +22,9 @@ CodeWord wordOf(const CodeTable& table, std::uint32_t code, std::uint32_t value)
 std::uint64_t weigh(const std::int16_t* counts, const std::int16_t* lengths, std::uint32_t bins)
 {
     std::int32_t sum = 0;
-    for (std::uint32_t i = 0; i < bins; ++i)
+    for (std::uint32_t i = 0; i < bins; ++i) {
         sum += static_cast<std::int32_t>(counts[i]) * static_cast<std::int32_t>(lengths[i]);
+    }
     return static_cast<std::uint64_t>(sum);
 }
 
@@ -38,10 +39,11 @@ void SliceCoder::Statistics::clear()
 
 inline void SliceCoder::Statistics::add(std::uint32_t value)
 {
-    if (value < tabledValues)
+    if (value < tabledValues) {
         ++counts[value];
-    else
+    } else {
         large.push_back(static_cast<std::uint16_t>(value));
+    }
     largest = std::max(largest, value);
 }
 
@@ -67,8 +69,9 @@ void SliceCoder::begin(int macroblocks)
 
 void SliceCoder::addMacroblock(const std::int32_t* levels, const CodingOrder& order)
 {
-    for (std::size_t band = 0; band < bands_.size(); ++band)
+    for (std::size_t band = 0; band < bands_.size(); ++band) {
         addBand(band, levels, order.data() + bands[band].offset);
+    }
     ++added_;
 }
 
@@ -97,8 +100,9 @@ void SliceCoder::addBand(std::size_t band, const std::int32_t* levels, const std
         state.levels.add(level);
         *token++ = {static_cast<std::uint16_t>(run), static_cast<std::uint16_t>(level)};
     }
-    if (next < count)
+    if (next < count) {
         state.runs.add(static_cast<std::uint32_t>(count - next));
+    }
     state.tokenCount += found;
     state.tokensOfMacroblock[added_] = static_cast<std::uint8_t>(found);
 }
@@ -109,15 +113,18 @@ SliceCoder::Choice SliceCoder::cheapest(const Statistics& statistics, std::uint3
     Choice best{0, std::numeric_limits<std::uint64_t>::max()};
     for (std::uint32_t index = 0; index < codeCount; ++index) {
         const Code code = codeOf(index);
-        if (!codeHolds(code, statistics.largest + offset))
+        if (!codeHolds(code, statistics.largest + offset)) {
             continue;
+        }
         const LengthTable& lengths = lengthTable(index);
         std::uint64_t bits = weigh(statistics.counts.data(), lengths.data() + offset, bins) +
                              zeros * static_cast<std::uint64_t>(lengths[0]);
-        for (const std::uint16_t value : statistics.large)
+        for (const std::uint16_t value : statistics.large) {
             bits += codeLength(code, value + offset);
-        if (bits < best.bits)
+        }
+        if (bits < best.bits) {
             best = {index, bits};
+        }
     }
     return best;
 }
@@ -145,12 +152,14 @@ std::uint64_t SliceCoder::chooseBand(std::size_t band)
         skippingBits = 1 + 2 * codeFieldBits + level.bits + run.bits;
     }
     const bool dense = 3 * state.tokenCount > coefficients;
-    if (!forced && !dense)
+    if (!forced && !dense) {
         return skippingBits;
+    }
     const Choice spelled = cheapest(state.levels, 1, coefficients - state.tokenCount);
     const std::uint64_t spelledBits = 1 + codeFieldBits + spelled.bits;
-    if (skippingBits <= spelledBits)
+    if (skippingBits <= spelledBits) {
         return skippingBits;
+    }
     state.skips = false;
     state.levelCode = spelled.code;
     return spelledBits;
@@ -159,8 +168,9 @@ std::uint64_t SliceCoder::chooseBand(std::size_t band)
 std::size_t SliceCoder::choose()
 {
     std::uint64_t bits = 0;
-    for (std::size_t band = 0; band < bands_.size(); ++band)
+    for (std::size_t band = 0; band < bands_.size(); ++band) {
         bits += chooseBand(band);
+    }
     return static_cast<std::size_t>((bits + 31) / 32 * 4);
 }
 
@@ -177,8 +187,9 @@ void SliceCoder::writeSkipping(BitWriter& writer, std::size_t band) const
             writer.put(runTable[token->run], wordOf(levelTable, state.levelCode, token->level));
             next += token->run + 1;
         }
-        if (next < count)
+        if (next < count) {
             writer.put(runTable[static_cast<std::size_t>(count - next)]);
+        }
     }
 }
 
@@ -191,12 +202,14 @@ void SliceCoder::writeSpelled(BitWriter& writer, std::size_t band) const
     const Code code = codeOf(state.levelCode);
     const std::uint32_t longestRow = longestZeroRow(code);
     std::array<CodeWord, 33> rows;
-    for (std::uint32_t zeros = 0; zeros <= longestRow; ++zeros)
+    for (std::uint32_t zeros = 0; zeros <= longestRow; ++zeros) {
         rows[zeros] = zeroRow(code, zeros);
+    }
     // Answers the last part of a row of zeros, to be written together with what follows.
     const auto putZeros = [&](std::uint32_t zeros) {
-        for (; zeros > longestRow; zeros -= longestRow)
+        for (; zeros > longestRow; zeros -= longestRow) {
             writer.put(rows[longestRow]);
+        }
         return rows[zeros];
     };
     for (int macroblock = 0; macroblock < macroblocks_; ++macroblock) {
@@ -206,8 +219,9 @@ void SliceCoder::writeSpelled(BitWriter& writer, std::size_t band) const
             writer.put(zeros, wordOf(table, state.levelCode, token->level + 1U));
             next += token->run + 1;
         }
-        if (next < count)
+        if (next < count) {
             writer.put(putZeros(static_cast<std::uint32_t>(count - next)));
+        }
     }
 }
 

@@ -45,17 +45,20 @@ PictureFacts factsOf(const MovieReader& reader, AVFrame& picture, const FormatSe
     facts.matrix = picture.colorspace;
     facts.chromaLocation = picture.chroma_location;
     // The converter brings RGB pictures to this matrix; their own tag would say that there is none.
-    if (isRgb(picture))
+    if (isRgb(picture)) {
         facts.matrix = AVCOL_SPC_SMPTE170M;
+    }
     facts.timeBase = reader.video()->time_base;
     // Untagged standard-definition pictures would change their colours by being enlarged, so they get their tag.
     const bool enlarged = picture.height < leastHighDefinitionHeight && facts.fit.height >= leastHighDefinitionHeight;
     if (enlarged && facts.matrix == AVCOL_SPC_UNSPECIFIED) {
         facts.matrix = AVCOL_SPC_SMPTE170M;
-        if (facts.primaries == AVCOL_PRI_UNSPECIFIED)
+        if (facts.primaries == AVCOL_PRI_UNSPECIFIED) {
             facts.primaries = picture.height == 576 ? AVCOL_PRI_BT470BG : AVCOL_PRI_SMPTE170M;
-        if (facts.transfer == AVCOL_TRC_UNSPECIFIED)
+        }
+        if (facts.transfer == AVCOL_TRC_UNSPECIFIED) {
             facts.transfer = AVCOL_TRC_SMPTE170M;
+        }
     }
     return facts;
 }
@@ -72,19 +75,22 @@ public:
     {
         std::string reason;
         reader_ = MovieReader::open(input_.path, reason);
-        if (!reader_)
+        if (!reader_) {
             return fail(input_.name, reason, error);
+        }
         for (;;) {
             switch (reader_->next(reason)) {
             case MovieReader::Item::Failure:
                 return fail(input_.name, reason, error);
             case MovieReader::Item::Sound:
-                if (!takeSound(error))
+                if (!takeSound(error)) {
                     return false;
+                }
                 break;
             case MovieReader::Item::Picture:
-                if (!takePicture(fd, error))
+                if (!takePicture(fd, error)) {
                     return false;
+                }
                 break;
             case MovieReader::Item::End:
                 return finish(error);
@@ -106,12 +112,15 @@ private:
         std::vector<PictureWorker> workers;
         for (unsigned i = 0; i < usableCores(); ++i) {
             std::shared_ptr<PictureEncoder> encoder = makePictureEncoder(format_, settings_, facts, reason);
-            if (!encoder)
+            if (!encoder) {
                 return fail(input_.name, reason, error);
-            if (!writer_)
+            }
+            if (!writer_) {
                 writer_ = MovieWriter::open(fd, *reader_, format_, *encoder, facts, reason);
-            if (!writer_)
+            }
+            if (!writer_) {
                 return fail(output_, reason, error);
+            }
             auto converter = std::make_shared<PictureConverter>(facts.fit, encoder->pixelFormat());
             workers.emplace_back([encoder, converter, fit = facts.fit](
                                      const AVFrame& source, std::vector<std::uint8_t>& bytes, std::string& problem) {
@@ -121,8 +130,9 @@ private:
         }
         pipeline_.emplace(std::move(workers));
         for (const PacketPtr& sound : earlySounds_) {
-            if (!writer_->writeSound(*sound, reason))
+            if (!writer_->writeSound(*sound, reason)) {
                 return fail(output_, reason, error);
+            }
         }
         earlySounds_.clear();
         return true;
@@ -131,18 +141,22 @@ private:
     bool takePicture(int fd, std::string& error)
     {
         FramePtr picture = reader_->takePicture();
-        if (!picture)
+        if (!picture) {
             return fail(input_.name, "out of memory", error);
-        if (!pipeline_ && !start(fd, *picture, error))
+        }
+        if (!pipeline_ && !start(fd, *picture, error)) {
             return false;
+        }
         while (pipeline_->full()) {
-            if (!writeOldest(error))
+            if (!writeOldest(error)) {
                 return false;
+            }
         }
         const std::int64_t duration = reader_->durationOf(*picture);
         std::int64_t time = MovieReader::timeOf(*picture);
-        if (time == AV_NOPTS_VALUE || (nextTime_ && time <= *lastTime_))
+        if (time == AV_NOPTS_VALUE || (nextTime_ && time <= *lastTime_)) {
             time = nextTime_.value_or(0);
+        }
         lastTime_ = time;
         nextTime_ = time + duration;
         pipeline_->submit(std::move(picture), time, duration);
@@ -153,11 +167,13 @@ private:
     bool takeSound(std::string& error)
     {
         std::string reason;
-        if (writer_)
+        if (writer_) {
             return writer_->writeSound(*reader_->packet(), reason) || fail(output_, reason, error);
+        }
         PacketPtr copy(av_packet_alloc());
-        if (!copy || av_packet_ref(copy.get(), reader_->packet()) < 0)
+        if (!copy || av_packet_ref(copy.get(), reader_->packet()) < 0) {
             return fail(input_.name, "out of memory", error);
+        }
         earlySounds_.push_back(std::move(copy));
         return true;
     }
@@ -165,19 +181,23 @@ private:
     bool writeOldest(std::string& error)
     {
         CodedPicture coded = pipeline_->take();
-        if (!coded.error.empty())
+        if (!coded.error.empty()) {
             return fail(input_.name, coded.error, error);
-        if (ended_ && pipeline_->empty())
+        }
+        if (ended_ && pipeline_->empty()) {
             coded.duration = reader_->lastDuration(coded.time, coded.duration);
+        }
         std::string reason;
-        if (!writer_->writePicture(coded, reason))
+        if (!writer_->writePicture(coded, reason)) {
             return fail(output_, reason, error);
+        }
         const double seconds = static_cast<double>(coded.time) * av_q2d(reader_->video()->time_base) -
                                static_cast<double>(reader_->start()) / AV_TIME_BASE;
-        if (reader_->duration() > 0)
+        if (reader_->duration() > 0) {
             progress_.report(seconds * AV_TIME_BASE / static_cast<double>(reader_->duration()));
-        else
+        } else {
             progress_.report(0);
+        }
         return true;
     }
 
@@ -185,8 +205,9 @@ private:
     {
         ended_ = true;
         while (!pipeline_->empty()) {
-            if (!writeOldest(error))
+            if (!writeOldest(error)) {
                 return false;
+            }
         }
         std::string reason;
         return writer_->finish(reason) || fail(output_, reason, error);

@@ -8,8 +8,9 @@ namespace tavrix::movencoder
 EncodePipeline::EncodePipeline(std::vector<PictureWorker> workers) : workers_(std::move(workers))
 {
     threads_.reserve(workers_.size());
-    for (const PictureWorker& worker : workers_)
+    for (const PictureWorker& worker : workers_) {
         threads_.emplace_back([this, &worker] { work(worker); });
+    }
 }
 
 EncodePipeline::~EncodePipeline()
@@ -20,8 +21,9 @@ EncodePipeline::~EncodePipeline()
         unstarted_.clear();
     }
     waiting_.notify_all();
-    for (std::thread& thread : threads_)
+    for (std::thread& thread : threads_) {
         thread.join();
+    }
 }
 
 void EncodePipeline::submit(FramePtr picture, std::int64_t time, std::int64_t duration)
@@ -52,14 +54,16 @@ void EncodePipeline::work(const PictureWorker& worker)
     std::unique_lock lock(mutex_);
     for (;;) {
         waiting_.wait(lock, [&] { return ending_ || !unstarted_.empty(); });
-        if (ending_)
+        if (ending_) {
             return;
+        }
         const std::shared_ptr<Job> job = std::move(unstarted_.front());
         unstarted_.pop_front();
         lock.unlock();
         std::string error;
-        if (!worker(*job->picture, job->coded.bytes, error))
+        if (!worker(*job->picture, job->coded.bytes, error)) {
             job->coded.error = error.empty() ? "the picture cannot be encoded" : error;
+        }
         job->picture.reset();
         lock.lock();
         job->done = true;

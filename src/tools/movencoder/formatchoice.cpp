@@ -17,13 +17,15 @@ namespace
 std::string homeFolder()
 {
     const char* home = std::getenv("HOME"); // NOLINT(concurrency-mt-unsafe): no thread is running yet
-    if (home != nullptr && home[0] == '/')
+    if (home != nullptr && home[0] == '/') {
         return home;
+    }
     passwd entry{};
     passwd* found = nullptr;
     std::array<char, 16384> buffer;
-    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr)
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
         return found->pw_dir;
+    }
     return {};
 }
 
@@ -54,15 +56,18 @@ std::optional<Format> formatOfRunningRow(const std::string& preferences, const s
 {
     std::string error;
     const auto text = readWholeFile(preferences, error);
-    if (!text)
+    if (!text) {
         return std::nullopt;
+    }
     const PlistPtr list = parseDictionary(*text);
     plist_t record = list ? plist_dict_get_item(list.get(), "processEncDico") : nullptr;
-    if (record == nullptr || plist_get_node_type(record) != PLIST_DICT)
+    if (record == nullptr || plist_get_node_type(record) != PLIST_DICT) {
         return std::nullopt;
+    }
     if (textOf(plist_dict_get_item(record, "dstPathStr")) != output ||
-        textOf(plist_dict_get_item(record, "purgePathStr1")) != input)
+        textOf(plist_dict_get_item(record, "purgePathStr1")) != input) {
         return std::nullopt;
+    }
     const auto number = integerOf(plist_dict_get_item(record, "out"));
     return number ? formatOfNumber(*number) : std::nullopt;
 }

@@ -34,25 +34,29 @@ Ratio reduced(std::int64_t num, std::int64_t den)
 
 Fit fitPicture(int width, int height, Ratio pixelAspect, const FormatSettings& settings)
 {
-    if (pixelAspect.num <= 0 || pixelAspect.den <= 0)
+    if (pixelAspect.num <= 0 || pixelAspect.den <= 0) {
         pixelAspect = {1, 1};
-    if (settings.width == 0)
+    }
+    if (settings.width == 0) {
         return {width, height, 0, 0, width, height, pixelAspect};
+    }
 
     Fit fit{settings.width, settings.height, 0, 0, settings.width, settings.height, {1, 1}};
     const double shape = static_cast<double>(width) * pixelAspect.num / pixelAspect.den / height;
     const double wanted = static_cast<double>(fit.width) / fit.height;
-    if (std::abs(shape / wanted - 1) < sameShape)
+    if (std::abs(shape / wanted - 1) < sameShape) {
         return fit;
+    }
     if (!settings.letterbox) {
         fit.pixelAspect = reduced(static_cast<std::int64_t>(width) * pixelAspect.num * fit.height,
                                   static_cast<std::int64_t>(height) * pixelAspect.den * fit.width);
         return fit;
     }
-    if (shape < wanted)
+    if (shape < wanted) {
         fit.pictureWidth = evenSide(fit.height * shape, fit.width);
-    else
+    } else {
         fit.pictureHeight = evenSide(fit.width / shape, fit.height);
+    }
     fit.x = (fit.width - fit.pictureWidth) / 4 * 2;
     fit.y = (fit.height - fit.pictureHeight) / 4 * 2;
     return fit;

@@ -33,8 +33,9 @@ bool inputAllowed(const std::string& path, std::string& error)
 {
     struct stat facts {
     };
-    if (stat(path.c_str(), &facts) != 0 || S_ISREG(facts.st_mode))
+    if (stat(path.c_str(), &facts) != 0 || S_ISREG(facts.st_mode)) {
         return true;
+    }
     error = path + ": not a regular file";
     return false;
 }
@@ -44,8 +45,9 @@ bool outputAllowed(const Options& options, std::string& error)
 {
     struct stat target {
     };
-    if (stat(options.output.c_str(), &target) != 0)
+    if (stat(options.output.c_str(), &target) != 0) {
         return true;
+    }
     if (!S_ISREG(target.st_mode)) {
         error = options.output + ": not a regular file";
         return false;
@@ -67,21 +69,24 @@ bool outputAllowed(const Options& options, std::string& error)
 void openNameless(InputMovie& input, Descriptor& file)
 {
     file.reset(open(input.name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file.get() >= 0 && unlink(input.name.c_str()) == 0)
+    if (file.get() >= 0 && unlink(input.name.c_str()) == 0) {
         input.path = "/proc/self/fd/" + std::to_string(file.get());
+    }
 }
 
 bool work(const Options& options, std::string& error)
 {
-    if (!inputAllowed(options.input, error) || !outputAllowed(options, error))
+    if (!inputAllowed(options.input, error) || !outputAllowed(options, error)) {
         return false;
+    }
     auto format = options.format;
     InputMovie input{options.input, options.input};
     Descriptor firstPass;
     if (!format) {
         format = formatOfRunningRow(preferencesPath(), options.input, options.output);
-        if (format && isFirstPassOf(options.output, options.input))
+        if (format && isFirstPassOf(options.output, options.input)) {
             openNameless(input, firstPass);
+        }
     }
     std::string reason;
     const auto settings = readSettings(options.settings, reason);
@@ -99,8 +104,9 @@ bool work(const Options& options, std::string& error)
         error = options.output + ": " + reason;
         return false;
     }
-    if (!convertMovie(input, options.output, output->fd(), format.value_or(settings->defaultFormat), *section, error))
+    if (!convertMovie(input, options.output, output->fd(), format.value_or(settings->defaultFormat), *section, error)) {
         return false;
+    }
     if (!output->commit(reason)) {
         error = options.output + ": " + reason;
         return false;
@@ -122,8 +128,9 @@ int run(const std::vector<std::string>& arguments)
         complain(error + "\nTry \"movencoder --help\".");
         return exitUsage;
     }
-    if (options->help)
+    if (options->help) {
         return writeAll(STDOUT_FILENO, helpText()) ? exitDone : exitFailed;
+    }
     if (!work(*options, error)) {
         complain(error);
         return exitFailed;

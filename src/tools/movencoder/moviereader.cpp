@@ -13,8 +13,9 @@ namespace
 bool trimFront(AVPacket& packet, const AVStream& stream, std::int64_t samples)
 {
     const std::int64_t bytes = samples * stream.codecpar->block_align;
-    if (bytes >= packet.size)
+    if (bytes >= packet.size) {
         return false;
+    }
     packet.data += bytes;
     packet.size -= static_cast<int>(bytes);
     packet.pts += samples;
@@ -34,8 +35,9 @@ std::unique_ptr<MovieReader> MovieReader::open(const std::string& path, std::str
         error = "out of memory";
         return nullptr;
     }
-    if (!reader->openContainer(path, error) || !reader->chooseStreams(error) || !reader->openDecoder(error))
+    if (!reader->openContainer(path, error) || !reader->chooseStreams(error) || !reader->openDecoder(error)) {
         return nullptr;
+    }
     return reader;
 }
 
@@ -51,10 +53,12 @@ bool MovieReader::openContainer(const std::string& path, std::string& error)
     const std::string address = "file:" + path;
     int result = avformat_open_input(&container_, address.c_str(), nullptr, &options);
     av_dict_free(&options);
-    if (result >= 0)
+    if (result >= 0) {
         result = avformat_find_stream_info(container_, nullptr);
-    if (result < 0)
+    }
+    if (result < 0) {
         error = avErrorText(result);
+    }
     return result >= 0;
 }
 
@@ -64,19 +68,21 @@ bool MovieReader::chooseStreams(std::string& error)
         AVStream* stream = container_->streams[i];
         const AVMediaType type = stream->codecpar->codec_type;
         const bool still = (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
-        if (type == AVMEDIA_TYPE_VIDEO && !still && video_ == nullptr)
+        if (type == AVMEDIA_TYPE_VIDEO && !still && video_ == nullptr) {
             video_ = stream;
-        else if (type == AVMEDIA_TYPE_AUDIO)
+        } else if (type == AVMEDIA_TYPE_AUDIO) {
             sounds_.push_back(stream);
-        else
+        } else {
             stream->discard = AVDISCARD_ALL;
+        }
     }
     if (video_ == nullptr) {
         error = "there is no video in it";
         return false;
     }
-    if (isMovie())
+    if (isMovie()) {
         indexedPackets_ = avformat_index_get_entries_count(video_);
+    }
     return true;
 }
 
@@ -96,18 +102,21 @@ bool MovieReader::openDecoder(std::string& error)
     int result = avcodec_parameters_to_context(decoder_.get(), &parameters);
     decoder_->pkt_timebase = video_->time_base;
     decoder_->thread_count = 0;
-    if (result >= 0)
+    if (result >= 0) {
         result = avcodec_open2(decoder_.get(), codec, nullptr);
-    if (result < 0)
+    }
+    if (result < 0) {
         error = "its video decoder does not start: " + avErrorText(result);
+    }
     return result >= 0;
 }
 
 // Whether decoding can go on after this error.
 bool MovieReader::forgive(int result, std::string& error)
 {
-    if (result == AVERROR_INVALIDDATA && pictures_ == 0)
+    if (result == AVERROR_INVALIDDATA && pictures_ == 0) {
         return true;
+    }
     error = "its video cannot be decoded after picture " + std::to_string(pictures_) + ": " + avErrorText(result);
     return false;
 }
@@ -119,8 +128,9 @@ bool MovieReader::complete(std::string& error) const
                 " pictures can be read";
         return false;
     }
-    if (pictures_ == 0)
+    if (pictures_ == 0) {
         error = "none of its pictures can be decoded";
+    }
     return pictures_ > 0;
 }
 
@@ -145,8 +155,9 @@ bool MovieReader::readPacket(std::string& error)
 
 bool MovieReader::sendPacket(std::string& error)
 {
-    if (!flushing_)
+    if (!flushing_) {
         ++videoPackets_;
+    }
     const int result = avcodec_send_packet(decoder_.get(), flushing_ ? nullptr : packet_.get());
     return result >= 0 || forgive(result, error);
 }
@@ -158,23 +169,28 @@ bool MovieReader::keepsSound()
     AVPacket& packet = *packet_;
     const auto stream = std::find_if(sounds_.begin(), sounds_.end(),
                                      [&packet](const AVStream* sound) { return sound->index == packet.stream_index; });
-    if (stream == sounds_.end())
+    if (stream == sounds_.end()) {
         return false;
-    if (!isMovie() || packet.dts == AV_NOPTS_VALUE || packet.pts == AV_NOPTS_VALUE)
+    }
+    if (!isMovie() || packet.dts == AV_NOPTS_VALUE || packet.pts == AV_NOPTS_VALUE) {
         return true;
+    }
     SoundPlace& place = soundPlaces_[packet.stream_index];
     const bool hidden = (packet.flags & AV_PKT_FLAG_DISCARD) != 0;
-    if (hidden && place.heard)
+    if (hidden && place.heard) {
         return false;
+    }
     place.heard = place.heard || !hidden;
     const AVCodecParameters& parameters = *(*stream)->codecpar;
     const bool countsSamples = av_get_exact_bits_per_sample(parameters.codec_id) > 0 && parameters.block_align > 0 &&
                                av_cmp_q((*stream)->time_base, {1, parameters.sample_rate}) == 0;
     const bool overlaps = place.last != AV_NOPTS_VALUE && packet.dts < place.end;
-    if (overlaps && countsSamples && !trimFront(packet, **stream, place.end - packet.dts))
+    if (overlaps && countsSamples && !trimFront(packet, **stream, place.end - packet.dts)) {
         return false;
-    if (overlaps && packet.dts <= place.last)
+    }
+    if (overlaps && packet.dts <= place.last) {
         return false;
+    }
     place.last = packet.dts;
     place.end = packet.dts + packet.duration;
     return true;
@@ -190,32 +206,39 @@ MovieReader::Item MovieReader::next(std::string& error)
                 ++pictures_;
                 return Item::Picture;
             }
-            if (!forgive(AVERROR_INVALIDDATA, error))
+            if (!forgive(AVERROR_INVALIDDATA, error)) {
                 return Item::Failure;
+            }
             continue;
         }
-        if (result == AVERROR_EOF)
+        if (result == AVERROR_EOF) {
             return complete(error) ? Item::End : Item::Failure;
+        }
         if (result != AVERROR(EAGAIN)) {
-            if (!forgive(result, error))
+            if (!forgive(result, error)) {
                 return Item::Failure;
+            }
             continue;
         }
-        if (!readPacket(error))
+        if (!readPacket(error)) {
             return Item::Failure;
+        }
         const bool video = flushing_ || packet_->stream_index == video_->index;
-        if (!video && keepsSound())
+        if (!video && keepsSound()) {
             return Item::Sound;
-        if (video && !sendPacket(error))
+        }
+        if (video && !sendPacket(error)) {
             return Item::Failure;
+        }
     }
 }
 
 FramePtr MovieReader::takePicture()
 {
     FramePtr taken(av_frame_alloc());
-    if (taken)
+    if (taken) {
         av_frame_move_ref(taken.get(), picture_.get());
+    }
     return taken;
 }
 
@@ -226,18 +249,21 @@ AVRational MovieReader::pixelAspect(AVFrame& picture) const
 
 std::int64_t MovieReader::durationOf(const AVFrame& picture) const
 {
-    if (picture.pkt_duration > 0)
+    if (picture.pkt_duration > 0) {
         return picture.pkt_duration;
+    }
     const AVRational rate = av_guess_frame_rate(container_, video_, nullptr);
-    if (rate.num <= 0 || rate.den <= 0)
+    if (rate.num <= 0 || rate.den <= 0) {
         return 1;
+    }
     return std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(rate), video_->time_base));
 }
 
 std::int64_t MovieReader::lastDuration(std::int64_t time, std::int64_t duration) const
 {
-    if (!isMovie() || video_->start_time == AV_NOPTS_VALUE || video_->duration <= 0)
+    if (!isMovie() || video_->start_time == AV_NOPTS_VALUE || video_->duration <= 0) {
         return duration;
+    }
     const std::int64_t left = video_->start_time + video_->duration - time;
     return left > 0 && left <= 3 * duration ? left : duration;
 }

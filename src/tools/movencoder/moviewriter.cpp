@@ -22,8 +22,9 @@ namespace
 void copyMetadata(AVDictionary*& to, const AVDictionary* from)
 {
     av_dict_copy(&to, from, 0);
-    for (const char* key : {"major_brand", "minor_version", "compatible_brands", "encoder", "vendor_id"})
+    for (const char* key : {"major_brand", "minor_version", "compatible_brands", "encoder", "vendor_id"}) {
         av_dict_set(&to, key, nullptr, 0);
+    }
 }
 
 } // namespace
@@ -31,10 +32,12 @@ void copyMetadata(AVDictionary*& to, const AVDictionary* from)
 int MovieWriter::writeBytes(void* self, std::uint8_t* bytes, int count)
 {
     auto* writer = static_cast<MovieWriter*>(self);
-    if (writeAll(writer->fd_, {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)}))
+    if (writeAll(writer->fd_, {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)})) {
         return count;
-    if (writer->writeError_ == 0)
+    }
+    if (writer->writeError_ == 0) {
         writer->writeError_ = errno;
+    }
     return AVERROR(writer->writeError_);
 }
 
@@ -55,21 +58,25 @@ std::unique_ptr<MovieWriter> MovieWriter::open(int fd, const MovieReader& source
                                                std::string& error)
 {
     std::unique_ptr<MovieWriter> writer(new MovieWriter(fd, source));
-    if (!writer->openContainer(error) || !writer->addVideo(format, encoder, facts, error))
+    if (!writer->openContainer(error) || !writer->addVideo(format, encoder, facts, error)) {
         return nullptr;
+    }
     for (const AVStream* sound : source.sounds()) {
-        if (!writer->addSound(*sound, error))
+        if (!writer->addSound(*sound, error)) {
             return nullptr;
+        }
     }
     return writer->writeHeader(error) ? std::move(writer) : nullptr;
 }
 
 MovieWriter::~MovieWriter()
 {
-    if (container_ == nullptr)
+    if (container_ == nullptr) {
         return;
-    if (container_->pb != nullptr)
+    }
+    if (container_->pb != nullptr) {
         av_freep(&container_->pb->buffer);
+    }
     avio_context_free(&container_->pb);
     avformat_free_context(container_);
 }
@@ -81,13 +88,16 @@ bool MovieWriter::openContainer(std::string& error)
     int result = avformat_alloc_output_context2(&container_, nullptr, "mov", nullptr);
     if (result >= 0) {
         auto* buffer = static_cast<std::uint8_t*>(av_malloc(bufferSize));
-        if (buffer != nullptr)
+        if (buffer != nullptr) {
             container_->pb = avio_alloc_context(buffer, bufferSize, 1, this, nullptr, writeBytes, seekTo);
-        if (container_->pb == nullptr)
+        }
+        if (container_->pb == nullptr) {
             av_free(buffer);
+        }
     }
-    if (result >= 0 && (container_->pb == nullptr || !packet_))
+    if (result >= 0 && (container_->pb == nullptr || !packet_)) {
         result = AVERROR(ENOMEM);
+    }
     if (result < 0) {
         error = avErrorText(result);
         return false;
@@ -110,17 +120,19 @@ bool MovieWriter::addVideo(Format format, const PictureEncoder& encoder, const P
     parameters.format = encoder.pixelFormat();
     parameters.width = facts.fit.width;
     parameters.height = facts.fit.height;
-    if (!encoder.describe(parameters, error))
+    if (!encoder.describe(parameters, error)) {
         return false;
+    }
     parameters.color_primaries = facts.primaries;
     parameters.color_trc = facts.transfer;
     parameters.color_space = facts.matrix;
     parameters.color_range = AVCOL_RANGE_MPEG;
     parameters.chroma_location = facts.chromaLocation;
-    if (facts.interlaced)
+    if (facts.interlaced) {
         parameters.field_order = facts.topFieldFirst ? AV_FIELD_TT : AV_FIELD_BB;
-    else
+    } else {
         parameters.field_order = AV_FIELD_PROGRESSIVE;
+    }
     parameters.sample_aspect_ratio = {facts.fit.pixelAspect.num, facts.fit.pixelAspect.den};
     stream->sample_aspect_ratio = parameters.sample_aspect_ratio;
     stream->time_base = from.time_base;
@@ -139,10 +151,12 @@ bool MovieWriter::addVideo(Format format, const PictureEncoder& encoder, const P
 void MovieWriter::copyTimecode(AVStream& stream) const
 {
     const AVDictionaryEntry* entry = av_dict_get(stream.metadata, "timecode", nullptr, 0);
-    if (entry == nullptr)
+    if (entry == nullptr) {
         entry = av_dict_get(container_->metadata, "timecode", nullptr, 0);
-    if (entry == nullptr)
+    }
+    if (entry == nullptr) {
         return;
+    }
     AVTimecode timecode;
     const std::string text = entry->value;
     const bool good = av_timecode_init_from_string(&timecode, stream.avg_frame_rate, text.c_str(), nullptr) >= 0;
@@ -156,8 +170,9 @@ void MovieWriter::copyRotation(AVStream& stream, const Fit& fit) const
     std::size_t size = 0;
     const std::uint8_t* data = av_stream_get_side_data(&from, AV_PKT_DATA_DISPLAYMATRIX, &size);
     constexpr std::size_t matrixSize = 9 * sizeof(std::int32_t);
-    if (data == nullptr || size < matrixSize || from.codecpar->width <= 0 || from.codecpar->height <= 0)
+    if (data == nullptr || size < matrixSize || from.codecpar->width <= 0 || from.codecpar->height <= 0) {
         return;
+    }
     std::array<std::int32_t, 9> matrix;
     std::memcpy(matrix.data(), data, matrixSize);
     // The offsets of a turned picture are its old sides, so they follow the new ones.
@@ -169,8 +184,9 @@ void MovieWriter::copyRotation(AVStream& stream, const Fit& fit) const
     follow(matrix[6], matrix[0] != 0);
     follow(matrix[7], matrix[4] == 0);
     std::uint8_t* copy = av_stream_new_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, matrixSize);
-    if (copy != nullptr)
+    if (copy != nullptr) {
         std::memcpy(copy, matrix.data(), matrixSize);
+    }
 }
 
 bool MovieWriter::addSound(const AVStream& from, std::string& error)
@@ -182,8 +198,9 @@ bool MovieWriter::addSound(const AVStream& from, std::string& error)
     }
     // A tag is kept only where QuickTime knows it for this codec; otherwise the muxer chooses one.
     const AVCodecTag* const tags[] = {avformat_get_mov_audio_tags(), nullptr};
-    if (av_codec_get_id(tags, stream->codecpar->codec_tag) != stream->codecpar->codec_id)
+    if (av_codec_get_id(tags, stream->codecpar->codec_tag) != stream->codecpar->codec_id) {
         stream->codecpar->codec_tag = 0;
+    }
     stream->time_base = from.time_base;
     stream->disposition = from.disposition;
     copyMetadata(stream->metadata, from.metadata);
@@ -208,14 +225,15 @@ bool MovieWriter::writeHeader(std::string& error)
 
 bool MovieWriter::failed(int result, std::string& error) const
 {
-    if (writeError_ != 0)
+    if (writeError_ != 0) {
         error = errorText(writeError_);
-    else if (result < 0)
+    } else if (result < 0) {
         error = avErrorText(result);
-    else if (container_->pb->error < 0)
+    } else if (container_->pb->error < 0) {
         error = avErrorText(container_->pb->error);
-    else
+    } else {
         return false;
+    }
     return true;
 }
 
@@ -223,10 +241,12 @@ bool MovieWriter::write(AVPacket& packet, const AVStream& from, std::string& err
 {
     const AVStream& to = *container_->streams[targetOf_[static_cast<std::size_t>(from.index)]];
     const std::int64_t start = av_rescale_q(source_.start(), AV_TIME_BASE_Q, from.time_base);
-    if (packet.pts != AV_NOPTS_VALUE)
+    if (packet.pts != AV_NOPTS_VALUE) {
         packet.pts -= start;
-    if (packet.dts != AV_NOPTS_VALUE)
+    }
+    if (packet.dts != AV_NOPTS_VALUE) {
         packet.dts -= start;
+    }
     av_packet_rescale_ts(&packet, from.time_base, to.time_base);
     packet.stream_index = to.index;
     packet.pos = -1;

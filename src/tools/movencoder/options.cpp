@@ -8,10 +8,12 @@ namespace
 
 std::optional<Format> formatNamed(const std::string& name)
 {
-    if (name == "aic" || name == "4")
+    if (name == "aic" || name == "4") {
         return Format::AppleIntermediate;
-    if (name == "prores" || name == "5")
+    }
+    if (name == "prores" || name == "5") {
         return Format::ProRes;
+    }
     return std::nullopt;
 }
 
@@ -28,14 +30,16 @@ bool takePath(Options& options, const std::string& path, std::string& error)
 
 bool checkComplete(const Options& options, std::string& error)
 {
-    if (options.help)
+    if (options.help) {
         return true;
-    if (options.settings.empty())
+    }
+    if (options.settings.empty()) {
         error = "no settings file is given";
-    else if (options.input.empty())
+    } else if (options.input.empty()) {
         error = "no input is given";
-    else if (options.output.empty())
+    } else if (options.output.empty()) {
         error = "no output is given";
+    }
     return error.empty();
 }
 
@@ -50,17 +54,18 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments, s
         const std::string& argument = arguments[i];
         const bool option = !onlyPaths && argument.size() > 1 && argument[0] == '-';
         if (!option) {
-            if (!takePath(options, argument, error))
+            if (!takePath(options, argument, error)) {
                 return std::nullopt;
+            }
         } else if (argument == "--") {
             onlyPaths = true;
         } else if (argument == "--help" || argument == "-h") {
             options.help = true;
         } else if ((argument == "-s" || argument == "-f") && i + 1 < arguments.size()) {
             const std::string& value = arguments[++i];
-            if (argument == "-s")
+            if (argument == "-s") {
                 options.settings = value;
-            else if (!(options.format = formatNamed(value))) {
+            } else if (!(options.format = formatNamed(value))) {
                 error = "unknown format \"" + value + "\"";
                 return std::nullopt;
             }
@@ -69,8 +74,9 @@ std::optional<Options> parseOptions(const std::vector<std::string>& arguments, s
             return std::nullopt;
         }
     }
-    if (!checkComplete(options, error))
+    if (!checkComplete(options, error)) {
         return std::nullopt;
+    }
     return options;
 }
 

@@ -42,8 +42,9 @@ int planeLines(const AVPixFmtDescriptor& descriptor, int plane, int lines)
 void blacken(AVFrame& frame)
 {
     std::array<std::ptrdiff_t, 4> strides{};
-    for (std::size_t plane = 0; plane < strides.size(); ++plane)
+    for (std::size_t plane = 0; plane < strides.size(); ++plane) {
         strides[plane] = frame.linesize[plane];
+    }
     av_image_fill_black(frame.data, strides.data(), static_cast<AVPixelFormat>(frame.format), AVCOL_RANGE_MPEG,
                         frame.width, frame.height);
 }
@@ -58,8 +59,9 @@ bool PictureConverter::makePicture(FramePtr& frame, int width, int height, std::
         frame->width = width;
         frame->height = height;
         const int result = av_frame_get_buffer(frame.get(), 0);
-        if (result >= 0)
+        if (result >= 0) {
             return true;
+        }
         error = avErrorText(result);
         return false;
     }
@@ -96,16 +98,19 @@ bool PictureConverter::makeScaler(const Shape& shape, std::string& error)
 
 bool PictureConverter::prepare(const Shape& shape, std::string& error)
 {
-    if (shape == shape_ && scaled_)
+    if (shape == shape_ && scaled_) {
         return true;
+    }
     shape_ = shape;
     scaled_.reset();
     FramePtr picture;
-    if (!makeScaler(shape, error) || !makePicture(picture, fit_.pictureWidth, fit_.pictureHeight, error))
+    if (!makeScaler(shape, error) || !makePicture(picture, fit_.pictureWidth, fit_.pictureHeight, error)) {
         return false;
+    }
     if (!fillsCanvas() && !canvas_) {
-        if (!makePicture(canvas_, fit_.width, fit_.height, error))
+        if (!makePicture(canvas_, fit_.width, fit_.height, error)) {
             return false;
+        }
         blacken(*canvas_);
     }
     scaled_ = std::move(picture);
@@ -152,11 +157,13 @@ const AVFrame* PictureConverter::convert(const AVFrame& source, std::string& err
     Shape shape{source.width, source.height, source.format, source.color_range == AVCOL_RANGE_JPEG, false};
     shape.fullRange = shape.fullRange || plainFormat(source.format) != source.format;
     const bool keepsSize = source.width == fit_.pictureWidth && source.height == fit_.pictureHeight;
-    if (keepsSize && fillsCanvas() && source.format == format_ && !shape.fullRange)
+    if (keepsSize && fillsCanvas() && source.format == format_ && !shape.fullRange) {
         return &source;
+    }
     shape.fields = source.interlaced_frame != 0 && source.height % 4 == 0;
-    if (!prepare(shape, error))
+    if (!prepare(shape, error)) {
         return nullptr;
+    }
     if (!shape.fields) {
         scaleLines(source, 0, 1, *scaled_, 1);
     } else if (source.height == fit_.pictureHeight) {
@@ -165,8 +172,9 @@ const AVFrame* PictureConverter::convert(const AVFrame& source, std::string& err
     } else {
         scaleLines(source, 0, 2, *scaled_, 1);
     }
-    if (fillsCanvas())
+    if (fillsCanvas()) {
         return scaled_.get();
+    }
     placeInCanvas();
     return canvas_.get();
 }

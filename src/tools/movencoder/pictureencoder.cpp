@@ -36,10 +36,11 @@ public:
         const aic::Picture planes{{picture.data[0], picture.data[1], picture.data[2]},
                                   {picture.linesize[0], picture.linesize[1], picture.linesize[2]},
                                   interlaced};
-        if (settings_.bytesPerFrame > 0)
+        if (settings_.bytesPerFrame > 0) {
             encoder_.encodeToSize(planes, static_cast<std::size_t>(settings_.bytesPerFrame), bytes);
-        else
+        } else {
             encoder_.encode(planes, settings_.quantiser, bytes);
+        }
         return true;
     }
 
@@ -125,13 +126,15 @@ public:
         codec_->color_range = AVCOL_RANGE_MPEG;
         // Pictures go to many encoders at once; threads inside each would only get in one another's way.
         codec_->thread_count = 1;
-        if (facts.interlaced)
+        if (facts.interlaced) {
             codec_->flags |= AV_CODEC_FLAG_INTERLACED_DCT;
+        }
         // Players that look for a maker know this one.
         av_opt_set(codec_.get(), "vendor", "apl0", AV_OPT_SEARCH_CHILDREN);
         const int result = avcodec_open2(codec_.get(), codec, nullptr);
-        if (result < 0)
+        if (result < 0) {
             error = "the ProRes encoder does not start: " + avErrorText(result);
+        }
         return result >= 0;
     }
 
@@ -140,8 +143,9 @@ public:
     [[nodiscard]] bool describe(AVCodecParameters& parameters, std::string& error) const override
     {
         const int result = avcodec_parameters_from_context(&parameters, codec_.get());
-        if (result < 0)
+        if (result < 0) {
             error = avErrorText(result);
+        }
         return result >= 0;
     }
 
@@ -160,8 +164,9 @@ public:
             frame_->colorspace = codec_->colorspace;
             result = avcodec_send_frame(codec_.get(), frame_.get());
         }
-        if (result >= 0)
+        if (result >= 0) {
             result = avcodec_receive_packet(codec_.get(), packet_.get());
+        }
         av_frame_unref(frame_.get());
         if (result < 0) {
             error = "the ProRes encoder failed: " + avErrorText(result);
@@ -189,11 +194,13 @@ std::unique_ptr<PictureEncoder> makePictureEncoder(Format format, const FormatSe
                 " cannot be encoded; each side must be from 16 to 4096";
         return nullptr;
     }
-    if (format == Format::AppleIntermediate)
+    if (format == Format::AppleIntermediate) {
         return std::make_unique<AppleIntermediateEncoder>(settings, fit);
+    }
     auto encoder = std::make_unique<ProResEncoder>();
-    if (!encoder->open(settings, facts, error))
+    if (!encoder->open(settings, facts, error)) {
         return nullptr;
+    }
     return encoder;
 }
 

@@ -26,10 +26,12 @@ std::optional<std::string> readAll(int fd, std::string& error)
     std::array<char, 65536> chunk;
     for (;;) {
         const ssize_t got = read(fd, chunk.data(), chunk.size());
-        if (got == 0)
+        if (got == 0) {
             return text;
-        if (got < 0 && errno == EINTR)
+        }
+        if (got < 0 && errno == EINTR) {
             continue;
+        }
         if (got < 0) {
             error = errorText(errno);
             return std::nullopt;
@@ -51,15 +53,17 @@ std::optional<std::string> readWholeFile(const std::string& path, std::string& e
     };
     if (fd < 0 || fstat(fd, &facts) != 0) {
         error = errorText(errno);
-        if (fd >= 0)
+        if (fd >= 0) {
             close(fd);
+        }
         return std::nullopt;
     }
     std::optional<std::string> text;
-    if (S_ISREG(facts.st_mode))
+    if (S_ISREG(facts.st_mode)) {
         text = readAll(fd, error);
-    else
+    } else {
         error = "not a regular file";
+    }
     close(fd);
     return text;
 }
@@ -68,18 +72,21 @@ PlistPtr parseDictionary(const std::string& text)
 {
     static_assert(largestFile <= std::numeric_limits<std::uint32_t>::max());
     plist_t node = nullptr;
-    if (text.size() >= 8)
+    if (text.size() >= 8) {
         plist_from_memory(text.data(), static_cast<std::uint32_t>(text.size()), &node);
+    }
     PlistPtr list(node);
-    if (list && plist_get_node_type(list.get()) != PLIST_DICT)
+    if (list && plist_get_node_type(list.get()) != PLIST_DICT) {
         list.reset();
+    }
     return list;
 }
 
 std::optional<std::string> textOf(plist_t node)
 {
-    if (node == nullptr || plist_get_node_type(node) != PLIST_STRING)
+    if (node == nullptr || plist_get_node_type(node) != PLIST_STRING) {
         return std::nullopt;
+    }
     std::uint64_t length = 0;
     const char* text = plist_get_string_ptr(node, &length);
     return text == nullptr ? std::string() : std::string(text, static_cast<std::size_t>(length));
@@ -94,18 +101,21 @@ std::optional<long long> integerOf(plist_t node)
     }
     const auto text = textOf(node);
     long long value = 0;
-    if (!text || text->empty())
+    if (!text || text->empty()) {
         return std::nullopt;
+    }
     const auto [end, problem] = std::from_chars(text->data(), text->data() + text->size(), value);
-    if (problem != std::errc() || end != text->data() + text->size())
+    if (problem != std::errc() || end != text->data() + text->size()) {
         return std::nullopt;
+    }
     return value;
 }
 
 std::optional<bool> booleanOf(plist_t node)
 {
-    if (node == nullptr || plist_get_node_type(node) != PLIST_BOOLEAN)
+    if (node == nullptr || plist_get_node_type(node) != PLIST_BOOLEAN) {
         return std::nullopt;
+    }
     std::uint8_t value = 0;
     plist_get_bool_val(node, &value);
     return value != 0;

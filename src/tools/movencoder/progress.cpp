@@ -23,8 +23,9 @@ void Progress::report(double fraction)
 {
     constexpr auto pause = std::chrono::milliseconds(500);
     const auto now = std::chrono::steady_clock::now();
-    if (now - last_ < pause)
+    if (now - last_ < pause) {
         return;
+    }
     last_ = now;
     print(static_cast<int>(std::clamp(fraction, 0.0, 0.99) * 100));
 }

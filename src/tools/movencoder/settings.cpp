@@ -31,11 +31,13 @@ struct Section {
     bool number(const char* key, long long least, long long most, int& value) const
     {
         plist_t item = plist_dict_get_item(node, key);
-        if (item == nullptr)
+        if (item == nullptr) {
             return true;
+        }
         const auto found = integerOf(item);
-        if (!found || *found < least || *found > most)
+        if (!found || *found < least || *found > most) {
             return fail(key, "must be a number from " + std::to_string(least) + " to " + std::to_string(most));
+        }
         value = static_cast<int>(*found);
         return true;
     }
@@ -50,8 +52,9 @@ std::vector<std::string> keysOf(plist_t dictionary)
         char* key = nullptr;
         plist_t value = nullptr;
         plist_dict_next_item(dictionary, iterator, &key, &value);
-        if (key == nullptr)
+        if (key == nullptr) {
             break;
+        }
         keys.emplace_back(key);
         std::free(key);
     }
@@ -65,8 +68,9 @@ bool knownKeysOnly(const Section& section)
     for (const std::string& key : keysOf(section.node)) {
         const bool common = key == "width" || key == "height" || key == "letterbox";
         const bool own = intermediate ? key == "quantiser" || key == "bytesPerFrame" : key == "profile";
-        if (!common && !own)
+        if (!common && !own) {
             return section.fail(key, "is not known");
+        }
     }
     return true;
 }
@@ -74,16 +78,20 @@ bool knownKeysOnly(const Section& section)
 bool readGeometry(const Section& section, FormatSettings& settings)
 {
     if (!section.number("width", aic::smallestSide, aic::largestSide, settings.width) ||
-        !section.number("height", aic::smallestSide, aic::largestSide, settings.height))
+        !section.number("height", aic::smallestSide, aic::largestSide, settings.height)) {
         return false;
-    if ((settings.width == 0) != (settings.height == 0))
+    }
+    if ((settings.width == 0) != (settings.height == 0)) {
         return section.fail(settings.width == 0 ? "width" : "height", "is missing beside the other side");
-    if (settings.width % 2 != 0 || settings.height % 2 != 0)
+    }
+    if (settings.width % 2 != 0 || settings.height % 2 != 0) {
         return section.fail(settings.width % 2 != 0 ? "width" : "height", "must be even");
+    }
     if (plist_t item = plist_dict_get_item(section.node, "letterbox")) {
         const auto letterbox = booleanOf(item);
-        if (!letterbox)
+        if (!letterbox) {
             return section.fail("letterbox", "must be true or false");
+        }
         settings.letterbox = *letterbox;
     }
     return true;
@@ -94,10 +102,12 @@ bool readQuality(const Section& section, FormatSettings& settings)
     constexpr long long leastBytes = 1000;
     constexpr long long mostBytes = 100'000'000;
     if (!section.number("quantiser", aic::finestQuantiser, aic::coarsestQuantiser, settings.quantiser) ||
-        !section.number("bytesPerFrame", leastBytes, mostBytes, settings.bytesPerFrame))
+        !section.number("bytesPerFrame", leastBytes, mostBytes, settings.bytesPerFrame)) {
         return false;
-    if (settings.bytesPerFrame > 0 && plist_dict_get_item(section.node, "quantiser") != nullptr)
+    }
+    if (settings.bytesPerFrame > 0 && plist_dict_get_item(section.node, "quantiser") != nullptr) {
         return section.fail("bytesPerFrame", "stands beside \"quantiser\"; only one of them can rule");
+    }
     if (plist_t item = plist_dict_get_item(section.node, "profile")) {
         const auto name = textOf(item);
         int profile = 0;
@@ -116,8 +126,9 @@ bool readQuality(const Section& section, FormatSettings& settings)
 bool readSection(plist_t root, Format format, std::optional<FormatSettings>& settings, std::string& error)
 {
     plist_t node = plist_dict_get_item(root, std::to_string(static_cast<int>(format)).c_str());
-    if (node == nullptr)
+    if (node == nullptr) {
         return true;
+    }
     const Section section{node, format, error};
     if (plist_get_node_type(node) != PLIST_DICT) {
         error = "section " + std::to_string(static_cast<int>(format)) + " is not a dictionary";
@@ -131,10 +142,12 @@ bool readSection(plist_t root, Format format, std::optional<FormatSettings>& set
 
 std::optional<Format> formatOfNumber(long long number)
 {
-    if (number == static_cast<int>(Format::AppleIntermediate))
+    if (number == static_cast<int>(Format::AppleIntermediate)) {
         return Format::AppleIntermediate;
-    if (number == static_cast<int>(Format::ProRes))
+    }
+    if (number == static_cast<int>(Format::ProRes)) {
         return Format::ProRes;
+    }
     return std::nullopt;
 }
 
@@ -158,8 +171,9 @@ std::optional<Settings> parseSettings(const std::string& text, std::string& erro
     }
     Settings settings;
     if (!readSection(list.get(), Format::AppleIntermediate, settings.appleIntermediate, error) ||
-        !readSection(list.get(), Format::ProRes, settings.proRes, error))
+        !readSection(list.get(), Format::ProRes, settings.proRes, error)) {
         return std::nullopt;
+    }
     const auto number = integerOf(plist_dict_get_item(list.get(), "default"));
     const auto format = number ? formatOfNumber(*number) : std::nullopt;
     if (!format || !settings.of(*format)) {
@@ -173,8 +187,9 @@ std::optional<Settings> parseSettings(const std::string& text, std::string& erro
 std::optional<Settings> readSettings(const std::string& path, std::string& error)
 {
     const auto text = readWholeFile(path, error);
-    if (!text)
+    if (!text) {
         return std::nullopt;
+    }
     return parseSettings(*text, error);
 }
 

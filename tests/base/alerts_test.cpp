@@ -114,18 +114,21 @@ TEST_P(AlertButtons, AnswerTheirOwnTitle)
 {
     const ButtonRow& row = GetParam();
     face.outcome.button = row.chosen;
-    for (const int seconds : {0, 1, 2, 60})
+    for (const int seconds : {0, 1, 2, 60}) {
         EXPECT_TEXT(
             displayAlertDelayed(tx("a"), tx("b"), tx(row.defaultButton), tx(row.alternate), tx(row.other), 0, seconds),
             tx(row.delayed));
+    }
     const CheckBoxAnswer answer = displayAlertDelayedCheckbox(tx("a"), tx("b"), tx(row.defaultButton),
                                                               tx(row.alternate), tx(row.other), 0, 5, QString());
     EXPECT_TEXT(answer.button, tx(row.checkBox));
     QStringList shownTitles;
-    for (const char* title : row.shown)
+    for (const char* title : row.shown) {
         shownTitles.append(tx(title));
-    for (const AlertRequest& request : face.requests)
+    }
+    for (const AlertRequest& request : face.requests) {
         EXPECT_TEXTS(request.buttons, shownTitles);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

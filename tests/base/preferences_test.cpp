@@ -164,8 +164,9 @@ double processorSeconds()
 TEST_F(Preferences, ManyChildrenAreCheap)
 {
     const double before = processorSeconds();
-    for (int index = 0; index < 20000; ++index)
+    for (int index = 0; index < 20000; ++index) {
         prefWriteChildDico(key("queue"), QString::number(index), QStringLiteral("/a/path/to/some/clip.mts"));
+    }
     // A copy of the dictionary per child takes more than ten seconds.
     EXPECT_LT(processorSeconds() - before, 2.0);
     EXPECT_EQ(prefReadDico(key("queue"))->size(), 20000);

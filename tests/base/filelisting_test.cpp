@@ -21,16 +21,18 @@ class Listing : public testing::Test
 protected:
     void SetUp() override
     {
-        for (const char* name : {"b.mov", "A.MOV", "a.mov", ".hidden", "C d.mts", "dv/x.avi", "dv/deeper/Y.AVI", "e"})
+        for (const char* name : {"b.mov", "A.MOV", "a.mov", ".hidden", "C d.mts", "dv/x.avi", "dv/deeper/Y.AVI", "e"}) {
             folder.makeFile(QString::fromUtf8(name), "x");
+        }
         ASSERT_TRUE(QFile::link(QStringLiteral("nowhere"), folder.path(QStringLiteral("dangling"))));
         ASSERT_TRUE(QFile::link(QStringLiteral(".."), folder.path(QStringLiteral("dv/up"))));
     }
     [[nodiscard]] QStringList paths(std::initializer_list<const char*> names) const
     {
         QStringList list;
-        for (const char* name : names)
+        for (const char* name : names) {
             list.append(folder.path(QString::fromUtf8(name)));
+        }
         return list;
     }
     TempFolder folder;

@@ -1,5 +1,5 @@
-#include "base/propertylist.h"
 #include "base/format.h"
+#include "base/propertylist.h"
 #include "base/propertylistfile.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
@@ -117,8 +117,9 @@ TEST(PropertyList, OtherBytesAreNone)
                                "<plist version=\"1.0\"><string>&a;</string></plist>";
     for (const char* bytes :
          {"", "garbage", "<html></html>", "bplist00", "<plist version=\"1.0\"><dict><key>a</key><string>b",
-          "<plist version=\"1.0\"><dict><key>a</key><string>\xC3</string></dict></plist>", entity})
+          "<plist version=\"1.0\"><dict><key>a</key><string>\xC3</string></dict></plist>", entity}) {
         EXPECT_FALSE(propertyListFromBytes(bytes).has_value()) << bytes;
+    }
 }
 
 TEST(PropertyListFile, IsWrittenPrivatelyAndRead)

@@ -1,6 +1,6 @@
-#include "base/localisation.h"
 #include "base/alerts.h"
 #include "base/bundle.h"
+#include "base/localisation.h"
 #include "base/textfiles.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
@@ -70,8 +70,9 @@ class LanguageChoice : public testing::TestWithParam<LanguageRow>
 TEST_P(LanguageChoice, TakesTheFirstThatIsThere)
 {
     QStringList wanted;
-    for (const char* language : GetParam().wanted)
+    for (const char* language : GetParam().wanted) {
         wanted.append(tx(language));
+    }
     EXPECT_TEXT(languageFor(wanted, {tx("en"), tx("fr"), tx("pt-BR")}), tx(GetParam().expected));
 }
 
@@ -274,17 +275,20 @@ TEST_P(ShippedTexts, AnswerDifferentButtons)
 
 TEST_P(ShippedTexts, KeepTheInterlacingCodesUntranslated)
 {
-    for (const char* code : {"PFF", "TFF", "BFF"})
-        for (const char* name : {"fields", "NonLocalizable"})
+    for (const char* code : {"PFF", "TFF", "BFF"}) {
+        for (const char* name : {"fields", "NonLocalizable"}) {
             EXPECT_TEXT(table(GetParam().name.c_str(), name).value(tx(code)), tx(code));
+        }
+    }
 }
 
 TEST_P(ShippedTexts, MatchTheirPlaces)
 {
     EXPECT_EQ(localizedString(tx("D_batch_3")).count(tx("%@")), 1);
     // The mail's address is percent-escaped without these, so they would end the text.
-    for (const char* forbidden : {"&", "#"})
+    for (const char* forbidden : {"&", "#"}) {
         EXPECT_FALSE(localizedString(tx("D_bugreport_mail")).contains(tx(forbidden)));
+    }
 }
 
 TEST_P(ShippedTexts, HaveTheSameKeysInEveryLanguageAndNoBrokenLine)
@@ -308,10 +312,12 @@ TEST(ShippedInformation, NamesTheProgram)
     EXPECT_TEXT(bundleName(), tx("Tavrix"));
     EXPECT_TEXT(bundleIdentifier(), tx("org.tavrix.Tavrix"));
     EXPECT_TEXT(bundleVersion(), tx("1.0"));
-    for (const char* extension : {"mts", "m2ts", "mov", "avi", "eyetv", "mpg"})
+    for (const char* extension : {"mts", "m2ts", "mov", "avi", "eyetv", "mpg"}) {
         EXPECT_TRUE(documentTypeExtensions().contains(tx(extension))) << extension;
-    for (const char* name : {"TVXWebSite", "TVXMailDomain", "TVXMailBugreport", "TVXMailContact"})
+    }
+    for (const char* name : {"TVXWebSite", "TVXMailDomain", "TVXMailBugreport", "TVXMailContact"}) {
         EXPECT_FALSE(infoValue(tx(name)).toString().isEmpty()) << name;
+    }
     setResourcePath(before);
 }
 

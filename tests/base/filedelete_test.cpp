@@ -68,8 +68,9 @@ TEST(RefusedDeletes, MountedVolumes)
     EXPECT_FALSE(isMountPoint(QFile::encodeName(folder.path())));
     EXPECT_TRUE(isMountPoint("/"));
     EXPECT_TRUE(isMountPoint("/proc"));
-    if (!isMountPoint("/dev/pts"))
+    if (!isMountPoint("/dev/pts")) {
         GTEST_SKIP() << "nothing mounted below the root's folders";
+    }
     const LogCapture log;
     EXPECT_FALSE(rmCocoa(QStringLiteral("/dev/pts")));
     EXPECT_TEXTS(log.lines(), QStringList{folderAlarm});
@@ -373,8 +374,9 @@ TEST(OwnFolder, GoesWithAllItHoldsButNoLinkIsFollowed)
 
 TEST(OwnFolder, OfAnotherUserIsRefused)
 {
-    if (geteuid() != 0)
+    if (geteuid() != 0) {
         GTEST_SKIP() << "only root can give a folder away";
+    }
     const TempFolder folder;
     const QString other = folder.makeFolder(QStringLiteral("other"));
     ASSERT_EQ(chown(QFile::encodeName(other).constData(), 12345, 12345), 0);

@@ -66,8 +66,9 @@ TEST_F(Presence, TheTildeIsExpanded)
 
 TEST_F(Presence, AnUnreadableFileIsAbsent)
 {
-    if (geteuid() == 0)
+    if (geteuid() == 0) {
         GTEST_SKIP() << "root may read everything";
+    }
     const QString file = folder.makeFile(QStringLiteral("secret"), "x");
     ASSERT_EQ(chmod(QFile::encodeName(file).constData(), 0), 0);
     EXPECT_FALSE(testPresenceC(file));

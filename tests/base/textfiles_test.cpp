@@ -1,5 +1,5 @@
-#include "base/textfiles.h"
 #include "base/settings.h"
+#include "base/textfiles.h"
 #include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"

@@ -154,8 +154,9 @@ TEST_P(Transfer, WholeFoldersKeepLinksDatesAndModes)
     const struct stat sub = statusOf(folder.path(QStringLiteral("u/sub")));
     EXPECT_EQ(sub.st_mode & 07777U, 0500U);
     EXPECT_EQ(sub.st_mtime, 1000000000);
-    for (const QString& name : {QStringLiteral("t/sub"), QStringLiteral("u/sub")})
+    for (const QString& name : {QStringLiteral("t/sub"), QStringLiteral("u/sub")}) {
         chmod(QFile::encodeName(folder.path(name)).constData(), 0700);
+    }
 }
 
 TEST_P(Transfer, SucceedsInWordsEvenWhenItFails)
@@ -181,8 +182,9 @@ TEST_P(Transfer, AFailedFolderLeavesNothingBehind)
 {
     folder.makeFile(QStringLiteral("t/a"), "a");
     ASSERT_EQ(mkfifo(QFile::encodeName(folder.path(QStringLiteral("t/fifo"))).constData(), 0600), 0);
-    if (!GetParam().keepsSource)
+    if (!GetParam().keepsSource) {
         GTEST_SKIP() << "a rename takes special files along";
+    }
     EXPECT_TRUE(run(folder.path(QStringLiteral("t")), folder.path(QStringLiteral("u")), nullptr));
     EXPECT_FALSE(itemExists(folder.path(QStringLiteral("u"))));
 }
@@ -226,8 +228,9 @@ TEST(Move, AcrossVolumesKeepsEverything)
 {
     QByteArray pattern("/dev/shm/tavrix-XXXXXX");
     const TempFolder folder;
-    if (!mkdtemp(pattern.data()))
+    if (!mkdtemp(pattern.data())) {
         GTEST_SKIP() << "no second volume";
+    }
     const QString other = QFile::decodeName(pattern);
     struct stat here = statusOf(folder.path());
     struct stat there = statusOf(other);
@@ -354,8 +357,9 @@ TEST(Rights, TheRootIsNotLittered)
 
 TEST(Rights, AReadOnlyFolderIsRefused)
 {
-    if (geteuid() == 0)
+    if (geteuid() == 0) {
         GTEST_SKIP() << "root may write everywhere";
+    }
     const TempFolder folder;
     const QString locked = folder.makeFolder(QStringLiteral("locked"));
     ASSERT_EQ(chmod(QFile::encodeName(locked).constData(), 0500), 0);
