@@ -3,21 +3,16 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace tavrix
 {
 
-std::string errorText(int number)
-{
-    return std::generic_category().message(number);
-}
-
 int aboveStandardStreams(int fd)
 {
-    if (fd < 0 || fd > STDERR_FILENO)
+    if (fd < 0 || fd > STDERR_FILENO) {
         return fd;
+    }
     const int moved = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int reason = errno;
     close(fd);
@@ -37,8 +32,9 @@ bool writeUnless(const std::function<bool()>& givesUp, int fd, std::string_view 
     while (!givesUp()) {
         pollfd room = {fd, POLLOUT, 0};
         // A pipe that has room at all has room for all of it, so that nothing blocks where no signal would be seen.
-        if (poll(&room, 1, halfASecond) > 0)
+        if (poll(&room, 1, halfASecond) > 0) {
             return writeAll(fd, bytes);
+        }
     }
     errno = EINTR;
     return false;
@@ -49,11 +45,13 @@ bool writeAll(int fd, std::string_view bytes)
     while (!bytes.empty()) {
         const ssize_t written = write(fd, bytes.data(), bytes.size());
         if (written < 0) {
-            if (errno == EINTR)
+            if (errno == EINTR) {
                 continue;
+            }
             pollfd room = {fd, POLLOUT, 0};
-            if (errno == EAGAIN && (poll(&room, 1, -1) >= 0 || errno == EINTR))
+            if (errno == EAGAIN && (poll(&room, 1, -1) >= 0 || errno == EINTR)) {
                 continue;
+            }
             return false;
         }
         bytes.remove_prefix(static_cast<std::size_t>(written));

@@ -1,5 +1,7 @@
-// Small helpers around file descriptors and error numbers, for the tools.
+// Small helpers around file descriptors, for the tools.
 #pragma once
+
+#include "sys/errortext.h"
 
 #include <functional>
 #include <string>
@@ -10,41 +12,39 @@
 namespace tavrix
 {
 
-/// The system's text for an error number.
-[[nodiscard]] std::string errorText(int number);
-
-/// Owns a descriptor and closes it; -1 is none.
+// Owns a descriptor and closes it; -1 is none.
 class Descriptor
 {
 public:
-    explicit Descriptor(int fd = -1) : m_fd(fd) {}
+    explicit Descriptor(int fd = -1) : fd_(fd) {}
     ~Descriptor() { reset(); }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    [[nodiscard]] int get() const { return m_fd; }
-    /// Hands the descriptor over, open.
-    [[nodiscard]] int release() { return std::exchange(m_fd, -1); }
+    [[nodiscard]] int get() const { return fd_; }
+    // Hands the descriptor over, open.
+    [[nodiscard]] int release() { return std::exchange(fd_, -1); }
     void reset(int fd = -1)
     {
-        if (m_fd >= 0)
-            close(m_fd);
-        m_fd = fd;
+        if (fd_ >= 0) {
+            close(fd_);
+        }
+        fd_ = fd;
     }
 
 private:
-    int m_fd;
+    int fd_;
 };
 
-/// Moves a new descriptor out of the range of the standard streams, where a tool that was started with one of them
-/// closed would have it taken for that stream. Close-on-exec. A negative descriptor stays as it is, with errno.
+// Moves a new descriptor out of the range of the standard streams, where a tool that was started with one of them
+// closed would have it taken for that stream. Close-on-exec. A negative descriptor stays as it is, with errno.
 [[nodiscard]] int aboveStandardStreams(int fd);
 
-/// Writes everything, through interruptions and partial writes, and waits for room where the descriptor does not block.
-/// False, with errno, when that fails.
+// Writes everything, through interruptions and partial writes, and waits for room where the descriptor does not block.
+// False, with errno, when that fails.
 [[nodiscard]] bool writeAll(int fd, std::string_view bytes);
 
-/// The same for at most PIPE_BUF bytes, but given up when `givesUp` says so: it is asked twice a second while a reader
-/// leaves no room.
+// The same for at most PIPE_BUF bytes, but given up when `givesUp` says so: it is asked twice a second while a reader
+// leaves no room.
 [[nodiscard]] bool writeUnless(const std::function<bool()>& givesUp, int fd, std::string_view bytes);
 
 } // namespace tavrix

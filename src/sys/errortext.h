@@ -1,0 +1,12 @@
+// The system's words for its error numbers.
+#pragma once
+
+#include <string>
+
+namespace tavrix
+{
+
+// The text for an error number such as errno, in English whatever the locale.
+[[nodiscard]] std::string errorText(int number);
+
+} // namespace tavrix
