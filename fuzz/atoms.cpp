@@ -1,5 +1,5 @@
 // Reads any bytes as a movie file, asks everything that can be asked of it, cuts it and plans a new file.
-#include "quicktime/movierewriter.h"
+#include "media/movierewriter.h"
 
 #include <cstdlib>
 

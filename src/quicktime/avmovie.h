@@ -1,7 +1,7 @@
 #pragma once
 
+#include "media/movieheader.h"
 #include "quicktime/avtrack.h"
-#include "quicktime/movieheader.h"
 
 #include <map>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "media/trackrewrite.h"
 #include "quicktime/trackgeometry.h"
-#include "quicktime/trackrewrite.h"
 
 namespace tavrix
 {

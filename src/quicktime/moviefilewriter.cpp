@@ -2,7 +2,7 @@
 
 #include "base/filesizes.h"
 #include "base/paths.h"
-#include "quicktime/atomwriter.h"
+#include "media/atomwriter.h"
 #include "quicktime/readdescriptor.h"
 
 #include <QSaveFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quicktime/movierewriter.h"
+#include "media/movierewriter.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "media/edittimeline.h"
 #include "quicktime/avinput.h"
-#include "quicktime/edittimeline.h"
 #include "quicktime/medialibrary.h"
 
 #include <map>

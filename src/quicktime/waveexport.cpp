@@ -1,8 +1,8 @@
 #include "quicktime/waveexport.h"
 
+#include "media/soundsink.h"
 #include "quicktime/avinput.h"
 #include "quicktime/moviefilewriter.h"
-#include "quicktime/soundsink.h"
 
 #include <QSaveFile>
 #include <QtEndian>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quicktime/edittimeline.h"
+#include "media/edittimeline.h"
 
 #include <QString>
 

@@ -1,5 +1,6 @@
-// The system's words for its error numbers.
 #pragma once
+
+// The system's words for its error numbers.
 
 #include <string>
 

@@ -1,5 +1,6 @@
-// One way to fail with a reason.
 #pragma once
+
+// One way to fail with a reason.
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
-#include "probe/playlistdates.h"
+#include "media/playlistdates.h"
 
 #include "base/bundle.h"
-#include "probe/playlistbuilder.h"
 #include "probe/recordersources.h"
+#include "support/playlistbuilder.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,6 +1,6 @@
 #include "tools/atompatch/atompatch.h"
 
-#include "quicktime/movieatoms.h"
+#include "media/movieatoms.h"
 
 #include <array>
 #include <cerrno>

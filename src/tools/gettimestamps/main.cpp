@@ -1,4 +1,4 @@
-#include "probe/playlistdates.h"
+#include "media/playlistdates.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "quicktime/movieheader.h"
+// Planning of a new, self-contained movie file from an edited one, without decoding.
+
+#include "media/movieheader.h"
 
 #include <optional>
 #include <string>
 #include <vector>
 
-// Planning of a new, self-contained movie file from an edited one, without decoding. Free of Qt.
 namespace tavrix
 {
 

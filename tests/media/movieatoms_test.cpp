@@ -1,6 +1,6 @@
-#include "quicktime/movieatoms.h"
+#include "media/movieatoms.h"
 
-#include "quicktime/sampletables.h"
+#include "media/sampletables.h"
 #include "support/moviebuilder.h"
 
 #include <gtest/gtest.h>

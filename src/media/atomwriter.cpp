@@ -1,4 +1,4 @@
-#include "quicktime/atomwriter.h"
+#include "media/atomwriter.h"
 
 namespace tavrix
 {

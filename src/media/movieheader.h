@@ -1,11 +1,12 @@
 #pragma once
 
-#include "quicktime/atomwriter.h"
-#include "quicktime/trackrewrite.h"
+// Atoms of a new movie header, made from those of the source: what is not changed is copied byte for byte.
+
+#include "media/atomwriter.h"
+#include "media/trackrewrite.h"
 
 #include <optional>
 
-// Atoms of a new movie header, made from those of the source: what is not changed is copied byte for byte. Free of Qt.
 namespace tavrix
 {
 

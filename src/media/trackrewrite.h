@@ -1,11 +1,12 @@
 #pragma once
 
-#include "quicktime/sampleselection.h"
+// What a track becomes in the new file.
+
+#include "media/sampleselection.h"
 
 #include <optional>
 #include <string>
 
-// What a track becomes in the new file. Free of Qt.
 namespace tavrix
 {
 

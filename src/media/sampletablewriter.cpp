@@ -1,4 +1,4 @@
-#include "quicktime/sampletablewriter.h"
+#include "media/sampletablewriter.h"
 
 #include <algorithm>
 #include <numeric>

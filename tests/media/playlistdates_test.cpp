@@ -1,6 +1,6 @@
-#include "probe/playlistdates.h"
+#include "media/playlistdates.h"
 
-#include "probe/playlistbuilder.h"
+#include "support/playlistbuilder.h"
 
 #include <gtest/gtest.h>
 

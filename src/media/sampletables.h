@@ -1,11 +1,12 @@
 #pragma once
 
-#include "quicktime/movieatoms.h"
+// Where a track's samples lie in the file and when they are shown.
+
+#include "media/movieatoms.h"
 
 #include <optional>
 #include <vector>
 
-// Where a track's samples lie in the file and when they are shown. Free of Qt.
 namespace tavrix
 {
 

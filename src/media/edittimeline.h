@@ -1,12 +1,12 @@
 #pragma once
 
-#include "quicktime/sampletables.h"
+// Edits kept as a list over the source: which stretches of it the movie still shows, in order, and how long.
+
+#include "media/sampletables.h"
 
 #include <cstdint>
 #include <vector>
 
-// Edits kept as a list over the source: which stretches of it the movie still shows, in order, and how long. Free of
-// Qt.
 namespace tavrix
 {
 

@@ -1,4 +1,4 @@
-#include "quicktime/sampleselection.h"
+#include "media/sampleselection.h"
 
 #include <algorithm>
 

@@ -1,11 +1,12 @@
 #pragma once
 
+// Recording dates of AVCHD playlists: the program names clips by them, the gettimestamps tool prints them.
+
 #include <cstddef>
 #include <cstdio>
 #include <string>
 #include <vector>
 
-// Recording dates of AVCHD playlists. Free of Qt: the gettimestamps tool is made of the same file.
 namespace tavrix
 {
 

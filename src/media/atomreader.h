@@ -1,13 +1,14 @@
 #pragma once
 
+// Reading of QuickTime and ISO base media files atom by atom. Every access is checked against the bytes at hand: a
+// damaged file yields less, never more.
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <vector>
 
-// Reading of QuickTime and ISO base media files atom by atom. Every access is checked against the bytes at hand: a
-// damaged file yields less, never more. Free of Qt, so that the tools can use it.
 namespace tavrix
 {
 

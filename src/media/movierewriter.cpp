@@ -1,4 +1,4 @@
-#include "quicktime/movierewriter.h"
+#include "media/movierewriter.h"
 
 #include <algorithm>
 

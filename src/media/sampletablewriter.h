@@ -1,7 +1,9 @@
 #pragma once
 
-#include "quicktime/atomwriter.h"
-#include "quicktime/trackrewrite.h"
+// The part of a new movie header that says where its samples lie.
+
+#include "media/atomwriter.h"
+#include "media/trackrewrite.h"
 
 namespace tavrix
 {

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "quicktime/atomreader.h"
+// The movie atom of a QuickTime or MP4 file and its tracks.
+
+#include "media/atomreader.h"
 
 #include <optional>
 #include <string>
 
-// The movie atom of a QuickTime or MP4 file and its tracks. Free of Qt.
 namespace tavrix
 {
 

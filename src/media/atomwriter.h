@@ -1,11 +1,12 @@
 #pragma once
 
-#include "quicktime/atomreader.h"
+// Building of atoms in memory, big-endian.
+
+#include "media/atomreader.h"
 
 #include <cstdint>
 #include <vector>
 
-// Building of atoms in memory, big-endian. Free of Qt.
 namespace tavrix
 {
 

@@ -1,4 +1,4 @@
-#include "quicktime/soundsink.h"
+#include "media/soundsink.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "quicktime/sampletables.h"
+#include "media/sampletables.h"
 
 #include <algorithm>
 #include <array>

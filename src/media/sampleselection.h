@@ -1,8 +1,9 @@
 #pragma once
 
-#include "quicktime/edittimeline.h"
+// Which samples of a track the edits still need, and the track's tables for them.
 
-// Which samples of a track the edits still need, and the track's tables for them. Free of Qt.
+#include "media/edittimeline.h"
+
 namespace tavrix
 {
 

@@ -1,4 +1,4 @@
-#include "quicktime/atomreader.h"
+#include "media/atomreader.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "quicktime/edittimeline.h"
+#include "media/edittimeline.h"
 
-#include "quicktime/sampleselection.h"
-#include "quicktime/soundsink.h"
+#include "media/sampleselection.h"
+#include "media/soundsink.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "quicktime/edittimeline.h"
+// Turns the sound of a source into the sound of its edited movie.
+
+#include "media/edittimeline.h"
 
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <vector>
 
-// Turns the sound of a source into the sound of its edited movie. Free of Qt and of the FFmpeg libraries.
 namespace tavrix
 {
 

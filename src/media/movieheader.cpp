@@ -1,6 +1,6 @@
-#include "quicktime/movieheader.h"
+#include "media/movieheader.h"
 
-#include "quicktime/sampletablewriter.h"
+#include "media/sampletablewriter.h"
 
 #include <algorithm>
 #include <array>

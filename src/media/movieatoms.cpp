@@ -1,4 +1,4 @@
-#include "quicktime/movieatoms.h"
+#include "media/movieatoms.h"
 
 #include <bit>
 #include <cmath>

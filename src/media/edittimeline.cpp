@@ -1,4 +1,4 @@
-#include "quicktime/edittimeline.h"
+#include "media/edittimeline.h"
 
 #include <algorithm>
 
