@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/face.h"
-#include "app/intakelist.h"
 #include "app/windowmodel.h"
+#include "probe/intakelist.h"
 #include "process/tasklauncher.h"
 
 #include <QSet>

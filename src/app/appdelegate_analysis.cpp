@@ -1,7 +1,5 @@
 #include "app/appdelegate.h"
 
-#include "app/batchtexts.h"
-#include "app/cameraclip.h"
 #include "app/stepflags.h"
 #include "base/alerts.h"
 #include "base/bundle.h"
@@ -14,6 +12,8 @@
 #include "base/preferences.h"
 #include "base/settings.h"
 #include "base/text.h"
+#include "probe/batchtexts.h"
+#include "probe/cameraclip.h"
 #include "probe/ffinfos.h"
 #include "probe/ffprobes.h"
 

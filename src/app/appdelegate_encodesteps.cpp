@@ -1,6 +1,5 @@
 #include "app/appdelegate.h"
 
-#include "app/batchtexts.h"
 #include "app/encodefailure.h"
 #include "app/logs.h"
 #include "app/stepflags.h"
@@ -20,6 +19,7 @@
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
 #include "encode/progress.h"
+#include "probe/batchtexts.h"
 #include "probe/recordersources.h"
 
 #include <QDateTime>

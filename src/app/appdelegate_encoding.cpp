@@ -1,6 +1,5 @@
 #include "app/appdelegate.h"
 
-#include "app/batchtexts.h"
 #include "app/encodefailure.h"
 #include "app/stepflags.h"
 #include "base/alerts.h"
@@ -12,6 +11,7 @@
 #include "base/preferences.h"
 #include "base/text.h"
 #include "encode/progress.h"
+#include "probe/batchtexts.h"
 
 #include <QDateTime>
 

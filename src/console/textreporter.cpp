@@ -1,9 +1,9 @@
 #include "console/textreporter.h"
 
-#include "app/cameraclip.h"
 #include "base/format.h"
 #include "base/localisation.h"
 #include "base/paths.h"
+#include "probe/cameraclip.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -1,9 +1,9 @@
 #include "gui/rowdetails.h"
 
-#include "app/cameraclip.h"
 #include "base/filesizes.h"
 #include "encode/encoderarguments.h"
 #include "gui/windowtext.h"
+#include "probe/cameraclip.h"
 #include "probe/recordersources.h"
 
 #include <QImageReader>

@@ -1,7 +1,7 @@
-#include "app/intakelist.h"
+#include "probe/intakelist.h"
 
-#include "app/batchtexts.h"
 #include "controllertest.h"
+#include "probe/batchtexts.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

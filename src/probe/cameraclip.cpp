@@ -1,6 +1,6 @@
-#include "app/cameraclip.h"
+#include "probe/cameraclip.h"
 
-#include "app/batchtexts.h"
+#include "probe/batchtexts.h"
 
 #include "base/conversions.h"
 #include "base/format.h"

@@ -1,6 +1,6 @@
-#include "app/cameraclip.h"
 #include "base/bundle.h"
 #include "base/localisation.h"
+#include "probe/cameraclip.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

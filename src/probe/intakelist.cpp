@@ -1,11 +1,11 @@
-#include "app/intakelist.h"
+#include "probe/intakelist.h"
 
-#include "app/batchtexts.h"
 #include "base/bundle.h"
 #include "base/filelisting.h"
 #include "base/filesizes.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "probe/batchtexts.h"
 
 #include <QFileInfo>
 #include <QSet>
