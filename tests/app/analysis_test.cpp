@@ -3,6 +3,7 @@
 #include "base/preferences.h"
 #include "base/settings.h"
 #include "process/notificationcenter.h"
+#include "testpaths.h"
 
 using namespace tavrix;
 using namespace tavrix::test;

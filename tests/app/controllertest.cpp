@@ -10,6 +10,7 @@
 #include "base/settings.h"
 #include "encode/encoderarguments.h"
 #include "probe/recordersources.h"
+#include "testpaths.h"
 
 #include <QFile>
 

@@ -1,4 +1,5 @@
 #include "encodingfixture.h"
+#include "testpaths.h"
 
 using namespace tavrix;
 using namespace tavrix::test;

@@ -4,6 +4,7 @@
 #include "base/log.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 #include "testresources.h"
 
 #include <QDir>

@@ -4,6 +4,7 @@
 #include "base/filesizes.h"
 #include "base/preferences.h"
 #include "base/settings.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QFile>

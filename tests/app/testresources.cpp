@@ -1,6 +1,7 @@
 #include "testresources.h"
 
 #include "base/bundle.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QFile>

@@ -4,6 +4,7 @@
 #include "base/textfiles.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QRegularExpression>

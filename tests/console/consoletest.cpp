@@ -6,6 +6,7 @@
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "base/settings.h"
+#include "testpaths.h"
 
 namespace tavrix::test
 {

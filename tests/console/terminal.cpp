@@ -1,4 +1,5 @@
 #include "terminal.h"
+#include "testpaths.h"
 
 #include <QDeadlineTimer>
 #include <QFile>

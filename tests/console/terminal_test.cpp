@@ -2,6 +2,7 @@
 
 #include "console/progressline.h"
 #include "support/qtprinters.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -6,6 +6,7 @@
 #include "base/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QProcess>

@@ -7,6 +7,7 @@
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 #include "support/waituntil.h"
+#include "testpaths.h"
 
 #include <QApplication>
 #include <QCheckBox>

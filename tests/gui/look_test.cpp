@@ -7,6 +7,7 @@
 #include "gui/theme.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -5,6 +5,7 @@
 #include "base/runloopgate.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 
 #include <QApplication>
 #include <QFileDialog>

@@ -1,5 +1,6 @@
 #include "base/localisation.h"
 #include "support/qtprinters.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QDirIterator>

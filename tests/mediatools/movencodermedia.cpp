@@ -1,4 +1,5 @@
 #include "movencodermedia.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QRegularExpression>

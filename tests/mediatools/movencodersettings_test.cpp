@@ -1,4 +1,5 @@
 #include "support/temphome.h"
+#include "testpaths.h"
 #include "tools/movencoder/formatchoice.h"
 #include "tools/movencoder/geometry.h"
 #include "tools/movencoder/options.h"

@@ -1,4 +1,5 @@
 #include "pipeline/batchprogram.h"
+#include "testpaths.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

@@ -1,5 +1,6 @@
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
+#include "testpaths.h"
 
 #include <gtest/gtest.h>
 

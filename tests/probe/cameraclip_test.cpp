@@ -3,6 +3,7 @@
 #include "probe/cameraclip.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 
 using namespace tavrix;
 using namespace tavrix::test;

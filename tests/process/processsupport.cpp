@@ -1,6 +1,7 @@
 #include "processsupport.h"
 
 #include "support/waituntil.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QFile>

@@ -13,6 +13,7 @@
 #include "quicktime/trackinformation.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 
 namespace tavrix::test
 {

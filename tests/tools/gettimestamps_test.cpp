@@ -5,6 +5,7 @@
 #include "support/playlistbuilder.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "testpaths.h"
 
 #include <QFile>
 #include <QProcess>

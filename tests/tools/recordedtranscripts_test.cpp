@@ -6,6 +6,7 @@
 #include "probe/ffprobes.h"
 #include "probe/mediainforecord.h"
 #include "support/qtprinters.h"
+#include "testpaths.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -28,7 +29,7 @@ namespace
 
 std::string dataPath(const std::string& name)
 {
-    return std::string(TAVRIX_TEST_DATA) + "/ffmpeg-5.1/" + name;
+    return std::string(TAVRIX_SOURCE_DIR) + "/tests/tools/data/ffmpeg-5.1/" + name;
 }
 
 std::string contents(const std::string& path)

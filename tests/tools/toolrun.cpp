@@ -1,4 +1,5 @@
 #include "tools/toolrun.h"
+#include "testpaths.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -4,6 +4,7 @@
 #include "base/localisation.h"
 #include "base/preferences.h"
 #include "base/settings.h"
+#include "testpaths.h"
 
 #include <QAbstractButton>
 #include <QApplication>
