@@ -1,5 +1,9 @@
 #pragma once
 
+// Small files that appear whole, for texts of Qt.
+
+#include "sys/result.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -7,7 +11,7 @@ namespace tavrix
 {
 
 // Replaces the file at once by a new one with these bytes and the mode 0600, after they have reached the disk. A link
-// in its place is refused. False with the reason; the old file is untouched then.
-[[nodiscard]] bool replaceFileAtomically(const QString& path, const QByteArray& bytes, QString* reason);
+// in its place is refused. The old file is untouched when it fails.
+[[nodiscard]] Result<void, QString> replaceFileAtomically(const QString& path, const QByteArray& bytes);
 
 } // namespace tavrix

@@ -34,7 +34,7 @@ bool namesItem(const QString& path, const struct stat& item)
 {
     const std::optional<struct stat> own = linkStatus(nativePath(path));
     const std::optional<struct stat> target = followedStatus(nativePath(path));
-    return (own && sameInode(*own, item)) || (target && sameInode(*target, item));
+    return (own && sameFile(*own, item)) || (target && sameFile(*target, item));
 }
 
 bool isOnTheWayTo(QString folder, const struct stat& item)
@@ -263,7 +263,7 @@ bool removeOwnFile(const QString& path, const QString& folder)
         logLine(QStringLiteral("own file            :-( not inside %@ : %@"), {folder, path});
         return false;
     }
-    const FileDescriptor place = openFile(parent, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+    const Descriptor place = openFile(parent, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
     struct stat status {
     };
     if (!place.isOpen()) {

@@ -58,13 +58,12 @@ bool leadsIntoItself(const Transfer& transfer)
            liesBelow(resolvedPlace(transfer.destination), resolvedPath(transfer.source));
 }
 
-bool copyNow(const Transfer& transfer, QString* reason)
+Result<void, QString> copyNow(const Transfer& transfer)
 {
     if (leadsIntoItself(transfer)) {
-        *reason = systemErrorText(EINVAL);
-        return false;
+        return Failure{systemErrorText(EINVAL)};
     }
-    return copyTree(transfer.source, transfer.destination, false, reason);
+    return copyTree(transfer.source, transfer.destination, false);
 }
 
 int renameWithoutReplacing(const Transfer& transfer)
@@ -83,25 +82,23 @@ int renameWithoutReplacing(const Transfer& transfer)
     return ::rename(transfer.source.constData(), transfer.destination.constData()) == 0 ? 0 : errno;
 }
 
-bool moveNow(const Transfer& transfer, QString* reason)
+Result<void, QString> moveNow(const Transfer& transfer)
 {
     const int error = renameWithoutReplacing(transfer);
     if (error == 0) {
-        return true;
+        return {};
     }
     if (error != EXDEV) {
-        *reason = systemErrorText(error);
-        return false;
+        return Failure{systemErrorText(error)};
     }
     // Another volume: the source goes only after the whole copy is on the disk.
-    if (!copyTree(transfer.source, transfer.destination, true, reason)) {
-        return false;
+    if (auto copied = copyTree(transfer.source, transfer.destination, true); !copied) {
+        return copied;
     }
-    if (removeTree(transfer.source)) {
-        return true;
+    if (!removeTree(transfer.source)) {
+        return Failure{systemErrorText()};
     }
-    *reason = systemErrorText();
-    return false;
+    return {};
 }
 
 // False when the transfer is refused; "ready" tells whether there is anything left to do.
@@ -140,6 +137,7 @@ bool prepare(const Transfer& transfer, const QString& source, const QString& des
 
 } // namespace
 
+// The line that says what was asked for stands in the log whatever became of it; a failure has one of its own before.
 bool cpCocoa(const QString& source, const QString& destination, const QString& overwriteFlag)
 {
     const QString from = stringByExpandingTildeInPath(source);
@@ -149,12 +147,13 @@ bool cpCocoa(const QString& source, const QString& destination, const QString& o
     if (!prepare(transfer, from, to, overwriteFlag, false, &ready)) {
         return false;
     }
-    QString reason;
-    if (ready && copyNow(transfer, &reason)) {
-        logLine(QStringLiteral("File copied          :-) %@"), {to});
-    } else if (ready) {
-        logLine(QStringLiteral("File copied          :-( %@ : %@"), {to, reason});
+    if (!ready) {
+        return true;
     }
+    if (const Result<void, QString> copied = copyNow(transfer); !copied) {
+        logLine(QStringLiteral("File not copied      :-( %@ : %@"), {to, copied.reason()});
+    }
+    logLine(QStringLiteral("File copied          :-) %@"), {to});
     return true;
 }
 
@@ -167,12 +166,13 @@ bool mvCocoa(const QString& source, const QString& destination, const QString& o
     if (!prepare(transfer, from, to, overwriteFlag, true, &ready)) {
         return false;
     }
-    QString reason;
-    if (ready && moveNow(transfer, &reason)) {
-        logLine(QStringLiteral("File moved          :-) %@"), {to});
-    } else if (ready) {
-        logLine(QStringLiteral("File moved          :-( %@ : %@"), {to, reason});
+    if (!ready) {
+        return true;
     }
+    if (const Result<void, QString> moved = moveNow(transfer); !moved) {
+        logLine(QStringLiteral("File not moved      :-( %@ : %@"), {to, moved.reason()});
+    }
+    logLine(QStringLiteral("File moved          :-) %@"), {to});
     return true;
 }
 

@@ -4,9 +4,9 @@
 #include "base/log.h"
 #include "base/paths.h"
 #include "base/posixfile.h"
+#include "sys/foldernames.h"
 
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -32,30 +32,20 @@ double inUnit(qint64 bytes, const QString& unit)
 
 // Sum of the entries of an open folder; descriptors bound the depth, so a deeper level counts 0 like anything
 // unreadable.
-double sizeBelow(FileDescriptor folder)
+double sizeBelow(const Descriptor& folder)
 {
-    DIR* stream = ::fdopendir(folder.get());
-    if (!stream) {
-        return 0.0;
-    }
-    const int descriptor = folder.release();
     double total = 0.0;
-    while (const dirent* entry = ::readdir(stream)) {
-        const QByteArray name(entry->d_name);
-        struct stat status {
-        };
-        if (name == "." || name == ".." || ::fstatat(descriptor, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    const std::vector<std::string> names = namesIn(folder).value_or(std::vector<std::string>());
+    for (const std::string& name : names) {
+        struct stat status = {};
+        if (::fstatat(folder.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
             continue;
         }
         total += static_cast<double>(status.st_size);
         if (S_ISDIR(status.st_mode)) {
-            FileDescriptor child = openFileAt(descriptor, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-            if (child.isOpen()) {
-                total += sizeBelow(std::move(child));
-            }
+            total += sizeBelow(openFileAt(folder.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW));
         }
     }
-    ::closedir(stream);
     return total;
 }
 
@@ -63,8 +53,7 @@ double sizeBelow(FileDescriptor folder)
 
 bool testPresenceC(const QString& path)
 {
-    const QByteArray bytes = systemPath(path);
-    return !bytes.isEmpty() && openFile(bytes, O_RDONLY).isOpen();
+    return openFile(systemPath(path), O_RDONLY).isOpen();
 }
 
 bool testPresenceCocoa(const QString& path)
@@ -74,11 +63,7 @@ bool testPresenceCocoa(const QString& path)
 
 double poidsFileC(const QString& path, const QString& unit)
 {
-    const QByteArray bytes = systemPath(path);
-    if (bytes.isEmpty()) {
-        return -1.0;
-    }
-    const FileDescriptor file = openFile(bytes, O_RDONLY);
+    const Descriptor file = openFile(systemPath(path), O_RDONLY);
     struct stat status {
     };
     // The end of a folder is no size: the answer differs from one file system to the next.
@@ -112,9 +97,7 @@ double poidsFile(const QString& path, const QString& unit)
 
 double poidsFolderMo(const QString& path)
 {
-    const QByteArray bytes = systemPath(path);
-    FileDescriptor folder = bytes.isEmpty() ? FileDescriptor() : openFile(bytes, O_RDONLY | O_DIRECTORY);
-    const double megabytes = folder.isOpen() ? sizeBelow(std::move(folder)) / bytesPerMegabyte : 0.0;
+    const double megabytes = sizeBelow(openFile(systemPath(path), O_RDONLY | O_DIRECTORY)) / bytesPerMegabyte;
     logLine(QStringLiteral("current folder size  : %f Mo"), {megabytes});
     return megabytes;
 }
@@ -144,8 +127,7 @@ int espaceDiskDispo(const QString& path)
 
 bool disponible(const QString& path)
 {
-    const QByteArray bytes = systemPath(path);
-    return !bytes.isEmpty() && openFile(bytes, O_RDWR).isOpen();
+    return openFile(systemPath(path), O_RDWR).isOpen();
 }
 
 bool isFolder(const QString& path)
@@ -156,9 +138,7 @@ bool isFolder(const QString& path)
 
 bool isSameFile(const QString& a, const QString& b)
 {
-    const std::optional<struct stat> first = followedStatus(systemPath(a));
-    const std::optional<struct stat> second = followedStatus(systemPath(b));
-    return first && second && sameInode(*first, *second);
+    return sameFile(systemPath(a).constData(), systemPath(b).constData());
 }
 
 void setFreeSpaceForTests(int megabytes)

@@ -10,14 +10,12 @@
 #include <QLocale>
 #include <QRegularExpression>
 
-#include <fcntl.h>
-
 namespace tavrix
 {
 namespace
 {
 
-constexpr qint64 largestTable = qint64{16} << 20;
+constexpr std::uint64_t largestTable = std::uint64_t{16} << 20; // bytes
 
 using StringsTable = QMap<QString, QString>;
 
@@ -41,10 +39,10 @@ const StringsTable& tableAt(const QString& path)
     QHash<QString, StringsTable>& tables = state().tables;
     auto known = tables.find(path);
     if (known == tables.end()) {
-        const FileDescriptor file = openFile(systemPath(path), O_RDONLY);
-        const std::optional<QByteArray> bytes = file.isOpen() ? readAllFrom(file, largestTable) : std::nullopt;
+        const QByteArray file = systemPath(path);
+        const Result<QByteArray> bytes = readFile<QByteArray>(file, largestTable);
         const QString text = bytes ? decodedText(*bytes) : QString();
-        if (file.isOpen() && text.isNull()) {
+        if (text.isNull() && followedStatus(file)) {
             logLine(QStringLiteral("strings table       :-( unreadable: %@"), {path});
         }
         known = tables.insert(path, parseStringsTable(text));

@@ -1,5 +1,7 @@
 #include "base/log.h"
 
+#include "sys/transfer.h"
+
 #include <QDateTime>
 
 #include <cerrno>
@@ -40,30 +42,14 @@ QList<FormatArg> onOneLine(std::initializer_list<FormatArg> arguments)
     return safe;
 }
 
-// One write keeps lines of several processes on one file whole; the loop is for what a full pipe leaves over.
-void writeToErrorStream(const QByteArray& line)
-{
-    qsizetype done = 0;
-    while (done < line.size()) {
-        const ssize_t written =
-            ::write(STDERR_FILENO, line.constData() + done, static_cast<size_t>(line.size() - done));
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return; // there is no other place to complain
-        }
-        done += written;
-    }
-}
-
 void writeLine(const QString& format, std::initializer_list<FormatArg> arguments)
 {
     const int savedErrno = errno;
     const QString text = formatText(format, onOneLine(arguments));
     const QString date = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
     const QString line = date + u' ' + state().name + u'[' + QString::number(getpid()) + QStringLiteral("] ") + text;
-    writeToErrorStream(line.toUtf8() + '\n');
+    // One write keeps lines of several processes on one file whole. There is no other place to complain.
+    static_cast<void>(writeAll(STDERR_FILENO, (line + u'\n').toStdString()));
     if (state().sink) {
         // The sink may replace itself while it runs.
         const std::function<void(const QString&)> sink = state().sink;

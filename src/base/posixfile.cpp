@@ -1,34 +1,14 @@
 #include "base/posixfile.h"
 
 #include "base/paths.h"
-
-#include <QFile>
+#include "sys/errortext.h"
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
 #include <memory>
-#include <system_error>
-#include <unistd.h>
 
 namespace tavrix
 {
-
-FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept
-{
-    if (this != &other) {
-        close();
-        descriptor_ = std::exchange(other.descriptor_, -1);
-    }
-    return *this;
-}
-
-bool FileDescriptor::close()
-{
-    const int descriptor = release();
-    return descriptor < 0 || ::close(descriptor) == 0;
-}
 
 QByteArray systemPath(const QString& path)
 {
@@ -47,81 +27,9 @@ QByteArray systemItemPath(const QString& path)
     return bytes;
 }
 
-FileDescriptor openFile(const QByteArray& path, int flags, mode_t mode)
+std::string_view viewOf(const QByteArray& bytes)
 {
-    return openFileAt(AT_FDCWD, path, flags, mode);
-}
-
-FileDescriptor openFileAt(int folder, const QByteArray& name, int flags, mode_t mode)
-{
-    int descriptor = -1;
-    do {
-        descriptor = ::openat(folder, name.constData(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode);
-    } while (descriptor < 0 && errno == EINTR);
-    return FileDescriptor(descriptor);
-}
-
-std::optional<struct stat> followedStatus(const QByteArray& path)
-{
-    struct stat status {
-    };
-    if (path.isEmpty() || ::stat(path.constData(), &status) != 0) {
-        return std::nullopt;
-    }
-    return status;
-}
-
-std::optional<struct stat> linkStatus(const QByteArray& path)
-{
-    struct stat status {
-    };
-    if (path.isEmpty() || ::lstat(path.constData(), &status) != 0) {
-        return std::nullopt;
-    }
-    return status;
-}
-
-bool sameInode(const struct stat& a, const struct stat& b)
-{
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
-std::optional<QByteArray> readAllFrom(const FileDescriptor& file, qint64 limit)
-{
-    constexpr qsizetype chunk = 1 << 16;
-    QByteArray bytes;
-    for (;;) {
-        const qsizetype used = bytes.size();
-        bytes.resize(used + chunk);
-        const ssize_t got = ::read(file.get(), bytes.data() + used, static_cast<std::size_t>(chunk));
-        bytes.resize(used + (got > 0 ? static_cast<qsizetype>(got) : 0));
-        if (got == 0) {
-            return bytes;
-        }
-        if (got < 0 && errno != EINTR) {
-            return std::nullopt;
-        }
-        if (bytes.size() > limit) {
-            errno = EFBIG;
-            return std::nullopt;
-        }
-    }
-}
-
-bool writeAllTo(const FileDescriptor& file, const QByteArray& bytes)
-{
-    qsizetype written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count =
-            ::write(file.get(), bytes.constData() + written, static_cast<std::size_t>(bytes.size() - written));
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        if (count > 0) {
-            written += static_cast<qsizetype>(count);
-        }
-    }
-    return true;
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
 
 QByteArray resolvedPath(const QByteArray& path)
@@ -140,7 +48,7 @@ QString systemErrorText()
 
 QString systemErrorText(int error)
 {
-    return QString::fromStdString(std::error_code(error, std::generic_category()).message());
+    return QString::fromStdString(errorText(error));
 }
 
 } // namespace tavrix

@@ -14,7 +14,6 @@
 #include <QTimer>
 
 #include <cstdio>
-#include <fcntl.h>
 
 namespace tavrix
 {
@@ -22,7 +21,7 @@ namespace
 {
 
 constexpr int saveDelayMilliseconds = 500;
-constexpr qint64 largestFile = qint64{256} << 20;
+constexpr std::uint64_t largestFile = std::uint64_t{256} << 20; // bytes
 
 // The whole store in memory. A queue of thousands of sources changes a dozen keys per source: saving each change would
 // write gigabytes.
@@ -89,8 +88,7 @@ void PreferenceStore::load()
     if (!linkStatus(bytes)) {
         return;
     }
-    const FileDescriptor file = openFile(bytes, O_RDONLY);
-    const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestFile) : std::nullopt;
+    const Result<QByteArray> contents = readFile<QByteArray>(bytes, largestFile);
     const std::optional<QVariant> list = contents ? propertyListFromBytes(*contents) : std::nullopt;
     if (list && list->typeId() == QMetaType::QVariantMap) {
         values_ = list->toMap();
@@ -146,13 +144,13 @@ bool PreferenceStore::writeFile()
     if (!putDamagedFileAside()) {
         return false;
     }
-    QString reason;
-    const std::optional<QByteArray> xml = propertyListToXml(values_, &reason);
-    if (xml && mkdirCocoa(stringByDeletingLastPathComponent(path_)) && replaceFileAtomically(path_, *xml, &reason)) {
-        return true;
+    const Result<QByteArray, QString> xml = propertyListToXml(values_);
+    mkdirCocoa(stringByDeletingLastPathComponent(path_)); // where that fails, so does the writing
+    const Result<void, QString> written = xml ? replaceFileAtomically(path_, *xml) : Failure{xml.reason()};
+    if (!written) {
+        logLine(QStringLiteral("preferences         :-( %@ : %@"), {path_, written.reason()});
     }
-    logLine(QStringLiteral("preferences         :-( %@ : %@"), {path_, reason});
-    return false;
+    return written.hasValue();
 }
 
 QVariantMap& allValues()

@@ -141,78 +141,84 @@ double widened(float number)
     return value;
 }
 
-Node nodeOf(const QVariant& value, QString* error);
+using NodeResult = Result<Node, QString>;
 
-Node failed(QString* error, const QString& reason)
+NodeResult nodeOf(const QVariant& value);
+
+Node owned(plist_t node)
 {
-    *error = reason;
-    return {nullptr, &plist_free};
+    return {node, &plist_free};
 }
 
-Node textNode(const QString& text, QString* error)
+Failure<QString> withoutForm(const QString& what)
+{
+    return Failure{what + QStringLiteral(" without a property-list form")};
+}
+
+NodeResult textNode(const QString& text)
 {
     if (text.isNull() || text.contains(QChar(0))) {
-        return failed(error, QStringLiteral("text without a property-list form"));
+        return withoutForm(QStringLiteral("text"));
     }
-    return {plist_new_string(text.toUtf8().constData()), &plist_free};
+    return owned(plist_new_string(text.toUtf8().constData()));
 }
 
-Node listNode(const QVariantList& list, QString* error)
+NodeResult listNode(const QVariantList& list)
 {
-    Node array(plist_new_array(), &plist_free);
+    Node array = owned(plist_new_array());
     for (const QVariant& value : list) {
-        Node item = nodeOf(value, error);
+        NodeResult item = nodeOf(value);
         if (!item) {
             return item;
         }
-        plist_array_append_item(array.get(), item.release());
+        plist_array_append_item(array.get(), item->release());
     }
     return array;
 }
 
 // An entry of nothing is left out: that is what a missing key means.
-Node dictionaryNode(const QVariantMap& map, QString* error)
+NodeResult dictionaryNode(const QVariantMap& map)
 {
-    Node dictionary(plist_new_dict(), &plist_free);
+    Node dictionary = owned(plist_new_dict());
     for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
         if (isNothing(entry.value())) {
             continue;
         }
         if (entry.key().contains(QChar(0))) {
-            return failed(error, QStringLiteral("key without a property-list form"));
+            return withoutForm(QStringLiteral("key"));
         }
-        Node item = nodeOf(entry.value(), error);
+        NodeResult item = nodeOf(entry.value());
         if (!item) {
             return item;
         }
-        plist_dict_set_item(dictionary.get(), entry.key().toUtf8().constData(), item.release());
+        plist_dict_set_item(dictionary.get(), entry.key().toUtf8().constData(), item->release());
     }
     return dictionary;
 }
 
-Node dateNode(const QDateTime& date, QString* error)
+NodeResult dateNode(const QDateTime& date)
 {
     const qint64 seconds = date.toSecsSinceEpoch() - epoch2001;
     if (!date.isValid() || seconds < std::numeric_limits<int32_t>::min() ||
         seconds > std::numeric_limits<int32_t>::max()) {
-        return failed(error, QStringLiteral("date without a property-list form"));
+        return withoutForm(QStringLiteral("date"));
     }
-    return {plist_new_date(static_cast<int32_t>(seconds), 0), &plist_free};
+    return owned(plist_new_date(static_cast<int32_t>(seconds), 0));
 }
 
-Node realNode(double number, QString* error)
+NodeResult realNode(double number)
 {
     if (!std::isfinite(number)) {
-        return failed(error, QStringLiteral("number without a property-list form"));
+        return withoutForm(QStringLiteral("number"));
     }
-    return {plist_new_real(number), &plist_free};
+    return owned(plist_new_real(number));
 }
 
-Node nodeOf(const QVariant& value, QString* error)
+NodeResult nodeOf(const QVariant& value)
 {
     switch (value.typeId()) {
     case QMetaType::Bool:
-        return {plist_new_bool(value.toBool() ? 1 : 0), &plist_free};
+        return owned(plist_new_bool(value.toBool() ? 1 : 0));
     case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::Long:
@@ -221,27 +227,26 @@ Node nodeOf(const QVariant& value, QString* error)
     case QMetaType::UShort:
     case QMetaType::SChar:
     case QMetaType::UChar:
-        return {plist_new_uint(static_cast<uint64_t>(value.toLongLong())), &plist_free};
+        return owned(plist_new_uint(static_cast<uint64_t>(value.toLongLong())));
     case QMetaType::Float:
-        return realNode(widened(value.toFloat()), error);
+        return realNode(widened(value.toFloat()));
     case QMetaType::Double:
-        return realNode(value.toDouble(), error);
+        return realNode(value.toDouble());
     case QMetaType::QString:
-        return textNode(value.toString(), error);
+        return textNode(value.toString());
     case QMetaType::QStringList:
     case QMetaType::QVariantList:
-        return listNode(value.toList(), error);
+        return listNode(value.toList());
     case QMetaType::QVariantMap:
-        return dictionaryNode(*static_cast<const QVariantMap*>(value.constData()), error);
+        return dictionaryNode(*static_cast<const QVariantMap*>(value.constData()));
     case QMetaType::QDateTime:
-        return dateNode(value.toDateTime(), error);
+        return dateNode(value.toDateTime());
     case QMetaType::QByteArray: {
         const QByteArray data = value.toByteArray();
-        return {plist_new_data(data.constData(), static_cast<uint64_t>(data.size())), &plist_free};
+        return owned(plist_new_data(data.constData(), static_cast<uint64_t>(data.size())));
     }
     default:
-        return failed(error, QStringLiteral("no property-list form for the type ") +
-                                 QString::fromLatin1(value.isValid() ? value.typeName() : "nothing"));
+        return withoutForm(QString::fromLatin1(value.isValid() ? value.typeName() : "nothing"));
     }
 }
 
@@ -258,20 +263,17 @@ std::optional<QVariant> propertyListFromBytes(const QByteArray& bytes)
     return valueOf(root.get());
 }
 
-std::optional<QByteArray> propertyListToXml(const QVariant& value, QString* error)
+Result<QByteArray, QString> propertyListToXml(const QVariant& value)
 {
-    QString reason;
-    const Node root = nodeOf(value, &reason);
+    const NodeResult root = nodeOf(value);
+    if (!root) {
+        return Failure{root.reason()};
+    }
     char* xml = nullptr;
     uint32_t length = 0;
-    if (root) {
-        plist_to_xml(root.get(), &xml, &length);
-    }
+    plist_to_xml((*root).get(), &xml, &length);
     if (!xml) {
-        if (error) {
-            *error = reason.isEmpty() ? QStringLiteral("the property list could not be made") : reason;
-        }
-        return std::nullopt;
+        return Failure{QStringLiteral("the property list could not be made")};
     }
     QByteArray bytes(xml, static_cast<qsizetype>(length));
     plist_to_xml_free(xml);
@@ -280,8 +282,7 @@ std::optional<QByteArray> propertyListToXml(const QVariant& value, QString* erro
 
 bool hasPropertyListForm(const QVariant& value)
 {
-    QString reason;
-    return !isNothing(value) && nodeOf(value, &reason) != nullptr;
+    return !isNothing(value) && nodeOf(value).hasValue();
 }
 
 } // namespace tavrix

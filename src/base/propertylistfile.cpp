@@ -5,14 +5,12 @@
 #include "base/posixfile.h"
 #include "base/propertylist.h"
 
-#include <fcntl.h>
-
 namespace tavrix
 {
 namespace
 {
 
-constexpr qint64 largestList = qint64{256} << 20;
+constexpr std::uint64_t largestList = std::uint64_t{256} << 20; // bytes
 
 bool isNumber(const QVariant& value)
 {
@@ -24,20 +22,17 @@ bool isNumber(const QVariant& value)
 
 bool createNewPlist(const QString& path, const QVariant& value)
 {
-    QString reason;
-    const std::optional<QByteArray> xml = propertyListToXml(value, &reason);
-    if (xml && replaceFileAtomically(path, *xml, &reason)) {
-        return true;
+    const Result<QByteArray, QString> xml = propertyListToXml(value);
+    const Result<void, QString> written = xml ? replaceFileAtomically(path, *xml) : Failure{xml.reason()};
+    if (!written) {
+        logLine(QStringLiteral("%@"), {written.reason()});
     }
-    logLine(QStringLiteral("%@"), {reason});
-    return false;
+    return written.hasValue();
 }
 
 std::optional<QVariantMap> readPlist(const QString& path)
 {
-    const QByteArray bytes = systemPath(path);
-    const FileDescriptor file = bytes.isEmpty() ? FileDescriptor() : openFile(bytes, O_RDONLY);
-    const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestList) : std::nullopt;
+    const Result<QByteArray> contents = readFile<QByteArray>(systemPath(path), largestList);
     const std::optional<QVariant> list = contents ? propertyListFromBytes(*contents) : std::nullopt;
     if (!list || list->typeId() != QMetaType::QVariantMap) {
         return std::nullopt;

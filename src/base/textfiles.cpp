@@ -13,7 +13,6 @@
 #include "base/shellquoting.h"
 #include "base/text.h"
 
-#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 
@@ -29,7 +28,7 @@ namespace tavrix
 namespace
 {
 
-constexpr qint64 largestText = qint64{512} << 20;
+constexpr std::uint64_t largestText = std::uint64_t{512} << 20; // bytes
 
 const QByteArray& utf8Mark()
 {
@@ -45,11 +44,9 @@ struct TextRead {
 
 TextRead readDetecting(const QString& path)
 {
-    const QByteArray bytes = systemPath(path);
-    const FileDescriptor file = openFile(bytes, O_RDONLY);
-    const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestText) : std::nullopt;
+    const Result<QByteArray> contents = readFile<QByteArray>(systemPath(path), largestText);
     if (!contents) {
-        return {QString(), 0, systemErrorText()};
+        return {QString(), 0, QString::fromStdString(contents.reason())};
     }
     TextRead read;
     read.text = decodedText(*contents, &read.encoding);
@@ -65,7 +62,7 @@ bool canBeCopiedByShell(const QString& path, const QString& copy)
 {
     const std::optional<struct stat> source = followedStatus(systemPath(path));
     const std::optional<struct stat> target = linkStatus(systemPath(copy));
-    return (!source || (S_ISREG(source->st_mode) && source->st_size <= largestText)) &&
+    return (!source || (S_ISREG(source->st_mode) && static_cast<std::uint64_t>(source->st_size) <= largestText)) &&
            (!target || S_ISREG(target->st_mode));
 }
 
@@ -109,8 +106,7 @@ QString readContentsTxtUTF8(const QString& path)
         return {};
     }
     copyByShell(source, copy);
-    const FileDescriptor file = openFile(systemPath(copy), O_RDONLY | O_NOFOLLOW);
-    const std::optional<QByteArray> contents = file.isOpen() ? readAllFrom(file, largestText) : std::nullopt;
+    const Result<QByteArray> contents = readFile<QByteArray>(systemPath(copy), largestText, O_NOFOLLOW);
     QString text = contents ? decodedAscii(*contents) : QString();
     // The flag is not the one that allows replacing, so the copy stays beside the file.
     if (!text.isNull() && linkStatus(systemPath(source))) {
@@ -122,8 +118,7 @@ QString readContentsTxtUTF8(const QString& path)
 
 QString readContentsTxtC(const QString& path, int characterLimit)
 {
-    const QByteArray bytes = systemPath(path);
-    const FileDescriptor file = bytes.isEmpty() ? FileDescriptor() : openFile(bytes, O_RDONLY);
+    const Descriptor file = openFile(systemPath(path), O_RDONLY);
     if (!file.isOpen()) {
         return {};
     }
@@ -167,8 +162,8 @@ bool writeUtf8Bom(const QString& path)
     if (path.isNull()) {
         return false;
     }
-    FileDescriptor file = openFile(systemPath(path), O_WRONLY | O_NOFOLLOW);
-    if (!file.isOpen() || !writeAllTo(file, utf8Mark()) || !file.close()) {
+    Descriptor file = openFile(systemPath(path), O_WRONLY | O_NOFOLLOW);
+    if (!file.isOpen() || !writeAll(file.get(), viewOf(utf8Mark())) || !file.close()) {
         logWriteError(path, systemErrorText());
     }
     logLine(QStringLiteral("Fixed BOM           :-) %@"), {path});
@@ -183,7 +178,7 @@ bool writeTextFileUtf8Bom(const QString& path, const QString& text)
     const QString expanded = stringByExpandingTildeInPath(path);
     const QByteArray bytes = systemPath(expanded);
     if (!testPresenceC(expanded)) {
-        if (bytes.isEmpty() || !openFile(bytes, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600).isOpen()) {
+        if (!openFile(bytes, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600).isOpen()) {
             std::fputs("Impossible to create destination file !\n", stderr);
             return false;
         }
@@ -192,8 +187,8 @@ bool writeTextFileUtf8Bom(const QString& path, const QString& text)
         }
         writeUtf8Bom(expanded);
     }
-    FileDescriptor file = openFile(bytes, O_RDWR | O_APPEND | O_NOFOLLOW);
-    if (!file.isOpen() || !writeAllTo(file, text.toUtf8()) || !file.close()) {
+    Descriptor file = openFile(bytes, O_RDWR | O_APPEND | O_NOFOLLOW);
+    if (!file.isOpen() || !writeAll(file.get(), viewOf(text.toUtf8())) || !file.close()) {
         logWriteError(expanded, systemErrorText());
         return false;
     }
@@ -213,8 +208,8 @@ bool ecritureFichier(const QString& path, const QString& text, int flag)
     normalised.replace(u'\r', u'\n');
     const QByteArray bytes = systemPath(expanded);
     // Written in place: a new file in its stead would lose the owner, the mode and other names of the old one.
-    FileDescriptor file = openFile(bytes, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0666);
-    if (!file.isOpen() || !writeAllTo(file, normalised.toUtf8()) || !file.close()) {
+    Descriptor file = openFile(bytes, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0666);
+    if (!file.isOpen() || !writeAll(file.get(), viewOf(normalised.toUtf8())) || !file.close()) {
         logWriteError(expanded, systemErrorText());
         return false;
     }

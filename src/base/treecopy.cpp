@@ -2,14 +2,13 @@
 
 #include "base/posixfile.h"
 #include "base/treeremoval.h"
+#include "sys/foldernames.h"
 
 #include <QFile>
-#include <QList>
 
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -18,27 +17,12 @@ namespace tavrix
 namespace
 {
 
+using Outcome = Result<void, QString>;
+
 constexpr mode_t keptModes = 01777; // a copy gets no set-user-id or set-group-id
 
-bool copyAll(const FileDescriptor& from, const FileDescriptor& to)
-{
-    QByteArray buffer(1 << 20, Qt::Uninitialized);
-    for (;;) {
-        const ssize_t got = ::read(from.get(), buffer.data(), static_cast<std::size_t>(buffer.size()));
-        if (got == 0) {
-            return true;
-        }
-        if (got < 0 && errno != EINTR) {
-            return false;
-        }
-        if (got > 0 && !writeAllTo(to, QByteArray::fromRawData(buffer.constData(), static_cast<qsizetype>(got)))) {
-            return false;
-        }
-    }
-}
-
 // A file system that cannot sync a folder (EINVAL) keeps nothing back either.
-bool reachesDisk(const FileDescriptor& item)
+bool reachesDisk(const Descriptor& item)
 {
     return ::fsync(item.get()) == 0 || errno == EINVAL;
 }
@@ -51,128 +35,122 @@ bool parentReachesDisk(const QByteArray& item)
     if (slash >= 0) {
         parent = slash == 0 ? QByteArray("/") : item.left(slash);
     }
-    const FileDescriptor folder = openFile(parent, O_RDONLY | O_DIRECTORY);
+    const Descriptor folder = openFile(parent, O_RDONLY | O_DIRECTORY);
     return folder.isOpen() && reachesDisk(folder);
 }
 
-bool keepAttributes(const FileDescriptor& copy, const struct stat& original)
+bool keepAttributes(const Descriptor& copy, const struct stat& original)
 {
     const std::array<timespec, 2> times{original.st_atim, original.st_mtim};
     return ::fchmod(copy.get(), original.st_mode & keptModes) == 0 && ::futimens(copy.get(), times.data()) == 0;
 }
 
-bool copyRegularFile(const QByteArray& source, const QByteArray& destination, const struct stat& original, bool durable)
+QString shown(const QByteArray& item, int error)
 {
-    const FileDescriptor from = openFile(source, O_RDONLY | O_NOFOLLOW);
-    if (!from.isOpen()) {
-        return false;
-    }
-    FileDescriptor to = openFile(destination, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-    if (!to.isOpen()) {
-        return false;
-    }
-    const bool copied =
-        copyAll(from, to) && keepAttributes(to, original) && (!durable || reachesDisk(to)) && to.close();
-    if (!copied) {
-        const int error = errno;
-        ::unlink(destination.constData());
-        errno = error;
-    }
-    return copied;
+    return QFile::decodeName(item) + QStringLiteral(": ") + systemErrorText(error);
 }
 
-bool copyLink(const QByteArray& source, const QByteArray& destination)
+// The failure names the item that the system has refused: a full volume is none of the source's business.
+Failure<QString> failedAt(const QByteArray& item)
+{
+    return Failure{shown(item, errno)};
+}
+
+// The side that failed; nothing when all of it was copied.
+std::optional<QByteArray> failingSide(const QByteArray& source, const QByteArray& destination,
+                                      const struct stat& original, bool durable)
+{
+    const Descriptor from = openFile(source, O_RDONLY | O_NOFOLLOW);
+    if (!from.isOpen()) {
+        return source;
+    }
+    Descriptor to = openFile(destination, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+    if (!to.isOpen()) {
+        return destination;
+    }
+    const Copied copied = copyAll(from.get(), to.get());
+    if (copied == Copied::Whole && keepAttributes(to, original) && (!durable || reachesDisk(to)) && to.close()) {
+        return std::nullopt;
+    }
+    const int error = errno;
+    ::unlink(destination.constData());
+    errno = error;
+    return copied == Copied::ReadFailed ? source : destination;
+}
+
+Outcome copyRegularFile(const QByteArray& source, const QByteArray& destination, const struct stat& original,
+                        bool durable)
+{
+    const std::optional<QByteArray> failing = failingSide(source, destination, original, durable);
+    return failing ? Outcome(failedAt(*failing)) : Outcome();
+}
+
+Outcome copyLink(const QByteArray& source, const QByteArray& destination)
 {
     std::array<char, PATH_MAX + 1> target{};
-    const ssize_t length = ::readlink(source.constData(), target.data(), target.size() - 1);
-    return length >= 0 && ::symlink(target.data(), destination.constData()) == 0;
+    if (::readlink(source.constData(), target.data(), target.size() - 1) < 0) {
+        return failedAt(source);
+    }
+    return ::symlink(target.data(), destination.constData()) == 0 ? Outcome() : Outcome(failedAt(destination));
 }
 
-QList<QByteArray> namesIn(const QByteArray& folder, bool* ok)
-{
-    QList<QByteArray> names;
-    DIR* stream = ::opendir(folder.constData());
-    *ok = stream != nullptr;
-    if (!stream) {
-        return names;
-    }
-    errno = 0;
-    while (const dirent* entry = ::readdir(stream)) {
-        const QByteArray name(entry->d_name);
-        if (name != "." && name != "..") {
-            names.append(name);
-        }
-    }
-    *ok = errno == 0;
-    ::closedir(stream);
-    return names;
-}
+Outcome copyItem(const QByteArray& source, const QByteArray& destination, bool durable);
 
-bool copyItem(const QByteArray& source, const QByteArray& destination, bool durable, QString* reason);
-
-bool copyFolder(const QByteArray& source, const QByteArray& destination, const struct stat& original, bool durable,
-                QString* reason)
+Outcome copyFolder(const QByteArray& source, const QByteArray& destination, const struct stat& original, bool durable)
 {
-    bool readable = false;
-    const QList<QByteArray> names = namesIn(source, &readable);
-    if (!readable || ::mkdir(destination.constData(), 0700) != 0) {
-        *reason = QFile::decodeName(source) + QStringLiteral(": ") + systemErrorText();
-        return false;
+    const Descriptor from = openFile(source, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+    const auto names = from.isOpen() ? namesIn(from) : std::nullopt;
+    if (!names) {
+        return failedAt(source);
     }
-    for (const QByteArray& name : names) {
-        if (!copyItem(source + '/' + name, destination + '/' + name, durable, reason)) {
-            return false;
+    if (::mkdir(destination.constData(), 0700) != 0) {
+        return failedAt(destination);
+    }
+    for (const std::string& entry : *names) {
+        const QByteArray name = '/' + QByteArray::fromStdString(entry);
+        if (Outcome copied = copyItem(source + name, destination + name, durable); !copied) {
+            return copied;
         }
     }
     // Only now: every entry made has changed the folder's date, and a read-only mode would have kept them out.
-    const FileDescriptor folder = openFile(destination, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    if (folder.isOpen() && keepAttributes(folder, original) && (!durable || reachesDisk(folder))) {
-        return true;
-    }
-    *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
-    return false;
+    const Descriptor made = openFile(destination, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+    const bool whole = made.isOpen() && keepAttributes(made, original) && (!durable || reachesDisk(made));
+    return whole ? Outcome() : Outcome(failedAt(destination));
 }
 
-bool copyItem(const QByteArray& source, const QByteArray& destination, bool durable, QString* reason)
+Outcome copyItem(const QByteArray& source, const QByteArray& destination, bool durable)
 {
     const std::optional<struct stat> status = linkStatus(source);
     if (status && S_ISDIR(status->st_mode)) {
-        return copyFolder(source, destination, *status, durable, reason);
+        return copyFolder(source, destination, *status, durable);
     }
-    bool copied = false;
     if (status && S_ISREG(status->st_mode)) {
-        copied = copyRegularFile(source, destination, *status, durable);
-    } else if (status && S_ISLNK(status->st_mode)) {
-        copied = copyLink(source, destination);
-    } else if (status) {
+        return copyRegularFile(source, destination, *status, durable);
+    }
+    if (status && S_ISLNK(status->st_mode)) {
+        return copyLink(source, destination);
+    }
+    if (status) {
         errno = ENOTSUP;
     }
-    if (!copied) {
-        *reason = QFile::decodeName(source) + QStringLiteral(": ") + systemErrorText();
-    }
-    return copied;
+    return failedAt(source);
 }
 
 } // namespace
 
-bool copyTree(const QByteArray& source, const QByteArray& destination, bool durable, QString* reason)
+Result<void, QString> copyTree(const QByteArray& source, const QByteArray& destination, bool durable)
 {
     if (linkStatus(destination)) {
-        *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText(EEXIST);
-        return false;
+        return Failure{shown(destination, EEXIST)};
     }
-    bool copied = copyItem(source, destination, durable, reason);
+    Outcome copied = copyItem(source, destination, durable);
     if (copied && durable && !parentReachesDisk(destination)) {
-        *reason = QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
-        copied = false;
+        copied = failedAt(destination);
     }
-    if (copied) {
-        return true;
+    if (!copied && linkStatus(destination) && !removeTree(destination)) {
+        return Failure{copied.reason() + QStringLiteral("; ") + shown(destination, errno)};
     }
-    if (linkStatus(destination) && !removeTree(destination)) {
-        *reason += QStringLiteral("; ") + QFile::decodeName(destination) + QStringLiteral(": ") + systemErrorText();
-    }
-    return false;
+    return copied;
 }
 
 } // namespace tavrix

@@ -1,14 +1,17 @@
 #pragma once
 
+// Copying files and folder trees: links as links, dates and modes kept, nothing existing ever overwritten.
+
+#include "sys/result.h"
+
 #include <QByteArray>
 #include <QString>
 
-// Copying files and folder trees: links as links, dates and modes kept, nothing existing ever overwritten.
 namespace tavrix
 {
 
-// False with the reason when a part could not be copied; what had been made is removed again then. `durable` returns
-// only after the data has reached the disk.
-[[nodiscard]] bool copyTree(const QByteArray& source, const QByteArray& destination, bool durable, QString* reason);
+// The reason names the item that could not be read or written; what had been made is removed again then. `durable`
+// returns only after the data has reached the disk.
+[[nodiscard]] Result<void, QString> copyTree(const QByteArray& source, const QByteArray& destination, bool durable);
 
 } // namespace tavrix

@@ -1,11 +1,9 @@
 #include "base/treeremoval.h"
 
 #include "base/posixfile.h"
-
-#include <QList>
+#include "sys/foldernames.h"
 
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -37,28 +35,6 @@ bool isMountPointAt(int folder, const QByteArray& name)
            (own.st_dev != parent.st_dev || own.st_ino == parent.st_ino);
 }
 
-// Names first, removals afterwards: a folder stream is undefined about entries that vanish under it.
-bool entryNames(const FileDescriptor& folder, QList<QByteArray>& names)
-{
-    FileDescriptor copy(::fcntl(folder.get(), F_DUPFD_CLOEXEC, 0));
-    DIR* stream = copy.isOpen() ? ::fdopendir(copy.get()) : nullptr;
-    if (!stream) {
-        return false;
-    }
-    [[maybe_unused]] const int owned = copy.release();
-    errno = 0;
-    while (const dirent* entry = ::readdir(stream)) {
-        const QByteArray name(entry->d_name);
-        if (name != "." && name != "..") {
-            names.append(name);
-        }
-    }
-    const int error = errno;
-    ::closedir(stream);
-    errno = error;
-    return error == 0;
-}
-
 bool removeAt(int parent, const QByteArray& name)
 {
     struct stat status {
@@ -73,14 +49,14 @@ bool removeAt(int parent, const QByteArray& name)
         errno = EBUSY;
         return false;
     }
-    const FileDescriptor folder = openFileAt(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-    QList<QByteArray> names;
-    if (!folder.isOpen() || !entryNames(folder, names)) {
+    const Descriptor folder = openFileAt(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+    const auto names = folder.isOpen() ? namesIn(folder) : std::nullopt;
+    if (!names) {
         return false;
     }
     int firstError = 0;
-    for (const QByteArray& entry : names) {
-        if (!removeAt(folder.get(), entry) && firstError == 0) {
+    for (const std::string& entry : *names) {
+        if (!removeAt(folder.get(), QByteArray::fromStdString(entry)) && firstError == 0) {
             firstError = errno;
         }
     }

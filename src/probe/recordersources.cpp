@@ -25,7 +25,7 @@ namespace
 {
 
 const QString eyetvMark = QStringLiteral(".eyetv/");
-constexpr qint64 descriptionLimit = qint64{16} * 1024 * 1024;
+constexpr std::uint64_t descriptionLimit = std::uint64_t{16} << 20; // bytes
 constexpr qint64 dateHeadLength = 1000;
 constexpr qint64 dateTextOffset = 13;
 constexpr qint64 dateTextLength = 10;
@@ -135,8 +135,7 @@ float bundledVideoEyetvDuration(const QString& path)
         logLine(QStringLiteral("bundledVideoEyetvDura- not readable"));
         return 0.0F;
     }
-    const std::optional<QByteArray> contents =
-        readAllFrom(openFile(systemPath(description), O_RDONLY), descriptionLimit);
+    const Result<QByteArray> contents = readFile<QByteArray>(systemPath(description), descriptionLimit);
     if (!contents) {
         logLine(QStringLiteral("bundledVideoEyetvDura- no read"));
         return 0.0F;
@@ -172,7 +171,7 @@ QString dateCreation2iMovieName(const QString& sourcePath)
 
 int readVideoCreationDate(const QString& path)
 {
-    const FileDescriptor opened = openFile(systemPath(path), O_RDONLY);
+    const Descriptor opened = openFile(systemPath(path), O_RDONLY);
     QFile file;
     if (!opened.isOpen() || !file.open(opened.get(), QIODevice::ReadOnly)) {
         logLine(QStringLiteral("readVideoCreationDate :-( %@"), {path});

@@ -13,6 +13,7 @@
 #include "process/runners.h"
 #include "process/shellrun.h"
 #include "process/shelltext.h"
+#include "sys/transfer.h"
 
 #include <chrono>
 #include <thread>
@@ -55,7 +56,7 @@ bool isListed(int pid)
 }
 
 // What the tool writes on its standard output is thrown away, so that a full pipe never stops it.
-void discardOutput(const UniqueFd& pipe)
+void discardOutput(const Descriptor& pipe)
 {
     QByteArray chunk;
     for (qint64 left = waitingBytes(pipe.get()); left > 0; left -= chunk.size()) {
@@ -77,7 +78,7 @@ void showProgress(const QString& progressPath, const BackgroundRunIndicator& ind
     }
 }
 
-void watchTool(int pid, const UniqueFd& pipe, const QString& progressPath, const BackgroundRunIndicator& indicator)
+void watchTool(int pid, const Descriptor& pipe, const QString& progressPath, const BackgroundRunIndicator& indicator)
 {
     const ProcessIdentity tool = processIdentity(pid);
     for (int pass = 0; pass < maximumPasses; ++pass) {

@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 #include "base/posixfile.h"
+#include "sys/transfer.h"
 
 #include <cerrno>
 #include <poll.h>
@@ -61,7 +62,7 @@ bool collect(ChildProcess& child, int fd, QByteArray& output)
 std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo, const std::function<void(int)>& started)
 {
     Pipe pipe = makePipe(PipeReader::Parent);
-    if (!pipe.isValid()) {
+    if (!pipe.isOpen()) {
         logLine(QStringLiteral("task failure        :-( no pipe for %@"), {setup.program});
         return std::nullopt;
     }

@@ -12,7 +12,7 @@ struct CapturedRun {
     QByteArray output;
     int pid = 0;
     int status = 0;
-    UniqueFd rest; // read end of the output pipe, which background jobs of the child may still hold
+    Descriptor rest; // read end of the output pipe, which background jobs of the child may still hold
 };
 
 // Runs a child and collects its standard output, and its error stream too when asked for. Reads while it waits, so that

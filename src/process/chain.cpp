@@ -68,7 +68,7 @@ int parsedChain(const QStringList& list, QList<ChainCommand>& commands)
 Chain startChain(const QList<ChainCommand>& commands)
 {
     Chain chain;
-    UniqueFd input;
+    Descriptor input;
     for (qsizetype index = 0; index < commands.size(); ++index) {
         const bool last = index + 1 == commands.size();
         Links links;
@@ -76,12 +76,12 @@ Chain startChain(const QList<ChainCommand>& commands)
         if (last) {
             links.error = makePipe(PipeReader::Parent);
         }
-        if (!links.toNext.isValid() || (last && !links.error.isValid())) {
+        if (!links.toNext.isOpen() || (last && !links.error.isOpen())) {
             logLine(QStringLiteral("task not started    :-( no pipe for %@"), {commands[index].program});
             return chain;
         }
         startOne(commands[index], links, input.get(), last, chain);
-        UniqueFd& reader = last ? chain.output : input;
+        Descriptor& reader = last ? chain.output : input;
         reader = std::move(links.toNext.readEnd);
         chain.error = std::move(links.error.readEnd);
     }

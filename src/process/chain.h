@@ -19,8 +19,8 @@ struct ChainCommand {
 // Started processes, each one's output connected to the next one's input, with the read ends of the last one's streams.
 struct Chain {
     std::vector<ChildProcess> processes;
-    UniqueFd output;
-    UniqueFd error;
+    Descriptor output;
+    Descriptor error;
     bool lastExists = false; // false when the system could not even make the last process
 };
 

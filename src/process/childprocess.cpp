@@ -205,7 +205,7 @@ ChildProcess ChildProcess::start(const ChildSetup& setup, QString* failure)
     ChildProcess child;
     Prepared prepared;
     Pipe failurePipe = makePipe(PipeReader::Child);
-    if (!failurePipe.isValid()) {
+    if (!failurePipe.isOpen()) {
         *failure = systemReason(errno);
         return child;
     }
@@ -225,7 +225,7 @@ ChildProcess ChildProcess::start(const ChildSetup& setup, QString* failure)
         *failure = systemReason(reason);
     }
     child.exit_ = openExitDescriptor(pid);
-    if (!child.exit_.isValid()) {
+    if (!child.exit_.isOpen()) {
         *failure = systemReason(errno);
         kill(-pid, SIGKILL);
         waitpid(pid, nullptr, 0);
@@ -288,16 +288,16 @@ void killAndReap(std::vector<ChildProcess>& children)
     children.clear();
 }
 
-UniqueFd openExitDescriptor(pid_t pid, ExitWatch watch)
+Descriptor openExitDescriptor(pid_t pid, ExitWatch watch)
 {
     if (watch == ExitWatch::Kernel) {
         const long fd = syscall(SYS_pidfd_open, pid, 0U);
         if (fd >= 0) {
-            return UniqueFd(static_cast<int>(fd));
+            return Descriptor(static_cast<int>(fd));
         }
     }
     Pipe made = makePipe(PipeReader::Child);
-    if (!made.isValid()) {
+    if (!made.isOpen()) {
         return {};
     }
     const int writeEnd = made.writeEnd.get();

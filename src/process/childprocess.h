@@ -1,6 +1,6 @@
 #pragma once
 
-#include "process/descriptors.h"
+#include "sys/descriptor.h"
 
 #include <QString>
 #include <QStringList>
@@ -52,7 +52,7 @@ public:
 
 private:
     pid_t pid_ = -1;
-    UniqueFd exit_;
+    Descriptor exit_;
     bool reaped_ = false;
     int status_ = statusNotStarted;
 };
@@ -65,6 +65,6 @@ enum class ExitWatch { Kernel, Thread };
 
 // Descriptor that becomes readable when the child has ended. The thread stands in where the kernel offers no process
 // descriptors. Invalid when neither can be had.
-[[nodiscard]] UniqueFd openExitDescriptor(pid_t pid, ExitWatch watch = ExitWatch::Kernel);
+[[nodiscard]] Descriptor openExitDescriptor(pid_t pid, ExitWatch watch = ExitWatch::Kernel);
 
 } // namespace tavrix

@@ -4,6 +4,7 @@
 #include "base/filesizes.h"
 #include "base/log.h"
 #include "base/paths.h"
+#include "base/posixfile.h"
 #include "base/settings.h"
 #include "base/text.h"
 #include "base/textfiles.h"
@@ -11,10 +12,8 @@
 #include "process/programlookup.h"
 #include "process/shellrun.h"
 
-#include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <string_view>
 
 namespace tavrix
 {
@@ -22,31 +21,15 @@ namespace tavrix
 namespace
 {
 
-constexpr char byteOrderMark[] = {'\xEF', '\xBB', '\xBF'};
-
-bool writeAll(int fd, const char* data, qsizetype size)
-{
-    while (size > 0) {
-        const ssize_t written = ::write(fd, data, static_cast<size_t>(size));
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        data += written;
-        size -= written;
-    }
-    return true;
-}
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 // The file keeps what an earlier, longer capture left behind the new text: it is never truncated. A planted link or a
 // special file is refused.
-UniqueFd openCapture(const QString& path, int flags)
+Descriptor openCapture(const QString& path, int flags)
 {
-    UniqueFd file(::open(nativePath(path).constData(), flags | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0600));
+    Descriptor file = openFile(nativePath(path), flags | O_NOFOLLOW, 0600);
     struct stat info = {};
-    if (file.isValid() && (fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))) {
+    if (file.isOpen() && (fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode))) {
         return {};
     }
     return file;
@@ -100,8 +83,8 @@ QString taskArray(const QStringList& arguments, bool stderrToo)
         return {};
     }
     const QString capturePath = getTMPFOLDER() + QStringLiteral("taskData.txt");
-    UniqueFd capture = openCapture(capturePath, O_WRONLY | O_CREAT);
-    if (!capture.isValid() || !writeAll(capture.get(), byteOrderMark, sizeof byteOrderMark)) {
+    Descriptor capture = openCapture(capturePath, O_WRONLY | O_CREAT);
+    if (!capture.isOpen() || !writeAll(capture.get(), byteOrderMark)) {
         return captureFailure();
     }
 
@@ -119,11 +102,10 @@ QString taskArray(const QStringList& arguments, bool stderrToo)
     if (!run) {
         return {};
     }
-    if (!writeAll(capture.get(), run->output.constData(), run->output.size())) {
+    if (!writeAll(capture.get(), viewOf(run->output)) || !capture.close()) {
         return captureFailure();
     }
-    capture.reset();
-    if (!openCapture(capturePath, O_RDWR).isValid()) {
+    if (!openCapture(capturePath, O_RDWR).isOpen()) {
         return captureFailure();
     }
     return withoutFinalNewline(readContentsTxtUTF8(capturePath));

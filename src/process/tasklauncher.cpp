@@ -6,6 +6,7 @@
 #include "process/chain.h"
 #include "process/childprocess.h"
 #include "process/notificationcenter.h"
+#include "sys/transfer.h"
 
 #include <QDateTime>
 #include <QPointer>
@@ -31,7 +32,7 @@ struct NotifierRelease {
 using Notifier = std::unique_ptr<QSocketNotifier, NotifierRelease>;
 
 struct Stream {
-    UniqueFd fd;
+    Descriptor fd;
     Notifier notifier;
     qint64 left = 0; // bytes that waited when the last process ended
 
@@ -109,7 +110,7 @@ void taskLauncher::Private::watch()
     watching = true;
     gateConnection = connect(&RunLoopGate::instance(), &RunLoopGate::opened, q, [this] { gateOpened(); });
     for (Stream& stream : streams) {
-        if (!stream.fd.isValid()) {
+        if (!stream.fd.isOpen()) {
             continue;
         }
         stream.notifier.reset(new QSocketNotifier(stream.fd.get(), QSocketNotifier::Read));
@@ -157,7 +158,7 @@ void taskLauncher::Private::lastProcessEnded(int status)
 
 void taskLauncher::Private::streamReadable(Stream& stream)
 {
-    if (!watching || lastEnded || !stream.fd.isValid()) {
+    if (!watching || lastEnded || !stream.fd.isOpen()) {
         return;
     }
     if (RunLoopGate::instance().isClosed()) {
@@ -203,7 +204,7 @@ void taskLauncher::Private::drainStep()
         return;
     }
     for (Stream& stream : streams) {
-        if (!stream.fd.isValid() || stream.left <= 0) {
+        if (!stream.fd.isOpen() || stream.left <= 0) {
             continue;
         }
         const QPointer<taskLauncher> alive(q);

@@ -5,7 +5,6 @@
 #include "quicktime/avremux.h"
 #include "quicktime/componentregistry.h"
 #include "quicktime/moviefilewriter.h"
-#include "quicktime/readdescriptor.h"
 #include "quicktime/waveexport.h"
 
 #include <QTemporaryFile>
@@ -261,12 +260,12 @@ bool AvMovie::writeFromCopy(const QString& path, bool headerFirst, QString* reas
         return false;
     }
     const std::optional<FileIdentity> identity = fileIdentity(copy.fileName());
-    const ReadDescriptor file(copy.fileName());
-    if (!identity || file.number() < 0) {
+    const Descriptor file = openFile(nativePath(copy.fileName()), O_RDONLY);
+    if (!identity || !file.isOpen()) {
         *reason = QStringLiteral("the copy cannot be read");
         return false;
     }
-    const MovieAtoms atoms = readMovieAtoms(readAtOf(file.number()), identity->size);
+    const MovieAtoms atoms = readMovieAtoms(readAtOf(file.get()), identity->size);
     RewriteRequest request{&atoms, identity->size, state_->timeline, {}, displayScale()};
     for (const int stream : streams) {
         const auto track = std::find_if(tracks_.begin(), tracks_.end(), [stream](const std::shared_ptr<AvTrack>& t) {

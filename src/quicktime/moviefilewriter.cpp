@@ -3,7 +3,6 @@
 #include "base/filesizes.h"
 #include "base/paths.h"
 #include "media/atomwriter.h"
-#include "quicktime/readdescriptor.h"
 
 #include <QSaveFile>
 
@@ -131,10 +130,10 @@ bool writeMovieFile(const MovieFileJob& job, QString* reason)
         *reason = QStringLiteral("not enough space on the volume");
         return false;
     }
-    const ReadDescriptor source(job.sourcePath);
+    const Descriptor source = openFile(nativePath(job.sourcePath), O_RDONLY);
     struct stat status {
     };
-    if (source.number() < 0 || ::fstat(source.number(), &status) != 0) {
+    if (!source.isOpen() || ::fstat(source.get(), &status) != 0) {
         *reason = QStringLiteral("the source cannot be opened");
         return false;
     }
@@ -143,7 +142,7 @@ bool writeMovieFile(const MovieFileJob& job, QString* reason)
         *reason = file.errorString();
         return false;
     }
-    if (!writeAll(job, readAtOf(source.number()), static_cast<std::uint64_t>(status.st_size), file, reason)) {
+    if (!writeAll(job, readAtOf(source.get()), static_cast<std::uint64_t>(status.st_size), file, reason)) {
         file.cancelWriting();
         return false;
     }

@@ -2,7 +2,7 @@
 
 #include "base/log.h"
 #include "base/paths.h"
-#include "quicktime/readdescriptor.h"
+#include "sys/descriptor.h"
 
 #include <algorithm>
 
@@ -62,17 +62,8 @@ SampleTable tableOf(std::vector<std::int64_t> times)
 
 std::optional<FileIdentity> fileIdentity(const QString& path)
 {
-    struct stat status {
-    };
-    if (::stat(nativePath(path).constData(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return std::nullopt;
-    }
-    FileIdentity identity;
-    identity.device = status.st_dev;
-    identity.inode = status.st_ino;
-    identity.size = static_cast<std::uint64_t>(status.st_size);
-    identity.changed = status.st_mtim.tv_sec * 1000000000LL + status.st_mtim.tv_nsec;
-    return identity;
+    const std::optional<struct stat> status = followedStatus(nativePath(path));
+    return status && S_ISREG(status->st_mode) ? std::optional(identityOf(*status)) : std::nullopt;
 }
 
 std::shared_ptr<MovieSource> MovieSource::open(const QString& path)
@@ -98,11 +89,11 @@ void MovieSource::takeMovieAtoms()
     if (!facts.isMov) {
         return;
     }
-    const ReadDescriptor file(path);
-    if (file.number() < 0) {
+    const Descriptor file = openFile(nativePath(path), O_RDONLY);
+    if (!file.isOpen()) {
         return;
     }
-    atoms = readMovieAtoms(readAtOf(file.number()), identity.size);
+    atoms = readMovieAtoms(readAtOf(file.get()), identity.size);
     if (!atoms.found || atoms.timeScale == 0 || atoms.timeScale > std::uint32_t(INT32_MAX)) {
         return;
     }

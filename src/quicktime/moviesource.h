@@ -3,21 +3,13 @@
 #include "media/edittimeline.h"
 #include "quicktime/avinput.h"
 #include "quicktime/medialibrary.h"
+#include "sys/fileidentity.h"
 
 #include <map>
 
 // An opened file as the movie adapter sees it: the facts of the FFmpeg libraries and, for QuickTime files, its atoms.
 namespace tavrix
 {
-
-// Device, inode, size and time of change: tells whether the file is still the one that was opened.
-struct FileIdentity {
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
-    std::uint64_t size = 0;
-    std::int64_t changed = 0; // nanoseconds
-    [[nodiscard]] bool operator==(const FileIdentity&) const = default;
-};
 
 // No value when there is no such regular file.
 [[nodiscard]] std::optional<FileIdentity> fileIdentity(const QString& path);

@@ -63,7 +63,7 @@ TEST_F(Listing, NamesThatAreNoTextAreListedApart)
 {
     for (const char* name : {"/caf\xE9.mov", "/a\xFF", "/caf\xC3\xA9.mov"}) {
         const QByteArray path = folder.path().toUtf8() + name;
-        const FileDescriptor made(::open(path.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
+        const Descriptor made(::open(path.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
         ASSERT_TRUE(made.isOpen());
     }
     EXPECT_TEXTS(unspeakableEntries(folder.path()), paths({"a\uFFFD", "caf\uFFFD.mov"}));

@@ -20,7 +20,7 @@ namespace
 
 QVariant afterReload(const QVariant& value)
 {
-    const std::optional<QByteArray> xml = propertyListToXml(value);
+    const Result<QByteArray, QString> xml = propertyListToXml(value);
     return xml ? propertyListFromBytes(*xml).value_or(QVariant()) : QVariant();
 }
 
@@ -101,10 +101,9 @@ TEST(PropertyList, WhatHasNoFormIsRefusedWithAReason)
                              QVariant(QVariantMap{{QStringLiteral("k"), QVariantList{QVariant(std::nan(""))}}}),
                              QVariant::fromValue(static_cast<QObject*>(nullptr))};
     for (const QVariant& value : rows) {
-        QString reason;
-        EXPECT_FALSE(propertyListToXml(value, &reason).has_value());
-        EXPECT_FALSE(reason.isEmpty());
-        EXPECT_FALSE(propertyListToXml(value).has_value());
+        const Result<QByteArray, QString> xml = propertyListToXml(value);
+        EXPECT_FALSE(xml);
+        EXPECT_TRUE(xml.reason().endsWith(QStringLiteral(" without a property-list form")));
         EXPECT_FALSE(hasPropertyListForm(value));
     }
     EXPECT_TRUE(hasPropertyListForm(QStringLiteral("")));

@@ -70,8 +70,8 @@ TEST_P(ExitDescriptor, BecomesReadableAtTheEnd)
             pause();
         }
     }
-    const UniqueFd fd = openExitDescriptor(pid, GetParam());
-    ASSERT_TRUE(fd.isValid());
+    const Descriptor fd = openExitDescriptor(pid, GetParam());
+    ASSERT_TRUE(fd.isOpen());
     pollfd watched = {fd.get(), POLLIN, 0};
     EXPECT_EQ(poll(&watched, 1, 0), 0);
     kill(pid, SIGKILL);

@@ -1,5 +1,6 @@
 // What is left when the tool or the encoder is stopped from outside.
-#include "tools/common/descriptors.h"
+#include "sys/descriptor.h"
+#include "sys/transfer.h"
 #include "tools/toolrun.h"
 
 #include <QElapsedTimer>

@@ -1,5 +1,6 @@
 // The tool in odd surroundings: streams that are closed or nobody's, names that are no files of their own.
-#include "tools/common/descriptors.h"
+#include "sys/descriptor.h"
+#include "sys/transfer.h"
 #include "tools/toolrun.h"
 
 #include <array>

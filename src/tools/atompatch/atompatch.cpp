@@ -1,10 +1,11 @@
 #include "tools/atompatch/atompatch.h"
 
 #include "media/movieatoms.h"
+#include "sys/descriptor.h"
+#include "sys/errortext.h"
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <ostream>
 
 #include <fcntl.h>
@@ -65,27 +66,6 @@ Options optionsFrom(const std::vector<std::string>& arguments)
     return options;
 }
 
-class OpenFile
-{
-public:
-    explicit OpenFile(const std::string& path)
-        : descriptor_(::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY))
-    {
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile()
-    {
-        if (descriptor_ >= 0) {
-            ::close(descriptor_);
-        }
-    }
-    [[nodiscard]] int descriptor() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
-
 // "" when the movie may be patched, else why not.
 std::string reasonToRefuse(const MovieAtoms& movie)
 {
@@ -119,16 +99,16 @@ AtomPatchResult refused(std::ostream& errors, const std::string& path, const std
 
 AtomPatchResult patchFile(const std::string& path, std::ostream& out, std::ostream& errors)
 {
-    const OpenFile file(path);
+    const Descriptor file = openFile(path.c_str(), O_RDWR);
     struct stat status {
     };
-    if (file.descriptor() < 0 || ::fstat(file.descriptor(), &status) != 0) {
-        return refused(errors, path, std::strerror(errno));
+    if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
+        return refused(errors, path, errorText(errno));
     }
     if (!S_ISREG(status.st_mode)) {
         return refused(errors, path, "not a regular file");
     }
-    const MovieAtoms movie = readMovieAtoms(readAtOf(file.descriptor()), static_cast<std::uint64_t>(status.st_size));
+    const MovieAtoms movie = readMovieAtoms(readAtOf(file.get()), static_cast<std::uint64_t>(status.st_size));
     const std::string reason = reasonToRefuse(movie);
     if (!reason.empty()) {
         return refused(errors, path, reason);
@@ -138,12 +118,12 @@ AtomPatchResult patchFile(const std::string& path, std::ostream& out, std::ostre
         return AtomPatchResult::Done;
     }
     for (const std::uint64_t offset : movie.nsavValueOffsets) {
-        if (!writeZeros(file.descriptor(), offset)) {
-            return refused(errors, path, std::string("cannot be written: ") + std::strerror(errno));
+        if (!writeZeros(file.get(), offset)) {
+            return refused(errors, path, "cannot be written: " + errorText(errno));
         }
     }
-    if (::fsync(file.descriptor()) != 0) {
-        return refused(errors, path, std::string("cannot be written: ") + std::strerror(errno));
+    if (::fsync(file.get()) != 0) {
+        return refused(errors, path, "cannot be written: " + errorText(errno));
     }
     out << "nsav cleared\n";
     return AtomPatchResult::Done;

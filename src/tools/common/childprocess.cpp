@@ -1,6 +1,7 @@
 #include "tools/common/childprocess.h"
 
-#include "tools/common/descriptors.h"
+#include "sys/descriptor.h"
+#include "sys/errortext.h"
 
 #include <array>
 #include <cerrno>
@@ -50,17 +51,6 @@ public:
 private:
     sigset_t before_ = {};
 };
-
-bool openPipe(Descriptor& reading, Descriptor& writing)
-{
-    std::array<int, 2> ends = {-1, -1};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        return false;
-    }
-    reading.reset(aboveStandardStreams(ends[0]));
-    writing.reset(aboveStandardStreams(ends[1]));
-    return reading.get() >= 0 && writing.get() >= 0;
-}
 
 struct ChildImage {
     std::vector<char*> arguments;
@@ -160,15 +150,15 @@ bool readPiece(int fd, const std::function<void(std::string_view)>& receiver)
     return count > 0 || (count < 0 && errno == EINTR);
 }
 
-int openProcess(pid_t child)
+Descriptor openProcess(pid_t child)
 {
-    return aboveStandardStreams(static_cast<int>(syscall(SYS_pidfd_open, child, 0U)));
+    return aboveStandardStreams(Descriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0U))));
 }
 
 // The stream ends with the child; another process that has inherited it does not hold up the end.
 void drain(int stream, pid_t child, const std::function<void(std::string_view)>& receiver)
 {
-    const Descriptor process(openProcess(child));
+    const Descriptor process = openProcess(child);
     std::array<pollfd, 2> watched = {pollfd{stream, POLLIN, 0}, pollfd{process.get(), POLLIN, 0}};
     while (true) {
         if (poll(watched.data(), process.get() >= 0 ? 2 : 1, -1) < 0) {
@@ -217,11 +207,9 @@ ChildEnd reap(pid_t child)
 std::optional<ChildEnd> runChild(const ChildRequest& request, const std::function<void(std::string_view)>& receiver,
                                  std::string& error)
 {
-    Descriptor streamReading;
-    Descriptor streamWriting;
-    Descriptor reportReading;
-    Descriptor reportWriting;
-    if (!openPipe(streamReading, streamWriting) || !openPipe(reportReading, reportWriting)) {
+    Pipe stream = makePipe(PipeReader::Child);
+    Pipe report = makePipe(PipeReader::Child);
+    if (!stream.isOpen() || !report.isOpen()) {
         error = errorText(errno);
         return std::nullopt;
     }
@@ -234,7 +222,7 @@ std::optional<ChildEnd> runChild(const ChildRequest& request, const std::functio
         const SignalBlock block;
         child = caughtSignal == 0 ? fork() : -1;
         if (child == 0) {
-            becomeChild(request, image, parent, streamWriting.get(), reportWriting.get());
+            becomeChild(request, image, parent, stream.writeEnd.get(), report.writeEnd.get());
         }
         if (child < 0) {
             error = errorText(caughtSignal == 0 ? errno : EINTR);
@@ -242,13 +230,13 @@ std::optional<ChildEnd> runChild(const ChildRequest& request, const std::functio
         }
         runningChild = child;
     }
-    streamWriting.reset();
-    reportWriting.reset();
+    stream.writeEnd.reset();
+    report.writeEnd.reset();
     int reason = 0;
     ssize_t told = -1;
-    while ((told = read(reportReading.get(), &reason, sizeof reason)) < 0 && errno == EINTR) {
+    while ((told = read(report.readEnd.get(), &reason, sizeof reason)) < 0 && errno == EINTR) {
     }
-    drain(streamReading.get(), child, receiver);
+    drain(stream.readEnd.get(), child, receiver);
     const ChildEnd end = reap(child);
     if (told == static_cast<ssize_t>(sizeof reason)) {
         error = errorText(reason);

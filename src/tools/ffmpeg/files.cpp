@@ -1,6 +1,7 @@
 #include "tools/ffmpeg/files.h"
 
-#include "tools/common/descriptors.h"
+#include "sys/errortext.h"
+#include "sys/fileidentity.h"
 #include "tools/ffmpeg/errorlines.h"
 #include "tools/ffmpeg/muxers.h"
 #include "tools/ffmpeg/optionrules.h"
@@ -78,14 +79,6 @@ bool hasControlCharacter(const std::string& name)
     return std::ranges::any_of(name, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; });
 }
 
-bool isSameFile(const std::string& a, const std::string& b)
-{
-    struct stat first = {};
-    struct stat second = {};
-    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-           first.st_ino == second.st_ino;
-}
-
 // The folder of a file and its name in there.
 std::pair<std::string, std::string> splitName(const std::string& name)
 {
@@ -101,7 +94,7 @@ bool wouldTouchPicture(const std::string& output, const std::string& input)
 {
     const auto [pictures, pattern] = splitName(output);
     const auto [folder, name] = splitName(input);
-    return (pattern == name || isPictureOf(pattern, name)) && isSameFile(pictures, folder);
+    return (pattern == name || isPictureOf(pattern, name)) && sameFile(pictures.c_str(), folder.c_str());
 }
 
 std::string descriptorUrl(int fd)
@@ -127,13 +120,6 @@ std::vector<std::string> muxerFor(const FileEntry& output, bool& guessed)
 }
 
 } // namespace
-
-RunFiles::~RunFiles()
-{
-    for (const int fd : openDescriptors_) {
-        close(fd);
-    }
-}
 
 bool RunFiles::open(const CommandLine& line, std::string& error)
 {
@@ -165,7 +151,7 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
         url = input.name;
     } else if (hasControlCharacter(input.name)) {
         // Such a name would break the lines of the transcript.
-        const int fd = keep(::open(input.name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+        const int fd = keep(::tavrix::openFile(input.name.c_str(), O_RDONLY));
         if (fd < 0) {
             const std::string reason = errorText(errno);
             error = shown + ": " + classicOpenFailure(reason).value_or("Error while opening file (" + reason + ')');
@@ -174,7 +160,7 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
         url = descriptorUrl(fd);
     } else if (input.name.size() > longestPrintedName) {
         const auto [folder, name] = splitName(input.name);
-        const int fd = keep(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        const int fd = keep(::tavrix::openFile(folder.c_str(), O_PATH | O_DIRECTORY));
         if (fd >= 0) {
             url = descriptorUrl(fd) + '/' + name;
         }
@@ -184,14 +170,15 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
     return true;
 }
 
-// Holds a descriptor open until the end; a negative one stays as it is, with errno.
-int RunFiles::keep(int descriptor)
+// Holds a descriptor open until the end and gives its number; -1, with errno, for one that is not open.
+int RunFiles::keep(Descriptor descriptor)
 {
-    const int fd = aboveStandardStreams(descriptor);
-    if (fd >= 0) {
-        openDescriptors_.push_back(fd);
+    Descriptor kept = aboveStandardStreams(std::move(descriptor));
+    if (!kept.isOpen()) {
+        return -1;
     }
-    return fd;
+    openDescriptors_.push_back(std::move(kept));
+    return openDescriptors_.back().get();
 }
 
 bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std::string& error)
@@ -212,7 +199,8 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
     }
     const bool sequence = isPictureSequence(output.name) && !wantsOneFrame(output);
     const auto touches = [&](const FileEntry& input) {
-        return sequence ? wouldTouchPicture(output.name, input.name) : isSameFile(output.name, input.name);
+        return sequence ? wouldTouchPicture(output.name, input.name)
+                        : sameFile(output.name.c_str(), input.name.c_str());
     };
     if (std::ranges::any_of(line.inputs, touches)) {
         error = "Output file '" + shown + "' is also an input - exiting";
@@ -238,16 +226,15 @@ bool RunFiles::openFile(const std::string& name, std::vector<std::string> muxer,
 {
     // A name that says nothing to this tool may say something to ffmpeg, if it can see the extension.
     const auto style = muxer.empty() ? SafeOutput::Style::Hidden : SafeOutput::Style::Anonymous;
-    std::string reason;
-    auto file = SafeOutput::open(name, reason, style);
+    auto file = SafeOutput::open(name, style);
     if (!file) {
-        error = outputNames_.back().shown + ": " + reason;
+        error = outputNames_.back().shown + ": " + file.reason();
         return false;
     }
     const std::string url = "file:" + file->path();
     outputNames_.back().url = url;
     Output made;
-    made.file = std::move(file);
+    made.file = std::move(*file);
     if (isScratchFormat(muxer)) {
         made.durability = SafeOutput::Durability::Unsynced;
     }
@@ -274,7 +261,10 @@ TranscriptNames RunFiles::names() const
 
 std::vector<int> RunFiles::inheritedDescriptors() const
 {
-    std::vector<int> descriptors = openDescriptors_;
+    std::vector<int> descriptors;
+    for (const Descriptor& kept : openDescriptors_) {
+        descriptors.push_back(kept.get());
+    }
     for (const Output& output : outputs_) {
         if (output.file) {
             descriptors.push_back(output.file->fd());
@@ -310,9 +300,9 @@ bool RunFiles::publish(std::string& error)
         if (!outputs_[i].file) {
             continue;
         }
-        std::string reason;
-        if (!outputs_[i].file->commit(reason, outputs_[i].durability, outputs_[i].existing)) {
-            error = outputNames_[i].shown + ": " + reason;
+        const auto published = outputs_[i].file->commit(outputs_[i].durability, outputs_[i].existing);
+        if (!published) {
+            error = outputNames_[i].shown + ": " + published.reason();
             return false;
         }
     }

@@ -1,7 +1,8 @@
 // The files of a run: how the installed ffmpeg reaches them, and what becomes of the outputs.
 #pragma once
 
-#include "tools/common/safeoutput.h"
+#include "sys/descriptor.h"
+#include "sys/safeoutput.h"
 #include "tools/ffmpeg/arguments.h"
 #include "tools/ffmpeg/commandline.h"
 #include "tools/ffmpeg/transcript.h"
@@ -21,7 +22,6 @@ public:
     RunFiles() = default;
     RunFiles(const RunFiles&) = delete;
     RunFiles& operator=(const RunFiles&) = delete;
-    ~RunFiles();
 
     // False, with the line to print in `error`, when a file cannot be used; nothing has been touched then.
     [[nodiscard]] bool open(const CommandLine& line, std::string& error);
@@ -48,7 +48,7 @@ private:
     };
 
     [[nodiscard]] bool openInput(const FileEntry& input, std::string& error);
-    [[nodiscard]] int keep(int descriptor);
+    [[nodiscard]] int keep(Descriptor descriptor);
     [[nodiscard]] bool openOutput(const FileEntry& output, const CommandLine& line, std::string& error);
     [[nodiscard]] bool openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites,
                                 std::string& error);
@@ -63,7 +63,7 @@ private:
     std::vector<InputSize> inputSizes_; // of the regular files
     std::vector<FileName> inputNames_;
     std::vector<FileName> outputNames_;
-    std::vector<int> openDescriptors_;
+    std::vector<Descriptor> openDescriptors_;
     std::vector<Output> outputs_;
     bool readsStandardInput_ = false;
     bool canBeReadAgain_ = true;

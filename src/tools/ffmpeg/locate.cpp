@@ -1,8 +1,9 @@
 #include "tools/ffmpeg/locate.h"
 
+#include "sys/fileidentity.h"
+
 #include <array>
 #include <climits>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -14,8 +15,8 @@ namespace
 
 bool isUsable(const std::string& candidate, std::string_view skipped)
 {
-    struct stat info = {};
-    if (stat(candidate.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || access(candidate.c_str(), X_OK) != 0) {
+    const auto status = followedStatus(candidate.c_str());
+    if (!status || !S_ISREG(status->st_mode) || access(candidate.c_str(), X_OK) != 0) {
         return false;
     }
     const std::string surrounded = ' ' + std::string(skipped) + ' ';
@@ -44,11 +45,8 @@ std::optional<std::string> installedFfmpeg(std::string_view pathVariable, std::s
 
 std::string fileIdentity(const std::string& path)
 {
-    struct stat info = {};
-    if (stat(path.c_str(), &info) != 0) {
-        return {};
-    }
-    return std::to_string(info.st_dev) + ':' + std::to_string(info.st_ino);
+    const auto status = followedStatus(path.c_str());
+    return status ? std::to_string(status->st_dev) + ':' + std::to_string(status->st_ino) : std::string();
 }
 
 std::string ownPath(const std::string& startedAs)

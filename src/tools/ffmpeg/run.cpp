@@ -1,7 +1,8 @@
 #include "tools/ffmpeg/run.h"
 
+#include "sys/errortext.h"
+#include "sys/transfer.h"
 #include "tools/common/childprocess.h"
-#include "tools/common/descriptors.h"
 #include "tools/ffmpeg/arguments.h"
 #include "tools/ffmpeg/banner.h"
 #include "tools/ffmpeg/files.h"

@@ -1,7 +1,8 @@
 #include "tools/movencoder/movencoder.h"
 
-#include "tools/common/descriptors.h"
-#include "tools/common/safeoutput.h"
+#include "sys/fileidentity.h"
+#include "sys/safeoutput.h"
+#include "sys/transfer.h"
 #include "tools/movencoder/conversion.h"
 #include "tools/movencoder/formatchoice.h"
 #include "tools/movencoder/options.h"
@@ -9,7 +10,6 @@
 
 #include <csignal>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 extern "C" {
@@ -31,9 +31,8 @@ void complain(const std::string& message)
 // Opening a pipe would wait for a writer, and a movie is read back and forth. A missing file is told by the reader.
 bool inputAllowed(const std::string& path, std::string& error)
 {
-    struct stat facts {
-    };
-    if (stat(path.c_str(), &facts) != 0 || S_ISREG(facts.st_mode)) {
+    const auto status = followedStatus(path.c_str());
+    if (!status || S_ISREG(status->st_mode)) {
         return true;
     }
     error = path + ": not a regular file";
@@ -43,19 +42,17 @@ bool inputAllowed(const std::string& path, std::string& error)
 // Whether `output` may be written: it must not be one of the files that are read, nor anything but a file.
 bool outputAllowed(const Options& options, std::string& error)
 {
-    struct stat target {
-    };
-    if (stat(options.output.c_str(), &target) != 0) {
+    const auto target = followedStatus(options.output.c_str());
+    if (!target) {
         return true;
     }
-    if (!S_ISREG(target.st_mode)) {
+    if (!S_ISREG(target->st_mode)) {
         error = options.output + ": not a regular file";
         return false;
     }
     for (const std::string* path : {&options.input, &options.settings}) {
-        struct stat source {
-        };
-        if (stat(path->c_str(), &source) == 0 && source.st_dev == target.st_dev && source.st_ino == target.st_ino) {
+        const auto source = followedStatus(path->c_str());
+        if (source && sameFile(*source, *target)) {
             error = options.output + ": output and " + (path == &options.input ? "input" : "settings") +
                     " are the same file";
             return false;
@@ -68,8 +65,8 @@ bool outputAllowed(const Options& options, std::string& error)
 // Where that fails the file is read and, at the end of the row, removed by its name.
 void openNameless(InputMovie& input, Descriptor& file)
 {
-    file.reset(open(input.name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file.get() >= 0 && unlink(input.name.c_str()) == 0) {
+    file = openFile(input.name.c_str(), O_RDONLY);
+    if (file.isOpen() && unlink(input.name.c_str()) == 0) {
         input.path = "/proc/self/fd/" + std::to_string(file.get());
     }
 }
@@ -99,16 +96,16 @@ bool work(const Options& options, std::string& error)
         error = options.settings + ": there is no section for " + formatName(*format);
         return false;
     }
-    auto output = SafeOutput::open(options.output, reason);
+    auto output = SafeOutput::open(options.output);
     if (!output) {
-        error = options.output + ": " + reason;
+        error = options.output + ": " + output.reason();
         return false;
     }
     if (!convertMovie(input, options.output, output->fd(), format.value_or(settings->defaultFormat), *section, error)) {
         return false;
     }
-    if (!output->commit(reason)) {
-        error = options.output + ": " + reason;
+    if (const auto published = output->commit(); !published) {
+        error = options.output + ": " + published.reason();
         return false;
     }
     return true;

@@ -1,6 +1,7 @@
 #include "tools/movencoder/moviewriter.h"
 
-#include "tools/common/descriptors.h"
+#include "sys/errortext.h"
+#include "sys/transfer.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "tools/movencoder/plistreader.h"
 
-#include "tools/common/descriptors.h"
+#include "sys/errortext.h"
 
 #include <array>
 #include <cerrno>

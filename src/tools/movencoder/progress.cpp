@@ -1,6 +1,6 @@
 #include "tools/movencoder/progress.h"
 
-#include "tools/common/descriptors.h"
+#include "sys/transfer.h"
 
 #include <algorithm>
 #include <unistd.h>

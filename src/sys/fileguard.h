@@ -1,5 +1,8 @@
-// Removes an unfinished file even after a kill.
 #pragma once
+
+// Removes an unfinished file even after a kill.
+
+#include "sys/descriptor.h"
 
 #include <string>
 
@@ -8,7 +11,7 @@ namespace tavrix
 
 // Starts a small process that waits until the returned descriptor is closed, be it by the death of this process, and
 // then removes the file of that name from the folder, if it is still there. It is in a session of its own, so that a
-// kill of the process group does not reach it. -1 when it cannot be started; the descriptor is close-on-exec.
-[[nodiscard]] int guardFile(int folderFd, const std::string& name);
+// kill of the process group does not reach it. Nothing is open when it cannot be started.
+[[nodiscard]] Descriptor guardFile(int folderFd, const std::string& name);
 
 } // namespace tavrix

@@ -1,8 +1,11 @@
-// A file that appears under its final name only when it is complete.
 #pragma once
 
+// A file that appears under its final name only when it is complete.
+
+#include "sys/descriptor.h"
+#include "sys/result.h"
+
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +23,7 @@ public:
     enum class Style {
         Anonymous, // without a name where possible
         Hidden,    // always with a hidden name: for a writer that looks at the extension
+        Brief, // like Anonymous, for what is written at once: a guard over a hidden name would cost more than it saves
     };
     enum class Durability {
         Synced,   // on the disk before it is published
@@ -31,11 +35,11 @@ public:
         Kept,     // it stays, and publishing fails
     };
 
-    // Starts an output for `finalPath`, in its folder. Nothing, with the reason in `error`, when that is impossible.
-    [[nodiscard]] static std::optional<SafeOutput> open(const std::string& finalPath, std::string& error,
-                                                        Style style = Style::Anonymous);
+    // Starts an output for `finalPath`, in its folder; the mode is narrowed by the user's mask.
+    [[nodiscard]] static Result<SafeOutput> open(const std::string& finalPath, Style style = Style::Anonymous,
+                                                 mode_t mode = 0666);
 
-    SafeOutput(SafeOutput&& other) noexcept;
+    SafeOutput(SafeOutput&& other) noexcept = default;
     SafeOutput& operator=(SafeOutput&& other) noexcept;
     SafeOutput(const SafeOutput&) = delete;
     SafeOutput& operator=(const SafeOutput&) = delete;
@@ -46,34 +50,33 @@ public:
     // that inherits `fd` under the same number.
     [[nodiscard]] const std::string& path() const { return path_; }
     // Open for reading and writing, close-on-exec.
-    [[nodiscard]] int fd() const { return fd_; }
+    [[nodiscard]] int fd() const { return file_.get(); }
     [[nodiscard]] const std::string& finalPath() const { return finalPath_; }
     // Bytes written so far; -1 when they cannot be asked.
     [[nodiscard]] std::int64_t size() const;
 
-    // Publishes the file under its final name. False, with the reason in `error` and the output discarded, when that
-    // fails.
-    [[nodiscard]] bool commit(std::string& error, Durability durability = Durability::Synced,
-                              Existing existing = Existing::Replaced);
+    // Publishes the file under its final name. The output is discarded when that fails.
+    [[nodiscard]] Result<void> commit(Durability durability = Durability::Synced,
+                                      Existing existing = Existing::Replaced);
     // Drops the output; harmless when it is already published or dropped.
     void discard();
 
 private:
     SafeOutput() = default;
-    [[nodiscard]] bool openAnonymous();
-    [[nodiscard]] bool openHidden();
+    [[nodiscard]] bool openAnonymous(mode_t mode);
+    [[nodiscard]] bool openHidden(Style style, mode_t mode);
     [[nodiscard]] bool publish(Existing existing);
     [[nodiscard]] bool giveHiddenName();
     [[nodiscard]] bool renameToFinal(Existing existing);
 
     std::string finalPath_;
-    std::string folder_;
+    std::string folderPath_;
     std::string name_;
     std::string hiddenName_; // empty while the file has no name
     std::string path_;
-    int folderFd_ = -1;
-    int fd_ = -1;
-    int guard_ = -1; // closed after the hidden name has gone
+    Descriptor folder_;
+    Descriptor file_;
+    Descriptor guard_; // closed after the hidden name has gone
 };
 
 } // namespace tavrix

@@ -1,4 +1,4 @@
-#include "tools/common/safeoutput.h"
+#include "sys/safeoutput.h"
 
 #include "support/temphome.h"
 #include "support/waituntil.h"
@@ -46,20 +46,19 @@ protected:
         }
         return entries;
     }
-    std::optional<SafeOutput> open(const std::string& file) { return SafeOutput::open(name(file), error_, GetParam()); }
+    Result<SafeOutput> open(const std::string& file) const { return SafeOutput::open(name(file), GetParam()); }
 
     test::TempFolder folder_;
-    std::string error_;
 };
 
 TEST_P(SafeOutputTest, AppearsOnlyWhenCommitted)
 {
     auto output = open("clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     write(output->path(), "picture");
     EXPECT_EQ(output->size(), 7);
     EXPECT_FALSE(fs::exists(name("clip.mp4")));
-    ASSERT_TRUE(output->commit(error_)) << error_;
+    ASSERT_TRUE(output->commit());
     EXPECT_EQ(read(name("clip.mp4")), "picture");
     EXPECT_EQ(count(), 1);
 }
@@ -68,10 +67,10 @@ TEST_P(SafeOutputTest, ReplacesAnExistingFileAtOnce)
 {
     write(name("clip.mp4"), "old");
     auto output = open("clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     write(output->path(), "new");
     EXPECT_EQ(read(name("clip.mp4")), "old");
-    ASSERT_TRUE(output->commit(error_, SafeOutput::Durability::Unsynced)) << error_;
+    ASSERT_TRUE(output->commit(SafeOutput::Durability::Unsynced));
     EXPECT_EQ(read(name("clip.mp4")), "new");
     EXPECT_EQ(count(), 1);
 }
@@ -79,15 +78,16 @@ TEST_P(SafeOutputTest, ReplacesAnExistingFileAtOnce)
 TEST_P(SafeOutputTest, KeepsWhatHasAppearedMeanwhileWhenToldTo)
 {
     auto output = open("clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     write(name("clip.mp4"), "another's");
-    EXPECT_FALSE(output->commit(error_, SafeOutput::Durability::Synced, SafeOutput::Existing::Kept));
-    EXPECT_EQ(error_, "File exists");
+    const auto published = output->commit(SafeOutput::Durability::Synced, SafeOutput::Existing::Kept);
+    EXPECT_FALSE(published);
+    EXPECT_EQ(published.reason(), "File exists");
     EXPECT_EQ(read(name("clip.mp4")), "another's");
     EXPECT_EQ(count(), 1);
     auto next = open("next.mp4");
-    ASSERT_TRUE(next.has_value()) << error_;
-    EXPECT_TRUE(next->commit(error_, SafeOutput::Durability::Synced, SafeOutput::Existing::Kept)) << error_;
+    ASSERT_TRUE(next) << next.reason();
+    EXPECT_TRUE(next->commit(SafeOutput::Durability::Synced, SafeOutput::Existing::Kept));
     EXPECT_EQ(count(), 2);
 }
 
@@ -96,7 +96,7 @@ TEST_P(SafeOutputTest, LeavesNothingWhenDropped)
     write(name("clip.mp4"), "old");
     {
         auto output = open("clip.mp4");
-        ASSERT_TRUE(output.has_value()) << error_;
+        ASSERT_TRUE(output) << output.reason();
         write(output->path(), "new");
     }
     EXPECT_EQ(read(name("clip.mp4")), "old");
@@ -108,9 +108,9 @@ TEST_P(SafeOutputTest, ReplacesALinkInsteadOfFollowingIt)
     write(name("target"), "kept");
     fs::create_symlink("target", name("clip.mp4"));
     auto output = open("clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     write(output->path(), "new");
-    ASSERT_TRUE(output->commit(error_)) << error_;
+    ASSERT_TRUE(output->commit());
     EXPECT_EQ(read(name("target")), "kept");
     EXPECT_FALSE(fs::is_symlink(name("clip.mp4")));
     EXPECT_EQ(read(name("clip.mp4")), "new");
@@ -120,8 +120,7 @@ TEST_P(SafeOutputTest, LeavesALinkToAFolderAlone)
 {
     fs::create_directory(name("folder"));
     fs::create_directory_symlink("folder", name("clip.mp4"));
-    EXPECT_FALSE(open("clip.mp4").has_value());
-    EXPECT_EQ(error_, "Is a directory");
+    EXPECT_EQ(open("clip.mp4").reason(), "Is a directory");
     EXPECT_TRUE(fs::is_symlink(name("clip.mp4")));
     EXPECT_EQ(count(), 2);
 }
@@ -135,9 +134,9 @@ TEST_P(SafeOutputTest, NeedsNotListItsFolder)
     fs::permissions(name("events"), fs::perms::owner_write | fs::perms::owner_exec);
     auto output = open("events/clip.mp4");
     fs::permissions(name("events"), fs::perms::owner_all);
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     ASSERT_EQ(::write(output->fd(), "x", 1), 1);
-    ASSERT_TRUE(output->commit(error_)) << error_;
+    ASSERT_TRUE(output->commit());
     EXPECT_EQ(read(name("events/clip.mp4")), "x");
 }
 
@@ -146,8 +145,8 @@ TEST_P(SafeOutputTest, FollowsTheUsersFileMask)
     const mode_t before = umask(027);
     auto output = open("clip.mp4");
     umask(before);
-    ASSERT_TRUE(output.has_value()) << error_;
-    ASSERT_TRUE(output->commit(error_)) << error_;
+    ASSERT_TRUE(output) << output.reason();
+    ASSERT_TRUE(output->commit());
     struct stat info = {};
     ASSERT_EQ(stat(name("clip.mp4").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, 0640U);
@@ -157,22 +156,19 @@ TEST_P(SafeOutputTest, SurvivesTheRenamingOfItsFolder)
 {
     fs::create_directory(name("events"));
     auto output = open("events/clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     ASSERT_EQ(::write(output->fd(), "x", 1), 1);
     fs::rename(name("events"), name("renamed"));
-    ASSERT_TRUE(output->commit(error_)) << error_;
+    ASSERT_TRUE(output->commit());
     EXPECT_EQ(read(name("renamed/clip.mp4")), "x");
 }
 
 TEST_P(SafeOutputTest, TellsWhyItCannotStart)
 {
-    EXPECT_FALSE(open("no/such/folder/clip.mp4").has_value());
-    EXPECT_EQ(error_, "No such file or directory");
+    EXPECT_EQ(open("no/such/folder/clip.mp4").reason(), "No such file or directory");
     fs::create_directory(name("folder.mp4"));
-    EXPECT_FALSE(open("folder.mp4").has_value());
-    EXPECT_EQ(error_, "Is a directory");
-    EXPECT_FALSE(open(std::string(256, 'x')).has_value());
-    EXPECT_EQ(error_, "File name too long");
+    EXPECT_EQ(open("folder.mp4").reason(), "Is a directory");
+    EXPECT_EQ(open(std::string(256, 'x')).reason(), "File name too long");
     EXPECT_EQ(count(), 1);
 }
 
@@ -181,9 +177,9 @@ TEST_P(SafeOutputTest, TakesTheLongestName)
     const std::string longest = std::string(251, 'x') + ".mp4";
     write(name(longest), "old");
     auto output = open(longest);
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     ASSERT_EQ(::write(output->fd(), "x", 1), 1);
-    ASSERT_TRUE(output->commit(error_)) << error_;
+    ASSERT_TRUE(output->commit());
     EXPECT_EQ(read(name(longest)), "x");
     EXPECT_EQ(count(), 1);
 }
@@ -191,7 +187,7 @@ TEST_P(SafeOutputTest, TakesTheLongestName)
 TEST_P(SafeOutputTest, IsInheritedByNobodyByChance)
 {
     auto output = open("clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     EXPECT_NE(fcntl(output->fd(), F_GETFD) & FD_CLOEXEC, 0);
     EXPECT_GT(output->fd(), STDERR_FILENO);
 }
@@ -199,16 +195,24 @@ TEST_P(SafeOutputTest, IsInheritedByNobodyByChance)
 TEST_P(SafeOutputTest, MovesWithItsOwner)
 {
     auto output = open("clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     SafeOutput moved = std::move(*output);
-    output.reset();
+    {
+        const SafeOutput gone = std::move(*output);
+    }
     ASSERT_EQ(::write(moved.fd(), "x", 1), 1);
-    ASSERT_TRUE(moved.commit(error_)) << error_;
+    ASSERT_TRUE(moved.commit());
     EXPECT_EQ(read(name("clip.mp4")), "x");
 }
 
-INSTANTIATE_TEST_SUITE_P(Styles, SafeOutputTest, testing::Values(Style::Anonymous, Style::Hidden),
-                         [](const auto& row) { return row.param == Style::Anonymous ? "Anonymous" : "Hidden"; });
+std::string styleName(const testing::TestParamInfo<Style>& row)
+{
+    constexpr std::array names = {"Anonymous", "Hidden", "Brief"};
+    return names.at(static_cast<std::size_t>(row.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(Styles, SafeOutputTest, testing::Values(Style::Anonymous, Style::Hidden, Style::Brief),
+                         styleName);
 
 class HiddenOutput : public SafeOutputTest
 {
@@ -217,7 +221,7 @@ class HiddenOutput : public SafeOutputTest
 TEST_P(HiddenOutput, KeepsTheExtensionForItsWriter)
 {
     auto output = open("clip.mp4");
-    ASSERT_TRUE(output.has_value()) << error_;
+    ASSERT_TRUE(output) << output.reason();
     const fs::path path(output->path());
     EXPECT_EQ(path.extension(), ".mp4");
     EXPECT_EQ(path.filename().string().front(), '.');
@@ -226,11 +230,11 @@ TEST_P(HiddenOutput, KeepsTheExtensionForItsWriter)
 TEST_P(HiddenOutput, RemovesThoseOfKilledWritersOnly)
 {
     auto running = open("first.mp4");
-    ASSERT_TRUE(running.has_value()) << error_;
+    ASSERT_TRUE(running) << running.reason();
     write(name(".tavrix-part-0123456789abcdef.mp4"), "left by a kill");
     write(name(".tavrix-other"), "not one of them");
     auto next = open("second.mp4");
-    ASSERT_TRUE(next.has_value()) << error_;
+    ASSERT_TRUE(next) << next.reason();
     EXPECT_FALSE(fs::exists(name(".tavrix-part-0123456789abcdef.mp4")));
     EXPECT_TRUE(fs::exists(name(".tavrix-other")));
     EXPECT_TRUE(fs::exists(running->path()));
@@ -245,8 +249,7 @@ template <class Act> void runAndKill(const std::string& path, Act act)
     ASSERT_GE(writer, 0);
     if (writer == 0) {
         close(ends[0]);
-        std::string error;
-        auto output = SafeOutput::open(path, error, Style::Hidden);
+        auto output = SafeOutput::open(path, Style::Hidden);
         const bool done = output && ::write(output->fd(), "x", 1) == 1 && act(*output);
         [[maybe_unused]] const ssize_t told = ::write(ends[1], done ? "y" : "n", 1);
         while (true) {
@@ -272,10 +275,7 @@ TEST_P(HiddenOutput, GoesWithItsWriterEvenWhenThatIsKilled)
 
 TEST_P(HiddenOutput, StaysWhenItsWriterIsKilledAfterTheCommit)
 {
-    runAndKill(name("clip.mp4"), [](SafeOutput& output) {
-        std::string error;
-        return output.commit(error);
-    });
+    runAndKill(name("clip.mp4"), [](SafeOutput& output) { return output.commit().hasValue(); });
     EXPECT_EQ(read(name("clip.mp4")), "x");
     EXPECT_EQ(count(), 1);
 }

@@ -1,13 +1,10 @@
-#include "tools/common/fileguard.h"
-
-#include "tools/common/descriptors.h"
+#include "sys/fileguard.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
 #include <csignal>
-#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,30 +41,25 @@ bool closeAllBut(int one, int other)
 
 } // namespace
 
-int guardFile(int folderFd, const std::string& name)
+Descriptor guardFile(int folderFd, const std::string& name)
 {
-    std::array<int, 2> ends = {-1, -1};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        return -1;
-    }
-    const Descriptor reading(aboveStandardStreams(ends[0]));
-    Descriptor writing(aboveStandardStreams(ends[1]));
-    if (reading.get() < 0 || writing.get() < 0) {
-        return -1;
+    Pipe pipe = makePipe(PipeReader::Child);
+    if (!pipe.isOpen()) {
+        return {};
     }
     const pid_t starter = fork();
     if (starter == 0) {
         // The guard is nobody's child, so that nobody has to reap it.
         const pid_t guard = setsid() < 0 ? -1 : fork();
         if (guard == 0) {
-            standGuard(reading.get(), folderFd, name.c_str());
+            standGuard(pipe.readEnd.get(), folderFd, name.c_str());
         }
         _exit(guard < 0 ? 1 : 0);
     }
     int status = 0;
     while (starter > 0 && waitpid(starter, &status, 0) < 0 && errno == EINTR) {
     }
-    return starter > 0 && status == 0 ? writing.release() : -1;
+    return starter > 0 && status == 0 ? std::move(pipe.writeEnd) : Descriptor();
 }
 
 } // namespace tavrix
