@@ -227,6 +227,17 @@ TEST(TransferLog, TellsWhatHappens)
                      QStringLiteral("New already exists   :-( ") + c}));
 }
 
+TEST(TransferLog, AFailedCopyBlamedItsSourceForWhatTheDestinationRefused)
+{
+    const TempFolder folder;
+    const QString source = folder.makeFile(QStringLiteral("a"), "a");
+    const QString destination = folder.path(QStringLiteral("no such folder/b"));
+    const LogCapture log;
+    EXPECT_TRUE(cpCocoa(source, destination, QString()));
+    EXPECT_TRUE(
+        log.contains(QStringLiteral("File not copied      :-( %1 : %1: %2").arg(destination, missingFileText())));
+}
+
 TEST(Move, AcrossVolumesKeepsEverything)
 {
     QByteArray pattern("/dev/shm/tavrix-XXXXXX");
