@@ -6,6 +6,7 @@
 #include "quicktime/componentregistry.h"
 #include "quicktime/moviefilewriter.h"
 #include "quicktime/waveexport.h"
+#include "sys/descriptor.h"
 
 #include <QTemporaryFile>
 

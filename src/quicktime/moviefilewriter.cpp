@@ -3,6 +3,7 @@
 #include "base/filesizes.h"
 #include "base/paths.h"
 #include "media/atomwriter.h"
+#include "sys/descriptor.h"
 
 #include <QSaveFile>
 
@@ -98,7 +99,7 @@ bool copyMedia(const ReadAt& readAt, const RewritePlan& plan, QSaveFile& file, Q
     return copyStretch(readAt, offset, size, file, reason);
 }
 
-bool writeAll(const MovieFileJob& job, const ReadAt& readAt, std::uint64_t sourceSize, QSaveFile& file, QString* reason)
+bool writeMovie(const MovieFileJob& job, const ReadAt& readAt, std::uint64_t sourceSize, QSaveFile& file, QString* reason)
 {
     const std::vector<std::uint8_t> fileType = fileTypeAtom(readAt, sourceSize);
     const std::vector<std::uint8_t> dataHeader = mediaDataHeader(job.plan->dataSize());
@@ -142,7 +143,7 @@ bool writeMovieFile(const MovieFileJob& job, QString* reason)
         *reason = file.errorString();
         return false;
     }
-    if (!writeAll(job, readAtOf(source.get()), static_cast<std::uint64_t>(status.st_size), file, reason)) {
+    if (!writeMovie(job, readAtOf(source.get()), static_cast<std::uint64_t>(status.st_size), file, reason)) {
         file.cancelWriting();
         return false;
     }

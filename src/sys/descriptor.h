@@ -2,6 +2,7 @@
 
 // Owned file descriptors. All that this program opens are close-on-exec.
 
+#include <fcntl.h> // the flags of openFile
 #include <sys/types.h>
 #include <utility>
 
