@@ -12,12 +12,11 @@
 #include "base/settings.h"
 #include "base/shellquoting.h"
 #include "base/text.h"
-
-#include <QProcess>
-#include <QProcessEnvironment>
+#include "sys/childend.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <limits>
@@ -29,6 +28,8 @@ namespace
 {
 
 constexpr std::uint64_t largestText = std::uint64_t{512} << 20; // bytes
+// A volume that does not answer any more must not hold the program up for ever.
+constexpr std::chrono::seconds longestCopy(120);
 
 const QByteArray& utf8Mark()
 {
@@ -66,20 +67,20 @@ bool canBeCopiedByShell(const QString& path, const QString& copy)
            (!target || S_ISREG(target->st_mode));
 }
 
-void copyByShell(const QString& path, const QString& copy)
+// False when it could not be run to its end; the copy may hold a part then.
+bool copyByShell(const QString& path, const QString& copy)
 {
     const QString command =
         formatText(QStringLiteral("/bin/cat \"%@\" > \"%@\""), {shellDoubleQuoted(path), shellDoubleQuoted(copy)});
-    QProcess shell;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_CTYPE"), QStringLiteral("en_US.UTF-8"));
-    shell.setProcessEnvironment(environment);
-    shell.setProcessChannelMode(QProcess::ForwardedChannels);
-    shell.setStandardInputFile(QProcess::nullDevice());
-    shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command});
-    if (!shell.waitForFinished(-1)) {
-        logLine(QStringLiteral("/bin/sh             :-( %@"), {shell.errorString()});
+    SpawnRequest shell;
+    shell.program = "/bin/sh";
+    shell.arguments = {shell.program, "-c", command.toStdString()};
+    shell.environment = {{"LC_CTYPE", "en_US.UTF-8"}};
+    const Result<ChildEnd> end = runToEnd(shell, longestCopy);
+    if (!end) {
+        logLine(QStringLiteral("/bin/sh             :-( %@"), {QString::fromStdString(end.reason())});
     }
+    return end.hasValue();
 }
 
 void logWriteError(const QString& path, const QString& reason)
@@ -105,7 +106,9 @@ QString readContentsTxtUTF8(const QString& path)
     if (source.isEmpty() || source.contains(QChar(0)) || !canBeCopiedByShell(source, copy)) {
         return {};
     }
-    copyByShell(source, copy);
+    if (!copyByShell(source, copy)) {
+        return {};
+    }
     const Result<QByteArray> contents = readFile<QByteArray>(systemPath(copy), largestText, O_NOFOLLOW);
     QString text = contents ? decodedAscii(*contents) : QString();
     // The flag is not the one that allows replacing, so the copy stays beside the file.

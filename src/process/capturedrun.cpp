@@ -57,41 +57,42 @@ bool collect(ChildProcess& child, int fd, QByteArray& output)
     }
 }
 
+std::nullopt_t failed(const QString& program, const QString& reason)
+{
+    logLine(QStringLiteral("task failure        :-( %@ : %@"), {program, reason});
+    return std::nullopt;
+}
+
 } // namespace
 
 std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo, const std::function<void(int)>& started)
 {
     Pipe pipe = makePipe(PipeReader::Parent);
     if (!pipe.isOpen()) {
-        logLine(QStringLiteral("task failure        :-( no pipe for %@"), {setup.program});
-        return std::nullopt;
+        return failed(setup.program, systemErrorText());
     }
     setup.output = pipe.writeEnd.get();
     if (errorToo) {
         setup.error = pipe.writeEnd.get();
     }
-    QString failure;
-    ChildProcess child = ChildProcess::start(setup, &failure);
+    Result<ChildProcess, QString> child = ChildProcess::start(setup);
     pipe.writeEnd.reset();
+    if (!child) {
+        return failed(setup.program, child.reason());
+    }
     CapturedRun run;
-    if (child.exists()) {
-        run.pid = child.pid();
-        if (started && failure.isNull()) {
-            started(run.pid);
-        }
-        if (!collect(child, pipe.readEnd.get(), run.output)) {
-            failure = systemErrorText();
-            std::vector<ChildProcess> unwatched;
-            unwatched.push_back(std::move(child));
-            killAndReap(unwatched);
-        } else {
-            run.status = child.status();
-        }
+    run.pid = child->pid();
+    if (started) {
+        started(run.pid);
     }
-    if (!failure.isNull()) {
-        logLine(QStringLiteral("task failure        :-( %@ : %@"), {setup.program, failure});
-        return std::nullopt;
+    if (!collect(*child, pipe.readEnd.get(), run.output)) {
+        const QString reason = systemErrorText();
+        std::vector<ChildProcess> unwatched;
+        unwatched.push_back(std::move(*child));
+        killAndReap(unwatched);
+        return failed(setup.program, reason);
     }
+    run.status = child->status();
     run.rest = std::move(pipe.readEnd);
     return run;
 }

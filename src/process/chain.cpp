@@ -17,25 +17,24 @@ struct Links {
     Pipe error;
 };
 
-void startOne(const ChainCommand& command, const Links& links, int input, bool last, Chain& chain)
+void startOne(const ChainCommand& command, const Links& links, const Descriptor& input, bool last, Chain& chain)
 {
     ChildSetup setup;
     setup.program = command.program;
     setup.arguments = command.arguments;
-    setup.input = input;
+    if (input.isOpen()) {
+        setup.input = input.get();
+    }
     setup.output = links.toNext.writeEnd.get();
     if (last) {
         setup.error = links.error.writeEnd.get();
     }
-    QString failure;
-    ChildProcess child = ChildProcess::start(setup, &failure);
-    if (!failure.isNull()) {
-        logLine(QStringLiteral("task not started    :-( %@ : %@"), {command.program, failure});
-    }
-    if (!child.exists()) {
+    Result<ChildProcess, QString> child = ChildProcess::start(setup);
+    if (!child) {
+        logLine(QStringLiteral("task not started    :-( %@ : %@"), {command.program, child.reason()});
         return;
     }
-    chain.processes.push_back(std::move(child));
+    chain.processes.push_back(std::move(*child));
     chain.lastExists = last;
 }
 
@@ -80,7 +79,7 @@ Chain startChain(const QList<ChainCommand>& commands)
             logLine(QStringLiteral("task not started    :-( no pipe for %@"), {commands[index].program});
             return chain;
         }
-        startOne(commands[index], links, input.get(), last, chain);
+        startOne(commands[index], links, input, last, chain);
         Descriptor& reader = last ? chain.output : input;
         reader = std::move(links.toNext.readEnd);
         chain.error = std::move(links.error.readEnd);

@@ -21,7 +21,7 @@ struct Chain {
     std::vector<ChildProcess> processes;
     Descriptor output;
     Descriptor error;
-    bool lastExists = false; // false when the system could not even make the last process
+    bool lastExists = false; // false when the system could not start the last process
 };
 
 // Starts first to last. A process that cannot be started is logged; the others run.

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "sys/descriptor.h"
+#include "sys/result.h"
+#include "sys/spawn.h"
 
 #include <QString>
 #include <QStringList>
@@ -18,9 +20,9 @@ struct ChildSetup {
     QString name;            // what the program is told its name is; nothing: its path
     QString workingFolder;   // nothing or "": the parent's
     bool toolLocale = false; // LC_CTYPE=en_US.UTF-8, so that tools print file names in UTF-8
-    int input = -1;          // -1: the null device
-    int output = -1;         // -1: inherited
-    int error = -1;          // -1: inherited
+    int input = SpawnRequest::nullDevice;
+    int output = SpawnRequest::inherited;
+    int error = SpawnRequest::inherited;
 };
 
 // One child process: leader of a process group of its own, killed by the system when this program dies, started with
@@ -32,13 +34,9 @@ public:
     // Status of a process that the system could not start.
     static constexpr int statusNotStarted = 127;
 
-    ChildProcess() = default;
+    // Main thread only: the system kills a child together with the thread that has started it.
+    [[nodiscard]] static Result<ChildProcess, QString> start(const ChildSetup& setup);
 
-    // When the program cannot be executed, *failure gets the reason; the child then exists and ends with
-    // statusNotStarted like any other. exists() is false when not even a process could be made.
-    [[nodiscard]] static ChildProcess start(const ChildSetup& setup, QString* failure);
-
-    [[nodiscard]] bool exists() const { return pid_ > 0; }
     [[nodiscard]] pid_t pid() const { return pid_; }
     // Becomes readable when the process has ended.
     [[nodiscard]] int exitDescriptor() const { return exit_.get(); }
@@ -46,11 +44,12 @@ public:
     void signalGroup(int signal) const;
     // True once the process has ended and is reaped; never waits.
     bool reapIfEnded();
-    [[nodiscard]] bool isReaped() const { return reaped_; }
     // Exit status, or the number of the signal that ended it. Valid after reaping.
     [[nodiscard]] int status() const { return status_; }
 
 private:
+    ChildProcess() = default;
+
     pid_t pid_ = -1;
     Descriptor exit_;
     bool reaped_ = false;
@@ -60,11 +59,5 @@ private:
 // Kills the groups of all children that are not reaped, in order, waits a moment for their end, and leaves whatever
 // takes longer to the event loop. The list is empty afterwards.
 void killAndReap(std::vector<ChildProcess>& children);
-
-enum class ExitWatch { Kernel, Thread };
-
-// Descriptor that becomes readable when the child has ended. The thread stands in where the kernel offers no process
-// descriptors. Invalid when neither can be had.
-[[nodiscard]] Descriptor openExitDescriptor(pid_t pid, ExitWatch watch = ExitWatch::Kernel);
 
 } // namespace tavrix

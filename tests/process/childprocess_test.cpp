@@ -5,9 +5,6 @@
 #include "support/waituntil.h"
 
 #include <csignal>
-#include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace tavrix;
 using namespace tavrix::test;
@@ -52,35 +49,9 @@ TEST(ChildProcess, RefusesArgumentsThatTheSystemWouldCut)
     ChildSetup setup;
     setup.program = fakeChild();
     setup.arguments = {QStringLiteral("out"), QString(QStringLiteral("a")) + QChar(u'\0') + QStringLiteral("b")};
-    QString failure;
-    EXPECT_FALSE(ChildProcess::start(setup, &failure).exists());
-    EXPECT_FALSE(failure.isEmpty());
+    const auto child = ChildProcess::start(setup);
+    EXPECT_FALSE(child);
+    EXPECT_FALSE(child.reason().isEmpty());
 }
-
-class ExitDescriptor : public testing::TestWithParam<ExitWatch>
-{
-};
-
-TEST_P(ExitDescriptor, BecomesReadableAtTheEnd)
-{
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-        for (;;) {
-            pause();
-        }
-    }
-    const Descriptor fd = openExitDescriptor(pid, GetParam());
-    ASSERT_TRUE(fd.isOpen());
-    pollfd watched = {fd.get(), POLLIN, 0};
-    EXPECT_EQ(poll(&watched, 1, 0), 0);
-    kill(pid, SIGKILL);
-    EXPECT_EQ(poll(&watched, 1, 10000), 1);
-    int status = 0;
-    EXPECT_EQ(waitpid(pid, &status, WNOHANG), pid);
-}
-
-INSTANTIATE_TEST_SUITE_P(Ways, ExitDescriptor, testing::Values(ExitWatch::Kernel, ExitWatch::Thread),
-                         [](const auto& row) { return row.param == ExitWatch::Kernel ? "Kernel" : "Thread"; });
 
 } // namespace

@@ -2,15 +2,15 @@
 
 #include "sys/descriptor.h"
 #include "sys/errortext.h"
+#include "sys/signalblock.h"
+#include "sys/transfer.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,149 +34,24 @@ extern "C" void onEndingSignal(int signal)
     }
 }
 
-// Keeps signal handlers out while `runningChild` changes together with the child itself.
-class SignalBlock
-{
-public:
-    SignalBlock()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        sigprocmask(SIG_SETMASK, &all, &before_);
-    }
-    ~SignalBlock() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-    SignalBlock(const SignalBlock&) = delete;
-    SignalBlock& operator=(const SignalBlock&) = delete;
-
-private:
-    sigset_t before_ = {};
-};
-
-struct ChildImage {
-    std::vector<char*> arguments;
-    std::vector<std::string> variables;
-    std::vector<char*> environment;
-};
-
-bool isNamed(std::string_view variable, std::string_view name)
-{
-    return variable.starts_with(name) && variable.size() > name.size() && variable[name.size()] == '=';
-}
-
-bool isReplaced(std::string_view variable, const ChildRequest& request)
-{
-    for (const auto& [name, value] : request.environment) {
-        if (isNamed(variable, name)) {
-            return true;
-        }
-    }
-    for (const std::string& name : request.removedVariables) {
-        if (isNamed(variable, name)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// Everything is laid out before the fork: the child must not allocate.
-ChildImage imageOf(const ChildRequest& request)
-{
-    ChildImage image;
-    for (const std::string& argument : request.arguments) {
-        image.arguments.push_back(const_cast<char*>(argument.c_str()));
-    }
-    image.arguments.push_back(nullptr);
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-        if (!isReplaced(*variable, request)) {
-            image.variables.emplace_back(*variable);
-        }
-    }
-    for (const auto& [name, value] : request.environment) {
-        image.variables.emplace_back(name).append("=").append(value);
-    }
-    for (const std::string& variable : image.variables) {
-        image.environment.push_back(const_cast<char*>(variable.c_str()));
-    }
-    image.environment.push_back(nullptr);
-    return image;
-}
-
-[[noreturn]] void becomeChild(const ChildRequest& request, const ChildImage& image, pid_t parent, int errorStream,
-                              int report)
-{
-    const auto fail = [report]() {
-        const int reason = errno;
-        [[maybe_unused]] const ssize_t told = write(report, &reason, sizeof reason);
-        _exit(127);
-    };
-    // Handlers end with this program; what is ignored would stay so.
-    std::signal(SIGPIPE, SIG_DFL);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    // The parent may already be gone; then nobody is left to send the signal.
-    if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
-        fail();
-    }
-    if (dup2(errorStream, STDERR_FILENO) < 0) {
-        fail();
-    }
-    if (!request.readsStandardInput) {
-        const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        if (null < 0 || (null != STDIN_FILENO && dup2(null, STDIN_FILENO) < 0) ||
-            (null == STDIN_FILENO && fcntl(null, F_SETFD, 0) != 0)) {
-            fail();
-        }
-    }
-    for (const int fd : request.inheritedDescriptors) {
-        if (fcntl(fd, F_SETFD, 0) != 0) {
-            fail();
-        }
-    }
-    execve(request.program.c_str(), image.arguments.data(), image.environment.data());
-    fail();
-    _exit(127);
-}
-
-// Reads what is there. False at the end of the stream, or when nothing more is to come from a stream that does not
-// block.
-bool readPiece(int fd, const std::function<void(std::string_view)>& receiver)
-{
-    std::array<char, 65536> buffer; // filled by read before it is looked at
-    const ssize_t count = read(fd, buffer.data(), buffer.size());
-    if (count > 0) {
-        receiver({buffer.data(), static_cast<std::size_t>(count)});
-    }
-    return count > 0 || (count < 0 && errno == EINTR);
-}
-
-Descriptor openProcess(pid_t child)
-{
-    return aboveStandardStreams(Descriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0U))));
-}
-
 // The stream ends with the child; another process that has inherited it does not hold up the end.
 void drain(int stream, pid_t child, const std::function<void(std::string_view)>& receiver)
 {
-    const Descriptor process = openProcess(child);
-    std::array<pollfd, 2> watched = {pollfd{stream, POLLIN, 0}, pollfd{process.get(), POLLIN, 0}};
-    while (true) {
-        if (poll(watched.data(), process.get() >= 0 ? 2 : 1, -1) < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
+    const Descriptor ended = openExitDescriptor(child);
+    std::array<pollfd, 2> watched = {pollfd{stream, POLLIN, 0}, pollfd{ended.get(), POLLIN, 0}};
+    std::string chunk;
+    while (poll(watched.data(), ended.isOpen() ? 2 : 1, -1) >= 0 || errno == EINTR) {
+        if (watched[0].revents == 0 && watched[1].revents != 0) {
             break;
         }
-        if (watched[0].revents != 0) {
-            if (!readPiece(stream, receiver)) {
-                return;
-            }
-        } else if (watched[1].revents != 0) {
-            break;
+        const ReadState state = readChunk(stream, chunk);
+        if (state == ReadState::End) {
+            return;
         }
+        receiver(chunk);
     }
-    fcntl(stream, F_SETFL, O_NONBLOCK);
-    while (readPiece(stream, receiver)) {
+    while (readChunk(stream, chunk) == ReadState::Data) {
+        receiver(chunk);
     }
 }
 
@@ -188,61 +63,41 @@ ChildEnd reap(pid_t child)
     }
     const SignalBlock block;
     runningChild = 0;
-    int status = 0;
-    pid_t reaped = -1;
-    while ((reaped = waitpid(child, &status, 0)) < 0 && errno == EINTR) {
-    }
+    const Result<std::optional<ChildEnd>> end = reapIfEnded(child);
     // An end that nobody can tell of is no good one.
-    if (reaped != child) {
-        return {true, SIGKILL};
+    return end ? end->value_or(ChildEnd{true, SIGKILL}) : ChildEnd{true, SIGKILL};
+}
+
+// The handlers are kept out until they can know the child.
+Result<pid_t> start(const SpawnRequest& request)
+{
+    const SignalBlock block;
+    if (caughtSignal != 0) {
+        return Failure{errorText(EINTR)};
     }
-    if (WIFSIGNALED(status)) {
-        return {true, WTERMSIG(status)};
+    Result<pid_t> child = spawn(request);
+    if (child) {
+        runningChild = *child;
     }
-    return {false, WEXITSTATUS(status)};
+    return child;
 }
 
 } // namespace
 
-std::optional<ChildEnd> runChild(const ChildRequest& request, const std::function<void(std::string_view)>& receiver,
-                                 std::string& error)
+Result<ChildEnd> runChild(SpawnRequest request, const std::function<void(std::string_view)>& receiver)
 {
-    Pipe stream = makePipe(PipeReader::Child);
-    Pipe report = makePipe(PipeReader::Child);
-    if (!stream.isOpen() || !report.isOpen()) {
-        error = errorText(errno);
-        return std::nullopt;
+    Pipe stream = makePipe(PipeReader::Parent);
+    if (!stream.isOpen()) {
+        return Failure{errorText(errno)};
     }
-    const ChildImage image = imageOf(request);
-    // Where the caller ignores this signal, the system would drop the child's status.
-    std::signal(SIGCHLD, SIG_DFL);
-    const pid_t parent = getpid();
-    pid_t child = -1;
-    {
-        const SignalBlock block;
-        child = caughtSignal == 0 ? fork() : -1;
-        if (child == 0) {
-            becomeChild(request, image, parent, stream.writeEnd.get(), report.writeEnd.get());
-        }
-        if (child < 0) {
-            error = errorText(caughtSignal == 0 ? errno : EINTR);
-            return std::nullopt;
-        }
-        runningChild = child;
+    request.error = stream.writeEnd.get();
+    const Result<pid_t> child = start(request);
+    if (!child) {
+        return Failure{child.reason()};
     }
     stream.writeEnd.reset();
-    report.writeEnd.reset();
-    int reason = 0;
-    ssize_t told = -1;
-    while ((told = read(report.readEnd.get(), &reason, sizeof reason)) < 0 && errno == EINTR) {
-    }
-    drain(stream.readEnd.get(), child, receiver);
-    const ChildEnd end = reap(child);
-    if (told == static_cast<ssize_t>(sizeof reason)) {
-        error = errorText(reason);
-        return std::nullopt;
-    }
-    return end;
+    drain(stream.readEnd.get(), *child, receiver);
+    return reap(*child);
 }
 
 void killChild()

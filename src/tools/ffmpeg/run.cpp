@@ -110,16 +110,18 @@ private:
         return next;
     }
 
-    [[nodiscard]] ChildRequest request(const Dialect& dialect) const
+    [[nodiscard]] SpawnRequest request(const Dialect& dialect) const
     {
-        ChildRequest request;
+        SpawnRequest request;
         request.program = program_;
         request.arguments = modernArguments(line_, files_.urls(), dialect);
         request.arguments.insert(request.arguments.begin(), self_);
         request.environment = {{"LC_ALL", "C"}, {"AV_LOG_FORCE_NOCOLOR", "1"}, {chainVariable, chain_}};
         request.removedVariables = {"AV_LOG_FORCE_COLOR", "AV_LOG_FORCE_256COLOR", "FFREPORT"};
         request.inheritedDescriptors = files_.inheritedDescriptors();
-        request.readsStandardInput = files_.readsStandardInput();
+        if (files_.readsStandardInput()) {
+            request.input = SpawnRequest::inherited;
+        }
         return request;
     }
 
@@ -145,8 +147,12 @@ private:
                 printer.release();
             }
         });
-        attempt.end = runChild(
-            request(dialect), [&](std::string_view bytes) { splitter.feed(bytes); }, attempt.error);
+        const auto end = runChild(request(dialect), [&](std::string_view bytes) { splitter.feed(bytes); });
+        if (end) {
+            attempt.end = *end;
+        } else {
+            attempt.error = end.reason();
+        }
         splitter.finish();
         printer.add(transcript.finish(!attempt.end || attempt.end->bySignal ? 1 : attempt.end->code));
         attempt.findings = transcript.findings();
