@@ -202,7 +202,6 @@ private:
     void removePartialOutput(const QString& destination);
     void removeIntermediate(const QString& destination);
     void encResetDisplay();
-    [[nodiscard]] QString eventsFolder() const;
     [[nodiscard]] bool isAnalysisSender(taskLauncher* launcher) const;
     void releaseEncoderTask();
     void showProgress(float value);

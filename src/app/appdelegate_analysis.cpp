@@ -12,6 +12,7 @@
 #include "base/preferences.h"
 #include "base/settings.h"
 #include "base/text.h"
+#include "encode/analysisarguments.h"
 #include "probe/batchtexts.h"
 #include "probe/cameraclip.h"
 #include "probe/ffinfos.h"
@@ -170,11 +171,8 @@ void appDelegate::analysisDecodeStep()
     removeOwnFile(frameFile(), getTMPFOLDER());
     setFlag(pref::analysisFfmpegParse);
     logLine(QStringLiteral("analysis task - deb"));
-    const bool started = taskLauncherAnalysisStart(
-        {toolPath(QStringLiteral("ffmpeg")), QStringLiteral("-v"), QStringLiteral("2"), QStringLiteral("-i"), source,
-         QStringLiteral("-vframes"), QStringLiteral("10"), QStringLiteral("-s"), QStringLiteral("640x480"),
-         QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p"), QStringLiteral("-an"), QStringLiteral("-f"),
-         QStringLiteral("yuv4mpegpipe"), QStringLiteral("-y"), frameFile()});
+    const bool started =
+        taskLauncherAnalysisStart(decodeArguments(toolPath(QStringLiteral("ffmpeg")), source, frameFile()));
     if (!started) {
         analysisStall();
     }
@@ -225,10 +223,8 @@ void appDelegate::analysisThumbnailStep(const MediaInfoRecord& infos)
     }
     prefWrite(pref::imgPathStr, image);
     setFlag(pref::analysisFin);
-    // The frame count stands before the input: the tool knows this form.
     const bool started = taskLauncherAnalysisStart(
-        {toolPath(QStringLiteral("ffmpeg")), QStringLiteral("-vframes"), QStringLiteral("1"), QStringLiteral("-i"),
-         source, QStringLiteral("-s"), thumbnailSize(clipAspect(infos)), QStringLiteral("-y"), image});
+        thumbnailArguments(toolPath(QStringLiteral("ffmpeg")), source, thumbnailSize(clipAspect(infos)), image));
     if (!started) {
         analysisStall();
     }

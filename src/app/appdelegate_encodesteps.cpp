@@ -18,6 +18,7 @@
 #include "base/text.h"
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
+#include "encode/outputname.h"
 #include "encode/progress.h"
 #include "probe/batchtexts.h"
 #include "probe/recordersources.h"
@@ -67,16 +68,15 @@ std::optional<appDelegate::FileStamp> appDelegate::stampOf(const QString& path)
 
 void appDelegate::makeEventsFolder()
 {
-    mkdirCocoa(eventsFolder());
+    mkdirCocoa(eventsFolder(model_.mainEncDstPathStr.stringValue()));
 }
 
 QString appDelegate::encDestination(int row) const
 {
     const BatchRow& current = model_.encBatchArrayController.row(row);
     const QString source = current.dico.value(record::mainEncSrcPathStr).toString();
-    const QString extension = encDstExtensionStr(current.out, textOf(current.dico.value(record::v0_codec)));
-    return formatText(QStringLiteral("%@/%@.%@"),
-                      {eventsFolder(), fittedBaseName(dateCreation2iMovieName(source), extension), extension});
+    return outputPath(model_.mainEncDstPathStr.stringValue(), dateCreation2iMovieName(source), current.out,
+                      textOf(current.dico.value(record::v0_codec)));
 }
 
 bool appDelegate::isOneOfTheSources(const QString& path) const
@@ -127,8 +127,9 @@ appDelegate::EncodeAction appDelegate::encDebStep()
     }
     BatchList& rows = model_.encBatchArrayController;
     const int out = rows.row(row).out;
-    if (model_.mainEncDstPathStr.stringValue().isEmpty() || !isFolder(eventsFolder())) {
-        return encRefuseRow(row, formatText(batchText("Enc_noFolder"), {eventsFolder()}));
+    const QString folder = eventsFolder(model_.mainEncDstPathStr.stringValue());
+    if (model_.mainEncDstPathStr.stringValue().isEmpty() || !isFolder(folder)) {
+        return encRefuseRow(row, formatText(batchText("Enc_noFolder"), {folder}));
     }
     const QString destination = encDestination(row);
     // Known before the name is stored: a stop deletes what is stored unless it stood there before.
@@ -340,7 +341,7 @@ void appDelegate::removeIntermediate(const QString& destination)
     if (destination.isEmpty() || lastPathComponent(folder) != eventsFolderName) {
         return;
     }
-    const QString intermediate = oldSrcPathStr2DstPathStr(destination);
+    const QString intermediate = intermediateName(destination);
     // A short master name can be the output's own name: only a file made by the second pass is an intermediate.
     if (intermediate != destination && !isOneOfTheSources(intermediate)) {
         removeOwnFile(intermediate, folder);

@@ -10,6 +10,7 @@
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "base/text.h"
+#include "encode/outputname.h"
 #include "encode/progress.h"
 #include "probe/batchtexts.h"
 
@@ -50,12 +51,6 @@ int appDelegate::encBatchInprogressRowIdentification() const
         return -1;
     }
     return model_.encBatchArrayController.indexOfSource(current);
-}
-
-QString appDelegate::eventsFolder() const
-{
-    return stringByAppendingPathComponent(stringByExpandingTildeInPath(model_.mainEncDstPathStr.stringValue()),
-                                          eventsFolderName);
 }
 
 void appDelegate::iba_batchEncGoBt()
@@ -143,7 +138,8 @@ void appDelegate::encHonourStop()
 
 void appDelegate::encBatchStep()
 {
-    if (!model_.mainEncDstPathStr.stringValue().isEmpty() && !isFolder(eventsFolder())) {
+    if (!model_.mainEncDstPathStr.stringValue().isEmpty() &&
+        !isFolder(eventsFolder(model_.mainEncDstPathStr.stringValue()))) {
         makeEventsFolder();
     }
     BatchList& rows = model_.encBatchArrayController;

@@ -10,6 +10,7 @@
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "base/settings.h"
+#include "encode/outputname.h"
 #include "platform/desktop.h"
 #include "probe/ffprobes.h"
 
@@ -131,9 +132,9 @@ void appDelegate::iba_OpenFolder(Control* sender)
     if (sender == &model_.prefDefautDstRevealBt) {
         folder = stringByExpandingTildeInPath(model_.prefDefautDstPathStr.stringValue());
     } else if (sender == &model_.mainEncDstRevealBt) {
-        folder = isFolder(eventsFolder()) && !model_.mainEncDstPathStr.stringValue().isEmpty()
-                     ? eventsFolder()
-                     : stringByExpandingTildeInPath(model_.mainEncDstPathStr.stringValue());
+        const QString typed = model_.mainEncDstPathStr.stringValue();
+        const QString inside = eventsFolder(typed);
+        folder = !typed.isEmpty() && isFolder(inside) ? inside : stringByExpandingTildeInPath(typed);
     }
     if (folder.isEmpty() || !testPresenceCocoa(folder)) {
         displayAlertSheet(localizedString(QStringLiteral("D_go_dossier_destination1")), QString(), face_->window());

@@ -18,6 +18,7 @@
 #include "base/runloopgate.h"
 #include "base/settings.h"
 #include "base/text.h"
+#include "encode/outputname.h"
 #include "platform/systeminfo.h"
 #include "quicktime/codecinventory.h"
 
@@ -197,7 +198,7 @@ void appDelegate::removeLeftOverIntermediate()
 {
     const QString destination = prefReadChildDico(pref::processEncDico, record::dstPathStr);
     const QString intermediate = prefReadChildDico(pref::processEncDico, record::purgePathStr1);
-    if (!intermediate.isEmpty() && intermediate == oldSrcPathStr2DstPathStr(destination)) {
+    if (!intermediate.isEmpty() && intermediate == intermediateName(destination)) {
         removeIntermediate(destination);
     }
 }

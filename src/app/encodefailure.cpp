@@ -10,8 +10,6 @@ namespace tavrix
 namespace
 {
 
-constexpr qsizetype maximumNameBytes = 255;
-
 bool isOrdinaryLine(const QString& line)
 {
     static const QStringList beginnings = {
@@ -42,17 +40,6 @@ QString failureLine(const QString& transcript)
         }
     }
     return {};
-}
-
-QString fittedBaseName(const QString& base, const QString& extension)
-{
-    const qsizetype room = maximumNameBytes - extension.toUtf8().size() - 1;
-    QString fitted = base;
-    while (fitted.toUtf8().size() > room) {
-        const bool pair = fitted.size() > 1 && fitted.back().isLowSurrogate();
-        fitted.chop(pair ? 2 : 1);
-    }
-    return fitted;
 }
 
 } // namespace tavrix

@@ -72,7 +72,7 @@ QString leftOverToolCommand(const QString& toolsFolder, const QString& tool)
 
 QList<int> leftOverToolPids(const QString& tool)
 {
-    const QString folder = resourcePath() + QStringLiteral("/tools");
+    const QString folder = toolsFolder();
     const QString command = leftOverToolCommand(folder, tool);
     if (command.isNull()) {
         logLine(QStringLiteral("vieux process       :-( %@"), {folder});

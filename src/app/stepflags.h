@@ -33,7 +33,6 @@ inline const QString stepProcesses = QStringLiteral("encProcesses");
 
 // What a stop writes in the place of the current source.
 inline const QString cancelMark = QStringLiteral("cancel");
-inline const QString eventsFolderName = QStringLiteral("Tavrix events");
 
 [[nodiscard]] bool isFlagSet(const QString& name);
 void setFlag(const QString& name);

@@ -130,9 +130,14 @@ QString pathForResource(const QString& name, const QString& type)
     return {};
 }
 
+QString toolsFolder()
+{
+    return stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
+}
+
 QString toolPath(const QString& name)
 {
-    return stringByAppendingPathComponent(resourcePath() + QStringLiteral("/tools"), name);
+    return stringByAppendingPathComponent(toolsFolder(), name);
 }
 
 } // namespace tavrix

@@ -24,7 +24,8 @@ void setResourcePath(const QString& folder);
 // Path of a resource by name without extension and extension as type ("" or nothing: none): looked up in the resource
 // folder, then in its "tools". Nothing when no regular file is there or the name holds a ".." component.
 [[nodiscard]] QString pathForResource(const QString& name, const QString& type);
-// "<resource folder>/tools/<name>", whether or not it exists.
+// "<resource folder>/tools", and "<resource folder>/tools/<name>", whether or not they exist.
+[[nodiscard]] QString toolsFolder();
 [[nodiscard]] QString toolPath(const QString& name);
 
 [[nodiscard]] QString cachesFolder();  // "~/Library/Caches/<bundle name>", expanded, no trailing "/"

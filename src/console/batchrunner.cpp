@@ -1,11 +1,10 @@
 #include "console/batchrunner.h"
 
-#include "app/stepflags.h"
 #include "base/filesizes.h"
 #include "base/format.h"
 #include "base/localisation.h"
-#include "base/paths.h"
 #include "base/runloopgate.h"
+#include "encode/outputname.h"
 
 #include <algorithm>
 
@@ -109,8 +108,7 @@ void BatchRunner::finish(int exitCode)
     }
     finished_ = true;
     face_->setExitCode(exitCode);
-    const QString folder =
-        stringByAppendingPathComponent(controller_->model().mainEncDstPathStr.stringValue(), eventsFolderName);
+    const QString folder = eventsFolder(controller_->model().mainEncDstPathStr.stringValue());
     reporter_->summary(rows_, leftOut_, folder, exitCode);
     // The controller is in the middle of a step: it is asked to quit from the event loop.
     RunLoopGate::instance().deliverLater([this] { controller_->quitWithoutQuestion(); });

@@ -149,8 +149,7 @@ std::optional<QStringList> encodage(const QString& sourcePath, const QString& de
         return std::nullopt;
     }
     const Job job = {sourcePath, destinationPath, wrapper, framesPerSecond, aspect};
-    const QString tools = stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
-    QStringList arguments = {formatText(QStringLiteral("%@/ffmpeg"), {tools})};
+    QStringList arguments = {toolPath(QStringLiteral("ffmpeg"))};
     addWords(arguments, {"-v", "1", "-i"});
     arguments.append(job.source);
     addWords(arguments, {"-vsync", "0"});

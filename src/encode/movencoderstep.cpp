@@ -1,12 +1,12 @@
 #include "encode/movencoderstep.h"
 
 #include "base/bundle.h"
-#include "base/conversions.h"
 #include "base/fileops.h"
 #include "base/filesizes.h"
 #include "base/log.h"
 #include "base/paths.h"
 #include "base/preferences.h"
+#include "encode/outputname.h"
 #include "probe/mediainforecord.h"
 
 #include <cmath>
@@ -43,7 +43,7 @@ std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duratio
                                         const QString& settingsName)
 {
     logLine(QStringLiteral("encQt()             - deb"));
-    const QString intermediate = oldSrcPathStr2DstPathStr(outputPath);
+    const QString intermediate = intermediateName(outputPath);
     if (!mvCocoa(outputPath, intermediate, QStringLiteral("y"))) {
         logLine(QStringLiteral("encQt()             :-( %@"), {outputPath});
     }
@@ -51,9 +51,8 @@ std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duratio
     if (!enoughSpace(outputPath, intermediate, duration)) {
         return std::nullopt;
     }
-    const QString tools = stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
     const QString presets = stringByAppendingPathComponent(resourcePath(), QStringLiteral("presets"));
-    const QStringList arguments = {formatText(QStringLiteral("%@/movencoder"), {tools}), QStringLiteral("-s"),
+    const QStringList arguments = {toolPath(QStringLiteral("movencoder")), QStringLiteral("-s"),
                                    stringByAppendingPathComponent(presets, settings), intermediate, outputPath};
     logDev(QStringLiteral("movencoder - fin : %@"), {arguments});
     prefWriteChildDico(encodeDictionary, record::dstPathStr, outputPath);

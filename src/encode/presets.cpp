@@ -19,9 +19,7 @@ namespace
 // The folder that holds the presets, nothing when no candidate exists.
 QString presetFolder(const QString& folder)
 {
-    const QString tools = stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
-    const QStringList candidates = {folder, stringByAppendingPathComponent(resourcePath(), folder),
-                                    stringByAppendingPathComponent(tools, folder),
+    const QStringList candidates = {folder, stringByAppendingPathComponent(resourcePath(), folder), toolPath(folder),
                                     stringByAppendingPathComponent(supportFolder(), folder)};
     for (const QString& candidate : candidates) {
         if (testPresenceCocoa(candidate)) {

@@ -2,6 +2,7 @@
 
 #include "base/filesizes.h"
 #include "encode/encoderarguments.h"
+#include "encode/outputname.h"
 #include "gui/windowtext.h"
 #include "probe/cameraclip.h"
 #include "probe/recordersources.h"
@@ -69,8 +70,7 @@ QString RowDetails::outputName(const BatchRow& row)
     const QString source = sourceOf(row);
     const auto known = names_.constFind(source);
     if (known != names_.constEnd()) {
-        const QString extension = encDstExtensionStr(row.out, row.dico.value(record::v0_codec).toString());
-        return *known + QLatin1Char('.') + extension;
+        return tavrix::outputName(*known, row.out, row.dico.value(record::v0_codec).toString());
     }
     // The last rows asked for are those on the screen: older wishes of a fast scroll are dropped.
     wanted_.removeAll(source);

@@ -47,8 +47,7 @@ QString nameFromPlaylists(const QString& sourcePath)
             continue;
         }
         const QString folder = formatText(QStringLiteral("%@/PLAYLIST/"), {grandparent});
-        const QString toolsFolder = stringByAppendingPathComponent(resourcePath(), QStringLiteral("tools"));
-        for (const QString& line : linesToArray(taskWithStrBasic(timestampCommand(toolsFolder, folder)))) {
+        for (const QString& line : linesToArray(taskWithStrBasic(timestampCommand(toolsFolder(), folder)))) {
             const QStringList pieces = componentsSeparated(line, separator);
             if (pieces.size() > 1 && pieces.at(0) == base) {
                 return formatText(QStringLiteral("%@-%@"), {pieces.at(1), base});

@@ -114,13 +114,12 @@ QString taskArray(const QStringList& arguments, bool stderrToo)
 QString ffmpegPathStr()
 {
     const QString name = QStringLiteral("ffmpeg");
-    QStringList folders;
+    QStringList candidates;
     if (const QString resources = resourcePath(); !resources.isEmpty()) {
-        folders << resources << stringByAppendingPathComponent(resources, QStringLiteral("tools"));
+        candidates << stringByAppendingPathComponent(resources, name) << toolPath(name);
     }
-    folders << supportFolder();
-    for (const QString& folder : folders) {
-        QString path = stringByAppendingPathComponent(folder, name);
+    candidates << stringByAppendingPathComponent(supportFolder(), name);
+    for (const QString& path : candidates) {
         if (testPresenceCocoa(path)) {
             return path;
         }

@@ -45,32 +45,3 @@ TEST_P(Reason, IsTheLastTellingLine)
 }
 
 INSTANTIATE_TEST_SUITE_P(EncodeFailure, Reason, testing::ValuesIn(reasonRows), rowName<ReasonRow>);
-
-TEST(FittedBaseName, OrdinaryNamesStay)
-{
-    const QString name = QStringLiteral("clip-2010-05-01 12;34;56-00001");
-    EXPECT_TEXT(fittedBaseName(name, QStringLiteral("mov")), name);
-    EXPECT_TEXT(fittedBaseName(QStringLiteral(""), QStringLiteral("mov")), QStringLiteral(""));
-}
-
-TEST(FittedBaseName, LongNamesFitWithTheirExtension)
-{
-    const QString mov = QStringLiteral("mov");
-    EXPECT_EQ(fittedBaseName(QString(251, u'x'), mov).size(), 251);
-    EXPECT_EQ(fittedBaseName(QString(252, u'x'), mov).size(), 251);
-    EXPECT_EQ(fittedBaseName(QString(252, u'x'), QStringLiteral("")).size(), 252);
-}
-
-TEST(FittedBaseName, CutsWholeCharacters)
-{
-    const QString accents(200, QChar(0xE9));
-    const QString fitted = fittedBaseName(accents, QStringLiteral("mov"));
-    EXPECT_EQ(fitted.toUtf8().size(), 250);
-    EXPECT_TEXT(fitted, accents.left(125));
-    QString faces;
-    for (int i = 0; i < 80; ++i) {
-        faces += QString::fromUtf8("\xF0\x9F\x98\x80");
-    }
-    EXPECT_EQ(fittedBaseName(faces, QStringLiteral("mov")).toUtf8().size(), 248);
-    EXPECT_TRUE(fittedBaseName(faces, QStringLiteral("mov")).isValidUtf16());
-}

@@ -1,10 +1,12 @@
 #include "console/batchrunner.h"
 
 #include "base/alerts.h"
+#include "base/paths.h"
 #include "consoletest.h"
 #include "platform/desktop.h"
 #include "support/waituntil.h"
 
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -98,6 +100,19 @@ TEST_F(BatchRunnerTest, convertsEverythingAndQuits)
                               text("analysing 2/2 b.mts"), text("accepted b.mts"), text("started 1/2 a.mts"),
                               text("finished 1/2 done"), text("started 2/2 b.mts"), text("finished 2/2 done")}));
     EXPECT_TEXT(reporter.notes.last(), text("summary of 2, 0 left out, status 0"));
+}
+
+// A script looks for the outputs in the folder that the summary names.
+TEST_F(BatchRunnerTest, theFolderOfADestinationTypedWithATildeIsTheOneWithTheOutputs)
+{
+    const QString typed = homeFolder() + text("/typed");
+    ASSERT_TRUE(QDir().mkpath(typed));
+    controller.model().mainEncDstPathStr.setStringValue(text("~/typed"));
+    start({clip("a.mts")});
+    ASSERT_TRUE(runToTheEnd());
+    EXPECT_TEXT(reporter.folder, typed + text("/Tavrix events"));
+    EXPECT_EQ(QDir(reporter.folder).entryList(QDir::Files).size(), 1);
+    QDir(typed).removeRecursively();
 }
 
 TEST_F(BatchRunnerTest, tellsARowThatFails)

@@ -73,8 +73,9 @@ void NotingReporter::message(const QString& title, const QString& text, const QS
     notes << QStringLiteral("message ") + QStringList{title, text, answer}.join(u'|');
 }
 
-void NotingReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& /*folder*/, int exitCode)
+void NotingReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& outputFolder, int exitCode)
 {
+    folder = outputFolder;
     notes << formatText(QStringLiteral("summary of %d, %d left out, status %d"),
                         {qint64(rows.size()), leftOut, exitCode});
 }

@@ -63,6 +63,7 @@ class NotingReporter : public Reporter
 {
 public:
     QStringList notes;
+    QString folder; // of the summary
 
     void queued(int count) override;
     void analysing(const QString& path, int number, int total) override;

@@ -11,6 +11,7 @@
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QImage>
 #include <QLabel>
 #include <QListView>
@@ -226,6 +227,26 @@ TEST_F(WindowBehaviour, ThePlannedNameAndSizeOfARowAreFoundOut)
     EXPECT_TRUE(details.outputName(rows().row(0)).startsWith(QStringLiteral("clip-")));
     EXPECT_TRUE(details.outputName(rows().row(0)).endsWith(QStringLiteral("-clip1.mov")));
     EXPECT_TRUE(details.summary(rows().row(0)).contains(QStringLiteral("Expected size: ")));
+}
+
+// The encode cuts such a name: the window announces the one that is made.
+TEST_F(WindowBehaviour, TheAnnouncedNameOfALongSourceNameIsTheOneThatIsMade)
+{
+    startProgram();
+    useDestination();
+    const QString source = folder_.makeFile(QString(245, u'x') + QStringLiteral(".MTS"), "clip");
+    drop({source});
+    ASSERT_TRUE(tools_.finishAll());
+    ASSERT_EQ(rows().count(), 1);
+    RowDetails& details = window().batchDrawer().details();
+    ASSERT_TRUE(waitFor([&] { return !details.outputName(rows().row(0)).isEmpty(); }));
+    const QString announced = details.outputName(rows().row(0));
+    EXPECT_EQ(announced.toUtf8().size(), 255);
+    robot_->press(QStringLiteral("alertButton0"));
+    click("batchEncGoBt");
+    ASSERT_TRUE(tools_.finishAll());
+    EXPECT_TRUE(waitFor([this] { return robot_->isDone(); }));
+    EXPECT_TEXT(QFileInfo(rows().row(0).output).fileName(), announced);
 }
 
 TEST_F(WindowBehaviour, TheListGoesAlongWithTheBatch)
