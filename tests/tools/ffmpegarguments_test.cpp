@@ -4,6 +4,7 @@
 #include "tools/ffmpeg/filters.h"
 #include "tools/ffmpeg/muxers.h"
 #include "tools/ffmpeg/optionrules.h"
+#include "tools/ffmpeg/textpieces.h"
 
 #include <gtest/gtest.h>
 #include <sstream>
@@ -26,13 +27,18 @@ std::vector<std::string> words(const std::string& text)
     return list;
 }
 
+// One text, with "GUARD" for what limits an input to the containers and protocols handled, and "LOCAL" for the latter
+// alone.
 std::string joined(const std::vector<std::string>& list)
 {
     std::string text;
     for (const std::string& word : list) {
         text += (text.empty() ? "" : " ") + word;
     }
-    return text;
+    const std::string local = "-protocol_whitelist file,pipe,fd";
+    text =
+        replacedAll(text, "-format_whitelist mpegts,mov,mp4,m4a,3gp,3g2,mj2,avi,mpeg,mpegvideo,dv " + local, "GUARD");
+    return replacedAll(text, local, "LOCAL");
 }
 
 FileUrls urlsOf(const CommandLine& line)
@@ -58,69 +64,61 @@ struct Row {
 const std::vector<Row>& rows()
 {
     static const std::vector<Row> list = {
-        {"information", "-v 2 -i X", "-protocol_whitelist file,pipe,fd -i <X>"},
+        {"information", "-v 2 -i X", "GUARD -i <X>"},
         {"analysis", "-v 2 -i X -vframes 10 -s 640x480 -pix_fmt yuv420p -an -f yuv4mpegpipe -y P",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f yuv4mpegpipe -frames:v 10 -s 640x480 -pix_fmt yuv420p -an <P>"},
+         "-y GUARD -i <X> -f yuv4mpegpipe -frames:v 10 -s 640x480 -pix_fmt yuv420p -an <P>"},
         {"thumbnail_frames_before_the_input", "-vframes 1 -i X -s 320x180 -y P.jpg",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -c:v mjpeg -f image2 -update 1 -frames:v 1 -s 320x180 <P.jpg>"},
+         "-y GUARD -i <X> -c:v mjpeg -f image2 -update 1 -frames:v 1 -s 320x180 <P.jpg>"},
         {"interlacing", "-vframes 1 -i X -s 640x480 -pix_fmt yuv420p -f yuv4mpegpipe -",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f yuv4mpegpipe -frames:v 1 -s 640x480 -pix_fmt yuv420p <->"},
+         "-y GUARD -i <X> -f yuv4mpegpipe -frames:v 1 -s 640x480 -pix_fmt yuv420p <->"},
         {"small_screen_halved",
          "-v 1 -i X -vsync 0 -r 30000/1001 -vcodec mpeg4 -vb 250k -vf scale=480:272,setdar=16:9 -acodec aac -strict "
          "experimental -ab 64k -ac 2 -ar 44100 -g 25 -y O.mp4",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -r 30000/1001 -vcodec mpeg4 -b:v 250k -vf "
-         "scale=480:272,setdar=16/9 -acodec aac -strict experimental -b:a 64k -ac 2 -ar 44100 -g 25 -vsync cfr "
+         "-y GUARD -i <X> -f mp4 -vcodec mpeg4 -b:v 250k -acodec aac -strict experimental -b:a 64k -ac 2 -ar 44100 "
+         "-g 25 -vf settb=1/720000,setpts=PTS-11532,fps=fps=30000/1001:round=up,scale=480:272,setdar=16/9 -vsync vfr "
          "<O.mp4>"},
         {"small_screen_as_it_is",
          "-v 1 -i X -vsync 0 -vcodec mpeg4 -vb 250k -vf scale=368:272,setdar=4:3 -acodec aac -ab 64k -y O.mp4",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -vcodec mpeg4 -b:v 250k -vf scale=368:272,setdar=4/3 "
-         "-acodec aac -b:a 64k -vsync vfr <O.mp4>"},
+         "-y GUARD -i <X> -f mp4 -vcodec mpeg4 -b:v 250k "
+         "-acodec aac -b:a 64k -vf scale=368:272,setdar=4/3 -vsync vfr <O.mp4>"},
         {"presets_before_the_codec",
          "-v 1 -i X -vsync 0 -crf 20 -me_range 16 -vcodec libx264 -vb 1400k -maxrate 1500k -vf "
          "scale=640:368,setdar=16:9 "
          "-g 25 -y O.m4v",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f ipod -crf 20 -me_range 16 -vcodec libx264 -b:v 1400k -maxrate "
-         "1500k -vf scale=640:368,setdar=16/9 -g 25 -vsync vfr <O.m4v>"},
+         "-y GUARD -i <X> -f ipod -crf 20 -me_range 16 -vcodec libx264 -b:v 1400k -maxrate "
+         "1500k -g 25 -vf scale=640:368,setdar=16/9 -vsync vfr <O.m4v>"},
         {"rewrap_to_avi", "-v 1 -i X -vsync 0 -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 -y O.avi",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 <O.avi>"},
+         "-y GUARD -i <X> -f avi -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 <O.avi>"},
         {"copy_with_bitstream_filter",
          "-v 1 -i X -vsync 0 -vcodec copy -vbsf h264_mp4toannexb -acodec pcm_s16le -ac 2 -ar 48000 -y O.mov",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f mov -vcodec copy -bsf:v h264_mp4toannexb -acodec pcm_s16le -ac "
+         "-y GUARD -i <X> -f mov -vcodec copy -bsf:v h264_mp4toannexb -acodec pcm_s16le -ac "
          "2 "
          "-ar 48000 <O.mov>"},
-        {"quoted_filter", "-i X -vf 'setdar=16:9' -y O.mp4",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -vf setdar=16/9 <O.mp4>"},
-        {"aspect_option", "-i X -aspect 16:9 -y O.mp4",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -aspect 16:9 <O.mp4>"},
-        {"sound_check", "-t 5 -i X -vn -f wav -y /dev/null",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f wav -t 5 -vn </dev/null>"},
+        {"quoted_filter", "-i X -vf 'setdar=16:9' -y O.mp4", "-y GUARD -i <X> -f mp4 -vf setdar=16/9 <O.mp4>"},
+        {"aspect_option", "-i X -aspect 16:9 -y O.mp4", "-y GUARD -i <X> -f mp4 -aspect 16:9 <O.mp4>"},
+        {"sound_check", "-t 5 -i X -vn -f wav -y /dev/null", "-y GUARD -i <X> -f wav -t 5 -vn </dev/null>"},
         {"sound_check_forced", "-t 5 -f mpeg -i X -vn -f wav -y /dev/null",
-         "-y -f mpeg -protocol_whitelist file,pipe,fd -i <X> -f wav -t 5 -vn </dev/null>"},
-        {"digital_video", "-f dv -i X", "-f dv -protocol_whitelist file,pipe,fd -i <X>"},
+         "-y -f mpeg LOCAL -i <X> -f wav -t 5 -vn </dev/null>"},
+        {"digital_video", "-f dv -i X", "-f dv LOCAL -i <X>"},
         {"yuv_from_a_pipe", "-f yuv4mpegpipe -i - -vcodec mpeg4 -y O.avi",
-         "-y -f yuv4mpegpipe -protocol_whitelist file,pipe,fd -i <-> -f avi -vcodec mpeg4 <O.avi>"},
+         "-y -f yuv4mpegpipe LOCAL -i <-> -f avi -vcodec mpeg4 <O.avi>"},
         {"duration", "-i X -vcodec copy -an -f null -y /dev/null",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f null -vcodec copy -an </dev/null>"},
+         "-y GUARD -i <X> -f null -vcodec copy -an </dev/null>"},
         {"size_before_an_input_is_what_the_file_says", "-s 320x240 -r 10 -i X -y O.avi",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi <O.avi>"},
+         "-y GUARD -i <X> -f avi <O.avi>"},
         {"size_of_a_raw_input_stays", "-f rawvideo -s 320x240 -pix_fmt yuv420p -i X -y O.avi",
-         "-y -f rawvideo -s 320x240 -pix_fmt yuv420p -protocol_whitelist file,pipe,fd -i <X> -f avi <O.avi>"},
-        {"maps_with_dots", "-i X -map 0.0 -map 0.2 -y O.mov",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f mov -map 0:0 -map 0:2 <O.mov>"},
+         "-y -f rawvideo -s 320x240 -pix_fmt yuv420p LOCAL -i <X> -f avi <O.avi>"},
+        {"maps_with_dots", "-i X -map 0.0 -map 0.2 -y O.mov", "-y GUARD -i <X> -f mov -map 0:0 -map 0:2 <O.mov>"},
         {"two_inputs", "-i X -i Z -vcodec copy -y O.mov",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -protocol_whitelist file,pipe,fd -i <Z> -f mov -vcodec copy "
+         "-y GUARD -i <X> GUARD -i <Z> -f mov -vcodec copy "
          "<O.mov>"},
-        {"output_named_like_an_option", "-i X -y -clip.mp4",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f mp4 <-clip.mp4>"},
-        {"input_named_like_an_option", "-i -y -an -y O.mov",
-         "-y -protocol_whitelist file,pipe,fd -i <-y> -f mov -an <O.mov>"},
-        {"quality", "-i X -qscale 3 -b 2000k -y O.avi",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi -q:v 3 -b:v 2000k <O.avi>"},
-        {"messages_cannot_be_turned_off", "-nostats -hide_banner -loglevel quiet -i X",
-         "-protocol_whitelist file,pipe,fd -i <X>"},
+        {"output_named_like_an_option", "-i X -y -clip.mp4", "-y GUARD -i <X> -f mp4 <-clip.mp4>"},
+        {"input_named_like_an_option", "-i -y -an -y O.mov", "-y GUARD -i <-y> -f mov -an <O.mov>"},
+        {"quality", "-i X -qscale 3 -b 2000k -y O.avi", "-y GUARD -i <X> -f avi -q:v 3 -b:v 2000k <O.avi>"},
+        {"messages_cannot_be_turned_off", "-nostats -hide_banner -loglevel quiet -i X", "GUARD -i <X>"},
         {"constant_rate", "-i X -vsync 1 -vcodec mpeg4 -y O.avi",
-         "-y -protocol_whitelist file,pipe,fd -i <X> -f avi -vcodec mpeg4 -vsync cfr <O.avi>"},
-        {"unknown_extension", "-i X -y O.nosuch", "-y -protocol_whitelist file,pipe,fd -i <X> <O.nosuch>"},
+         "-y GUARD -i <X> -f avi -vcodec mpeg4 -vsync cfr <O.avi>"},
+        {"unknown_extension", "-i X -y O.nosuch", "-y GUARD -i <X> <O.nosuch>"},
     };
     return list;
 }
@@ -145,7 +143,7 @@ TEST(ClassicArguments, VerboseProbeSeesRepeatedFramesAndDiscontinuities)
         parseCommandLine(words("-v 3 -vframes 35 -i X -s 320x240 -pix_fmt yuv420p -an -f null -y /dev/null"));
     EXPECT_TRUE(levelsAreMarked(line));
     EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {})),
-              "-nostdin -v level+debug -y -protocol_whitelist file,pipe,fd -i <X> -f null -frames:v 35 -s 320x240 "
+              "-nostdin -v level+debug -y GUARD -i <X> -f null -frames:v 35 -s 320x240 "
               "-pix_fmt yuv420p -an -vsync cfr </dev/null>");
 }
 
@@ -153,8 +151,7 @@ TEST(ClassicArguments, TimestampDebuggingRaisesTheLevel)
 {
     const CommandLine line = parseCommandLine(words("-fdebug ts -i X"));
     EXPECT_FALSE(levelsAreMarked(line));
-    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {})),
-              "-nostdin -v debug -fdebug ts -protocol_whitelist file,pipe,fd -i <X>");
+    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {})), "-nostdin -v debug -fdebug ts GUARD -i <X>");
 }
 
 TEST(ClassicArguments, BitstreamFilterIsLeftOutForOtherCodecs)
@@ -164,10 +161,10 @@ TEST(ClassicArguments, BitstreamFilterIsLeftOutForOtherCodecs)
     Dialect dialect;
     dialect.annexBFilter = false;
     EXPECT_EQ(joined(modernArguments(line, urlsOf(line), dialect)),
-              "-nostdin -v info -y -protocol_whitelist file,pipe,fd -i <X> -f mov -vcodec copy <O.mov>");
+              "-nostdin -v info -y GUARD -i <X> -f mov -vcodec copy <O.mov>");
     const CommandLine other = parseCommandLine(words("-i X -vcodec copy -vbsf h264_mp4toannexb,noise -y O.mov"));
     EXPECT_EQ(joined(modernArguments(other, urlsOf(other), dialect)),
-              "-nostdin -v info -y -protocol_whitelist file,pipe,fd -i <X> -f mov -vcodec copy -bsf:v noise <O.mov>");
+              "-nostdin -v info -y GUARD -i <X> -f mov -vcodec copy -bsf:v noise <O.mov>");
     EXPECT_FALSE(mayRefuseAnnexB(parseCommandLine(words("-i X -vcodec copy -y O.mov"))));
 }
 
@@ -194,8 +191,8 @@ TEST(ClassicArguments, FrameSpacingFollowsTheVersionThatRefusesTheOldName)
     Dialect dialect;
     dialect.frameRateMode = true;
     EXPECT_EQ(joined(modernArguments(line, urlsOf(line), dialect)),
-              "-nostdin -v info -y -protocol_whitelist file,pipe,fd -i <X> -f mp4 -r 25 -vcodec mpeg4 -fps_mode cfr "
-              "<O.mp4>");
+              "-nostdin -v info -y GUARD -i <X> -f mp4 -vcodec mpeg4 "
+              "-vf settb=1/720000,setpts=PTS-13824,fps=fps=25:round=up -fps_mode vfr <O.mp4>");
 }
 
 TEST(CommandLine, OptionThatIsNotKnownTakesNoOptionForItsValue)

@@ -146,7 +146,7 @@ TEST_F(FfmpegSurroundings, NumberedPicturesSpareTheirSource)
         EXPECT_TRUE(contains(end.err, "is also an input")) << end.err;
     }
     EXPECT_EQ(fileContents(name("p001.jpg")), before);
-    EXPECT_EQ(runTool({"-i", name("p001.jpg"), "-s", "32x32", "-y", name("q%03d.jpg")}).code, 0);
+    EXPECT_EQ(runTool({"-f", "image2", "-i", name("p001.jpg"), "-s", "32x32", "-y", name("q%03d.jpg")}).code, 0);
     EXPECT_EQ(entries(), (Words{"p001.jpg", "q001.jpg"}));
 }
 

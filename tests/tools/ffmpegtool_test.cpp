@@ -364,14 +364,6 @@ TEST_F(FfmpegTool, DescribesAFileAtTheEndOfALongPath)
     EXPECT_TRUE(contains(end.err, "to '" + deep + "/out.mov':\n"));
 }
 
-TEST_F(FfmpegTool, OpensNoOtherAddresses)
-{
-    writeFile(name("list.mts"), "#EXTM3U\n#EXT-X-VERSION:3\n#EXTINF:10,\nhttp://127.0.0.1:9/x.ts\n#EXT-X-ENDLIST\n");
-    const ToolEnd end = runTool({"-v", "2", "-i", name("list.mts")});
-    EXPECT_EQ(end.code, 1);
-    EXPECT_FALSE(contains(end.err, "Connection")) << end.err;
-}
-
 TEST_F(FfmpegTool, NeedsAnInputAndAnOutput)
 {
     EXPECT_TRUE(contains(runTool({"-y", name("out.mov")}).err, "At least one input file must be specified"));

@@ -65,7 +65,10 @@ record() { # NAME ARGUMENTS...: recorded as NAME.modern
 
 for clip in clip.MTS clip.m2ts clip.mov clip.mp4 clip.avi clip.mpg clip.dv languages.MTS silent.mov \
     data-and-subtitles.mov pcm24.mov sound-only.wav truncated.MTS; do
-    record "$clip" -v 2 -i "$clip"
+    case $clip in
+    *.wav) record "$clip" -v 2 -f wav -i "$clip" ;; # no container that is opened unasked
+    *) record "$clip" -v 2 -i "$clip" ;;
+    esac
     ffprobe -v error -show_entries "stream=index,codec_type,codec_name,pix_fmt,width,height,sample_aspect_ratio,\
 display_aspect_ratio,r_frame_rate,sample_rate,channels:format=format_name,duration,start_time,bit_rate" \
         -of json "$clip" > "$data/$clip.json"

@@ -24,6 +24,29 @@ struct StreamRow {
     bool identifiers = true;
 };
 
+// A phone's rate a little over 30 would be halved, and come out with 25 pictures a second.
+TEST(StreamLines, ARateWithinHalfAPercentOfAStandardOneIsThatOne)
+{
+    const struct {
+        const char* printed;
+        const char* classic;
+    } rows[] = {
+        {"30.01", "30"},    {"30.02", "30"},    {"30.12", "30"},   {"30.15", "30"},      {"30.2", "30.2"},
+        {"29.97", "29.97"}, {"29.98", "29.97"}, {"29.99", "30"},   {"30", "30"},         {"29.83", "29.97"},
+        {"25.12", "25"},    {"24.9", "25"},     {"24", "24"},      {"23.98", "23.98"},   {"24.03", "24"},
+        {"50.01", "50"},    {"59.94", "59.94"}, {"59.9", "59.94"}, {"60.29", "60"},      {"15", "15"},
+        {"12.5", "12.5"},   {"10.43", "10.43"}, {"48", "48"},      {"120.01", "120.01"}, {"90k", "90k"},
+        {"1k", "1k"},       {"1000", "1000"},   {"0.5", "0.5"},
+    };
+    for (const auto& row : rows) {
+        const std::string rate = row.printed;
+        const auto line = classicStreamLine(
+            "  Stream #0:0: Video: mpeg4, yuv420p, 640x480, " + rate + " fps, " + rate + " tbr, 90k tbn", {});
+        ASSERT_TRUE(line);
+        EXPECT_NE(line->find(std::string(" ") + row.classic + " tbr,"), std::string::npos) << rate << ": " << *line;
+    }
+}
+
 TEST(StreamLines, BecomeClassic)
 {
     const StreamRow rows[] = {

@@ -15,6 +15,11 @@ namespace
 
 constexpr std::string_view annexB = "h264_mp4toannexb";
 
+// What is opened: the containers that the program handles, and local files. A play list, a script or a list of pictures
+// under a clip's name would lead to other files, or to addresses.
+constexpr const char* handledContainers = "mpegts,mov,mp4,m4a,3gp,3g2,mj2,avi,mpeg,mpegvideo,dv";
+constexpr const char* localProtocols = "file,pipe,fd";
+
 using Words = std::vector<std::string>;
 
 bool isOptionFor(const Option& option, std::initializer_list<std::string_view> names)
@@ -33,14 +38,26 @@ bool encodesVideo(const std::vector<Option>& options)
     return !copied && !hasOption(options, "vn");
 }
 
+// An output rate as filters: ffmpeg's own way drops a picture only when it is more than one late, so that a halved rate
+// lags by two of the source's. Nothing for a rate in words, or where the filters are not one chain.
+std::optional<std::string> rateFilters(const CommandLine& line, const FileEntry& output)
+{
+    const bool ownGraph = hasOption(line.globals, "filter_complex") || hasOption(output.options, "filter_complex");
+    const auto rate = optionValue(output.options, "r");
+    if (!rate || ownGraph || !encodesVideo(output.options)) {
+        return std::nullopt;
+    }
+    return nearestPictureFilters(*rate);
+}
+
 // How frames are spaced. A rate together with frames passed through is refused, or fails at the first frame; passed
 // through alone, an encode dies of the first two frames that share a time, where dropping one of them is enough.
-std::optional<std::string> frameSpacing(const FileEntry& output)
+std::optional<std::string> frameSpacing(const FileEntry& output, bool rateByFilter)
 {
     if (!encodesVideo(output.options)) {
         return std::nullopt;
     }
-    const bool hasRate = hasOption(output.options, "r");
+    const bool hasRate = hasOption(output.options, "r") && !rateByFilter;
     const auto asked = optionValue(output.options, "vsync");
     if (!asked) {
         // The null container was filled at a constant rate; the probe for repeated frames depends on it.
@@ -92,19 +109,20 @@ std::string dottedToColon(std::string map)
     return map;
 }
 
+bool isPictureFilter(const Option& option)
+{
+    const std::string name = optionRule(option.name).modernName;
+    return (name == "vf" || name == "filter:v") && option.value;
+}
+
 void appendOutputOption(Words& words, const Option& option, const Dialect& dialect)
 {
     const std::string name = optionRule(option.name).modernName;
-    if (isOptionFor(option, {"vsync", "fps_mode", "f"})) {
-        return; // placed once for the whole output
-    }
     if (name == "bsf:v" && option.value && !dialect.annexBFilter) {
         const std::string kept = withoutAnnexB(*option.value);
         if (!kept.empty()) {
             appendOption(words, name, kept);
         }
-    } else if ((name == "vf" || name == "filter:v") && option.value) {
-        appendOption(words, name, modernFilters(*option.value));
     } else if (name == "map" && option.value) {
         appendOption(words, name, dottedToColon(*option.value));
     } else {
@@ -112,13 +130,25 @@ void appendOutputOption(Words& words, const Option& option, const Dialect& diale
     }
 }
 
-void appendOutput(Words& words, const FileEntry& output, const FileUrls::Output& target, const Dialect& dialect)
+void appendOutput(Words& words, const CommandLine& line, std::size_t number, const FileUrls::Output& target,
+                  const Dialect& dialect)
 {
+    const FileEntry& output = line.outputs[number];
+    const auto rate = rateFilters(line, output);
     words.insert(words.end(), target.muxer.begin(), target.muxer.end());
+    std::string filters = rate.value_or("");
     for (const Option& option : output.options) {
-        appendOutputOption(words, option, dialect);
+        const bool placedOnce = isOptionFor(option, {"vsync", "fps_mode", "f"}) || (rate && option.name == "r");
+        if (isPictureFilter(option)) {
+            filters = joinedFilters(rate.value_or(""), modernFilters(*option.value));
+        } else if (!placedOnce) {
+            appendOutputOption(words, option, dialect);
+        }
     }
-    if (const auto spacing = frameSpacing(output)) {
+    if (!filters.empty()) {
+        appendOption(words, "vf", filters);
+    }
+    if (const auto spacing = frameSpacing(output, rate.has_value())) {
         appendOption(words, dialect.frameRateMode ? "fps_mode" : "vsync", *spacing);
     }
     words.push_back(target.url);
@@ -147,10 +177,13 @@ Words modernArguments(const CommandLine& line, const FileUrls& urls, const Diale
         for (const Option& option : line.inputs[i].options) {
             appendOption(words, optionRule(option.name).modernName, option.value);
         }
-        words.insert(words.end(), {"-protocol_whitelist", "file,pipe,fd", "-i", urls.inputs[i]});
+        if (!hasOption(line.inputs[i].options, "f")) {
+            words.insert(words.end(), {"-format_whitelist", handledContainers});
+        }
+        words.insert(words.end(), {"-protocol_whitelist", localProtocols, "-i", urls.inputs[i]});
     }
     for (std::size_t i = 0; i < line.outputs.size(); ++i) {
-        appendOutput(words, line.outputs[i], urls.outputs[i], dialect);
+        appendOutput(words, line, i, urls.outputs[i], dialect);
     }
     return words;
 }

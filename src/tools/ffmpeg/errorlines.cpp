@@ -143,4 +143,9 @@ std::optional<int> streamWithoutParameters(std::string_view line)
     return line.starts_with('[') ? numberBehind(line, "] Could not find codec parameters for stream ") : std::nullopt;
 }
 
+bool tellsForeignFormat(std::string_view line)
+{
+    return line.starts_with('[') && contains(line, "] Format not on whitelist ");
+}
+
 } // namespace tavrix::front

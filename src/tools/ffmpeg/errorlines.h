@@ -42,4 +42,7 @@ struct OpenFailure {
 // The number of the stream whose parameters were not found; nothing for other lines.
 [[nodiscard]] std::optional<int> streamWithoutParameters(std::string_view line);
 
+// Whether a line tells that the input's format is none of those handled.
+[[nodiscard]] bool tellsForeignFormat(std::string_view line);
+
 } // namespace tavrix::front

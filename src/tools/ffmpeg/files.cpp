@@ -121,22 +121,22 @@ std::vector<std::string> muxerFor(const FileEntry& output, bool& guessed)
 
 } // namespace
 
-bool RunFiles::open(const CommandLine& line, std::string& error)
+Result<void> RunFiles::open(const CommandLine& line)
 {
     for (const FileEntry& input : line.inputs) {
-        if (!openInput(input, error)) {
-            return false;
+        if (auto opened = openInput(input); !opened) {
+            return opened;
         }
     }
     for (const FileEntry& output : line.outputs) {
-        if (!openOutput(output, line, error)) {
-            return false;
+        if (auto opened = openOutput(output, line); !opened) {
+            return opened;
         }
     }
-    return true;
+    return {};
 }
 
-bool RunFiles::openInput(const FileEntry& input, std::string& error)
+Result<void> RunFiles::openInput(const FileEntry& input)
 {
     struct stat info = {};
     const bool exists = stat(input.name.c_str(), &info) == 0;
@@ -154,8 +154,8 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
         const int fd = keep(::tavrix::openFile(input.name.c_str(), O_RDONLY));
         if (fd < 0) {
             const std::string reason = errorText(errno);
-            error = shown + ": " + classicOpenFailure(reason).value_or("Error while opening file (" + reason + ')');
-            return false;
+            return Failure{shown + ": " +
+                           classicOpenFailure(reason).value_or("Error while opening file (" + reason + ')')};
         }
         url = descriptorUrl(fd);
     } else if (input.name.size() > longestPrintedName) {
@@ -167,7 +167,7 @@ bool RunFiles::openInput(const FileEntry& input, std::string& error)
     }
     urls_.inputs.push_back(url);
     inputNames_.push_back({url, shown});
-    return true;
+    return {};
 }
 
 // Holds a descriptor open until the end and gives its number; -1, with errno, for one that is not open.
@@ -181,7 +181,7 @@ int RunFiles::keep(Descriptor descriptor)
     return openDescriptors_.back().get();
 }
 
-bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std::string& error)
+Result<void> RunFiles::openOutput(const FileEntry& output, const CommandLine& line)
 {
     bool guessed = false;
     std::vector<std::string> muxer = muxerFor(output, guessed);
@@ -189,13 +189,13 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
     outputNames_.push_back({output.name, shown});
     if (isPipe(output.name)) {
         passOutput(output.name, guessed ? std::vector<std::string>() : muxer);
-        return true;
+        return {};
     }
     struct stat info = {};
     const bool exists = stat(output.name.c_str(), &info) == 0;
     if (exists && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode)) {
         passOutput("file:" + output.name, std::move(muxer));
-        return true;
+        return {};
     }
     const bool sequence = isPictureSequence(output.name) && !wantsOneFrame(output);
     const auto touches = [&](const FileEntry& input) {
@@ -203,33 +203,30 @@ bool RunFiles::openOutput(const FileEntry& output, const CommandLine& line, std:
                         : sameFile(output.name.c_str(), input.name.c_str());
     };
     if (std::ranges::any_of(line.inputs, touches)) {
-        error = "Output file '" + shown + "' is also an input - exiting";
-        return false;
+        return Failure{"Output file '" + shown + "' is also an input - exiting"};
     }
     const bool descriptor = isOpenDescriptor(output.name);
     const bool overwrites = line.overwrite && !line.neverOverwrite;
     if (exists && !sequence && !descriptor && !overwrites) {
-        error = "File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting";
-        return false;
+        return Failure{"File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting"};
     }
     if (sequence) {
         muxer = guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"};
     }
     if (!sequence && !descriptor && !writesOtherFiles(muxer)) {
-        return openFile(output.name, std::move(muxer), overwrites, error);
+        return openFile(output.name, std::move(muxer), overwrites);
     }
     passOutput("file:" + output.name, std::move(muxer));
-    return true;
+    return {};
 }
 
-bool RunFiles::openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites, std::string& error)
+Result<void> RunFiles::openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites)
 {
     // A name that says nothing to this tool may say something to ffmpeg, if it can see the extension.
     const auto style = muxer.empty() ? SafeOutput::Style::Hidden : SafeOutput::Style::Anonymous;
     auto file = SafeOutput::open(name, style);
     if (!file) {
-        error = outputNames_.back().shown + ": " + file.reason();
-        return false;
+        return Failure{outputNames_.back().shown + ": " + file.reason()};
     }
     const std::string url = "file:" + file->path();
     outputNames_.back().url = url;
@@ -244,7 +241,7 @@ bool RunFiles::openFile(const std::string& name, std::vector<std::string> muxer,
     }
     outputs_.push_back(std::move(made));
     urls_.outputs.push_back({url, std::move(muxer)});
-    return true;
+    return {};
 }
 
 void RunFiles::passOutput(const std::string& url, std::vector<std::string> muxer)
@@ -294,7 +291,7 @@ std::optional<std::string> RunFiles::emptyOutput() const
     return std::nullopt;
 }
 
-bool RunFiles::publish(std::string& error)
+Result<void> RunFiles::publish()
 {
     for (std::size_t i = 0; i < outputs_.size(); ++i) {
         if (!outputs_[i].file) {
@@ -302,11 +299,10 @@ bool RunFiles::publish(std::string& error)
         }
         const auto published = outputs_[i].file->commit(outputs_[i].durability, outputs_[i].existing);
         if (!published) {
-            error = outputNames_[i].shown + ": " + published.reason();
-            return false;
+            return Failure{outputNames_[i].shown + ": " + published.reason()};
         }
     }
-    return true;
+    return {};
 }
 
 } // namespace tavrix::front

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sys/descriptor.h"
+#include "sys/result.h"
 #include "sys/safeoutput.h"
 #include "tools/ffmpeg/arguments.h"
 #include "tools/ffmpeg/commandline.h"
@@ -15,7 +16,7 @@
 namespace tavrix::front
 {
 
-// Opens what has to be open for a run and publishes the outputs after it. A failure is told in one line.
+// Opens what has to be open for a run and publishes the outputs after it. The reason of a failure is the line to print.
 class RunFiles
 {
 public:
@@ -23,8 +24,8 @@ public:
     RunFiles(const RunFiles&) = delete;
     RunFiles& operator=(const RunFiles&) = delete;
 
-    // False, with the line to print in `error`, when a file cannot be used; nothing has been touched then.
-    [[nodiscard]] bool open(const CommandLine& line, std::string& error);
+    // Fails when a file cannot be used; nothing has been touched then.
+    Result<void> open(const CommandLine& line);
 
     [[nodiscard]] const FileUrls& urls() const { return urls_; }
     [[nodiscard]] TranscriptNames names() const;
@@ -37,8 +38,8 @@ public:
     [[nodiscard]] std::optional<std::string> shortenedInput() const;
     // The name of the first output that holds not a byte; nothing when all have some.
     [[nodiscard]] std::optional<std::string> emptyOutput() const;
-    // Puts the outputs under their names. False, with the line to print, at the first that cannot be.
-    [[nodiscard]] bool publish(std::string& error);
+    // Puts the outputs under their names; fails at the first that cannot be.
+    Result<void> publish();
 
 private:
     struct Output {
@@ -47,11 +48,10 @@ private:
         SafeOutput::Existing existing = SafeOutput::Existing::Replaced;
     };
 
-    [[nodiscard]] bool openInput(const FileEntry& input, std::string& error);
+    Result<void> openInput(const FileEntry& input);
     [[nodiscard]] int keep(Descriptor descriptor);
-    [[nodiscard]] bool openOutput(const FileEntry& output, const CommandLine& line, std::string& error);
-    [[nodiscard]] bool openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites,
-                                std::string& error);
+    Result<void> openOutput(const FileEntry& output, const CommandLine& line);
+    Result<void> openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites);
     void passOutput(const std::string& url, std::vector<std::string> muxer);
 
     struct InputSize {

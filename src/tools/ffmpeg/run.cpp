@@ -84,10 +84,9 @@ public:
 
     int execute()
     {
-        std::string error;
-        if (!files_.open(line_, error)) {
+        if (const auto opened = files_.open(line_); !opened) {
             print(classicBanner());
-            print(error);
+            print(opened.reason());
             return 1;
         }
         watchForInterruption();
@@ -179,35 +178,36 @@ private:
         if (attempt.end->code != 0) {
             return attempt.end->code;
         }
-        std::string error = unpublishable(attempt.findings);
-        if (error.empty() && files_.publish(error)) {
-            return 0;
+        auto published = publishable(attempt.findings);
+        if (published) {
+            published = files_.publish();
         }
-        print(error);
-        return 1;
+        if (!published) {
+            print(published.reason());
+        }
+        return published ? 0 : 1;
     }
 
-    // Why an output must not be published although ffmpeg ended with status 0; empty when it may be.
-    [[nodiscard]] std::string unpublishable(const Findings& findings) const
+    // Whether the outputs may be published; ffmpeg's status 0 is no proof.
+    [[nodiscard]] Result<void> publishable(const Findings& findings) const
     {
         if (line_.outputs.empty()) {
             return {};
         }
         if (!findings.writeFailure.empty()) {
-            return "Output incomplete, discarded: " + findings.writeFailure;
+            return Failure{"Output incomplete, discarded: " + findings.writeFailure};
         }
         if (!findings.readFailure.empty()) {
-            return "Output incomplete, discarded: " + findings.readFailure;
+            return Failure{"Output incomplete, discarded: " + findings.readFailure};
         }
         if (const auto shortened = files_.shortenedInput()) {
-            return "Output incomplete, discarded: " + *shortened + " has become shorter meanwhile";
+            return Failure{"Output incomplete, discarded: " + *shortened + " has become shorter meanwhile"};
         }
-        const auto empty = files_.emptyOutput();
-        if (empty) {
-            return *empty + ": nothing was written";
+        if (const auto empty = files_.emptyOutput()) {
+            return Failure{*empty + ": nothing was written"};
         }
         if (findings.nothingEncoded && !files_.inheritedDescriptors().empty()) {
-            return "Output without content, discarded";
+            return Failure{"Output without content, discarded"};
         }
         return {};
     }

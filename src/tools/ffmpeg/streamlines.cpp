@@ -1,3 +1,12 @@
+// What is read, one line each (the first three of ffmpeg 5, then of 4, of 7, and of an output):
+//
+//     Stream #0:0[0x1011]: Video: h264 (High) (HDMV / 0x564D4448), yuv420p(tv, bt709, progressive), 1280x720 [SAR 1:1
+//     DAR 16:9], 59.94 fps, 59.94 tbr, 90k tbn Stream #0:1[0x1100](eng): Audio: ac3 (AC-3 / 0x332D4341), 48000
+//     Hz, 5.1(side), fltp, 384 kb/s Stream #0:2[0x3](eng): Data: none (tmcd / 0x64636D74), 0 kb/s (default) Stream
+//     #0:0(und): Video: mjpeg (avc1 / 0x31637661), yuvj420p(pc, bt470bg/unknown/unknown), 640x480, 30 tbr, 30 tbn, 30
+//     tbc (default) Stream #0:0[0x1](und): Video: h264 (High), yuv420p(progressive), 464x848, 1999 kb/s, 30.02
+//     fps, 30.02 tbr, 90k tbn (default) Stream #0:0: Video: mpeg4 (mp4v / 0x7634706D), yuv420p(tv, progressive),
+//     480x272 [SAR 136:135 DAR 16:9], q=2-31, 250 kb/s, 29.97 fps, 30k tbn
 #include "tools/ffmpeg/streamlines.h"
 
 #include "tools/ffmpeg/textpieces.h"
@@ -9,6 +18,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace tavrix::front
@@ -116,6 +126,27 @@ std::string rateText(const std::string& field, double factor)
     return text.data();
 }
 
+// Phones print the rate they reached instead of the one they aim at ("30.02"), and a rule that compares it with 30
+// would halve it.
+std::string standardRate(const std::string& field)
+{
+    constexpr std::array rates = {
+        std::pair{24000 / 1001.0, "23.98"}, std::pair{24.0, "24"}, std::pair{25.0, "25"},
+        std::pair{30000 / 1001.0, "29.97"}, std::pair{30.0, "30"}, std::pair{50.0, "50"},
+        std::pair{60000 / 1001.0, "59.94"}, std::pair{60.0, "60"},
+    };
+    constexpr double tolerance = 0.005;
+    const auto unit = field.find_first_not_of("0123456789.");
+    if (unit == std::string::npos || field[unit] != ' ') {
+        return field;
+    }
+    const double rate = std::strtod(field.c_str(), nullptr);
+    const auto* const nearest = std::ranges::min_element(
+        rates, [rate](const auto& a, const auto& b) { return std::fabs(a.first - rate) < std::fabs(b.first - rate); });
+    const bool standard = std::fabs(nearest->first - rate) <= nearest->first * tolerance;
+    return standard ? nearest->second + field.substr(unit) : field;
+}
+
 bool isPictureSize(const std::string& field)
 {
     const std::string width = leadingDigits(field);
@@ -156,7 +187,7 @@ void sortVideoField(VideoFields& fields, const std::string& field)
     if (field.ends_with(" fps")) {
         fields.averageRate = field;
     } else if (field.ends_with(" tbr")) {
-        fields.baseRate = field;
+        fields.baseRate = standardRate(field);
     } else if (field.ends_with(" tbn")) {
         fields.timeBase = field;
     } else if (field.ends_with(" tbc")) {

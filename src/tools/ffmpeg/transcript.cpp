@@ -56,7 +56,7 @@ std::string classicPacketLine(std::string line)
 // Remarks on the words that this tool itself chose for an option.
 bool concernsOwnSpelling(std::string_view line)
 {
-    return contains(line, "-vsync is deprecated") || contains(line, "Use -fps_mode") ||
+    return tellsForeignFormat(line) || contains(line, "-vsync is deprecated") || contains(line, "Use -fps_mode") ||
            contains(line, "Press [q] to stop");
 }
 
@@ -85,11 +85,11 @@ std::vector<TranscriptLine> Transcript::translate(std::string_view rawLine, char
         return lines;
     }
     const std::string bare = withoutNames(line);
+    line = withShownNames(std::move(line));
+    note(bare, line);
     if (concernsOwnSpelling(bare)) {
         return lines;
     }
-    line = withShownNames(std::move(line));
-    note(bare, line);
     trackSection(line);
     if (section_ == Section::Mapping) {
         mapping_.push_back(validUtf8(translateOther(line)));
@@ -172,6 +172,7 @@ void Transcript::note(const std::string& line, const std::string& shown)
     if (const auto option = refusedOption(line)) {
         findings_.refusedOption = *option;
     }
+    foreignFormat_ = foreignFormat_ || tellsForeignFormat(line);
     findings_.annexBRefused = findings_.annexBRefused || refusesAnnexB(line);
     framesCounted_ = framesCounted_ || countsFrames(line);
     // Without pictures the header alone makes the file, and ffmpeg does not always say so.
@@ -229,9 +230,12 @@ bool Transcript::translateFailure(const std::string& line, std::string& classic)
         return failureTold_;
     }
     const auto later = laterOpenFailure(line);
-    const auto failure = later ? later : namedFailure(line);
+    auto failure = later ? later : namedFailure(line);
     if (!failure || failure->input >= names_.inputs.size()) {
         return false;
+    }
+    if (foreignFormat_ && failure->reason == "Invalid argument") {
+        failure->reason = "Invalid data found when processing input";
     }
     const std::string& shown = names_.inputs[failure->input].shown;
     if (findings_.readFailure.empty() && tellsReadFailure(failure->reason)) {

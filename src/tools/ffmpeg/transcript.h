@@ -79,6 +79,7 @@ private:
     std::set<int> describedStreams_;
     std::set<int> withoutParameters_;
     bool failureTold_ = false;
+    bool foreignFormat_ = false; // the input is in a format that is not handled
     bool framesCounted_ = false;
     double knownTime_ = 0;
 };
