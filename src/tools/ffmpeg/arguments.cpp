@@ -1,7 +1,11 @@
 #include "tools/ffmpeg/arguments.h"
 
+#include "media/mediainput.h"
 #include "tools/ffmpeg/filters.h"
 #include "tools/ffmpeg/optionrules.h"
+#include "tools/ffmpeg/outputjob.h"
+#include "tools/ffmpeg/picturefilters.h"
+#include "tools/ffmpeg/soundfilters.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,11 +19,6 @@ namespace
 
 constexpr std::string_view annexB = "h264_mp4toannexb";
 
-// What is opened: the containers that the program handles, and local files. A play list, a script or a list of pictures
-// under a clip's name would lead to other files, or to addresses.
-constexpr const char* handledContainers = "mpegts,mov,mp4,m4a,3gp,3g2,mj2,avi,mpeg,mpegvideo,dv";
-constexpr const char* localProtocols = "file,pipe,fd";
-
 using Words = std::vector<std::string>;
 
 bool isOptionFor(const Option& option, std::initializer_list<std::string_view> names)
@@ -27,41 +26,51 @@ bool isOptionFor(const Option& option, std::initializer_list<std::string_view> n
     return std::ranges::find(names, option.name) != names.end();
 }
 
-bool encodesVideo(const std::vector<Option>& options)
-{
-    bool copied = hasOption(options, "vn");
-    for (const Option& option : options) {
-        if (isOptionFor(option, {"vcodec", "c:v", "codec:v", "c", "codec"})) {
-            copied = option.value == "copy";
-        }
+// One output with all that decides on its arguments.
+struct Conversion {
+    const CommandLine& line;
+    const FileEntry& output;
+    const FileUrls::Output& target;
+    const Dialect& dialect;
+    const Source& source;
+    OutputJob job;
+
+    [[nodiscard]] const media::StreamFacts* picture() const { return chosen(media::Kind::Picture); }
+    [[nodiscard]] const media::StreamFacts* sound() const { return chosen(media::Kind::Sound); }
+
+private:
+    [[nodiscard]] const media::StreamFacts* chosen(media::Kind kind) const
+    {
+        return source ? source->chosen(kind) : nullptr;
     }
-    return !copied && !hasOption(options, "vn");
-}
+};
 
 // An output rate as filters: ffmpeg's own way drops a picture only when it is more than one late, so that a halved rate
 // lags by two of the source's. Nothing for a rate in words, or where the filters are not one chain.
-std::optional<std::string> rateFilters(const CommandLine& line, const FileEntry& output)
+std::optional<std::string> rateFilters(const Conversion& conversion)
 {
-    const bool ownGraph = hasOption(line.globals, "filter_complex") || hasOption(output.options, "filter_complex");
-    const auto rate = optionValue(output.options, "r");
-    if (!rate || ownGraph || !encodesVideo(output.options)) {
+    const auto& options = conversion.output.options;
+    const bool ownGraph = hasOption(conversion.line.globals, "filter_complex") || hasOption(options, "filter_complex");
+    const auto rate = optionValue(options, "r");
+    if (!rate || ownGraph || conversion.job.picture != Treatment::Encoded) {
         return std::nullopt;
     }
-    return nearestPictureFilters(*rate);
+    return nearestPictureFilters(*rate, conversion.picture());
 }
 
 // How frames are spaced. A rate together with frames passed through is refused, or fails at the first frame; passed
 // through alone, an encode dies of the first two frames that share a time, where dropping one of them is enough.
-std::optional<std::string> frameSpacing(const FileEntry& output, bool rateByFilter)
+std::optional<std::string> frameSpacing(const Conversion& conversion, bool rateByFilter)
 {
-    if (!encodesVideo(output.options)) {
+    const auto& options = conversion.output.options;
+    if (conversion.job.picture != Treatment::Encoded) {
         return std::nullopt;
     }
-    const bool hasRate = hasOption(output.options, "r") && !rateByFilter;
-    const auto asked = optionValue(output.options, "vsync");
+    const bool hasRate = hasOption(options, "r") && !rateByFilter;
+    const auto asked = optionValue(options, "vsync");
     if (!asked) {
         // The null container was filled at a constant rate; the probe for repeated frames depends on it.
-        const bool toNull = optionValue(output.options, "f") == "null";
+        const bool toNull = optionValue(options, "f") == "null";
         return toNull ? std::optional<std::string>("cfr") : std::nullopt;
     }
     if (asked == "0" || asked == "passthrough") {
@@ -109,10 +118,62 @@ std::string dottedToColon(std::string map)
     return map;
 }
 
-bool isPictureFilter(const Option& option)
+bool isFilterOf(const Option& option, std::string_view shortName, std::string_view longName)
 {
     const std::string name = optionRule(option.name).modernName;
-    return (name == "vf" || name == "filter:v") && option.value;
+    return (name == shortName || name == longName) && option.value;
+}
+
+std::string pictureFilters(const Conversion& conversion, const std::optional<std::string>& rate)
+{
+    std::string filters;
+    for (const Option& option : conversion.output.options) {
+        if (isFilterOf(option, "vf", "filter:v")) {
+            filters = modernFilters(*option.value);
+        }
+    }
+    const media::StreamFacts* const picture = conversion.picture();
+    if (conversion.job.picture != Treatment::Encoded || picture == nullptr) {
+        return joinedFilters(rate.value_or(""), filters);
+    }
+    const std::string mirror = conversion.dialect.mirrors ? "" : forgottenMirror(picture->turning);
+    return joinedFilters(rate.value_or(""), joinedFilters(mirror, fittedFilters(filters, *picture)));
+}
+
+std::string soundFilters(const Conversion& conversion)
+{
+    std::string filters;
+    for (const Option& option : conversion.output.options) {
+        if (isFilterOf(option, "af", "filter:a")) {
+            filters = *option.value;
+        }
+    }
+    const bool twoChannels = optionValue(conversion.output.options, "ac") == "2";
+    if (conversion.job.sound != Treatment::Encoded || conversion.sound() == nullptr || !twoChannels) {
+        return filters;
+    }
+    return joinedFilters(twoChannelFilters(*conversion.sound()), filters);
+}
+
+// What a copied picture needs so that its times come through.
+Words copyOptions(const Conversion& conversion)
+{
+    const media::StreamFacts* const picture = conversion.picture();
+    if (conversion.job.picture != Treatment::Copied || picture == nullptr ||
+        hasOption(conversion.output.options, "r")) {
+        return {};
+    }
+    const media::Ratio rate = picture->nominalRate;
+    if (conversion.job.container == "avi" && conversion.source->container != "avi" && rate.known()) {
+        // The container is all pictures of one length, and ffmpeg would choose half a picture.
+        return {"-r", std::to_string(rate.num) + '/' + std::to_string(rate.den)};
+    }
+    // 90000 parts of a second hold no whole number of them for these rates.
+    const bool uneven = rate.den == 1001 && 90000 * 1001LL % rate.num != 0;
+    if (conversion.job.isMovie() && conversion.source->container == "mpegts" && uneven) {
+        return {"-video_track_timescale", std::to_string(rate.num)};
+    }
+    return {};
 }
 
 void appendOutputOption(Words& words, const Option& option, const Dialect& dialect)
@@ -130,28 +191,29 @@ void appendOutputOption(Words& words, const Option& option, const Dialect& diale
     }
 }
 
-void appendOutput(Words& words, const CommandLine& line, std::size_t number, const FileUrls::Output& target,
-                  const Dialect& dialect)
+void appendOutput(Words& words, const Conversion& conversion)
 {
-    const FileEntry& output = line.outputs[number];
-    const auto rate = rateFilters(line, output);
-    words.insert(words.end(), target.muxer.begin(), target.muxer.end());
-    std::string filters = rate.value_or("");
-    for (const Option& option : output.options) {
+    const auto rate = rateFilters(conversion);
+    words.insert(words.end(), conversion.target.muxer.begin(), conversion.target.muxer.end());
+    for (const Option& option : conversion.output.options) {
+        const bool filter = isFilterOf(option, "vf", "filter:v") || isFilterOf(option, "af", "filter:a");
         const bool placedOnce = isOptionFor(option, {"vsync", "fps_mode", "f"}) || (rate && option.name == "r");
-        if (isPictureFilter(option)) {
-            filters = joinedFilters(rate.value_or(""), modernFilters(*option.value));
-        } else if (!placedOnce) {
-            appendOutputOption(words, option, dialect);
+        if (!filter && !placedOnce) {
+            appendOutputOption(words, option, conversion.dialect);
         }
     }
-    if (!filters.empty()) {
+    if (const std::string filters = pictureFilters(conversion, rate); !filters.empty()) {
         appendOption(words, "vf", filters);
     }
-    if (const auto spacing = frameSpacing(output, rate.has_value())) {
-        appendOption(words, dialect.frameRateMode ? "fps_mode" : "vsync", *spacing);
+    if (const std::string filters = soundFilters(conversion); !filters.empty()) {
+        appendOption(words, "af", filters);
     }
-    words.push_back(target.url);
+    if (const auto spacing = frameSpacing(conversion, rate.has_value())) {
+        appendOption(words, conversion.dialect.frameRateMode ? "fps_mode" : "vsync", *spacing);
+    }
+    const Words copy = copyOptions(conversion);
+    words.insert(words.end(), copy.begin(), copy.end());
+    words.push_back(conversion.target.url);
 }
 
 std::string logLevel(const CommandLine& line)
@@ -164,7 +226,7 @@ std::string logLevel(const CommandLine& line)
 
 } // namespace
 
-Words modernArguments(const CommandLine& line, const FileUrls& urls, const Dialect& dialect)
+Words modernArguments(const CommandLine& line, const FileUrls& urls, const Dialect& dialect, const Source& source)
 {
     Words words = {"-nostdin", "-v", logLevel(line)};
     if (!line.outputs.empty()) {
@@ -178,14 +240,25 @@ Words modernArguments(const CommandLine& line, const FileUrls& urls, const Diale
             appendOption(words, optionRule(option.name).modernName, option.value);
         }
         if (!hasOption(line.inputs[i].options, "f")) {
-            words.insert(words.end(), {"-format_whitelist", handledContainers});
+            words.insert(words.end(), {"-format_whitelist", media::sourceDemuxers});
         }
-        words.insert(words.end(), {"-protocol_whitelist", localProtocols, "-i", urls.inputs[i]});
+        words.insert(words.end(), {"-protocol_whitelist", media::localProtocols, "-i", urls.inputs[i]});
     }
     for (std::size_t i = 0; i < line.outputs.size(); ++i) {
-        appendOutput(words, line, i, urls.outputs[i], dialect);
+        const FileEntry& output = line.outputs[i];
+        const FileUrls::Output& target = urls.outputs[i];
+        appendOutput(words, {line, output, target, dialect, source, outputJob(output, target.muxer)});
     }
     return words;
+}
+
+bool asksForSource(const CommandLine& line, const FileUrls& urls)
+{
+    if (!convertsWholeClip(line) || urls.outputs.size() != 1) {
+        return false;
+    }
+    const OutputJob job = outputJob(line.outputs.front(), urls.outputs.front().muxer);
+    return job.isMovie() || job.container == "avi";
 }
 
 Dialect dialectAfterRefusal(const Dialect& dialect, std::string_view refusedOption, std::string_view version)
@@ -198,6 +271,14 @@ Dialect dialectAfterRefusal(const Dialect& dialect, std::string_view refusedOpti
         next.frameRateMode = true;
     }
     return next;
+}
+
+bool mirrorsPictures(std::string_view version, const Source& source)
+{
+    const media::StreamFacts* const picture = source ? source->chosen(media::Kind::Picture) : nullptr;
+    const int major = std::atoi(std::string(version).c_str());
+    const bool old = major > 0 && major < 5;
+    return !(old && picture != nullptr && picture->turning.mirrored);
 }
 
 bool levelsAreMarked(const CommandLine& line)

@@ -1,8 +1,10 @@
 // From the old command line to that of the installed ffmpeg.
 #pragma once
 
+#include "media/sourcefacts.h"
 #include "tools/ffmpeg/commandline.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,17 +26,27 @@ struct FileUrls {
 struct Dialect {
     bool annexBFilter = true;   // false: h264_mp4toannexb is left out, for a stream that is not H.264
     bool frameRateMode = false; // -fps_mode instead of -vsync, which versions after 7 do not know
+    bool mirrors = true;        // false: a mirrored picture is only turned, by versions before 5
 
     bool operator==(const Dialect&) const = default;
 };
 
+// What the source of a clip's conversion shows; nothing where it is not asked for or cannot be told.
+using Source = std::optional<media::SourceFacts>;
+
 // The installed ffmpeg's arguments, without the program's name. `urls` has one entry per file of `line`.
 [[nodiscard]] std::vector<std::string> modernArguments(const CommandLine& line, const FileUrls& urls,
-                                                       const Dialect& dialect);
+                                                       const Dialect& dialect, const Source& source = {});
+
+// Whether the source's facts decide on the arguments.
+[[nodiscard]] bool asksForSource(const CommandLine& line, const FileUrls& urls);
 
 // The dialect to try after the installed ffmpeg refused an option ("vsync"); the same one when nothing helps.
 [[nodiscard]] Dialect dialectAfterRefusal(const Dialect& dialect, std::string_view refusedOption,
                                           std::string_view version);
+
+// Whether that version of ffmpeg mirrors the picture of a source itself, where it is mirrored.
+[[nodiscard]] bool mirrorsPictures(std::string_view version, const Source& source);
 
 // Whether lines of the transcript carry their level and must be sorted by it (-v 3 and more).
 [[nodiscard]] bool levelsAreMarked(const CommandLine& line);

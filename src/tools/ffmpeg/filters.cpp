@@ -1,8 +1,6 @@
 #include "tools/ffmpeg/filters.h"
 
 #include <cctype>
-#include <cmath>
-#include <cstdlib>
 #include <vector>
 
 namespace tavrix::front
@@ -53,37 +51,7 @@ std::string modernFilter(std::string_view filter)
     return result + std::string(ratio);
 }
 
-// Pictures per second; 0 when the text is no rate.
-double rateOf(const std::string& text)
-{
-    const auto slash = text.find('/');
-    const std::string first = text.substr(0, slash);
-    const std::string second = slash == std::string::npos ? "1" : text.substr(slash + 1);
-    const auto isNumber = [](const std::string& part) {
-        return !part.empty() && part.find_first_not_of("0123456789.") == std::string::npos;
-    };
-    if (!isNumber(first) || !isNumber(second)) {
-        return 0;
-    }
-    const double rate = std::strtod(first.c_str(), nullptr) / std::strtod(second.c_str(), nullptr);
-    return std::isfinite(rate) ? rate : 0;
-}
-
 } // namespace
-
-std::optional<std::string> nearestPictureFilters(const std::string& rate)
-{
-    // A picture serves the output time when it is less than half an output picture late. A little less than half, so
-    // that at twice the rate, where every second picture lies in the middle, rounded times decide nothing.
-    constexpr double reach = 0.48;
-    constexpr double fineScale = 720000; // a source's own scale may be as coarse as its pictures
-    const double value = rateOf(rate);
-    if (value < 0.01 || value > 1000) {
-        return std::nullopt;
-    }
-    const auto shift = std::lround(fineScale * reach / value);
-    return "settb=1/720000,setpts=PTS-" + std::to_string(shift) + ",fps=fps=" + rate + ":round=up";
-}
 
 std::string joinedFilters(const std::string& first, const std::string& second)
 {

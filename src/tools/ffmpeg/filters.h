@@ -1,7 +1,6 @@
 // Filter descriptions of the old dialect.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,10 +11,6 @@ namespace tavrix::front
 // number is an unrelated option today, which gives a picture nine times as wide as high), and the first names of the
 // aspect filters become the present ones.
 [[nodiscard]] std::string modernFilters(std::string_view description);
-
-// Filters that give for each output time the picture of the source nearest to it, for an output rate in pictures per
-// second ("25", "29.97", "30000/1001"); nothing when it is no such number.
-[[nodiscard]] std::optional<std::string> nearestPictureFilters(const std::string& rate);
 
 // Both in this order; either may be empty.
 [[nodiscard]] std::string joinedFilters(const std::string& first, const std::string& second);

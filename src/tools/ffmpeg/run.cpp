@@ -90,6 +90,7 @@ public:
             return 1;
         }
         watchForInterruption();
+        readSource();
         // An encode does not end because nobody reads its messages any more.
         std::signal(SIGPIPE, SIG_IGN);
         Attempt attempt = once({});
@@ -101,9 +102,22 @@ public:
     }
 
 private:
+    // ffmpeg itself says why, where a source cannot be read.
+    void readSource()
+    {
+        if (!asksForSource(line_, files_.urls())) {
+            return;
+        }
+        auto facts = media::readSourceFacts(line_.inputs.front().name);
+        if (facts) {
+            source_ = std::move(*facts);
+        }
+    }
+
     [[nodiscard]] Dialect dialectAfter(const Findings& findings) const
     {
         Dialect next = dialectAfterRefusal({}, findings.refusedOption, findings.version);
+        next.mirrors = mirrorsPictures(findings.version, source_);
         // A second start would miss what the first has taken out of a pipe.
         next.annexBFilter = !findings.annexBRefused || !files_.canBeReadAgain();
         return next;
@@ -113,7 +127,7 @@ private:
     {
         SpawnRequest request;
         request.program = program_;
-        request.arguments = modernArguments(line_, files_.urls(), dialect);
+        request.arguments = modernArguments(line_, files_.urls(), dialect, source_);
         request.arguments.insert(request.arguments.begin(), self_);
         request.environment = {{"LC_ALL", "C"}, {"AV_LOG_FORCE_NOCOLOR", "1"}, {chainVariable, chain_}};
         request.removedVariables = {"AV_LOG_FORCE_COLOR", "AV_LOG_FORCE_256COLOR", "FFREPORT"};
@@ -217,6 +231,7 @@ private:
     std::string chain_;
     CommandLine line_;
     RunFiles files_;
+    Source source_;
 };
 
 // Becomes the installed ffmpeg, for what needs no bridge.
