@@ -40,8 +40,7 @@ void rewrite(const MovieAtoms& movie, const EditTimeline& timeline, std::uint64_
 {
     RewriteRequest request{&movie, fileSize, timeline, {}, DisplayScale{1.5, 0.5}};
     request.changes.push_back({PixelSize{640, 480}, "name"});
-    std::string reason;
-    const std::optional<RewritePlan> plan = RewritePlan::make(request, &reason);
+    const Result<RewritePlan> plan = RewritePlan::make(request);
     if (!plan) {
         return;
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sys/secondpass.h"
+
 #include <QString>
 
 // Names of the working state that both step machines keep in the preferences store.
@@ -19,8 +21,8 @@ inline const QString analysisFfmpegParse = QStringLiteral("analysisFfmpegParse")
 inline const QString analysisFin = QStringLiteral("analysisFin");
 inline const QString analysisIStr = QStringLiteral("analysisIStr");
 inline const QString imgPathStr = QStringLiteral("imgPathStr");
-inline const QString encCurrentProcessingFile = QStringLiteral("encCurrentProcessingFile");
-inline const QString processEncDico = QStringLiteral("processEncDico");
+inline const QString encCurrentProcessingFile = QString::fromLatin1(secondpass::clip);
+inline const QString processEncDico = QString::fromLatin1(secondpass::record);
 inline const QString encDeb = QStringLiteral("encDeb");
 inline const QString encQtEnc = QStringLiteral("encQtEnc");
 inline const QString encFin = QStringLiteral("encFin");

@@ -3,6 +3,7 @@
 #include "base/log.h"
 #include "base/paths.h"
 #include "base/propertylist.h"
+#include "sys/secondpass.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -94,13 +95,13 @@ QVariant infoValue(const QString& key)
 
 QString bundleName()
 {
-    const QString name = infoValue(QStringLiteral("CFBundleName")).toString();
+    const QString name = infoValue(QString::fromLatin1(secondpass::nameKey)).toString();
     return name.isEmpty() ? QStringLiteral("Tavrix") : name;
 }
 
 QString bundleIdentifier()
 {
-    return infoValue(QStringLiteral("CFBundleIdentifier")).toString();
+    return infoValue(QString::fromLatin1(secondpass::identifierKey)).toString();
 }
 
 QString bundleVersion()

@@ -2,6 +2,7 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "sys/secondpass.h"
 
 #include <algorithm>
 
@@ -14,7 +15,7 @@ namespace
 // The master copy's mark, and the length up to which its whole path keeps the name as it is.
 const QString& masterSuffix()
 {
-    static const QString suffix = QStringLiteral("_MASTER");
+    static const QString suffix = QString::fromLatin1(secondpass::masterSuffix);
     return suffix;
 }
 constexpr int shortPathLimit = 28;

@@ -1,20 +1,18 @@
 #include "base/paths.h"
 
+#include "sys/home.h"
+
 #include <QFile>
 #include <QStringList>
 
-#include <cerrno>
-#include <pwd.h>
+#include <string>
 #include <unistd.h>
-#include <vector>
 
 namespace tavrix
 {
 
 namespace
 {
-
-constexpr size_t largestEntry = size_t{1} << 20;
 
 QString normalized(const QString& path)
 {
@@ -38,19 +36,10 @@ qsizetype extensionDot(const QString& component)
     return dot <= 0 || component == QLatin1String("..") ? -1 : dot;
 }
 
-// Home folder of the named user, of this process's user for an empty name; nothing when there is none.
-QString userDatabaseHome(const QByteArray& name)
+// Nothing when the database knows no such user.
+QString knownHome(const std::string& home)
 {
-    passwd entry = {};
-    passwd* found = nullptr;
-    std::vector<char> buffer(1024);
-    int result = ERANGE;
-    while (result == ERANGE && buffer.size() <= largestEntry) {
-        buffer.resize(buffer.size() * 2);
-        result = name.isEmpty() ? getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found)
-                                : getpwnam_r(name.constData(), &entry, buffer.data(), buffer.size(), &found);
-    }
-    return result == 0 && found && found->pw_dir[0] == '/' ? normalized(QFile::decodeName(found->pw_dir)) : QString();
+    return home.empty() ? QString() : normalized(QFile::decodeName(QByteArray::fromStdString(home)));
 }
 
 QStringList withoutDotComponents(const QString& path, bool absolute)
@@ -144,7 +133,7 @@ QString stringByExpandingTildeInPath(const QString& path)
     }
     const qsizetype slash = path.indexOf(u'/');
     const QString user = slash < 0 ? path.mid(1) : path.mid(1, slash - 1);
-    const QString home = user.isEmpty() ? homeFolder() : userDatabaseHome(nativePath(user));
+    const QString home = user.isEmpty() ? homeFolder() : knownHome(homeOfUser(nativePath(user).toStdString()));
     if (home.isNull()) {
         return path;
     }
@@ -175,12 +164,8 @@ QString stringByStandardizingPath(const QString& path)
 
 QString homeFolder()
 {
-    const QByteArray home = qgetenv("HOME");
-    if (home.startsWith('/')) {
-        return normalized(QFile::decodeName(home));
-    }
-    const QString entry = userDatabaseHome(QByteArray());
-    return entry.isNull() ? QStringLiteral("/") : entry;
+    const QString home = knownHome(ownHome());
+    return home.isNull() ? QStringLiteral("/") : home;
 }
 
 QByteArray nativePath(const QString& path)

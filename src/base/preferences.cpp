@@ -8,6 +8,7 @@
 #include "base/paths.h"
 #include "base/posixfile.h"
 #include "base/propertylist.h"
+#include "sys/secondpass.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -251,9 +252,8 @@ QStringList prefAllKeys()
 
 QString preferencesPath()
 {
-    const QString identifier = bundleIdentifier();
-    return formatText(QStringLiteral("%@/Library/Preferences/%@.plist"),
-                      {homeFolder(), identifier.isEmpty() ? bundleName() : identifier});
+    return QString::fromStdString(secondpass::storePath(homeFolder().toStdString(), bundleIdentifier().toStdString(),
+                                                        bundleName().toStdString()));
 }
 
 bool prefSynchronize()

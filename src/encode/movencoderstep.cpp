@@ -8,6 +8,7 @@
 #include "base/preferences.h"
 #include "encode/outputname.h"
 #include "probe/mediainforecord.h"
+#include "sys/secondpass.h"
 
 #include <cmath>
 
@@ -17,7 +18,7 @@ namespace tavrix
 namespace
 {
 
-const QString encodeDictionary = QStringLiteral("processEncDico");
+const QString encodeDictionary = QString::fromLatin1(secondpass::record);
 
 // False when the volume cannot hold the second pass. The first pass's output has been moved away by then: its size is
 // normally the -1 of a missing file, and only counts when the move has failed.

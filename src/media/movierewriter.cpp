@@ -47,24 +47,18 @@ std::uint32_t scaledMediaTimeScale(std::uint32_t timeScale, const std::optional<
     return scaled >= 1 && scaled <= INT32_MAX ? static_cast<std::uint32_t>(scaled) : timeScale;
 }
 
-bool isRewritable(const MovieAtoms& movie, std::string* reason)
+Result<void> rewritable(const MovieAtoms& movie)
 {
-    const auto refuse = [reason](const char* text) {
-        *reason = text;
-        return false;
-    };
     if (!movie.found || movie.damaged) {
-        return refuse("the movie header is missing or damaged");
+        return Failure{"the movie header is missing or damaged"};
     }
     if (movie.compressed || movie.fragmented) {
-        return refuse("the movie header is compressed or in fragments");
+        return Failure{"the movie header is compressed or in fragments"};
     }
-    for (const TrackAtoms& track : movie.tracks) {
-        if (!track.selfContained) {
-            return refuse("media lie in other files");
-        }
+    if (!std::ranges::all_of(movie.tracks, &TrackAtoms::selfContained)) {
+        return Failure{"media lie in other files"};
     }
-    return true;
+    return {};
 }
 
 std::optional<TrackRewrite> rewrittenTrack(const TrackAtoms& track, const RewriteRequest& request,
@@ -88,10 +82,10 @@ std::optional<TrackRewrite> rewrittenTrack(const TrackAtoms& track, const Rewrit
 
 } // namespace
 
-std::optional<RewritePlan> RewritePlan::make(const RewriteRequest& request, std::string* reason)
+Result<RewritePlan> RewritePlan::make(const RewriteRequest& request)
 {
-    if (!isRewritable(*request.movie, reason)) {
-        return std::nullopt;
+    if (const Result<void> allowed = rewritable(*request.movie); !allowed) {
+        return Failure{allowed.reason()};
     }
     RewritePlan plan;
     plan.movie_ = request.movie;
@@ -102,8 +96,7 @@ std::optional<RewritePlan> RewritePlan::make(const RewriteRequest& request, std:
     for (std::size_t index = 0; index < request.movie->tracks.size(); ++index) {
         std::optional<TrackRewrite> track = rewrittenTrack(request.movie->tracks[index], request, speed);
         if (!track) {
-            *reason = "a sample table is damaged";
-            return std::nullopt;
+            return Failure{"a sample table is damaged"};
         }
         if (track->selected.runs.empty()) {
             continue;
@@ -115,14 +108,12 @@ std::optional<RewritePlan> RewritePlan::make(const RewriteRequest& request, std:
         plan.tracks_.push_back(std::move(*track));
     }
     if (plan.tracks_.empty()) {
-        *reason = "nothing is left of the movie";
-        return std::nullopt;
+        return Failure{"nothing is left of the movie"};
     }
     plan.layOut();
     // Tables that point at the same bytes over and over would fill the disk.
     if (plan.dataSize_ / 2 > request.fileSize) {
-        *reason = "the sample tables overlap";
-        return std::nullopt;
+        return Failure{"the sample tables overlap"};
     }
     return plan;
 }

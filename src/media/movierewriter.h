@@ -3,6 +3,7 @@
 // Planning of a new, self-contained movie file from an edited one, without decoding.
 
 #include "media/movieheader.h"
+#include "sys/result.h"
 
 #include <optional>
 #include <string>
@@ -22,8 +23,8 @@ struct RewriteRequest {
 class RewritePlan
 {
 public:
-    // No value when the source's tables cannot be trusted or its media lie elsewhere; *reason says which.
-    [[nodiscard]] static std::optional<RewritePlan> make(const RewriteRequest& request, std::string* reason);
+    // Fails when the source's tables cannot be trusted or its media lie elsewhere.
+    [[nodiscard]] static Result<RewritePlan> make(const RewriteRequest& request);
 
     // Stretches to copy, in the order in which they follow one another in the new file's media data.
     [[nodiscard]] const std::vector<CopyRun>& copies() const { return copies_; }

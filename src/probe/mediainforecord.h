@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sys/secondpass.h"
+
 #include <QString>
 #include <QVariantMap>
 
@@ -28,9 +30,9 @@ inline const QString v0_aspect = QStringLiteral("v0_aspect");   // display aspec
 inline const QString a0_offset = QStringLiteral("a0_offset");   // time value in the track's own scale, qint64
 inline const QString mainEncSrcPathStr = QStringLiteral("mainEncSrcPathStr"); // full path of the source
 inline const QString imgPathStr = QStringLiteral("imgPathStr");               // full path of the thumbnail
-inline const QString out = QStringLiteral("out");                             // output format, int
-inline const QString dstPathStr = QStringLiteral("dstPathStr");               // output file of the row being encoded
-inline const QString purgePathStr1 = QStringLiteral("purgePathStr1");         // intermediate of the second pass
+inline const QString out = QString::fromLatin1(secondpass::format);           // output format, int
+inline const QString dstPathStr = QString::fromLatin1(secondpass::output);    // output file of the row being encoded
+inline const QString purgePathStr1 = QString::fromLatin1(secondpass::intermediate); // intermediate of the second pass
 
 // Keys of numbered streams: stream('v', 0, "fps") is "v0_fps".
 [[nodiscard]] inline QString stream(char kind, int number, const char* name)

@@ -6,9 +6,9 @@
 #include "quicktime/componentregistry.h"
 #include "quicktime/moviefilewriter.h"
 #include "quicktime/waveexport.h"
-#include "sys/descriptor.h"
+#include "sys/safeoutput.h"
 
-#include <QTemporaryFile>
+#include <QFile>
 
 #include <algorithm>
 #include <cmath>
@@ -45,6 +45,16 @@ MediaSize sizeOf(const DisplayBox& box)
 QVariant sizeValue(const MediaSize& size)
 {
     return QVariantList{size.width, size.height};
+}
+
+Result<void, QString> writeRewritten(const RewriteRequest& request, MovieFileJob job)
+{
+    const Result<RewritePlan> plan = RewritePlan::make(request);
+    if (!plan) {
+        return Failure{QString::fromStdString(plan.reason())};
+    }
+    job.plan = &*plan;
+    return writeMovieFile(job);
 }
 
 } // namespace
@@ -223,7 +233,7 @@ std::optional<DisplayScale> AvMovie::displayScale() const
     return scale;
 }
 
-bool AvMovie::writeFromAtoms(const QString& path, bool headerFirst, QString* reason)
+Result<void, QString> AvMovie::writeFromAtoms(const QString& path, bool headerFirst) const
 {
     RewriteRequest request;
     request.movie = &state_->source->atoms;
@@ -233,67 +243,51 @@ bool AvMovie::writeFromAtoms(const QString& path, bool headerFirst, QString* rea
     for (const std::shared_ptr<AvTrack>& track : tracks_) {
         request.changes.push_back(track->change());
     }
-    std::string refusal;
-    const std::optional<RewritePlan> plan = RewritePlan::make(request, &refusal);
-    if (!plan) {
-        *reason = QString::fromStdString(refusal);
-        return false;
-    }
-    return writeMovieFile({state_->source->path, path, &*plan, headerFirst}, reason);
+    return writeRewritten(request, {state_->source->path, path, nullptr, headerFirst});
 }
 
 // Other containers, and QuickTime files whose header cannot be edited, are first copied as they are into a QuickTime
-// file beside the destination.
-bool AvMovie::writeFromCopy(const QString& path, bool headerFirst, QString* reason)
+// file on the destination's volume. It never gets a name where the volume allows that, and is gone afterwards.
+Result<void, QString> AvMovie::writeFromCopy(const QString& path, bool headerFirst) const
 {
     if (!hasRoomFor(path, 2 * state_->source->identity.size)) {
-        *reason = QStringLiteral("not enough space on the volume");
-        return false;
+        return Failure{QStringLiteral("not enough space on the volume")};
     }
-    const QString name = QStringLiteral(".tavrix-XXXXXX.mov");
-    QTemporaryFile copy(stringByAppendingPathComponent(stringByDeletingLastPathComponent(path), name));
-    if (!copy.open()) {
-        *reason = copy.errorString();
-        return false;
+    const Result<SafeOutput> copy = SafeOutput::open(nativePath(path).toStdString());
+    if (!copy) {
+        return Failure{QString::fromStdString(copy.reason())};
     }
-    std::vector<int> streams;
-    if (!remuxToMov(state_->source->path, copy.fileName(), state_->source->timeScale, &streams, reason)) {
-        return false;
+    const QString copyPath = QFile::decodeName(QByteArray::fromStdString(copy->path()));
+    const Result<std::vector<int>, QString> streams =
+        remuxToMov(state_->source->path, copyPath, state_->source->timeScale);
+    if (!streams) {
+        return Failure{streams.reason()};
     }
-    const std::optional<FileIdentity> identity = fileIdentity(copy.fileName());
-    const Descriptor file = openFile(nativePath(copy.fileName()), O_RDONLY);
-    if (!identity || !file.isOpen()) {
-        *reason = QStringLiteral("the copy cannot be read");
-        return false;
-    }
-    const MovieAtoms atoms = readMovieAtoms(readAtOf(file.get()), identity->size);
-    RewriteRequest request{&atoms, identity->size, state_->timeline, {}, displayScale()};
-    for (const int stream : streams) {
+    const auto size = static_cast<std::uint64_t>(std::max<std::int64_t>(copy->size(), 0));
+    const MovieAtoms atoms = readMovieAtoms(readAtOf(copy->fd()), size);
+    RewriteRequest request{&atoms, size, state_->timeline, {}, displayScale()};
+    for (const int stream : *streams) {
         const auto track = std::find_if(tracks_.begin(), tracks_.end(), [stream](const std::shared_ptr<AvTrack>& t) {
             return t->source().stream && t->source().stream->index == stream;
         });
         request.changes.push_back(track == tracks_.end() ? TrackChange() : (*track)->change());
     }
-    std::string refusal;
-    const std::optional<RewritePlan> plan = RewritePlan::make(request, &refusal);
-    if (!plan) {
-        *reason = QString::fromStdString(refusal);
-        return false;
-    }
-    return writeMovieFile({copy.fileName(), path, &*plan, headerFirst}, reason);
+    return writeRewritten(request, {copyPath, path, nullptr, headerFirst});
 }
 
-bool AvMovie::writeMovie(const QString& path, bool headerFirst, QString* reason)
+Result<void, QString> AvMovie::writeMovie(const QString& path, bool headerFirst) const
 {
     const MovieSource& source = *state_->source;
     const bool fromAtoms = !source.tracks.empty() && source.tracks.front().fromAtoms;
-    if (fromAtoms && writeFromAtoms(path, headerFirst, reason)) {
-        return true;
+    if (!fromAtoms) {
+        return writeFromCopy(path, headerFirst);
     }
-    if (fromAtoms) {
-        logDebug(QStringLiteral("movie               :-/ copied first, as %@ : %@"), {*reason, source.path});
+    Result<void, QString> written = writeFromAtoms(path, headerFirst);
+    if (!written) {
+        logDebug(QStringLiteral("movie               :-/ copied first, as %@ : %@"), {written.reason(), source.path});
+        written = writeFromCopy(path, headerFirst);
     }
-    return writeFromCopy(path, headerFirst, reason);
+    return written;
 }
 
 // Why the movie cannot be written; nothing when it can be tried.
@@ -320,17 +314,18 @@ bool AvMovie::writeToFile(const QString& path, const WriteAttributes& attributes
 {
     const MovieSource& source = *state_->source;
     const bool isWave = attributes.exportNumber.value_or(0) != 0 && attributes.exportType == fourCharCode("WAVE");
-    QString reason = refusal(isWave);
-    bool written = false;
-    if (reason.isNull() && isWave) {
-        written = exportWave(source.path, path, state_->timeline, &reason);
-    } else if (reason.isNull()) {
-        written = writeMovie(path, attributes.flatten.value_or(false), &reason);
+    Result<void, QString> written;
+    if (const QString reason = refusal(isWave); !reason.isNull()) {
+        written = Failure{reason};
+    } else if (isWave) {
+        written = exportWave(source.path, path, state_->timeline);
+    } else {
+        written = writeMovie(path, attributes.flatten.value_or(false));
     }
     if (!written) {
-        logLine(QStringLiteral("movie               :-( %@ : %@"), {reason, path});
+        logLine(QStringLiteral("movie               :-( %@ : %@"), {written.reason(), path});
     }
-    return written;
+    return written.hasValue();
 }
 
 } // namespace tavrix

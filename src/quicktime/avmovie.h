@@ -2,6 +2,7 @@
 
 #include "media/movieheader.h"
 #include "quicktime/avtrack.h"
+#include "sys/result.h"
 
 #include <map>
 
@@ -48,9 +49,9 @@ private:
     [[nodiscard]] Boxes computedSizes() const;
     [[nodiscard]] const std::vector<std::int64_t>& interestingTimes(quint32 mediaType);
     [[nodiscard]] QString refusal(bool isWave) const;
-    bool writeMovie(const QString& path, bool headerFirst, QString* reason);
-    bool writeFromAtoms(const QString& path, bool headerFirst, QString* reason);
-    bool writeFromCopy(const QString& path, bool headerFirst, QString* reason);
+    [[nodiscard]] Result<void, QString> writeMovie(const QString& path, bool headerFirst) const;
+    [[nodiscard]] Result<void, QString> writeFromAtoms(const QString& path, bool headerFirst) const;
+    [[nodiscard]] Result<void, QString> writeFromCopy(const QString& path, bool headerFirst) const;
     [[nodiscard]] std::optional<DisplayScale> displayScale() const;
 
     std::shared_ptr<MovieState> state_;

@@ -76,10 +76,9 @@ bool isWanted(const AVStream* stream)
     return isMedia && (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
 }
 
-int addStreams(AVFormatContext* input, AVFormatContext* output, std::vector<StreamMap>& map, std::vector<int>* streams)
+int addStreams(AVFormatContext* input, AVFormatContext* output, std::vector<StreamMap>& map, std::vector<int>& streams)
 {
     map.resize(input->nb_streams);
-    streams->clear();
     for (unsigned int index = 0; index < input->nb_streams; ++index) {
         if (!isWanted(input->streams[index])) {
             input->streams[index]->discard = AVDISCARD_ALL;
@@ -89,10 +88,10 @@ int addStreams(AVFormatContext* input, AVFormatContext* output, std::vector<Stre
         if (error < 0) {
             return error;
         }
-        map[index].output = static_cast<int>(streams->size());
-        streams->push_back(static_cast<int>(index));
+        map[index].output = static_cast<int>(streams.size());
+        streams.push_back(static_cast<int>(index));
     }
-    return streams->empty() ? AVERROR_STREAM_NOT_FOUND : av_dict_copy(&output->metadata, input->metadata, 0);
+    return streams.empty() ? AVERROR_STREAM_NOT_FOUND : av_dict_copy(&output->metadata, input->metadata, 0);
 }
 
 // Containers leave times out or repeat them; the muxer wants each to be later than the one before.
@@ -156,7 +155,7 @@ int writeHeader(AVFormatContext* output, int movieTimeScale)
     return error;
 }
 
-int remux(AvInput& input, const QByteArray& address, int movieTimeScale, std::vector<int>* streams)
+int remux(AvInput& input, const QByteArray& address, int movieTimeScale, std::vector<int>& streams)
 {
     AVFormatContext* context = nullptr;
     int error = avformat_alloc_output_context2(&context, nullptr, "mov", address.constData());
@@ -187,22 +186,21 @@ int remux(AvInput& input, const QByteArray& address, int movieTimeScale, std::ve
 
 } // namespace
 
-bool remuxToMov(const QString& sourcePath, const QString& destinationPath, int movieTimeScale,
-                std::vector<int>* streams, QString* reason)
+Result<std::vector<int>, QString> remuxToMov(const QString& sourcePath, const QString& destinationPath,
+                                             int movieTimeScale)
 {
     const std::unique_ptr<AvInput> input = AvInput::open(sourcePath, openSeconds);
     if (input == nullptr) {
-        *reason = QStringLiteral("the source cannot be opened");
-        return false;
+        return Failure{QStringLiteral("the source cannot be opened")};
     }
     // A long clip takes its time to copy; only opening it is limited.
     input->allowSeconds(0);
+    std::vector<int> streams;
     const int error = remux(*input, "file:" + nativePath(destinationPath), movieTimeScale, streams);
     if (error < 0) {
-        *reason = avErrorText(error);
-        return false;
+        return Failure{avErrorText(error)};
     }
-    return true;
+    return streams;
 }
 
 } // namespace tavrix

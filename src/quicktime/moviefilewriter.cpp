@@ -2,12 +2,8 @@
 
 #include "base/filesizes.h"
 #include "base/paths.h"
+#include "base/posixfile.h"
 #include "media/atomwriter.h"
-#include "sys/descriptor.h"
-
-#include <QSaveFile>
-
-#include <sys/stat.h>
 
 namespace tavrix
 {
@@ -18,10 +14,14 @@ namespace
 constexpr std::uint64_t shortDataLimit = 0xFFFFFF00U;
 constexpr std::size_t bufferSize = std::size_t(1) << 20;
 
-bool writeBytes(QSaveFile& file, ByteView bytes)
+using Outcome = Result<void, QString>;
+
+Outcome writeBytes(const SafeOutput& file, ByteView bytes)
 {
-    const auto size = static_cast<qint64>(bytes.size());
-    return file.write(reinterpret_cast<const char*>(bytes.data()), size) == size;
+    if (!writeAll(file.fd(), {reinterpret_cast<const char*>(bytes.data()), bytes.size()})) {
+        return Failure{systemErrorText()};
+    }
+    return {};
 }
 
 // The source's own file type, so that an MP4 stays one.
@@ -59,29 +59,25 @@ std::vector<std::uint8_t> mediaDataHeader(std::uint64_t dataSize)
     return writer.bytes();
 }
 
-bool copyStretch(const ReadAt& readAt, std::uint64_t offset, std::uint64_t size, QSaveFile& file, QString* reason)
+Outcome copyStretch(const ReadAt& readAt, std::uint64_t offset, std::uint64_t size, const SafeOutput& file)
 {
     std::vector<std::uint8_t> buffer(static_cast<std::size_t>(std::min<std::uint64_t>(size, bufferSize)));
     while (size > 0) {
         const std::span<std::uint8_t> part(buffer.data(),
                                            static_cast<std::size_t>(std::min<std::uint64_t>(size, bufferSize)));
         if (!readAt(offset, part)) {
-            *reason = QStringLiteral("the source cannot be read");
-            return false;
+            return Failure{QStringLiteral("the source cannot be read")};
         }
-        if (!writeBytes(file, part)) {
-            // A short write alone leaves the file without a reason.
-            *reason = file.error() == QFileDevice::NoError ? QStringLiteral("the file cannot be written")
-                                                           : file.errorString();
-            return false;
+        if (Outcome written = writeBytes(file, part); !written) {
+            return written;
         }
         offset += part.size();
         size -= part.size();
     }
-    return true;
+    return {};
 }
 
-bool copyMedia(const ReadAt& readAt, const RewritePlan& plan, QSaveFile& file, QString* reason)
+Outcome copyMedia(const ReadAt& readAt, const RewritePlan& plan, const SafeOutput& file)
 {
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
@@ -90,30 +86,31 @@ bool copyMedia(const ReadAt& readAt, const RewritePlan& plan, QSaveFile& file, Q
             size += run.size;
             continue;
         }
-        if (!copyStretch(readAt, offset, size, file, reason)) {
-            return false;
+        if (Outcome copied = copyStretch(readAt, offset, size, file); !copied) {
+            return copied;
         }
         offset = run.sourceOffset;
         size = run.size;
     }
-    return copyStretch(readAt, offset, size, file, reason);
+    return copyStretch(readAt, offset, size, file);
 }
 
-bool writeMovie(const MovieFileJob& job, const ReadAt& readAt, std::uint64_t sourceSize, QSaveFile& file, QString* reason)
+Outcome writeMovie(const MovieFileJob& job, const ReadAt& readAt, std::uint64_t sourceSize, const SafeOutput& file)
 {
     const std::vector<std::uint8_t> fileType = fileTypeAtom(readAt, sourceSize);
     const std::vector<std::uint8_t> dataHeader = mediaDataHeader(job.plan->dataSize());
     const std::uint64_t headerSize = job.headerFirst ? job.plan->movieAtom(0).size() : 0;
     const std::vector<std::uint8_t> header = job.plan->movieAtom(fileType.size() + headerSize + dataHeader.size());
-    *reason = QStringLiteral("the file cannot be written");
-    if (!writeBytes(file, fileType) || (job.headerFirst && !writeBytes(file, header)) ||
-        !writeBytes(file, dataHeader)) {
-        return false;
+    std::vector<std::uint8_t> front = fileType;
+    if (job.headerFirst) {
+        front.insert(front.end(), header.begin(), header.end());
     }
-    if (!copyMedia(readAt, *job.plan, file, reason)) {
-        return false;
+    front.insert(front.end(), dataHeader.begin(), dataHeader.end());
+    Outcome written = writeBytes(file, front);
+    if (written) {
+        written = copyMedia(readAt, *job.plan, file);
     }
-    return job.headerFirst || writeBytes(file, header);
+    return written && !job.headerFirst ? writeBytes(file, header) : written;
 }
 
 } // namespace
@@ -125,33 +122,28 @@ bool hasRoomFor(const QString& destinationPath, std::uint64_t bytes)
     return static_cast<std::uint64_t>(std::max(free, 0)) > (bytes >> 20);
 }
 
-bool writeMovieFile(const MovieFileJob& job, QString* reason)
+Result<void, QString> writeMovieFile(const MovieFileJob& job)
 {
     if (!hasRoomFor(job.destinationPath, job.plan->dataSize())) {
-        *reason = QStringLiteral("not enough space on the volume");
-        return false;
+        return Failure{QStringLiteral("not enough space on the volume")};
     }
     const Descriptor source = openFile(nativePath(job.sourcePath), O_RDONLY);
-    struct stat status {
-    };
+    struct stat status = {};
     if (!source.isOpen() || ::fstat(source.get(), &status) != 0) {
-        *reason = QStringLiteral("the source cannot be opened");
-        return false;
+        return Failure{QStringLiteral("the source cannot be opened")};
     }
-    QSaveFile file(job.destinationPath);
-    if (!file.open(QIODevice::WriteOnly)) {
-        *reason = file.errorString();
-        return false;
+    Result<SafeOutput> file = SafeOutput::open(nativePath(job.destinationPath).toStdString());
+    if (!file) {
+        return Failure{QString::fromStdString(file.reason())};
     }
-    if (!writeMovie(job, readAtOf(source.get()), static_cast<std::uint64_t>(status.st_size), file, reason)) {
-        file.cancelWriting();
-        return false;
-    }
-    if (!file.commit()) {
-        *reason = file.errorString();
-        return false;
-    }
-    return true;
+    Outcome written = writeMovie(job, readAtOf(source.get()), static_cast<std::uint64_t>(status.st_size), *file);
+    return written ? published(*file) : written;
+}
+
+Result<void, QString> published(SafeOutput& file)
+{
+    const Result<void> committed = file.commit();
+    return committed ? Outcome() : Failure{QString::fromStdString(committed.reason())};
 }
 
 } // namespace tavrix

@@ -1,6 +1,10 @@
 #pragma once
 
+// Writing of the new movie file that a plan describes.
+
 #include "media/movierewriter.h"
+#include "sys/result.h"
+#include "sys/safeoutput.h"
 
 #include <QString>
 
@@ -14,9 +18,10 @@ struct MovieFileJob {
     bool headerFirst = false; // the movie header stands in front of the media data
 };
 
-// Writes the file under a temporary name and gives it its own only when it is complete. False leaves what was there
-// before; *reason says why.
-[[nodiscard]] bool writeMovieFile(const MovieFileJob& job, QString* reason);
+// The file appears under its name only when it is complete; what was there before stays when that fails.
+[[nodiscard]] Result<void, QString> writeMovieFile(const MovieFileJob& job);
+// Gives the complete file its name.
+[[nodiscard]] Result<void, QString> published(SafeOutput& file);
 // True when the volume of the file-to-be has room for so many bytes.
 [[nodiscard]] bool hasRoomFor(const QString& destinationPath, std::uint64_t bytes);
 

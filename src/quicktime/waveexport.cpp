@@ -1,15 +1,18 @@
 #include "quicktime/waveexport.h"
 
+#include "base/paths.h"
+#include "base/posixfile.h"
 #include "media/soundsink.h"
 #include "quicktime/avinput.h"
 #include "quicktime/moviefilewriter.h"
 
-#include <QSaveFile>
 #include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <unistd.h>
 
 namespace tavrix
 {
@@ -106,8 +109,7 @@ private:
     bool takeFrame(SoundSink& sink);
     bool writeSamples(std::span<const std::int16_t> samples);
     bool failed(const QString& reason);
-    // A short write alone leaves the file without a reason.
-    bool failedWrite();
+    bool write(const QByteArray& bytes);
     bool failed(int error) { return failed(avErrorText(error)); }
 
     std::unique_ptr<AvInput> input_;
@@ -118,7 +120,7 @@ private:
     int sampleRate_ = 0;
     int channels_ = 0;
     std::int64_t expected_ = std::numeric_limits<std::int64_t>::min(); // frame of the source that follows
-    std::unique_ptr<QSaveFile> file_;
+    std::optional<SafeOutput> file_;
     qint64 dataBytes_ = 0;
     QString reason_;
 };
@@ -129,10 +131,9 @@ bool WaveExport::failed(const QString& reason)
     return false;
 }
 
-bool WaveExport::failedWrite()
+bool WaveExport::write(const QByteArray& bytes)
 {
-    return failed(file_->error() == QFileDevice::NoError ? QStringLiteral("the file cannot be written")
-                                                         : file_->errorString());
+    return writeAll(file_->fd(), viewOf(bytes)) || failed(systemErrorText());
 }
 
 bool WaveExport::openDecoder(const QString& sourcePath)
@@ -188,8 +189,8 @@ bool WaveExport::writeSamples(std::span<const std::int16_t> samples)
     if (dataBytes_ + size > mostWaveBytes) {
         return failed(QStringLiteral("a WAVE file cannot hold that much sound"));
     }
-    if (file_->write(reinterpret_cast<const char*>(stored.data()), size) != size) {
-        return failedWrite();
+    if (!write(QByteArray::fromRawData(reinterpret_cast<const char*>(stored.data()), size))) {
+        return false;
     }
     dataBytes_ += size;
     return true;
@@ -264,35 +265,39 @@ bool WaveExport::run(const QString& sourcePath, const QString& destinationPath, 
                                          static_cast<std::uint64_t>(channels_) * sizeof(std::int16_t))) {
         return failed(QStringLiteral("not enough space on the volume"));
     }
-    file_ = std::make_unique<QSaveFile>(destinationPath);
-    if (!file_->open(QIODevice::WriteOnly)) {
-        return failed(file_->errorString());
+    Result<SafeOutput> file = SafeOutput::open(nativePath(destinationPath).toStdString());
+    if (!file) {
+        return failed(QString::fromStdString(file.reason()));
     }
-    if (file_->write(waveHeader(sampleRate_, channels_, 0)) != waveHeaderSize) {
-        return failedWrite();
+    file_ = std::move(*file);
+    if (!write(waveHeader(sampleRate_, channels_, 0))) {
+        return false;
     }
     SoundSink sink(timeline, sampleRate_, channels_,
                    [this](std::span<const std::int16_t> samples) { return writeSamples(samples); });
     if (!decodeAll(sink)) {
         return false;
     }
-    if (!file_->seek(0) || file_->write(waveHeader(sampleRate_, channels_, dataBytes_)) != waveHeaderSize) {
-        return failedWrite();
+    if (::lseek(file_->fd(), 0, SEEK_SET) != 0) {
+        return failed(systemErrorText());
     }
-    return file_->commit() || failed(file_->errorString());
+    if (!write(waveHeader(sampleRate_, channels_, dataBytes_))) {
+        return false;
+    }
+    const Result<void, QString> whole = published(*file_);
+    return whole || failed(whole.reason());
 }
 
 } // namespace
 
-bool exportWave(const QString& sourcePath, const QString& destinationPath, const EditTimeline& timeline,
-                QString* reason)
+Result<void, QString> exportWave(const QString& sourcePath, const QString& destinationPath,
+                                 const EditTimeline& timeline)
 {
     WaveExport job;
-    if (job.run(sourcePath, destinationPath, timeline)) {
-        return true;
+    if (!job.run(sourcePath, destinationPath, timeline)) {
+        return Failure{job.reason()};
     }
-    *reason = job.reason();
-    return false;
+    return {};
 }
 
 } // namespace tavrix

@@ -1,6 +1,9 @@
 #pragma once
 
+// The sound of a movie as a file of its own.
+
 #include "media/edittimeline.h"
+#include "sys/result.h"
 
 #include <QString>
 
@@ -8,8 +11,8 @@ namespace tavrix
 {
 
 // Decodes the first sound track of the source, as the edits leave it, into a WAVE file of 16-bit samples at the track's
-// own rate and channels. The file appears only when it is complete; otherwise false with *reason.
-[[nodiscard]] bool exportWave(const QString& sourcePath, const QString& destinationPath, const EditTimeline& timeline,
-                              QString* reason);
+// own rate and channels. The file appears only when it is complete.
+[[nodiscard]] Result<void, QString> exportWave(const QString& sourcePath, const QString& destinationPath,
+                                               const EditTimeline& timeline);
 
 } // namespace tavrix
