@@ -103,9 +103,32 @@ int sessionCode(int button)
 
 } // namespace
 
+int AlertRequest::harmlessButton() const
+{
+    if (buttons.size() == 1) {
+        return 0;
+    }
+    return harmless < buttons.size() ? harmless : -1;
+}
+
 void setAlertPresenter(AlertPresenter* newPresenter)
 {
     chosenPresenter = newPresenter;
+}
+
+AlertOutcome displayRequest(const AlertRequest& request)
+{
+    const AlertOutcome outcome = runModal(request);
+    if (request.seconds == 0) {
+        logLine(QStringLiteral("ALERTE NORMALE       "));
+    } else if (outcome.button == timedOut) {
+        logLine(QStringLiteral("FERMETURE AUTO       : TIMEOUT"));
+    } else if (request.hasCheckBox) {
+        logLine(QStringLiteral("FERMETURE USER       : CLIC=%d"), {sessionCode(outcome.button)});
+    } else {
+        logLine(QStringLiteral("FERMETURE USER       : CLIC"));
+    }
+    return outcome;
 }
 
 int displayAlert(const QString& title, const QString& text, int style, QObject* window)
@@ -127,16 +150,8 @@ void displayAlertSheet(const QString& title, const QString& text, QObject* windo
 QString displayAlertDelayed(const QString& title, const QString& text, const QString& defaultButton,
                             const QString& alternateButton, const QString& otherButton, int style, int seconds)
 {
-    const bool timed = seconds > 1;
     const QStringList buttons = buttonTitles(defaultButton, alternateButton, otherButton);
-    const AlertOutcome outcome = runModal(requestFor(title, text, buttons, style, timed ? seconds : 0));
-    if (!timed) {
-        logLine(QStringLiteral("ALERTE NORMALE       "));
-    } else if (outcome.button == timedOut) {
-        logLine(QStringLiteral("FERMETURE AUTO       : TIMEOUT"));
-    } else {
-        logLine(QStringLiteral("FERMETURE USER       : CLIC"));
-    }
+    const AlertOutcome outcome = displayRequest(requestFor(title, text, buttons, style, seconds > 1 ? seconds : 0));
     return chosenTitle(outcome.button, {defaultButton, alternateButton, otherButton}, delayedSubstitutes());
 }
 
@@ -150,12 +165,7 @@ CheckBoxAnswer displayAlertDelayedCheckbox(const QString& title, const QString& 
     AlertRequest request = requestFor(title, text, buttons, style, limit);
     request.hasCheckBox = true;
     request.checkBoxTitle = notNothing(checkBoxTitle);
-    const AlertOutcome outcome = runModal(request);
-    if (outcome.button == timedOut) {
-        logLine(QStringLiteral("FERMETURE AUTO       : TIMEOUT"));
-    } else {
-        logLine(QStringLiteral("FERMETURE USER       : CLIC=%d"), {sessionCode(outcome.button)});
-    }
+    const AlertOutcome outcome = displayRequest(request);
     return {chosenTitle(outcome.button, {defaultButton, alternateButton, otherButton}, checkBoxSubstitutes()),
             outcome.checked ? 1 : 0};
 }
@@ -179,7 +189,8 @@ std::optional<QString> displayDialog(const QString& title, const QString& text, 
                                      const QString& defaultButton)
 {
     const QStringList buttons{defaultButton.isEmpty() ? QStringLiteral("OK") : defaultButton, QStringLiteral("Cancel")};
-    const AlertRequest request = requestFor(title, text, buttons, 0, 0);
+    AlertRequest request = requestFor(title, text, buttons, 0, 0);
+    request.harmless = 1;
     const ModalGateCloser gate;
     const std::optional<QString> typed = presenter().runTextInput(request, notNothing(defaultValue));
     if (!typed) {

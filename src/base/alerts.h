@@ -20,6 +20,10 @@ struct AlertRequest {
     int seconds = 0;     // 0 = wait for an answer; else the face closes by itself after that time, below 0 at once
     bool hasCheckBox = false;
     QString checkBoxTitle; // "" = the face's own words
+    // Index of the button that changes nothing, -1 = none is known to. A single button is harmless by itself.
+    int harmless = -1;
+
+    [[nodiscard]] int harmlessButton() const;
 };
 
 struct AlertOutcome {
@@ -41,6 +45,10 @@ public:
 
 // Not owned; null returns to the built-in presenter, which answers every question by its default at once.
 void setAlertPresenter(AlertPresenter* presenter);
+
+// Shows an application-modal alert and logs how it was closed; no layer above the gate needs to know. All modal alerts
+// of the program but the plain displayAlert() come this way.
+AlertOutcome displayRequest(const AlertRequest& request);
 
 // Single default button. Style 2 is critical. Without window: modal, answers 1000. With window: a sheet, answers 0.
 int displayAlert(const QString& title, const QString& text, int style, QObject* window);

@@ -110,8 +110,8 @@ AlertOutcome ConsoleFace::ask(const AlertRequest& request)
     if (request.hasCheckBox) {
         choices += formatText(QStringLiteral("  *) %@"), {request.checkBoxTitle});
     }
-    // Who stops the program or closes its input has not agreed to the default, which is to replace.
-    const AlertOutcome notAgreed = {1, false};
+    // Who stops the program or closes its input has not agreed to the default, which may replace a file.
+    const AlertOutcome notAgreed = {request.harmlessButton(), false};
     while (!endingSignalWaits()) {
         reporter_->message(request.title, request.text + choices, QString());
         const TypedLine line = typedLine(request.seconds);
@@ -119,7 +119,7 @@ AlertOutcome ConsoleFace::ask(const AlertRequest& request)
             return notAgreed;
         }
         if (line.ending == TypedLine::Ending::InputEnded) {
-            reporter_->message(consoleText("Con_noAnswer"), QString(), request.buttons.at(notAgreed.button));
+            reporter_->message(consoleText("Con_noAnswer"), QString(), request.buttons.at(qMax(0, notAgreed.button)));
             return notAgreed;
         }
         if (line.ending == TypedLine::Ending::TimedOut) {

@@ -1,7 +1,6 @@
 #include "gui/alertdialog.h"
 
 #include "base/bundle.h"
-#include "base/localisation.h"
 #include "gui/images.h"
 #include "gui/windowtext.h"
 
@@ -188,24 +187,10 @@ void AlertDialog::answer(int button)
     done(Accepted);
 }
 
-int AlertDialog::harmlessButton() const
-{
-    if (request_.buttons.size() == 1) {
-        return 0;
-    }
-    const QStringList harmless{localizedString(QStringLiteral("D_Annuler")), localizedString(QStringLiteral("D_keep")),
-                               QStringLiteral("Cancel")};
-    for (int i = 0; i < request_.buttons.size(); ++i) {
-        if (harmless.contains(request_.buttons.at(i))) {
-            return i;
-        }
-    }
-    return -1;
-}
-
+// Escape and the window's close control.
 void AlertDialog::reject()
 {
-    const int button = harmlessButton();
+    const int button = request_.harmlessButton();
     if (button >= 0) {
         answer(button);
     }
@@ -214,7 +199,7 @@ void AlertDialog::reject()
 void AlertDialog::dismiss()
 {
     timer_.stop();
-    button_ = harmlessButton();
+    button_ = request_.harmlessButton();
     done(Rejected);
 }
 

@@ -28,7 +28,7 @@ public:
     // Adds a text field that holds the value.
     void addTextField(const QString& value);
     [[nodiscard]] QString typedText() const;
-    // Answers by the button that changes nothing, or as a time-out when there is none.
+    // Answers by the harmless button, or as a time-out when there is none.
     void dismiss();
 
 protected:
@@ -41,8 +41,6 @@ private:
     void tick();
     void showRemaining();
     void answer(int button);
-    // Button that Escape and the window's close control stand for; -1 when there is none.
-    [[nodiscard]] int harmlessButton() const;
 
     AlertRequest request_;
     QTimer timer_;

@@ -2,6 +2,9 @@
 
 #include "consoletest.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace tavrix;
 using namespace tavrix::test;
 
@@ -59,6 +62,29 @@ TEST_F(ConsoleFaceTest, alertsBecomeMessagesWithTheDefaultAnswer)
     const AlertOutcome notice = face.runModal({text("No disk"), QString(), {text("OK")}, 2, 0, false, {}});
     EXPECT_EQ(notice.button, 0);
     EXPECT_TEXTS(reporter.notes, QStringList({text("message a.mov|Replace it?|Replace"), text("message No disk||")}));
+}
+
+// Where the harmless button stands differs from question to question: the first one is not always the default that may
+// replace, the second not always the one that keeps.
+TEST_F(ConsoleFaceTest, inputThatHasEndedAnswersByTheHarmlessButton)
+{
+    const int kept = ::dup(STDIN_FILENO);
+    const int nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(nothing, 0);
+    ::dup2(nothing, STDIN_FILENO);
+    ::close(nothing);
+    NotingReporter reporter;
+    ConsoleFace face(&reporter, true);
+    AlertRequest request;
+    request.title = text("Quit?");
+    request.buttons = QStringList{text("Cancel"), text("Quit")};
+    for (const int harmless : {0, 1, -1}) {
+        request.harmless = harmless;
+        EXPECT_EQ(face.runModal(request).button, harmless);
+    }
+    ::dup2(kept, STDIN_FILENO);
+    ::close(kept);
+    EXPECT_TEXT(reporter.notes.value(1), text("message No answer||Cancel"));
 }
 
 TEST_F(ConsoleFaceTest, aNoticeIsNeverAsked)

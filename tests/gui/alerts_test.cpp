@@ -68,6 +68,15 @@ protected:
             dialog.findChild<QPushButton*>(QStringLiteral("alertButton%1").arg(button))->click();
         });
     }
+    static AlertRequest question(const QStringList& buttons, int harmless)
+    {
+        AlertRequest request;
+        request.title = QStringLiteral("t");
+        request.buttons = buttons;
+        request.seconds = 30;
+        request.harmless = harmless;
+        return request;
+    }
     static QString words(const AlertDialog& dialog, const char* name)
     {
         return dialog.findChild<QLabel*>(QLatin1String(name))->text();
@@ -184,15 +193,17 @@ TEST_F(Alerts, CriticalAlertsHaveTheirOwnIcon)
 
 TEST_F(Alerts, EscapeAnswersByTheButtonThatChangesNothing)
 {
-    const auto escaped = [this](const QString& first, const QString& second) {
+    const auto escaped = [this](const QStringList& buttons, int harmless) {
         whenOpen([](AlertDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
-        return displayAlertDelayed(QStringLiteral("t"), QString(), first, second, QString(), 0, 30);
+        return displayRequest(question(buttons, harmless)).button;
     };
-    EXPECT_TEXT(escaped(QStringLiteral("Replace"), QStringLiteral("Keep")), QStringLiteral("Keep"));
-    EXPECT_TEXT(escaped(QStringLiteral("Cancel"), QStringLiteral("Quit")), QStringLiteral("Cancel"));
-    EXPECT_TEXT(escaped(QStringLiteral("Only"), QString()), QStringLiteral("Only"));
-    // Neither is harmless: Escape does nothing and the time-out answers.
-    EXPECT_TEXT(escaped(one_, two_), one_);
+    EXPECT_EQ(escaped({one_, two_}, 0), 0);
+    EXPECT_EQ(escaped({one_, two_}, 1), 1);
+    EXPECT_EQ(escaped({one_, two_, three_}, 2), 2);
+    EXPECT_EQ(escaped({one_}, -1), 0) << "the only one";
+    // None is known to be harmless: Escape does nothing and the time-out answers, whatever the buttons are called.
+    EXPECT_EQ(escaped({QStringLiteral("Cancel"), QStringLiteral("Keep")}, -1), -1);
+    EXPECT_EQ(escaped({one_, two_}, 2), -1);
 }
 
 TEST_F(Alerts, ReturnPressesTheDefaultButton)
@@ -257,18 +268,14 @@ TEST_F(Alerts, TextInputGivesTheTypedTextOrItsDefaultOrNothing)
 TEST_F(Alerts, DismissedAlertsChangeNothing)
 {
     whenOpen([this](AlertDialog&) { presenter_.dismissAll(); });
-    EXPECT_TEXT(displayAlertDelayed(QStringLiteral("t"), QString(), QStringLiteral("Replace"), QStringLiteral("Keep"),
-                                    QString(), 0, 600),
-                QStringLiteral("Keep"));
+    EXPECT_EQ(displayRequest(question({one_, two_}, 1)).button, 1);
 }
 
 TEST_F(Alerts, AlertsThatFollowTheEndAreNotShown)
 {
     whenOpen([this](AlertDialog&) { presenter_.answerAllFromNowOn(); });
     for (int i = 0; i < 2; ++i) {
-        EXPECT_TEXT(displayAlertDelayed(QStringLiteral("t"), QString(), QStringLiteral("Replace"),
-                                        QStringLiteral("Keep"), QString(), 0, 600),
-                    QStringLiteral("Keep"));
+        EXPECT_EQ(displayRequest(question({one_, two_}, 1)).button, 1);
     }
     EXPECT_TRUE(openAlerts().isEmpty());
 }
