@@ -1,12 +1,10 @@
 #include "app/appdelegate.h"
 
-#include "app/instancelock.h"
+#include "app/currentrow.h"
+#include "app/machines.h"
 #include "app/stepflags.h"
-#include "base/format.h"
 #include "base/log.h"
-#include "encode/progress.h"
-
-#include <QCoreApplication>
+#include "base/runloopgate.h"
 
 namespace tavrix
 {
@@ -16,50 +14,67 @@ namespace
 
 appDelegate* applicationDelegate = nullptr;
 
-// Launchers are released inside their own callbacks, so they must outlive the current call.
-void releaseLater(taskLauncher* launcher)
-{
-    if (launcher != nullptr) {
-        launcher->setDelegate(nullptr);
-        launcher->deleteLater();
-    }
-}
-
-constexpr qsizetype transcriptTailLength = 4000;
-
 } // namespace
 
 appDelegate::appDelegate(ApplicationFace* face, QObject* parent)
-    : QObject(parent), face_(face), analysisTaskClass_(nullptr, releaseLater), encTaskClass_(nullptr, releaseLater)
+    : QObject(parent), session_(model_, *face), machines_(std::make_unique<Machines>(session_, *this))
 {
     applicationDelegate = this;
     model_.encStopBt.setHidden(true);
     model_.analyseStopBt.setHidden(true);
+    connectMachines();
 }
 
 appDelegate::~appDelegate()
 {
-    for (LauncherPointer* pointer : {&analysisTaskClass_, &encTaskClass_}) {
-        if (taskLauncher* launcher = pointer->release()) {
-            launcher->setDelegate(nullptr);
-            delete launcher;
-        }
-    }
     if (applicationDelegate == this) {
         applicationDelegate = nullptr;
     }
 }
 
-void appDelegate::setLauncherFactory(LauncherFactory factory)
+// What machines tell is passed on; where two things follow from it they follow in the order of these lines.
+void appDelegate::connectMachines()
 {
-    launcherFactory_ = std::move(factory);
+    Intake& intake = machines_->intake;
+    connect(&intake, &Intake::refused, this, &appDelegate::intakeRefused);
+    connect(&intake, &Intake::began, this, &appDelegate::intakeBegan);
+    connect(&intake, &Intake::queued, this, &appDelegate::sourcesQueued);
+    connect(&intake, &Intake::skipped, this, &appDelegate::sourceRejected);
+    connect(&intake, &Intake::nothingNew, this, &appDelegate::nothingToAnalyse);
+
+    AnalysisMachine& analysis = machines_->analysis;
+    BatchMachine& batch = machines_->batch;
+    connect(&analysis, &AnalysisMachine::started, this, &appDelegate::analysisStarted);
+    connect(&analysis, &AnalysisMachine::accepted, this, &appDelegate::sourceAccepted);
+    connect(&analysis, &AnalysisMachine::rejected, this, &appDelegate::sourceRejected);
+    connect(&analysis, &AnalysisMachine::panelReset, &intake, &Intake::release);
+    connect(&analysis, &AnalysisMachine::ended, this, &appDelegate::analysisEnded);
+    connect(&analysis, &AnalysisMachine::ended, &batch, &BatchMachine::deliverWaitingEnd);
+    connect(&analysis, &AnalysisMachine::stalled, this, &appDelegate::analysisStalled);
+    connect(&analysis, &AnalysisMachine::stalled, &batch, &BatchMachine::deliverWaitingEnd);
+    connect(&analysis, &AnalysisMachine::childGone, this, &appDelegate::taskLauncherDone);
+
+    connect(&batch, &BatchMachine::rowStarted, this, &appDelegate::rowStarted);
+    connect(&batch, &BatchMachine::rowProgress, this, &appDelegate::rowProgress);
+    connect(&batch, &BatchMachine::rowFinished, this, &appDelegate::rowFinished);
+    connect(&batch, &BatchMachine::rowVanished, this, &appDelegate::rowVanished);
+    connect(&batch, &BatchMachine::batchEnded, this, &appDelegate::batchEnded);
+    connect(&batch, &BatchMachine::childGone, this, &appDelegate::taskLauncherDone);
 }
 
-taskLauncher* appDelegate::newLauncher()
+void appDelegate::setLauncherFactory(LauncherFactory factory)
 {
-    taskLauncher* launcher = launcherFactory_ ? launcherFactory_() : new taskLauncher;
-    launcher->setDelegate(this);
-    return launcher;
+    machines_->launchers.setFactory(std::move(factory));
+}
+
+void appDelegate::setReplacePolicy(std::optional<int> policy)
+{
+    machines_->batch.row().setReplacePolicy(policy);
+}
+
+bool appDelegate::awakeFromNib()
+{
+    return machines_->startUp.run();
 }
 
 void appDelegate::ac_iba_menuQuit()
@@ -69,39 +84,130 @@ void appDelegate::ac_iba_menuQuit()
     }
 }
 
-bool appDelegate::isAnalysisSender(taskLauncher* launcher) const
+// Intake --------------------------------------------------------------------------------------------------------------
+
+void appDelegate::dragNDropPerformDrag(QObject* /*view*/, const QStringList& paths)
 {
-    if (launcher != nullptr && launcher == encTaskClass_.get()) {
+    RunLoopGate::instance().deliver([this, paths] { draggedFiles(paths); });
+}
+
+void appDelegate::applicationOpenFiles(const QStringList& paths)
+{
+    RunLoopGate::instance().deliverLater([this, paths] { performOpenFiles(paths); });
+}
+
+void appDelegate::performOpenFiles(const QStringList& paths)
+{
+    draggedFiles(paths);
+}
+
+void appDelegate::draggedFiles(const QStringList& paths)
+{
+    drive([&] { machines_->intake.take(paths); });
+}
+
+void appDelegate::analysis()
+{
+    machines_->analysis.step();
+}
+
+QStringList appDelegate::analysisArray()
+{
+    return analysisFlags();
+}
+
+bool appDelegate::taskLauncherAnalysisStart(const QStringList& arguments)
+{
+    return machines_->analysis.launch(arguments);
+}
+
+void appDelegate::iba_analysisStopBt()
+{
+    machines_->analysis.stop();
+}
+
+bool appDelegate::isAnalysing() const
+{
+    return machines_->analysis.isRunning();
+}
+
+void appDelegate::iba_batchEncGoBt()
+{
+    machines_->batch.start();
+}
+
+void appDelegate::encSend(const QString& stepName)
+{
+    machines_->batch.send(stepName);
+}
+
+void appDelegate::enc(const QString& stepName)
+{
+    machines_->batch.step(stepName);
+}
+
+QStringList appDelegate::encArray()
+{
+    return encodeFlags();
+}
+
+bool appDelegate::taskLauncherEncStart_progressMaxValueFloat_parseInt(const QStringList& arguments, float maximum,
+                                                                      int parser)
+{
+    return machines_->batch.launch(arguments, maximum, parser);
+}
+
+void appDelegate::iba_encStopBt(SegmentedControl* control)
+{
+    machines_->batch.control().press(*control);
+}
+
+void appDelegate::deselectSelectedSeg(SegmentedControl* control)
+{
+    control->setSelectedSegment(-1);
+}
+
+void appDelegate::encBatchRemove(Control* sender)
+{
+    machines_->rows.remove(sender);
+}
+
+void appDelegate::encBatchRemoveAll(Control* sender)
+{
+    machines_->rows.removeAll(sender);
+}
+
+int appDelegate::encBatchInprogressRowIdentification() const
+{
+    return currentRowIndex(model_.encBatchArrayController);
+}
+
+void appDelegate::encGoRazGui()
+{
+    machines_->startUp.clearDisplay();
+}
+
+bool appDelegate::isEncoding() const
+{
+    return machines_->batch.child().isHeld();
+}
+
+// A callback belongs to the machine that holds its launcher; one of nobody's to the analysis while that holds a child.
+bool appDelegate::isAnalysisSender(const taskLauncher* launcher) const
+{
+    if (launcher != nullptr && launcher == machines_->batch.child().launcher()) {
         return false;
     }
-    return analysisTaskClass_ != nullptr;
+    return machines_->analysis.child().isHeld();
 }
 
 void appDelegate::taskLauncherDidReceiveNewString(taskLauncher* launcher, const QString& text)
 {
     if (isAnalysisSender(launcher)) {
-        if (!analysisTaskVerboseMStr_.isNull()) {
-            analysisTaskVerboseMStr_ += text;
-        }
-        return;
+        machines_->analysis.childWrote(text);
+    } else {
+        machines_->batch.childWrote(text, machines_->analysis.child().isHeld());
     }
-    encTranscriptTail_ = (encTranscriptTail_ + text).right(transcriptTailLength);
-    // While an analysis runs the encoder is paused for it: what still arrives is no progress.
-    showProgress(analysisTaskClass_ ? progressSentinel : progressValue(encTaskParseInt_, text));
-}
-
-void appDelegate::showProgress(float value)
-{
-    const float maximum = encTaskProgressMaxValue_;
-    if (maximum == 0.0F || !progressAccepted(value, maximum)) {
-        return;
-    }
-    model_.encTaskProgress.incrementBy(static_cast<double>(value - encTaskPreviousTime_));
-    const double percent = static_cast<double>(value * 100.0F / maximum);
-    model_.mainEncProgressPercentStr.setStringValue(formatText(QStringLiteral("%.0f %%"), {percent}));
-    logDebug(QStringLiteral("progress str        : %.0f"), {percent});
-    encTaskPreviousTime_ = value;
-    Q_EMIT rowProgress(encBatchInprogressRowIdentification(), value, maximum);
 }
 
 void appDelegate::taskLauncherTaskDidEnd(taskLauncher* launcher)
@@ -113,7 +219,7 @@ void appDelegate::taskLauncherTaskDidEnd(taskLauncher* launcher)
         launcher->terminate();
         taskLauncherDone(launcher);
         if (analysisMode) {
-            analysisStall();
+            machines_->analysis.stall();
         }
         return;
     }
@@ -143,30 +249,7 @@ void appDelegate::taskLauncherDone(taskLauncher* launcher)
         logDebug(QStringLiteral("task done (analysis)"));
         return;
     }
-    // Stop and quit announce the end of a launcher that has already announced it itself.
-    if (encTaskClass_ == nullptr || (launcher != nullptr && launcher != encTaskClass_.get())) {
-        return;
-    }
-    if (quitting_) {
-        releaseEncoderTask();
-        return;
-    }
-    // The row machine must not move on, and open the intake, under a running analysis.
-    if (analysisBatchRunning_) {
-        encoderEndPending_ = true;
-        return;
-    }
-    releaseEncoderTask();
-    model_.mainEncProgressPercentStr.setStringValue(QString());
-    model_.encStopBt.setHidden(true);
-    model_.encTaskProgress.setDoubleValue(model_.encTaskProgress.maxValue());
-    encSend(stepProcesses);
-}
-
-void appDelegate::releaseEncoderTask()
-{
-    encoderEndPending_ = false;
-    encTaskClass_.reset();
+    drive([&] { machines_->batch.childDone(launcher, machines_->analysis.isRunning()); });
 }
 
 } // namespace tavrix

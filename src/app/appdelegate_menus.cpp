@@ -1,16 +1,16 @@
 #include "app/appdelegate.h"
 
+#include "app/alerttext.h"
+#include "app/face.h"
 #include "app/logs.h"
+#include "app/machines.h"
+#include "app/mailaddress.h"
 #include "app/stepflags.h"
 #include "base/alerts.h"
 #include "base/bundle.h"
-#include "base/filesizes.h"
 #include "base/format.h"
-#include "base/localisation.h"
-#include "base/paths.h"
 #include "base/preferences.h"
 #include "base/settings.h"
-#include "encode/outputname.h"
 #include "platform/desktop.h"
 #include "probe/ffprobes.h"
 
@@ -24,13 +24,23 @@ namespace
 {
 
 constexpr int mailAlertSeconds = 30;
-constexpr float drawerHeight = 320;
+
+QString infoText(const char* key)
+{
+    return textOf(infoValue(QLatin1String(key)));
+}
 
 } // namespace
 
+void appDelegate::applicationDidFinishLaunching()
+{
+    model_.menuDebug.setTitle(alertText("Menu_Debug1"));
+    model_.menuDebug.setState(getDEBUG());
+}
+
 void appDelegate::iba_menuPref()
 {
-    face_->openPreferencesSheet();
+    session_.face().openPreferencesSheet();
 }
 
 void appDelegate::iba_menuPrefClose()
@@ -43,21 +53,19 @@ void appDelegate::iba_menuPrefClose()
     }
     prefWrite(pref::prefCheckMatrix, model_.prefCheckMatrix.selectedSegment());
     prefWrite(pref::prefColor, model_.prefColor.selectedSegment());
-    face_->closePreferencesSheet();
+    session_.face().closePreferencesSheet();
     prefSynchronize();
 }
 
 void appDelegate::prefCheckCaptions()
 {
-    const QString key = formatText(QStringLiteral("prefCaption%d"), {model_.prefCheckMatrix.selectedSegment()});
-    model_.prefCheckCaption.setStringValue(localizedString(key));
+    model_.showFormatCaption();
 }
 
 void appDelegate::iba_setColor()
 {
-    const int segment = model_.prefColor.selectedSegment();
-    prefWrite(pref::prefColor, segment);
-    model_.prefColorImgView.setImageName(model_.prefColor.imageName(segment));
+    prefWrite(pref::prefColor, model_.prefColor.selectedSegment());
+    model_.showColorImage();
 }
 
 void appDelegate::iba_drawerToggle()
@@ -66,7 +74,7 @@ void appDelegate::iba_drawerToggle()
         model_.drawer.close();
         return;
     }
-    face_->ecran(QStringLiteral("b"), drawerHeight);
+    session_.face().ecran(QStringLiteral("b"), drawerHeight);
     model_.drawer.open();
 }
 
@@ -78,41 +86,38 @@ void appDelegate::windowWillClose()
 void appDelegate::iba_menuHelp(Control* sender)
 {
     if (sender == nullptr) {
-        face_->hideHelp();
+        session_.face().hideHelp();
         return;
     }
-    face_->showHelp();
+    session_.face().showHelp();
 }
 
 void appDelegate::iba_helpQtClose()
 {
-    face_->hideHelp();
+    session_.face().hideHelp();
 }
 
 void appDelegate::iba_openUrl()
 {
-    desktopServices().openUrl(QUrl(textOf(infoValue(QStringLiteral("TVXWebSite")))));
+    desktopServices().openUrl(QUrl(infoText("TVXWebSite")));
 }
 
 void appDelegate::iba_preview(int row)
 {
     const BatchList& rows = model_.encBatchArrayController;
     if (row >= 0 && row < rows.count()) {
-        face_->preview(rows.row(row).dico.value(record::mainEncSrcPathStr).toString());
+        session_.face().preview(rows.row(row).source());
     }
 }
 
 void appDelegate::iba_selectFolderBt(Control* sender)
 {
-    const QString folder = face_->selectFolder(QString());
-    if (folder.isEmpty()) {
-        return;
-    }
-    if (sender == &model_.prefDefautDstSelectBt) {
-        model_.prefDefautDstPathStr.setStringValue(folder);
-    } else {
-        model_.mainEncDstPathStr.setStringValue(folder);
-    }
+    machines_->destination.choose(sender);
+}
+
+void appDelegate::iba_OpenFolder(Control* sender)
+{
+    machines_->destination.reveal(sender);
 }
 
 void appDelegate::iba_OpenFile(Control* sender)
@@ -122,51 +127,36 @@ void appDelegate::iba_OpenFile(Control* sender)
     } else if (sender == &model_.menuResumeLog) {
         openWith(logResumePathStr(), QStringLiteral(""));
     } else if (getDEBUGDEV() != 0) {
-        displayAlert(QStringLiteral("iba_OpenFile"), QString(), 0, nullptr);
+        (void)session_.tell(QStringLiteral("iba_OpenFile")); // nothing follows
     }
-}
-
-void appDelegate::iba_OpenFolder(Control* sender)
-{
-    QString folder;
-    if (sender == &model_.prefDefautDstRevealBt) {
-        folder = stringByExpandingTildeInPath(model_.prefDefautDstPathStr.stringValue());
-    } else if (sender == &model_.mainEncDstRevealBt) {
-        const QString typed = model_.mainEncDstPathStr.stringValue();
-        const QString inside = eventsFolder(typed);
-        folder = !typed.isEmpty() && isFolder(inside) ? inside : stringByExpandingTildeInPath(typed);
-    }
-    if (folder.isEmpty() || !testPresenceCocoa(folder)) {
-        displayAlertSheet(localizedString(QStringLiteral("D_go_dossier_destination1")), QString(), face_->window());
-        return;
-    }
-    openFileFolder(folder);
 }
 
 void appDelegate::iba_menuDebugToggle()
 {
     const bool on = model_.menuDebug.state() == 0;
     model_.menuDebug.setState(on ? 1 : 0);
-    model_.menuDebug.setTitle(localizedString(on ? QStringLiteral("Menu_Debug0") : QStringLiteral("Menu_Debug1")));
+    model_.menuDebug.setTitle(alertText(on ? "Menu_Debug0" : "Menu_Debug1"));
     setDEBUG(on ? 1 : 0);
 }
 
 void appDelegate::iba_mail(Control* sender)
 {
     const bool bugReport = sender == &model_.menuBugreport;
-    const QString mailbox =
-        textOf(infoValue(bugReport ? QStringLiteral("TVXMailBugreport") : QStringLiteral("TVXMailContact")));
     QString body = QStringLiteral("");
     if (bugReport) {
-        body = localizedString(QStringLiteral("D_bugreport_mail"));
+        body = alertText("D_bugreport_mail");
         revealInFinder(logsFolder());
     }
-    const QString address = mailAddress(mailbox, model_.versionStr.stringValue(), ffRevisionInt(), body);
+    const QString address = mailAddress(infoText(bugReport ? "TVXMailBugreport" : "TVXMailContact"),
+                                        model_.versionStr.stringValue(), ffRevisionInt(), body);
     desktopServices().openUrl(QUrl::fromEncoded(address.toUtf8()));
     if (bugReport) {
-        displayAlertDelayed(localizedString(QStringLiteral("Menu_bugreport")),
-                            localizedString(QStringLiteral("D_bugreport_alert")), QStringLiteral("OK"), QString(),
-                            QString(), 0, mailAlertSeconds);
+        (void)session_.ask({alertText("Menu_bugreport"),
+                            alertText("D_bugreport_alert"),
+                            {QStringLiteral("OK")},
+                            0,
+                            mailAlertSeconds,
+                            {}}); // nothing follows
     }
 }
 

@@ -1,12 +1,11 @@
 #include "app/appdelegate.h"
 
-#include "app/stepflags.h"
-#include "base/alerts.h"
+#include "app/alerttext.h"
+#include "app/face.h"
+#include "app/machines.h"
 #include "base/filedelete.h"
-#include "base/localisation.h"
 #include "base/log.h"
 #include "base/preferences.h"
-#include "base/runloopgate.h"
 #include "base/settings.h"
 
 // The end of the program.
@@ -17,6 +16,15 @@ namespace
 {
 
 constexpr int quitAlertSeconds = 20;
+constexpr int cancelButton = 0;
+
+// Without an own temporary folder the setting names one that belongs to the system.
+void removeTemporaryFolder()
+{
+    if (!getTMPFOLDER().startsWith(QLatin1String("/private/")) && !removeOwnFolder(getTMPFOLDER())) {
+        logLine(QStringLiteral("temporary folder    :-( %@"), {getTMPFOLDER()});
+    }
+}
 
 } // namespace
 
@@ -30,7 +38,7 @@ bool appDelegate::applicationShouldTerminateAfterLastWindowClosed()
 void appDelegate::applicationWillTerminate()
 {
     // A running child's end must not start the next row on the way out.
-    if (encTaskClass_ != nullptr || analysisTaskClass_ != nullptr) {
+    if (machines_->batch.child().isHeld() || machines_->analysis.child().isHeld()) {
         quitWithoutQuestion();
     }
     taskLauncherDone(nullptr);
@@ -39,68 +47,39 @@ void appDelegate::applicationWillTerminate()
 
 void appDelegate::iba_menuQuit()
 {
-    if (quitting_) {
-        return;
-    }
-    if (face_->isHelpVisible()) {
-        face_->hideHelp();
-    }
-    if (encTaskClass_ != nullptr) {
-        const QString cancel = localizedString(QStringLiteral("D_Annuler"));
-        const QString answer = displayAlertDelayed(
-            localizedString(QStringLiteral("D_quit_1")), localizedString(QStringLiteral("D_quit_2")), cancel,
-            localizedString(QStringLiteral("Menu_Quit")), QString(), 0, quitAlertSeconds);
-        if (answer == cancel) {
-            return;
+    drive([this] {
+        if (session_.face().isHelpVisible()) {
+            session_.face().hideHelp();
         }
-    }
-    quitWithoutQuestion();
+        if (isEncoding()) {
+            const Answer answer = session_.ask({alertText("D_quit_1"),
+                                                alertText("D_quit_2"),
+                                                {alertText("D_Annuler"), alertText("Menu_Quit")},
+                                                cancelButton,
+                                                quitAlertSeconds,
+                                                {}});
+            // A batch that was stopped meanwhile leaves nothing to ask for: the answer still says whether to quit.
+            if (answer.after == After::Ending || answer.button == cancelButton) {
+                return;
+            }
+        }
+        quitWithoutQuestion();
+    });
 }
 
 void appDelegate::quitWithoutQuestion()
 {
-    if (quitting_) {
-        return;
-    }
-    const QString destination = prefReadChildDico(pref::processEncDico, record::dstPathStr);
-    // Between two children, under an alert, a row has its files too.
-    const bool encoding = encTaskClass_ != nullptr || model_.batchEncGoBt.state() == 1;
-    quitting_ = true;
-    if (encoding) {
-        removePartialOutput(destination);
-    }
-    endChildren();
-    if (encoding) {
-        removePartialOutput(destination);
-        prefWrite(pref::encCurrentProcessingFile, cancelMark);
-        prefDelete(pref::processEncDico);
-    }
-    finishQuit();
-}
-
-void appDelegate::endChildren()
-{
-    if (taskLauncher* launcher = encTaskClass_.get()) {
-        launcher->terminate();
-        taskLauncherDone(launcher);
-    }
-    if (taskLauncher* launcher = analysisTaskClass_.get()) {
-        launcher->setDelegate(nullptr);
-        launcher->terminate();
-        releaseAnalysisTask();
-    }
-}
-
-void appDelegate::finishQuit()
-{
-    encBatchRemoveAll(nullptr);
-    if (!getTMPFOLDER().startsWith(QLatin1String("/private/")) && !removeOwnFolder(getTMPFOLDER())) {
-        logLine(QStringLiteral("temporary folder    :-( %@"), {getTMPFOLDER()});
-    }
-    if (!prefSynchronize()) {
-        logLine(QStringLiteral("preferences         :-( %@"), {preferencesPath()});
-    }
-    face_->terminate();
+    drive([this] {
+        session_.end();
+        machines_->batch.abandon();
+        machines_->analysis.abandon();
+        machines_->rows.removeAll(nullptr);
+        removeTemporaryFolder();
+        if (!prefSynchronize()) {
+            logLine(QStringLiteral("preferences         :-( %@"), {preferencesPath()});
+        }
+        session_.face().terminate();
+    });
 }
 
 } // namespace tavrix

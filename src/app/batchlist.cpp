@@ -57,7 +57,7 @@ void BatchList::append(const BatchRow& row)
 {
     beginInsertRows({}, count(), count());
     rows_.append(row);
-    const QString source = row.dico.value(record::mainEncSrcPathStr).toString();
+    const QString source = row.source();
     if (!sources_.contains(source)) {
         sources_.insert(source, count() - 1);
     }
@@ -108,7 +108,7 @@ void BatchList::reindex()
     sources_.clear();
     for (int i = 0; i < count(); ++i) {
         rows_[i].order = i + 1;
-        const QString source = rows_.at(i).dico.value(record::mainEncSrcPathStr).toString();
+        const QString source = rows_.at(i).source();
         if (!sources_.contains(source)) {
             sources_.insert(source, i);
         }

@@ -27,6 +27,12 @@ struct BatchRow {
     QString img;          // path of the thumbnail; nothing when there is no valid image
     QString reason;       // why the row failed; nothing unless it did
     QString output;       // path of the finished output; nothing until then
+
+    // Full path of the source; "" for a row without a record.
+    [[nodiscard]] QString source() const { return dico.value(record::mainEncSrcPathStr).toString(); }
+    // Being encoded; failed, skipped or stopped. The icon's name is where a row's state is kept.
+    [[nodiscard]] bool isCurrent() const { return resultat == rowIcon::current; }
+    [[nodiscard]] bool hasFailed() const { return resultat == rowIcon::failure; }
 };
 
 // The batch list, in encoding order. Indices out of range are ignored by the setters.

@@ -1,16 +1,14 @@
 #include "app/logs.h"
 
+#include "app/privatefiles.h"
 #include "base/bundle.h"
 #include "base/fileops.h"
 #include "base/filesizes.h"
 #include "base/format.h"
-#include "base/localisation.h"
 #include "base/log.h"
 #include "base/paths.h"
 #include "base/text.h"
 #include "base/textfiles.h"
-
-#include <QStringList>
 
 #include <sys/stat.h>
 
@@ -44,22 +42,6 @@ FILE* reopened(const QString& path, FILE* stream)
     return file;
 }
 
-QString percentEscaped(const QString& address)
-{
-    static const QByteArray kept = "!$&'()*+,-./:;=?@_~";
-    QByteArray escaped;
-    for (const char byte : address.toUtf8()) {
-        const bool letterOrDigit =
-            (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
-        if (letterOrDigit || kept.contains(byte)) {
-            escaped.append(byte);
-        } else {
-            escaped.append('%').append(QByteArray(1, byte).toHex().toUpper());
-        }
-    }
-    return QString::fromLatin1(escaped);
-}
-
 } // namespace
 
 QString detailsLogPath()
@@ -83,7 +65,7 @@ void logResume(const QString& text)
             logLine(QStringLiteral("logResume           :-( %@"), {path});
             return;
         }
-        ::chmod(nativePath(path).constData(), 0600);
+        keepPrivate(path, 0600);
     }
     if (!text.isEmpty() && !writeTextFileUtf8Bom(path, text)) {
         logLine(QStringLiteral("logResume           :-( %@"), {path});
@@ -104,28 +86,13 @@ void rotateLogs()
 {
     const QString folder = stringByDeletingLastPathComponent(detailsLogPath());
     mkdirCocoa(folder);
-    ::chmod(nativePath(folder).constData(), 0700);
+    keepPrivate(folder, 0700);
     for (const QString& path : {detailsLogPath(), logResumePathStr()}) {
         if (testPresenceCocoa(path)) {
             mvCocoa(path, formatText(QStringLiteral("%@/Previous-%@"), {folder, lastPathComponent(path)}),
                     QStringLiteral("y"));
         }
     }
-}
-
-QString mailAddress(const QString& mailbox, const QString& versionField, int revision, const QString& body)
-{
-    QStringList words = versionField.split(QLatin1Char(' '));
-    for (QString& word : words) {
-        word = capitalized(word);
-    }
-    // A joined list of nothing is nothing, which a format shows as a word.
-    const QString version = versionField.isEmpty() ? QStringLiteral("") : words.join(QLatin1Char(' '));
-    const QString address = formatText(QStringLiteral("mailto:%@@%@?subject=%@ - v%.02f (%@)&body=%@-r%d\n\n%@"),
-                                       {mailbox, textOf(infoValue(QStringLiteral("TVXMailDomain"))), bundleName(),
-                                        floatPrefix(bundleVersion()), localizedString(QStringLiteral("D_Langue")),
-                                        version, revision, body});
-    return percentEscaped(address);
 }
 
 } // namespace tavrix

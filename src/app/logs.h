@@ -1,8 +1,9 @@
 #pragma once
 
+// The two log files of a run.
+
 #include <QString>
 
-// The two log files of a run.
 namespace tavrix
 {
 
@@ -14,9 +15,5 @@ void logResume(const QString& text);
 void redirectLogs2File(const QString& path);
 // Makes the log folder (mode 0700) and moves the logs of the run before to their "Previous-" names.
 void rotateLogs();
-
-// "mailto:" address of a message to the maker; the body is added as it is.
-[[nodiscard]] QString mailAddress(const QString& mailbox, const QString& versionField, int revision,
-                                  const QString& body);
 
 } // namespace tavrix

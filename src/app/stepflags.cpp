@@ -6,6 +6,16 @@
 namespace tavrix
 {
 
+QStringList analysisFlags()
+{
+    return {pref::analysisFfmpeg, pref::analysisFfmpegParse, pref::analysisFin};
+}
+
+QStringList encodeFlags()
+{
+    return {stepBatch, pref::encDeb, pref::encQtEnc, pref::encFin};
+}
+
 bool isFlagSet(const QString& name)
 {
     return leadingInteger(prefRead(name)) == 1;

@@ -3,6 +3,7 @@
 #include "sys/secondpass.h"
 
 #include <QString>
+#include <QStringList>
 
 // Names of the working state that both step machines keep in the preferences store.
 namespace tavrix
@@ -35,6 +36,10 @@ inline const QString stepProcesses = QStringLiteral("encProcesses");
 
 // What a stop writes in the place of the current source.
 inline const QString cancelMark = QStringLiteral("cancel");
+
+// The steps of one source and of one row, in order. A stop deletes all but the first and the last.
+[[nodiscard]] QStringList analysisFlags();
+[[nodiscard]] QStringList encodeFlags();
 
 [[nodiscard]] bool isFlagSet(const QString& name);
 void setFlag(const QString& name);

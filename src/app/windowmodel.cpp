@@ -1,5 +1,8 @@
 #include "app/windowmodel.h"
 
+#include "base/format.h"
+#include "base/localisation.h"
+
 namespace tavrix
 {
 
@@ -17,7 +20,20 @@ QStringList colorImageNames()
 
 } // namespace
 
-WindowModel::WindowModel(QObject* parent) : QObject(parent), prefColor("prefColor", colorImageNames())
+PreferenceControls::PreferenceControls() : prefColor("prefColor", colorImageNames()) {}
+
+void PreferenceControls::showFormatCaption()
+{
+    const QString key = formatText(QStringLiteral("prefCaption%d"), {prefCheckMatrix.selectedSegment()});
+    prefCheckCaption.setStringValue(localizedString(key));
+}
+
+void PreferenceControls::showColorImage()
+{
+    prefColorImgView.setImageName(prefColor.imageName(prefColor.selectedSegment()));
+}
+
+WindowModel::WindowModel(QObject* parent) : QObject(parent)
 {
     setObjectName(QStringLiteral("window"));
 }

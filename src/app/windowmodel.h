@@ -1,5 +1,7 @@
 #pragma once
 
+// Everything that the main window shows and lets a person change, by the names that the controller uses.
+
 #include "app/batchlist.h"
 #include "app/controls.h"
 
@@ -19,43 +21,47 @@ inline constexpr int colorThemeCount = 4;
 // Side segments of encStopBt: the first toggles pause and play, the second stops.
 inline constexpr int encStopSegmentPause = 0;
 inline constexpr int encStopSegmentStop = 1;
+// Room that the window makes below for the drawer, in points.
+inline constexpr float drawerHeight = 320;
 
-// Everything that the main window shows and lets a person change, by the names that the controller uses.
-class WindowModel : public QObject
-{
-    Q_OBJECT
-public:
-    explicit WindowModel(QObject* parent = nullptr);
-
-    // Drop area and analysis
+struct DropControls {
     ImageView dragndropImgView{"dragndropImgView"};
     TextField dragndropCaptionStr{"dragndropCaptionStr"};
     TextField dragndropActionStr{"dragndropActionStr"};
     SpinningIndicator analyseWheelProgInd{"analyseWheelProgInd"};
+};
+
+struct AnalysisControls {
     TextField analyseCaptionStr{"analyseCaptionStr"};
     SegmentedControl analyseStopBt{"analyseStopBt", {controlImage::stop}};
-    IntegerField analysisStopInt{"analysisStopInt"};
+    IntegerField analysisStopInt{"analysisStopInt"}; // 1 = a stop is asked for
+};
 
-    // Batch
+struct BatchControls {
     BatchList encBatchArrayController;
     Drawer drawer{"drawer"};
-    StateButton batchEncGoBt{"batchEncGoBt"};
+    StateButton batchEncGoBt{"batchEncGoBt"}; // on while a batch runs
     StateButton batchEncRemoveBt{"batchEncRemoveBt"};
     StateButton batchEncRemoveAllBt{"batchEncRemoveAllBt"};
+};
 
-    // Running encode
+struct EncodeControls {
     SegmentedControl encStopBt{"encStopBt", {controlImage::pause, controlImage::stop}};
     ProgressBar encTaskProgress{"encTaskProgress"};
     TextField mainEncProgressCaptionStr{"mainEncProgressCaptionStr"};
     TextField mainEncProgressPercentStr{"mainEncProgressPercentStr"};
-    IntegerField mainEncProgressInt{"mainEncProgressInt"};
+    IntegerField mainEncProgressInt{"mainEncProgressInt"}; // 1 = a stop is asked for
+};
 
-    // Destination
+struct DestinationControls {
     TextField mainEncDstPathStr{"mainEncDstPathStr"};
     StateButton mainEncDstSelectBt{"mainEncDstSelectBt"};
     StateButton mainEncDstRevealBt{"mainEncDstRevealBt"};
+};
 
-    // Preferences sheet
+struct PreferenceControls {
+    PreferenceControls();
+
     SegmentedControl prefCheckMatrix{"prefCheckMatrix", QStringList(outputFormatCount, QString())};
     TextField prefCheckCaption{"prefCheckCaption"};
     TextField prefDefautDstPathStr{"prefDefautDstPathStr"};
@@ -64,13 +70,33 @@ public:
     SegmentedControl prefColor;
     ImageView prefColorImgView{"prefColorImgView"};
 
-    // Version and menu items that the controller tells apart by sender
+    // The words and the image of what is selected.
+    void showFormatCaption();
+    void showColorImage();
+};
+
+// The version and the menu items that the controller tells apart by sender.
+struct MenuControls {
     TextField versionStr{"versionStr"};
     StateButton menuBugreport{"menuBugreport"};
     StateButton menuContact{"menuContact"};
     StateButton menuDebug{"menuDebug"};
     StateButton menuDetailsLog{"menuDetailsLog"};
     StateButton menuResumeLog{"menuResumeLog"};
+};
+
+class WindowModel : public QObject,
+                    public DropControls,
+                    public AnalysisControls,
+                    public BatchControls,
+                    public EncodeControls,
+                    public DestinationControls,
+                    public PreferenceControls,
+                    public MenuControls
+{
+    Q_OBJECT
+public:
+    explicit WindowModel(QObject* parent = nullptr);
 };
 
 } // namespace tavrix

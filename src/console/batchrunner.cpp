@@ -33,9 +33,8 @@ void BatchRunner::connectController()
     connect(controller_, &appDelegate::sourcesQueued, this, [this](int count) { reporter_->queued(count); });
     connect(controller_, &appDelegate::analysisStarted, this,
             [this](const QString& path, int number, int total) { reporter_->analysing(path, number, total); });
-    connect(controller_, &appDelegate::sourceAccepted, this, [this, &rows](int row) {
-        reporter_->accepted(rows.row(row).dico.value(record::mainEncSrcPathStr).toString(), rows.row(row).dico);
-    });
+    connect(controller_, &appDelegate::sourceAccepted, this,
+            [this, &rows](int row) { reporter_->accepted(rows.row(row).source(), rows.row(row).dico); });
     connect(controller_, &appDelegate::sourceRejected, this, [this](const QString& path, const QString& reason) {
         ++leftOut_;
         reporter_->rejected(path, reason);
@@ -92,8 +91,7 @@ void BatchRunner::noteRow(int row, bool success)
 {
     const BatchList& rows = controller_->model().encBatchArrayController;
     const BatchRow& finished = rows.row(row);
-    RowReport report{finished.dico.value(record::mainEncSrcPathStr).toString(), finished.output, finished.reason, 0,
-                     success};
+    RowReport report{finished.source(), finished.output, finished.reason, 0, success};
     if (success) {
         report.bytes = static_cast<qint64>(std::max(0.0, poidsFile(finished.output, QStringLiteral("O"))));
     }

@@ -159,7 +159,7 @@ void BatchDrawer::refreshHead()
     count_->setText(rows.count() == 1 ? windowText("Win_oneClip") : windowText("Win_clips", {rows.count()}));
     const int selected = rows.selectedRow();
     const bool any = selected >= 0 && selected < rows.count();
-    const bool running = any && rows.row(selected).resultat == rowIcon::current;
+    const bool running = any && rows.row(selected).isCurrent();
     format_->setEnabled(any && !running);
     preview_->setEnabled(any);
     remove_->setEnabled(any && controller_.model().batchEncRemoveBt.isEnabled());
@@ -186,7 +186,7 @@ void BatchDrawer::showMenu(const QPoint& place)
         action->setCheckable(true);
         action->setChecked(rows.row(row).out == out);
     }
-    formats->setEnabled(rows.row(row).resultat != rowIcon::current);
+    formats->setEnabled(!rows.row(row).isCurrent());
     menu->popup(list_->viewport()->mapToGlobal(place));
 }
 

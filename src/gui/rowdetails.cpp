@@ -17,11 +17,6 @@ namespace
 
 constexpr qsizetype maximumWanted = 64;
 
-QString sourceOf(const BatchRow& row)
-{
-    return row.dico.value(record::mainEncSrcPathStr).toString();
-}
-
 QString estimateWords(const BatchRow& row, double megabytes)
 {
     if (megabytes < 0) {
@@ -67,7 +62,7 @@ QPixmap RowDetails::thumbnail(const BatchRow& row, const QSize& size, qreal scal
 
 QString RowDetails::outputName(const BatchRow& row)
 {
-    const QString source = sourceOf(row);
+    const QString source = row.source();
     const auto known = names_.constFind(source);
     if (known != names_.constEnd()) {
         return tavrix::outputName(*known, row.out, row.dico.value(record::v0_codec).toString());
@@ -102,7 +97,7 @@ void RowDetails::lookUpNext()
 
 QString RowDetails::estimatedSize(const BatchRow& row)
 {
-    const QString source = sourceOf(row);
+    const QString source = row.source();
     const auto known = sizes_.constFind(source);
     if (known != sizes_.constEnd() && known->out == row.out) {
         return known->words;
@@ -122,7 +117,7 @@ QString RowDetails::description(const BatchRow& row)
 
 QString RowDetails::summary(const BatchRow& row)
 {
-    QStringList lines{sourceOf(row), description(row), windowText("Win_lineFormat", {formatName(row.out)})};
+    QStringList lines{row.source(), description(row), windowText("Win_lineFormat", {formatName(row.out)})};
     if (const QString size = estimatedSize(row); !size.isEmpty()) {
         lines << windowText("Win_lineSize", {size});
     }
@@ -140,8 +135,8 @@ void RowDetails::forget(int first, int last)
     for (int i = first; i <= last && i < rows_.count(); ++i) {
         const BatchRow& row = rows_.row(i);
         thumbnails_.remove(row.img);
-        names_.remove(sourceOf(row));
-        sizes_.remove(sourceOf(row));
+        names_.remove(row.source());
+        sizes_.remove(row.source());
     }
 }
 

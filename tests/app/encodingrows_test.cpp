@@ -168,6 +168,7 @@ TEST_F(Encoding, MissingDestinationFallsBackToTheDefault)
     EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
 }
 
+// What was typed was once wiped when the question was cancelled.
 TEST_F(Encoding, MissingDestinationWithoutDefaultAsks)
 {
     addRows(makeClips(1));
@@ -176,7 +177,8 @@ TEST_F(Encoding, MissingDestinationWithoutDefaultAsks)
     pressStart();
     EXPECT_TEXTS(face.events, QStringList({QStringLiteral("alert:The destination folder cannot be found"),
                                            QStringLiteral("choose")}));
-    EXPECT_TRUE(model().mainEncDstPathStr.stringValue().isEmpty());
+    EXPECT_TEXT(model().mainEncDstPathStr.stringValue(), folder.path(QStringLiteral("gone")));
+    EXPECT_FALSE(itemExists(folder.path(QStringLiteral("gone"))));
     EXPECT_TRUE(tools.running().isEmpty());
     EXPECT_TRUE(model().batchEncGoBt.isEnabled());
 }

@@ -1,4 +1,5 @@
 #include "app/logs.h"
+#include "app/mailaddress.h"
 #include "base/bundle.h"
 #include "base/localisation.h"
 #include "base/log.h"

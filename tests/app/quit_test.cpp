@@ -277,6 +277,28 @@ TEST_F(Quit, UnderTheAlertAboutAVanishedSource)
     expectGone();
 }
 
+TEST_F(Quit, UnderTheQuestionForADestinationStartsNothing)
+{
+    addRows(makeClips(1));
+    model().mainEncDstPathStr.setStringValue(QString());
+    face.folders << destination;
+    quitUnderAnAlert();
+    pressStart();
+    EXPECT_EQ(face.count(QStringLiteral("choose")), 0);
+    EXPECT_EQ(model().batchEncGoBt.state(), 0);
+    expectGone();
+}
+
+TEST_F(Quit, UnderTheDeveloperAlertOfTheAnalysisLaunchesNothing)
+{
+    setDEBUGDEVForTests(1);
+    quitUnderAnAlert();
+    controller->draggedFiles(makeClips(2));
+    EXPECT_EQ(face.count(QStringLiteral("alert:reliquat = 1")), 1);
+    EXPECT_EQ(tools.launches.size(), 0);
+    expectGone();
+}
+
 TEST_F(Quit, ProgramThatEndsWithoutAQuitStartsNoFurtherRow)
 {
     begin(3);

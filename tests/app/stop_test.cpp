@@ -1,5 +1,6 @@
 #include "controllertest.h"
 
+#include "base/localisation.h"
 #include "base/preferences.h"
 #include "process/notificationcenter.h"
 
@@ -66,6 +67,31 @@ protected:
         EXPECT_TEXT(rows().row(0).reason, QStringLiteral("stopped"));
         EXPECT_EQ(reports, 1);
         expectIdle();
+    }
+
+    void stopUnderTheMissingSourceAlert(int missing)
+    {
+        QList<bool> finished;
+        const QObject watcher;
+        QObject::connect(controller.get(), &appDelegate::rowFinished, &watcher,
+                         [&finished](int, bool success) { finished << success; });
+        face.whileOpen = [this](const AlertRequest& request) {
+            if (request.title == localizedString(QStringLiteral("D_batch_2"))) {
+                pressStop();
+            }
+        };
+        sources = makeClips(3);
+        addRows(sources);
+        face.events.clear();
+        QObject::connect(controller.get(), &appDelegate::batchEnded, controller.get(),
+                         [this](bool byStop) { ends << byStop; });
+        ASSERT_TRUE(QFile::remove(sources.at(missing)));
+        runBatch();
+        EXPECT_EQ(tools.count(ToolKind::Encode), missing);
+        EXPECT_EQ(finished, QList<bool>(missing, true));
+        EXPECT_EQ(rows().count(), 2);
+        EXPECT_FALSE(icons().contains(rowIcon::failure)) << icons().toStdString();
+        expectStoppedEnd();
     }
 
     QStringList sources;
@@ -160,6 +186,37 @@ TEST_F(Stop, UnderTheReplaceQuestionThatIsAnsweredWithReplace)
 {
     constexpr int replaceButton = 0;
     stopUnderTheReplaceQuestion(replaceButton);
+}
+
+// The batch once began again at its first row, and the row before the missing one was told of twice.
+TEST_F(Stop, UnderTheMissingSourceAlertOfTheFirstRowEndsTheBatch)
+{
+    stopUnderTheMissingSourceAlert(0);
+}
+
+TEST_F(Stop, UnderTheMissingSourceAlertOfALaterRowEndsTheBatch)
+{
+    stopUnderTheMissingSourceAlert(1);
+}
+
+TEST_F(Stop, UnderTheQuestionForADestinationStartsNothingAndIsForgotten)
+{
+    sources = makeClips(1);
+    addRows(sources);
+    model().mainEncDstPathStr.setStringValue(QString());
+    face.folders << destination;
+    face.answers.push_back([this](const AlertRequest&) {
+        pressStop();
+        return AlertOutcome{};
+    });
+    pressStart();
+    EXPECT_EQ(tools.count(ToolKind::Encode), 0);
+    EXPECT_EQ(face.count(QStringLiteral("choose")), 0);
+    expectIdle();
+    model().mainEncDstPathStr.setStringValue(destination);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
+    expectIdle();
 }
 
 TEST_F(Stop, WhilePausedResumesTheDyingChildOnly)

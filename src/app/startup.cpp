@@ -1,21 +1,25 @@
-#include "app/appdelegate.h"
+#include "app/startup.h"
 
+#include "app/alerttext.h"
+#include "app/currentrow.h"
+#include "app/droparea.h"
+#include "app/face.h"
 #include "app/instancelock.h"
 #include "app/logs.h"
 #include "app/oldtools.h"
+#include "app/outputguard.h"
+#include "app/privatefiles.h"
+#include "app/session.h"
 #include "app/stepflags.h"
-#include "base/alerts.h"
+#include "app/windowmodel.h"
 #include "base/bundle.h"
-#include "base/conversions.h"
 #include "base/filedelete.h"
 #include "base/fileops.h"
 #include "base/filesizes.h"
 #include "base/format.h"
-#include "base/localisation.h"
 #include "base/log.h"
 #include "base/paths.h"
 #include "base/preferences.h"
-#include "base/runloopgate.h"
 #include "base/settings.h"
 #include "base/text.h"
 #include "encode/outputname.h"
@@ -25,9 +29,6 @@
 #include <QCoreApplication>
 #include <QDir>
 
-#include <sys/stat.h>
-
-// The start of the program.
 namespace tavrix
 {
 
@@ -35,11 +36,6 @@ namespace
 {
 
 constexpr int defaultOutputFormat = 3;
-
-QString alertText(const char* key)
-{
-    return localizedString(QLatin1String(key));
-}
 
 bool isKeptAtStart(const QString& key)
 {
@@ -50,44 +46,51 @@ bool isKeptAtStart(const QString& key)
 
 } // namespace
 
-bool appDelegate::awakeFromNib()
+StartUp::StartUp(Session& session, DropArea& dropArea) : session_(session), dropArea_(dropArea) {}
+
+StartUp::~StartUp() = default;
+
+bool StartUp::run()
 {
-    if (!checkMachine()) {
+    if (!mayRun()) {
         return false;
-    }
-    if (getDEBUGDEV() == 0) {
-        if (!checkSingleInstance() || !checkInstallPath()) {
-            return false;
-        }
-        killOldTools();
     }
     // Relative names such as "presets" must never be found in a folder of the user's.
     QDir::setCurrent(QStringLiteral("/"));
-    resetDropArea();
-    face_->localise();
-    model_.versionStr.setStringValue(bundleVersion());
-    rotateLogs();
-    logResume(QStringLiteral(""));
-    if (face_->redirectsOutput()) {
-        redirectLogs2File(detailsLogPath());
-    }
+    dropArea_.open();
+    session_.face().localise();
+    session_.model().versionStr.setStringValue(bundleVersion());
+    startLogs();
     makeTemporaryFolder();
     takeCodecInventory();
-    encGoRazGui();
+    clearDisplay();
     restorePreferences();
     return true;
 }
 
-bool appDelegate::checkMachine()
+bool StartUp::mayRun()
 {
-    if (!cpuG3()) {
+    if (cpuG3()) {
+        return refuse("D_check_CPU");
+    }
+    if (getDEBUGDEV() != 0) {
         return true;
     }
-    displayAlert(alertText("D_check_CPU"), QString(), 0, nullptr);
+    if (!isSingleInstance() || !isInstallPathUsable()) {
+        return false;
+    }
+    killOldTools();
+    return true;
+}
+
+bool StartUp::refuse(const char* titleKey, const char* textKey)
+{
+    // Whatever has become of the work under this alert: there is none yet, and the program ends.
+    (void)session_.tell(alertText(titleKey), textKey != nullptr ? alertText(textKey) : QString());
     return false;
 }
 
-bool appDelegate::checkSingleInstance()
+bool StartUp::isSingleInstance()
 {
     instanceLock_ = std::make_unique<InstanceLock>();
     const InstanceLock::Result result = instanceLock_->take(cachesFolder());
@@ -98,21 +101,19 @@ bool appDelegate::checkSingleInstance()
         return true;
     }
     logLine(QStringLiteral("TVX's number of copy :-( %d"), {2});
-    displayAlert(alertText("D_appAlreadyOpened_1"), alertText("D_appAlreadyOpened_2"), 0, nullptr);
-    return false;
+    return refuse("D_appAlreadyOpened_1", "D_appAlreadyOpened_2");
 }
 
-bool appDelegate::checkInstallPath()
+bool StartUp::isInstallPathUsable()
 {
     if (!resourcePath().contains(QLatin1Char('\\'))) {
         return true;
     }
     logLine(QStringLiteral("TVX's path contains character '\\' :-( %@"), {resourcePath()});
-    displayAlert(alertText("D_TXpref_ouvert_2"), alertText("D_appAlreadyOpened_3"), 0, nullptr);
-    return false;
+    return refuse("D_TXpref_ouvert_2", "D_appAlreadyOpened_3");
 }
 
-void appDelegate::killOldTools()
+void StartUp::killOldTools()
 {
     for (const QString& tool : {QStringLiteral("movencoder"), QStringLiteral("ffmpeg")}) {
         for (const int pid : leftOverToolPids(tool)) {
@@ -122,11 +123,20 @@ void appDelegate::killOldTools()
     }
 }
 
-void appDelegate::makeTemporaryFolder()
+void StartUp::startLogs()
+{
+    rotateLogs();
+    logResume(QStringLiteral(""));
+    if (session_.face().redirectsOutput()) {
+        redirectLogs2File(detailsLogPath());
+    }
+}
+
+void StartUp::makeTemporaryFolder()
 {
     const QString base = systemTemporaryFolder();
     mkdirCocoa(cachesFolder());
-    ::chmod(cachesFolder().toUtf8().constData(), 0700);
+    keepPrivate(cachesFolder(), 0700);
     QString folder = formatText(QStringLiteral("%@%@/"), {base, bundleName()});
     // A copy of the same user with another home may be working there.
     temporaryLock_ = std::make_unique<InstanceLock>();
@@ -135,7 +145,7 @@ void appDelegate::makeTemporaryFolder()
             formatText(QStringLiteral("%@%@-%d/"), {base, bundleName(), qint64(QCoreApplication::applicationPid())});
     }
     if (!base.isNull() && removeOwnFolder(folder) && mkdirCocoa(folder)) {
-        ::chmod(folder.toUtf8().constData(), 0700);
+        keepPrivate(folder, 0700);
         setTMPFOLDER(folder);
         return;
     }
@@ -145,7 +155,7 @@ void appDelegate::makeTemporaryFolder()
     }
 }
 
-void appDelegate::takeCodecInventory()
+void StartUp::takeCodecInventory()
 {
     const QList<int> answers = codecsCheck({QStringLiteral("WMV "), QStringLiteral("DIV6"), QStringLiteral("ICOD")});
     setWMV(answers.value(0));
@@ -157,17 +167,18 @@ void appDelegate::takeCodecInventory()
     }
 }
 
-void appDelegate::encGoRazGui()
+void StartUp::clearDisplay()
 {
-    model_.batchEncGoBt.setEnabled(false);
-    model_.mainEncProgressCaptionStr.setStringValue(QString());
-    model_.mainEncProgressPercentStr.setStringValue(QString());
-    model_.encStopBt.setHidden(true);
-    model_.analyseStopBt.setHidden(true);
-    model_.analyseCaptionStr.setStringValue(QString());
+    WindowModel& model = session_.model();
+    model.batchEncGoBt.setEnabled(false);
+    model.mainEncProgressCaptionStr.setStringValue(QString());
+    model.mainEncProgressPercentStr.setStringValue(QString());
+    model.encStopBt.setHidden(true);
+    model.analyseStopBt.setHidden(true);
+    model.analyseCaptionStr.setStringValue(QString());
 }
 
-void appDelegate::restorePreferences()
+void StartUp::restorePreferences()
 {
     prefSynchronize();
     removeLeftOverIntermediate();
@@ -176,37 +187,32 @@ void appDelegate::restorePreferences()
             prefDelete(key);
         }
     }
+    WindowModel& model = session_.model();
     const QString format = prefRead(pref::prefCheckMatrix);
-    model_.prefCheckMatrix.setSelectedSegment(defaultOutputFormat);
+    model.prefCheckMatrix.setSelectedSegment(defaultOutputFormat);
     if (!format.isEmpty()) {
-        model_.prefCheckMatrix.setSelectedSegment(leadingInteger(format));
+        model.prefCheckMatrix.setSelectedSegment(leadingInteger(format));
     }
-    prefCheckCaptions();
-    model_.prefColor.setSelectedSegment(0);
-    model_.prefColor.setSelectedSegment(leadingInteger(prefRead(pref::prefColor)));
-    model_.prefColorImgView.setImageName(model_.prefColor.imageName(model_.prefColor.selectedSegment()));
+    model.showFormatCaption();
+    model.prefColor.setSelectedSegment(0);
+    model.prefColor.setSelectedSegment(leadingInteger(prefRead(pref::prefColor)));
+    model.showColorImage();
     const QString folder = prefRead(pref::prefDefautDstPathStr);
     if (isFolder(stringByExpandingTildeInPath(folder))) {
-        model_.prefDefautDstPathStr.setStringValue(folder);
-        model_.mainEncDstPathStr.setStringValue(folder);
+        model.prefDefautDstPathStr.setStringValue(folder);
+        model.mainEncDstPathStr.setStringValue(folder);
     }
     prefSynchronize();
 }
 
 // A run that was killed in its second pass has left the first pass's movie under its master name.
-void appDelegate::removeLeftOverIntermediate()
+void StartUp::removeLeftOverIntermediate()
 {
-    const QString destination = prefReadChildDico(pref::processEncDico, record::dstPathStr);
-    const QString intermediate = prefReadChildDico(pref::processEncDico, record::purgePathStr1);
-    if (!intermediate.isEmpty() && intermediate == intermediateName(destination)) {
-        removeIntermediate(destination);
+    const QString output = currentValue(record::dstPathStr);
+    const QString intermediate = currentValue(record::purgePathStr1);
+    if (!intermediate.isEmpty() && intermediate == intermediateName(output)) {
+        OutputGuard(session_.model().encBatchArrayController).removeIntermediate(output);
     }
-}
-
-void appDelegate::applicationDidFinishLaunching()
-{
-    model_.menuDebug.setTitle(alertText("Menu_Debug1"));
-    model_.menuDebug.setState(getDEBUG());
 }
 
 } // namespace tavrix

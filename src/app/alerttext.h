@@ -1,0 +1,16 @@
+#pragma once
+
+// The words of the controller's alerts.
+
+#include "base/localisation.h"
+
+namespace tavrix
+{
+
+// Text of a key of the main table.
+[[nodiscard]] inline QString alertText(const char* key)
+{
+    return localizedString(QLatin1String(key));
+}
+
+} // namespace tavrix

@@ -1,0 +1,323 @@
+#include "app/analysismachine.h"
+
+#include "app/droparea.h"
+#include "app/face.h"
+#include "app/session.h"
+#include "app/stepflags.h"
+#include "app/windowmodel.h"
+#include "base/bundle.h"
+#include "base/filedelete.h"
+#include "base/filesizes.h"
+#include "base/format.h"
+#include "base/log.h"
+#include "base/paths.h"
+#include "base/preferences.h"
+#include "base/settings.h"
+#include "base/text.h"
+#include "encode/analysisarguments.h"
+#include "probe/batchtexts.h"
+#include "probe/cameraclip.h"
+#include "probe/ffinfos.h"
+#include "probe/ffprobes.h"
+
+#include <QRandomGenerator>
+
+#include <utility>
+
+namespace tavrix
+{
+
+namespace
+{
+
+QString existingFile(const QString& path)
+{
+    return !path.isEmpty() && testPresenceCocoa(path) ? path : QString();
+}
+
+QString ffmpegTool()
+{
+    return toolPath(QStringLiteral("ffmpeg"));
+}
+
+QString frameFile()
+{
+    return formatText(QStringLiteral("%@frame.yuv"), {getTMPFOLDER()});
+}
+
+// Interlacing code of the decoded frames, which are deleted.
+QString interlacingOfFrames()
+{
+    QString letter;
+    if (testPresenceCocoa(frameFile())) {
+        letter = interlacingLetter(firstLineOfFile(frameFile()));
+        removeOwnFile(frameFile(), getTMPFOLDER());
+    }
+    return interlacedYuvheaders2tvxStr(letter);
+}
+
+// A file name of the temporary folder that is still free, or nearly so.
+QString thumbnailPath(const QString& source)
+{
+    const QString image = formatText(QStringLiteral("%@%@.jpg"), {getTMPFOLDER(), lastPathComponent(source)});
+    if (!testPresenceCocoa(image)) {
+        return image;
+    }
+    const int number = static_cast<int>(QRandomGenerator::global()->generate() & 0x7FFFFFFFU);
+    return formatText(QStringLiteral("%@_%d.jpg"), {stringByDeletingPathExtension(image), number});
+}
+
+} // namespace
+
+AnalysisMachine::AnalysisMachine(Session& session, DropArea& dropArea, const LauncherMaker& maker)
+    : session_(session), dropArea_(dropArea),
+      child_(session, maker, "forget to release previous task? (analysisTaskClass)")
+{
+}
+
+void AnalysisMachine::begin(const QStringList& sources)
+{
+    queue_.fill(sources);
+    running_ = true;
+    setFlag(pref::analysisDeb);
+}
+
+void AnalysisMachine::step()
+{
+    if (session_.isEnding()) {
+        return;
+    }
+    honourStop();
+    if (!takeNext()) {
+        return;
+    }
+    showCaption();
+    if (takeFlag(pref::analysisDeb)) {
+        session_.model().analyseStopBt.setHidden(false);
+        setFlag(pref::analysisFfmpeg);
+    }
+    if (takeFlag(pref::analysisFfmpeg)) {
+        decode();
+    } else if (takeFlag(pref::analysisFfmpegParse)) {
+        parse();
+    } else if (takeFlag(pref::analysisFin)) {
+        finishSource();
+    }
+}
+
+void AnalysisMachine::honourStop()
+{
+    IntegerField& stopped = session_.model().analysisStopInt;
+    if (stopped.intValue() == 0) {
+        return;
+    }
+    logLine(QStringLiteral("analysis stop = 1"));
+    stopped.setIntValue(0);
+    const QStringList flags = analysisFlags();
+    // The first flag is kept: a stop reaches the machine only after the decoding step has taken it.
+    for (qsizetype i = 1; i < flags.size() - 1; ++i) {
+        prefDelete(flags.at(i));
+    }
+    setFlag(flags.last());
+    queue_.clear();
+    prefWrite(pref::analysisSrcPathStr, cancelMark);
+}
+
+// False when the program ends.
+bool AnalysisMachine::takeNext()
+{
+    if (!prefRead(pref::analysisSrcPathStr).isEmpty() || queue_.count() == 0) {
+        return true;
+    }
+    const QString current = queue_.first();
+    logLine(QStringLiteral("analysis new file : %@"), {current});
+    // It is stored before it leaves the queue: a crash in between loses no source.
+    prefWrite(pref::analysisSrcPathStr, current);
+    queue_.removeFirst();
+    if (getDEBUGDEV() == 0) {
+        return true;
+    }
+    return session_.tell(formatText(QStringLiteral("reliquat = %d"), {queue_.count()})) != After::Ending;
+}
+
+void AnalysisMachine::showCaption()
+{
+    TextField& caption = session_.model().analyseCaptionStr;
+    const int waiting = queue_.count();
+    const QString shown = textAfter(caption.stringValue(), QStringLiteral("/"));
+    const int total = shown.isNull() ? waiting + 1 : leadingInteger(shown);
+    caption.setStringValue(formatText(QStringLiteral("%d/%d"), {total - waiting, total}));
+}
+
+void AnalysisMachine::decode()
+{
+    const QString source = prefRead(pref::analysisSrcPathStr);
+    const QString caption = session_.model().analyseCaptionStr.stringValue();
+    Q_EMIT started(source, leadingInteger(caption), leadingInteger(textAfter(caption, QStringLiteral("/"))));
+    // What an earlier source has left, by a stop or a stall, must not be taken for this one's.
+    source_ = {};
+    prefDelete(pref::analysisIStr);
+    prefDelete(pref::imgPathStr);
+    removeOwnFile(frameFile(), getTMPFOLDER());
+    setFlag(pref::analysisFfmpegParse);
+    logLine(QStringLiteral("analysis task - deb"));
+    if (!launch(decodeArguments(ffmpegTool(), source, frameFile()))) {
+        stall();
+    }
+}
+
+void AnalysisMachine::parse()
+{
+    const QString text = std::exchange(source_.incoming, QString());
+    if (!text.isEmpty() && text != QLatin1String(" ")) {
+        source_.retained = text;
+        if (!ffmpegSuccess(text)) {
+            setFlag(pref::analysisFin);
+            step();
+            return;
+        }
+    }
+    const QString code = interlacingOfFrames();
+    prefWrite(pref::analysisIStr, code);
+    const std::optional<MediaInfoRecord> infos = analysisFf(source_.retained, code);
+    const ClipVerdict verdict = cameraClipVerdict(infos, code);
+    if (verdict.accepted) {
+        makeThumbnail(*infos);
+        return;
+    }
+    logLine(QStringLiteral("analysisRetainedStr release != AVCHD-Lite"));
+    source_.rejection = verdict.reason;
+    source_.retained = QString();
+    prefDelete(pref::analysisIStr);
+    setFlag(pref::analysisFin);
+    step();
+}
+
+void AnalysisMachine::makeThumbnail(const MediaInfoRecord& infos)
+{
+    logLine(QStringLiteral("Thumb - deb"));
+    const QString source = prefRead(pref::analysisSrcPathStr);
+    const QString image = thumbnailPath(source);
+    prefWrite(pref::imgPathStr, image);
+    setFlag(pref::analysisFin);
+    if (!launch(thumbnailArguments(ffmpegTool(), source, thumbnailSize(clipAspect(infos)), image))) {
+        stall();
+    }
+}
+
+void AnalysisMachine::finishSource()
+{
+    std::optional<MediaInfoRecord> infos = analysisFf(source_.retained, prefRead(pref::analysisIStr));
+    source_.retained = QString();
+    prefDelete(pref::analysisIStr);
+    releaseChild();
+    const QString source = prefRead(pref::analysisSrcPathStr);
+    if (infos) {
+        logLine(QStringLiteral("stocker…"));
+        addRow(std::move(*infos));
+    } else if (source != cancelMark) {
+        Q_EMIT rejected(source, source_.rejection.isNull() ? batchText("Clip_noVideo") : source_.rejection);
+    }
+    prefDelete(pref::analysisSrcPathStr);
+    if (queue_.count() > 0 && session_.model().analysisStopInt.intValue() != 1) {
+        logLine(QStringLiteral("panel_analyse       - fin (src current)"));
+        setFlag(pref::analysisFfmpeg);
+        step();
+        return;
+    }
+    queue_.clear();
+    resetPanel();
+    Q_EMIT ended();
+}
+
+void AnalysisMachine::addRow(MediaInfoRecord infos)
+{
+    const QString source = prefRead(pref::analysisSrcPathStr);
+    const QString image = existingFile(prefRead(pref::imgPathStr));
+    prefDelete(pref::imgPathStr);
+    WindowModel& model = session_.model();
+    BatchList& rows = model.encBatchArrayController;
+    if (rows.indexOfSource(source) >= 0) {
+        // The row machine finds its row by the source's path: two rows of one source would never end.
+        if (!image.isNull()) {
+            removeOwnFile(image, getTMPFOLDER());
+        }
+        return;
+    }
+    infos.insert(record::v0_aspect, clipAspect(infos));
+    infos.insert(record::mainEncSrcPathStr, source);
+    if (!image.isNull()) {
+        infos.insert(record::imgPathStr, image);
+    }
+    const int out = model.prefCheckMatrix.selectedSegment();
+    infos.insert(record::out, out);
+    BatchRow row;
+    row.order = rows.count() + 1;
+    row.src = lastPathComponent(source);
+    row.out = out;
+    row.resultat = rowIcon::pending;
+    row.dico = infos;
+    row.img = isJpegFile(image) ? image : QString();
+    rows.append(row);
+    if (!model.drawer.isOpen()) {
+        session_.face().ecran(QStringLiteral("b"), drawerHeight);
+        model.drawer.open();
+    }
+    Q_EMIT accepted(rows.count() - 1);
+}
+
+void AnalysisMachine::stall()
+{
+    const QString source = prefRead(pref::analysisSrcPathStr);
+    releaseChild();
+    resetPanel();
+    Q_EMIT stalled(source);
+}
+
+void AnalysisMachine::resetPanel()
+{
+    WindowModel& model = session_.model();
+    running_ = false;
+    model.analyseCaptionStr.setStringValue(QString());
+    model.analyseStopBt.setHidden(true);
+    model.analysisStopInt.setIntValue(0);
+    dropArea_.open();
+    Q_EMIT panelReset();
+}
+
+void AnalysisMachine::stop()
+{
+    session_.model().analysisStopInt.setIntValue(1);
+    session_.model().analyseStopBt.setSelectedSegment(-1);
+}
+
+bool AnalysisMachine::launch(const QStringList& arguments)
+{
+    if (!child_.mayLaunch(arguments)) {
+        return false;
+    }
+    source_.incoming = QStringLiteral("");
+    return child_.launch(arguments, [this] { Q_EMIT childGone(nullptr); });
+}
+
+void AnalysisMachine::childWrote(const QString& text)
+{
+    if (!source_.incoming.isNull()) {
+        source_.incoming += text;
+    }
+}
+
+void AnalysisMachine::releaseChild()
+{
+    child_.release();
+    source_.incoming = QString();
+}
+
+void AnalysisMachine::abandon()
+{
+    child_.silence();
+    child_.kill();
+    releaseChild();
+}
+
+} // namespace tavrix

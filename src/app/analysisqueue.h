@@ -1,0 +1,28 @@
+#pragma once
+
+// The sources that wait for their analysis, kept in the preferences store under the keys "0", "1", ... in order.
+
+#include <QString>
+#include <QStringList>
+
+namespace tavrix
+{
+
+class AnalysisQueue
+{
+public:
+    // A new queue in the place of the stored one.
+    void fill(const QStringList& sources);
+    // Nothing when none waits.
+    [[nodiscard]] QString first() const;
+    // Takes the first source out.
+    void removeFirst();
+    [[nodiscard]] int count() const;
+    void clear();
+
+private:
+    int head_ = 0;  // number of the first key, where a long queue was last left
+    int takes_ = 0; // sources taken from long queues
+};
+
+} // namespace tavrix

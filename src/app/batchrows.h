@@ -1,0 +1,28 @@
+#pragma once
+
+// Takes rows off the batch list, with their thumbnails.
+
+namespace tavrix
+{
+
+class Control;
+class Session;
+
+class BatchRows
+{
+public:
+    explicit BatchRows(Session& session) : session_(session) {}
+
+    // Removes the selected row. The sender is the remove button, which spares the row being encoded; without a sender
+    // the first row stands in for a selection.
+    void remove(const Control* sender);
+    // Removes every row but the one being encoded, after a question when a button asks for it.
+    void removeAll(const Control* sender);
+
+private:
+    void removeThumbnail(int row);
+
+    Session& session_;
+};
+
+} // namespace tavrix

@@ -1,0 +1,308 @@
+#include "app/rowencode.h"
+
+#include "app/alerttext.h"
+#include "app/currentrow.h"
+#include "app/encodefailure.h"
+#include "app/logs.h"
+#include "app/session.h"
+#include "app/stepflags.h"
+#include "app/windowmodel.h"
+#include "base/bundle.h"
+#include "base/datetext.h"
+#include "base/filedelete.h"
+#include "base/filesizes.h"
+#include "base/format.h"
+#include "base/paths.h"
+#include "base/preferences.h"
+#include "base/settings.h"
+#include "base/text.h"
+#include "encode/encoderarguments.h"
+#include "encode/movencoderstep.h"
+#include "encode/outputname.h"
+#include "encode/progress.h"
+#include "probe/batchtexts.h"
+#include "probe/recordersources.h"
+
+#include <QDateTime>
+
+namespace tavrix
+{
+
+namespace
+{
+
+constexpr int replaceAlertSeconds = 60;
+constexpr int replaceButton = 0;
+constexpr int keepButton = 1;
+constexpr double smallestOutputKilobytes = 200;
+constexpr qsizetype transcriptTailLength = 4000;
+
+// A batch that was stopped under an alert goes on to the place where that is honoured; one that is no more does not.
+RowEncode::Next afterAlert(After after)
+{
+    switch (after) {
+    case After::GoOn:
+        return RowEncode::Next::Launch;
+    case After::Stopped:
+        return RowEncode::Next::NextRow;
+    case After::Ending:
+        break;
+    }
+    return RowEncode::Next::Wait;
+}
+
+bool hasSecondPass(int out)
+{
+    return (out == 4 && getAIC() != 0) || (out == 5 && getPRORES() != 0);
+}
+
+} // namespace
+
+RowEncode::RowEncode(Session& session) : session_(session), guard_(rows()) {}
+
+BatchList& RowEncode::rows() const
+{
+    return session_.model().encBatchArrayController;
+}
+
+void RowEncode::begin(int row)
+{
+    state_ = State::Open;
+    rows().setResultat(row, rowIcon::current);
+    prefWrite(pref::encCurrentProcessingFile, rows().row(row).source());
+    prefWriteDico(pref::processEncDico, rows().row(row).dico);
+    setFlag(pref::encDeb);
+    transcriptTail_ = QString();
+    guard_.beginRow();
+}
+
+void RowEncode::vanish()
+{
+    state_ = State::Vanished;
+    prefDelete(pref::encDeb);
+    setFlag(pref::encFin);
+}
+
+RowEncode::Next RowEncode::prepare()
+{
+    const int row = currentRowIndex(rows());
+    setFlag(pref::encFin);
+    if (row < 0) {
+        return Next::Finish;
+    }
+    const QString destination = session_.model().mainEncDstPathStr.stringValue();
+    const QString folder = eventsFolder(destination);
+    if (destination.isEmpty() || !isFolder(folder)) {
+        return refuse(row, formatText(batchText("Enc_noFolder"), {folder}));
+    }
+    const BatchRow& current = rows().row(row);
+    const QString output = outputPath(destination, dateCreation2iMovieName(current.source()), current.out,
+                                      textOf(current.dico.value(record::v0_codec)));
+    guard_.lookAt(output);
+    prefWriteChildDico(pref::processEncDico, record::dstPathStr, output);
+    // The second pass reads the format from here; the row's own value is the one in force.
+    prefWriteChildDico(pref::processEncDico, record::out, current.out);
+    const Next next = clearWay(row, output);
+    return next == Next::Launch ? firstPass(row, output) : next;
+}
+
+// Launch when the output can be written.
+RowEncode::Next RowEncode::clearWay(int row, const QString& output)
+{
+    if (guard_.isTaken()) {
+        if (const QString refusal = guard_.refusal(output); !refusal.isNull()) {
+            logResume(
+                formatText(QStringLiteral("\n----------\n\nsource              : %@\nfailure             : %@ (%@)\n"),
+                           {currentValue(record::mainEncSrcPathStr), refusal, output}));
+            return refuse(row, refusal);
+        }
+        const Answer answer = replaceAnswer(output);
+        if (answer.after != After::GoOn) {
+            return afterAlert(answer.after);
+        }
+        if (answer.button == keepButton) {
+            return refuse(row, batchText("Enc_kept"));
+        }
+    }
+    if (!hasSpace(row, output)) {
+        // The same words twice are no slip: there is nothing else to say.
+        const After after = session_.tell(alertText("D_keep"), alertText("D_keep"));
+        return after == After::GoOn ? refuse(row, batchText("Enc_noSpace")) : afterAlert(after);
+    }
+    return Next::Launch;
+}
+
+// From what was answered for the whole batch, from what the face has chosen beforehand, else from a person.
+Answer RowEncode::replaceAnswer(const QString& output)
+{
+    const QString stored = prefRead(pref::replaceFilesCheck);
+    if (!stored.isEmpty()) {
+        return {After::GoOn, leadingInteger(stored) == 1 ? replaceButton : keepButton};
+    }
+    if (replacePolicy_) {
+        return {After::GoOn, *replacePolicy_ == 1 ? replaceButton : keepButton};
+    }
+    const Answer answer = session_.ask({lastPathComponent(output),
+                                        alertText("D_go_dossier_destination4Bis"),
+                                        {alertText("D_replace"), alertText("D_keep")},
+                                        keepButton,
+                                        replaceAlertSeconds,
+                                        alertText("D_applyToAll")});
+    if (answer.after == After::GoOn && answer.checked) {
+        prefWrite(pref::replaceFilesCheck, answer.button == replaceButton ? 1 : 0);
+    }
+    return answer;
+}
+
+// By the estimate of the output's size, in megabytes.
+bool RowEncode::hasSpace(int row, const QString& output)
+{
+    const double sourceSize = poidsFile(currentValue(record::mainEncSrcPathStr), QStringLiteral("m"));
+    const float estimate = encDstPoidsEstimatif(currentNumber(record::w_duration), sourceSize, rows().row(row).out);
+    const int available = espaceDiskDispo(stringByDeletingLastPathComponent(output));
+    return static_cast<double>(estimate) <= available;
+}
+
+RowEncode::Next RowEncode::firstPass(int row, const QString& output)
+{
+    const int out = rows().row(row).out;
+    const QString source = currentValue(record::mainEncSrcPathStr);
+    startedAt_ = QDateTime::currentSecsSinceEpoch();
+    logResume(formatText(QStringLiteral("\n----------\n\n"
+                                        "source              : %@\n"
+                                        "destination         : %@\n"
+                                        "format              : %d\n"),
+                         {source, output, out}));
+    if (hasSecondPass(out)) {
+        setFlag(pref::encQtEnc);
+    }
+    const std::optional<QStringList> arguments =
+        encodage(source, output, currentValue(record::wrapper), currentValue(record::v0_codec),
+                 currentNumber(record::v0_fps), out, currentNumber(record::v0_aspect));
+    if (!arguments) {
+        fail(row, batchText("Enc_noArguments"));
+        prefDelete(pref::encQtEnc);
+        return Next::Finish;
+    }
+    pass_ = {*arguments, currentNumber(record::w_duration), parseFfmpeg};
+    session_.model().mainEncProgressCaptionStr.setStringValue(lastPathComponent(source));
+    return Next::Launch;
+}
+
+RowEncode::Next RowEncode::secondPass()
+{
+    const QString output = currentValue(record::dstPathStr);
+    prefWriteChildDico(pref::processEncDico, record::mainEncSrcPathStr, output);
+    const float duration = currentNumber(record::w_duration);
+    const int row = currentRowIndex(rows());
+    // What stood there before is no result of the first pass: it must neither be moved aside nor encoded.
+    if (!testPresenceCocoa(output) || !guard_.hasMade(output)) {
+        fail(row, failureReason());
+        return Next::Finish;
+    }
+    const std::optional<QStringList> arguments =
+        encPostQtEnc(output, duration, currentNumber(record::v0_aspect), QString());
+    if (!arguments) {
+        fail(row, batchText("Enc_noSpace"));
+        const After after = session_.tell(alertText("D_go_echec_disque4"), alertText("D_go_echec_disque5"));
+        if (after != After::GoOn) {
+            return afterAlert(after);
+        }
+        setFlag(pref::encFin);
+        return Next::Finish;
+    }
+    setFlag(pref::encFin);
+    prefSynchronize();
+    // The bar's range stays the clip's duration, although this tool counts percents.
+    pass_ = {*arguments, duration, parseMovencoder};
+    return Next::Launch;
+}
+
+RowEncode::Outcome RowEncode::finish()
+{
+    const bool vanished = state_ == State::Vanished;
+    const QString output = currentValue(record::dstPathStr);
+    const float duration = currentNumber(record::w_duration);
+    guard_.removeIntermediate(output);
+    pass_ = {};
+    prefDelete(pref::processEncDico);
+    if (vanished) {
+        state_ = State::None;
+        return Outcome::Vanished;
+    }
+    const int row = currentRowIndex(rows());
+    if (row < 0) {
+        return Outcome::Stopped;
+    }
+    // The closing block ends without a line feed, the opening one with one.
+    const bool closed = writeClosingBlock(row, duration);
+    if (rows().row(row).isCurrent()) {
+        judge(row, output);
+    }
+    if (!rows().row(row).hasFailed()) {
+        return Outcome::Succeeded;
+    }
+    logResume(formatText(QStringLiteral("%@failure             : %@\n"),
+                         {closed ? QStringLiteral("\n") : QStringLiteral(""), rows().row(row).reason}));
+    return Outcome::Failed;
+}
+
+bool RowEncode::writeClosingBlock(int row, float duration)
+{
+    if (rows().row(row).hasFailed()) {
+        return false;
+    }
+    const qint64 elapsed = QDateTime::currentSecsSinceEpoch() - startedAt_;
+    const double speed = static_cast<double>(duration) / static_cast<double>(elapsed > 0 ? elapsed : 1);
+    const QString maker = formatText(QStringLiteral("(made by %@)"), {textOf(infoValue(QStringLiteral("TVXWebSite")))});
+    logResume(formatText(QStringLiteral("speed               : real time / %.2f\ndate                : %@\n%@"),
+                         {speed, currentDateText(), maker}));
+    return true;
+}
+
+void RowEncode::judge(int row, const QString& output)
+{
+    const double kilobytes = poidsFile(output, QStringLiteral("k"));
+    if (!guard_.hasMade(output)) {
+        fail(row, failureReason());
+    } else if (kilobytes > -1 && kilobytes < smallestOutputKilobytes) {
+        fail(row, batchText("Enc_tooSmall"));
+        rmCocoa(output);
+    } else {
+        rows().setResultat(row, rowIcon::success);
+        rows().setOutput(row, output);
+        guard_.keep(output);
+    }
+}
+
+RowEncode::Next RowEncode::refuse(int row, const QString& reason)
+{
+    fail(row, reason);
+    prefDelete(pref::encFin);
+    prefDelete(pref::processEncDico);
+    return Next::Refused;
+}
+
+void RowEncode::fail(int row, const QString& reason)
+{
+    rows().setResultat(row, rowIcon::failure);
+    rows().setReason(row, reason);
+}
+
+void RowEncode::childWrote(const QString& text)
+{
+    transcriptTail_ = (transcriptTail_ + text).right(transcriptTailLength);
+}
+
+void RowEncode::childMissing(const QString& tool)
+{
+    transcriptTail_ = formatText(batchText("Enc_toolMissing"), {tool});
+}
+
+QString RowEncode::failureReason() const
+{
+    const QString line = failureLine(transcriptTail_);
+    return line.isNull() ? batchText("Enc_noOutput") : line;
+}
+
+} // namespace tavrix

@@ -1,0 +1,89 @@
+#pragma once
+
+// The life of one row, from its preparation to its judgement.
+
+#include "app/outputguard.h"
+#include "app/session.h"
+
+#include <QStringList>
+
+#include <optional>
+
+namespace tavrix
+{
+
+class BatchList;
+
+// Prepares a row, has its passes launched by the batch, and judges what they have made. The working record of the row
+// is in the preferences store; the row itself is known there by its source.
+class RowEncode
+{
+public:
+    // What the batch does after a step.
+    enum class Next {
+        Wait,    // nothing: the program ends
+        Launch,  // the child of pass()
+        Finish,  // the finish step
+        Refused, // the row is over: it has failed before a child was launched
+        NextRow, // the choice of the next row, where a stop is honoured
+    };
+    enum class Outcome {
+        Succeeded,
+        Failed,
+        Vanished, // its source was gone before it began
+        Stopped,  // there is no current row any more
+    };
+    struct Pass {
+        QStringList arguments; // empty: there is nothing to launch
+        float maximum = 0;     // of the progress, in seconds
+        int parser = 0;        // selector of the progress parser
+    };
+
+    explicit RowEncode(Session& session);
+
+    // The row's steps, in the order of its life.
+    void begin(int row);
+    [[nodiscard]] Next prepare();
+    [[nodiscard]] Next secondPass();
+    [[nodiscard]] Outcome finish();
+
+    // In the place of a life: the row has left the list, and only its finish step comes.
+    void vanish();
+    // From its beginning until its end was told.
+    [[nodiscard]] bool isOpen() const { return state_ == State::Open; }
+    void close() { state_ = State::None; }
+
+    // A child's text, and a child that could not be started.
+    void childWrote(const QString& text);
+    void childMissing(const QString& tool);
+    // Marks the row as failed; an index out of range is ignored.
+    void fail(int row, const QString& reason);
+
+    [[nodiscard]] const Pass& pass() const { return pass_; }
+    [[nodiscard]] OutputGuard& guard() { return guard_; }
+    // The answer to the replace question for every batch: 1 replace, 0 keep, no value asks.
+    void setReplacePolicy(std::optional<int> policy) { replacePolicy_ = policy; }
+
+private:
+    enum class State { None, Open, Vanished };
+
+    [[nodiscard]] Next clearWay(int row, const QString& output);
+    [[nodiscard]] Answer replaceAnswer(const QString& output);
+    [[nodiscard]] bool hasSpace(int row, const QString& output);
+    [[nodiscard]] Next firstPass(int row, const QString& output);
+    Next refuse(int row, const QString& reason);
+    [[nodiscard]] bool writeClosingBlock(int row, float duration);
+    void judge(int row, const QString& output);
+    [[nodiscard]] QString failureReason() const;
+    [[nodiscard]] BatchList& rows() const;
+
+    Session& session_;
+    OutputGuard guard_;
+    Pass pass_;
+    State state_ = State::None;
+    qint64 startedAt_ = 0;   // seconds since 1970
+    QString transcriptTail_; // last text of the row's children, for the reason of a failure
+    std::optional<int> replacePolicy_;
+};
+
+} // namespace tavrix
