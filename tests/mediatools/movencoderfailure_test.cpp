@@ -89,27 +89,34 @@ TEST_F(MovencoderFailure, PlayListOfAnotherProtocol)
     expectFailure(movencode(settingsPath(plain), QString(), list, output()), list);
 }
 
-TEST_F(MovencoderFailure, InputThatIsCutOff)
+// The tool must not blame a file that nobody knows.
+TEST_F(MovencoderFailure, TheReasonNamesTheClipAndNotTheFirstPass)
 {
-    const QString whole = folder_.path(QStringLiteral("whole.mov"));
-    ASSERT_TRUE(makeMedia({QStringLiteral("-i"), camera(), QStringLiteral("-c"), QStringLiteral("copy"),
-                           QStringLiteral("-movflags"), QStringLiteral("+faststart"), whole}));
-    ASSERT_TRUE(QFile::resize(whole, QFileInfo(whole).size() * 6 / 10));
-    expectFailure(movencode(settingsPath(plain), QStringLiteral("aic"), whole, output()), whole);
-    EXPECT_EQ(entriesOf(folder_.path()), QStringList{QStringLiteral("whole.mov")});
+    const QString firstPass = folder_.makeFile(QStringLiteral("out_MASTER.mov"), QByteArrayLiteral("no movie"));
+    const QString clip = folder_.path(QStringLiteral("00001.MTS"));
+    const QString list = QStringLiteral("<plist version=\"1.0\"><dict><key>encCurrentProcessingFile</key><string>%3"
+                                        "</string><key>processEncDico</key><dict><key>out</key><integer>4</integer>"
+                                        "<key>dstPathStr</key><string>%1</string><key>purgePathStr1</key><string>%2"
+                                        "</string></dict></dict></plist>")
+                             .arg(output(), firstPass, clip);
+    folder_.makeFile(QStringLiteral("home/Library/Preferences/org.tavrix.Tavrix.plist"), list.toUtf8());
+    const EnvironmentChange change("HOME", folder_.path(QStringLiteral("home")).toUtf8().constData());
+    const ToolResult result = movencode(settingsPath(plain), QString(), firstPass, output());
+    expectFailure(result, clip);
+    EXPECT_FALSE(result.errors.contains("_MASTER")) << result.errors.constData();
 }
 
-TEST_F(MovencoderFailure, InputWithADamagedPicture)
+TEST_F(MovencoderFailure, InputWithoutAnyGoodPicture)
 {
     auto bytes = readBytes(camera());
     ASSERT_TRUE(bytes);
-    constexpr qsizetype damage = 150'000; // more than a picture, so that at least one loses its head
-    ASSERT_GT(bytes->size(), 4 * damage);
-    std::fill_n(bytes->begin() + bytes->size() / 2, damage, '\xFF');
-    const QString damaged = folder_.makeFile(QStringLiteral("damaged.mov"), *bytes);
-    ASSERT_NE(decodeErrors(damaged).toStdString(), "");
-    expectFailure(movencode(settingsPath(plain), QStringLiteral("aic"), damaged, output()), damaged);
-    EXPECT_EQ(entriesOf(folder_.path()), QStringList{QStringLiteral("damaged.mov")});
+    const qsizetype media = bytes->indexOf("mdat") + 4;
+    std::fill(bytes->begin() + media, bytes->begin() + bytes->indexOf("moov") - 4, '\xFF');
+    const QString empty = folder_.makeFile(QStringLiteral("empty.mov"), *bytes);
+    const ToolResult result = movencode(settingsPath(plain), QStringLiteral("aic"), empty, output());
+    expectFailure(result, empty);
+    EXPECT_TRUE(result.errors.contains("none of its pictures can be decoded")) << result.errors.constData();
+    EXPECT_EQ(entriesOf(folder_.path()), QStringList{QStringLiteral("empty.mov")});
 }
 
 TEST_F(MovencoderFailure, SettingsThatCannotBeRead)

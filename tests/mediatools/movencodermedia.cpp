@@ -134,10 +134,15 @@ QByteArray decodeErrors(const QString& path)
 
 double psnr(const QString& first, const QString& second, const QString& graph)
 {
+    // Times that differ by a rounding would make the filter compare neighbours.
+    QString counted = graph;
+    counted.replace(QStringLiteral("[0:v]"), QStringLiteral("[p]"))
+        .replace(QStringLiteral("[1:v]"), QStringLiteral("[q]"));
+    counted.prepend(QStringLiteral("[0:v]setpts=N/25/TB[p];[1:v]setpts=N/25/TB[q];"));
     const ToolResult result =
         runProgram(QStringLiteral("ffmpeg"),
                    {QStringLiteral("-nostdin"), QStringLiteral("-hide_banner"), QStringLiteral("-nostats"),
-                    QStringLiteral("-i"), first, QStringLiteral("-i"), second, QStringLiteral("-lavfi"), graph,
+                    QStringLiteral("-i"), first, QStringLiteral("-i"), second, QStringLiteral("-lavfi"), counted,
                     QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-")});
     static const QRegularExpression average(QStringLiteral("average:([0-9.]+|inf)"));
     const auto match = average.match(QString::fromUtf8(result.errors));

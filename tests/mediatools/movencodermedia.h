@@ -40,7 +40,7 @@ struct ToolResult {
 [[nodiscard]] QMap<QString, QString> probe(const QString& path);
 // What `ffmpeg -f null` says about errors while it decodes everything.
 [[nodiscard]] QByteArray decodeErrors(const QString& path);
-// Average PSNR of two inputs through a filter graph that uses [0:v] and [1:v]; 1000 for equal
+// Average PSNR of two inputs, picture by picture, through a filter graph that uses [0:v] and [1:v]; 1000 for equal
 // pictures, -1 when it cannot be had.
 [[nodiscard]] double psnr(const QString& first, const QString& second, const QString& graph);
 [[nodiscard]] QByteArray soundBytes(const QString& path);

@@ -1,6 +1,5 @@
 #include "support/temphome.h"
 #include "testpaths.h"
-#include "tools/movencoder/formatchoice.h"
 #include "tools/movencoder/geometry.h"
 #include "tools/movencoder/options.h"
 #include "tools/movencoder/progress.h"
@@ -37,14 +36,12 @@ std::string section(const std::string& key, const std::string& content)
 
 TEST(MovencoderSettings, SectionsAndDefaultAreRead)
 {
-    std::string error;
     const auto settings =
         parseSettings(list(number("default", "4") +
                            section("4", number("width", "1280") + number("height", "720") +
                                             "<key>letterbox</key><true/>" + number("quantiser", "9")) +
-                           section("5", "<key>profile</key><string>hq</string>")),
-                      error);
-    ASSERT_TRUE(settings) << error;
+                           section("5", "<key>profile</key><string>hq</string>")));
+    ASSERT_TRUE(settings) << settings.reason();
     EXPECT_EQ(settings->defaultFormat, Format::AppleIntermediate);
     ASSERT_TRUE(settings->appleIntermediate);
     EXPECT_EQ(settings->appleIntermediate->width, 1280);
@@ -60,10 +57,8 @@ TEST(MovencoderSettings, SectionsAndDefaultAreRead)
 
 TEST(MovencoderSettings, BytesPerFrameReplacesTheQuantiser)
 {
-    std::string error;
-    const auto settings =
-        parseSettings(list(number("default", "4") + section("4", number("bytesPerFrame", "160000"))), error);
-    ASSERT_TRUE(settings) << error;
+    const auto settings = parseSettings(list(number("default", "4") + section("4", number("bytesPerFrame", "160000"))));
+    ASSERT_TRUE(settings) << settings.reason();
     EXPECT_EQ(settings->appleIntermediate->bytesPerFrame, 160000);
     EXPECT_FALSE(settings->proRes);
 }
@@ -80,9 +75,9 @@ class MovencoderBadSettings : public testing::TestWithParam<BadSettings>
 
 TEST_P(MovencoderBadSettings, AreRefusedWithTheirReason)
 {
-    std::string error;
-    EXPECT_FALSE(parseSettings(GetParam().text, error));
-    EXPECT_NE(error.find(GetParam().complaint), std::string::npos) << error;
+    const auto settings = parseSettings(GetParam().text);
+    EXPECT_FALSE(settings);
+    EXPECT_NE(settings.reason().find(GetParam().complaint), std::string::npos) << settings.reason();
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -126,9 +121,8 @@ TEST(MovencoderSettings, ShippedFilesHoldBothFormatsAt1280By720)
     for (const bool letterbox : {false, true}) {
         const std::string path =
             std::string(TAVRIX_SOURCE_DIR "/resources/tools/presets/1280x720p") + (letterbox ? "Letterbox" : "");
-        std::string error;
-        const auto settings = readSettings(path, error);
-        ASSERT_TRUE(settings) << error;
+        const auto settings = readSettings(path);
+        ASSERT_TRUE(settings) << settings.reason();
         for (const Format format : {Format::AppleIntermediate, Format::ProRes}) {
             ASSERT_TRUE(settings->of(format)) << path;
             EXPECT_EQ(settings->of(format)->width, 1280);
@@ -141,11 +135,8 @@ TEST(MovencoderSettings, ShippedFilesHoldBothFormatsAt1280By720)
 TEST(MovencoderSettings, FilesThatCannotBeReadGiveTheReason)
 {
     const TempFolder folder;
-    std::string error;
-    EXPECT_FALSE(readSettings(folder.path(QStringLiteral("none")).toStdString(), error));
-    EXPECT_EQ(error, "No such file or directory");
-    EXPECT_FALSE(readSettings(folder.path().toStdString(), error));
-    EXPECT_EQ(error, "not a regular file");
+    EXPECT_EQ(readSettings(folder.path(QStringLiteral("none")).toStdString()).reason(), "No such file or directory");
+    EXPECT_EQ(readSettings(folder.path().toStdString()).reason(), "not a regular file");
 }
 
 struct FitRow {
@@ -204,82 +195,17 @@ TEST(MovencoderFitWithoutSize, KeepsThePictureAsItIs)
     EXPECT_EQ(fit.pixelAspect.den, 3);
 }
 
-struct ChoiceRow {
-    const char* name;
-    std::string record;
-    std::optional<Format> format;
-};
-
-class MovencoderFormatChoice : public testing::TestWithParam<ChoiceRow>
-{
-};
-
-std::string record(const std::string& output, const std::string& input, const std::string& out)
-{
-    return section("processEncDico", "<key>dstPathStr</key><string>" + output +
-                                         "</string><key>purgePathStr1</key><string>" + input +
-                                         "</string><key>out</key>" + out);
-}
-
-TEST_P(MovencoderFormatChoice, BelievesOnlyTheRowOfTheseFiles)
-{
-    const TempFolder folder;
-    const QString path = folder.makeFile(QStringLiteral("p.plist"), QByteArray::fromStdString(list(GetParam().record)));
-    EXPECT_EQ(formatOfRunningRow(path.toStdString(), "/m/clip_MASTER.mov", "/m/clip é&.mov"), GetParam().format);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Records, MovencoderFormatChoice,
-    testing::Values(
-        ChoiceRow{"Four", record("/m/clip é&amp;.mov", "/m/clip_MASTER.mov", "<integer>4</integer>"),
-                  Format::AppleIntermediate},
-        ChoiceRow{"Five", record("/m/clip é&amp;.mov", "/m/clip_MASTER.mov", "<integer>5</integer>"), Format::ProRes},
-        ChoiceRow{"FourAsText", record("/m/clip é&amp;.mov", "/m/clip_MASTER.mov", "<string>4</string>"),
-                  Format::AppleIntermediate},
-        ChoiceRow{"AnotherFormat", record("/m/clip é&amp;.mov", "/m/clip_MASTER.mov", "<integer>3</integer>"),
-                  std::nullopt},
-        ChoiceRow{"NoNumber", record("/m/clip é&amp;.mov", "/m/clip_MASTER.mov", "<string>4x</string>"), std::nullopt},
-        ChoiceRow{"AnotherOutput", record("/m/other.mov", "/m/clip_MASTER.mov", "<integer>4</integer>"), std::nullopt},
-        ChoiceRow{"AnotherInput", record("/m/clip é&amp;.mov", "/m/clip.mov", "<integer>4</integer>"), std::nullopt},
-        ChoiceRow{"EmptyRecord", section("processEncDico", ""), std::nullopt},
-        ChoiceRow{"RecordIsText", "<key>processEncDico</key><string>4</string>", std::nullopt},
-        ChoiceRow{"NoRecord", number("out", "4"), std::nullopt}),
-    [](const testing::TestParamInfo<ChoiceRow>& row) { return std::string(row.param.name); });
-
-TEST(MovencoderFormatChoiceFile, MissingOrDamagedPreferencesSayNothing)
-{
-    const TempFolder folder;
-    EXPECT_EQ(formatOfRunningRow(folder.path(QStringLiteral("none")).toStdString(), "a", "b"), std::nullopt);
-    const QString damaged = folder.makeFile(QStringLiteral("p"), QByteArrayLiteral("<plist><dict><key>processEnc"));
-    EXPECT_EQ(formatOfRunningRow(damaged.toStdString(), "a", "b"), std::nullopt);
-}
-
-TEST(MovencoderFirstPass, IsKnownByItsName)
-{
-    const std::string output = "/m/Tavrix events/clip-a.b.mov";
-    EXPECT_TRUE(isFirstPassOf(output, "/m/Tavrix events/clip-a.b_MASTER.mov"));
-    EXPECT_TRUE(isFirstPassOf(output, "/m/Tavrix events/clip_MASTER.mov")) << "long names are cut";
-    EXPECT_TRUE(isFirstPassOf("clip.mov", "clip_MASTER.mov"));
-    EXPECT_FALSE(isFirstPassOf(output, "/m/clip-a.b_MASTER.mov"));
-    EXPECT_FALSE(isFirstPassOf(output, "/m/Tavrix events/clip-a.b_MASTER.MTS"));
-    EXPECT_FALSE(isFirstPassOf(output, "/m/Tavrix events/clip_MASTER-2.mov"));
-    EXPECT_FALSE(isFirstPassOf(output, "/m/Tavrix events/00001.mov"));
-    EXPECT_FALSE(isFirstPassOf("/m/a_MASTER/clip.mov", "/m/a_MASTER/clip.mov"));
-    EXPECT_FALSE(isFirstPassOf("/m/a_MASTER.mov", "/m/a_MASTER.mov"));
-}
-
 TEST(MovencoderOptions, PathsAndSettingsAreTaken)
 {
-    std::string error;
-    const auto options = parseOptions({"-s", "set", "in", "--", "-out"}, error);
-    ASSERT_TRUE(options) << error;
+    const auto options = parseOptions({"-s", "set", "in", "--", "-out"});
+    ASSERT_TRUE(options) << options.reason();
     EXPECT_EQ(options->settings, "set");
     EXPECT_EQ(options->input, "in");
     EXPECT_EQ(options->output, "-out");
     EXPECT_FALSE(options->format);
-    EXPECT_EQ(parseOptions({"-f", "aic", "-s", "s", "a", "b"}, error)->format, Format::AppleIntermediate);
-    EXPECT_EQ(parseOptions({"-f", "prores", "-s", "s", "a", "b"}, error)->format, Format::ProRes);
-    EXPECT_TRUE(parseOptions({"--help"}, error)->help);
+    EXPECT_EQ(parseOptions({"-f", "aic", "-s", "s", "a", "b"})->format, Format::AppleIntermediate);
+    EXPECT_EQ(parseOptions({"-f", "prores", "-s", "s", "a", "b"})->format, Format::ProRes);
+    EXPECT_TRUE(parseOptions({"--help"})->help);
 }
 
 TEST(MovencoderOptions, WrongUsageIsNamed)
@@ -294,9 +220,9 @@ TEST(MovencoderOptions, WrongUsageIsNamed)
         {{"-f", "dv", "-s", "set", "in", "out"}, "unknown format \"dv\""},
         {{"--fast", "-s", "set", "in", "out"}, "unknown option --fast"}};
     for (const auto& [arguments, complaint] : rows) {
-        std::string error;
-        EXPECT_FALSE(parseOptions(arguments, error));
-        EXPECT_NE(error.find(complaint), std::string::npos) << error;
+        const auto options = parseOptions(arguments);
+        EXPECT_FALSE(options);
+        EXPECT_NE(options.reason().find(complaint), std::string::npos) << options.reason();
     }
 }
 

@@ -3,6 +3,7 @@
 #include "tools/movencoder/encodepipeline.h"
 #include "tools/movencoder/moviereader.h"
 #include "tools/movencoder/moviewriter.h"
+#include "tools/movencoder/pictureclock.h"
 #include "tools/movencoder/pictureconverter.h"
 #include "tools/movencoder/pictureencoder.h"
 #include "tools/movencoder/progress.h"
@@ -22,9 +23,10 @@ namespace
 // Players take untagged pictures of this height and more for those of the high-definition standard.
 constexpr int leastHighDefinitionHeight = 720;
 
-bool keepsFields(const AVFrame& picture, const Fit& fit)
+// The fields of a picture survive where it keeps its height.
+Fields keptFields(const AVFrame& picture, const Fit& fit)
 {
-    return picture.interlaced_frame != 0 && picture.height == fit.pictureHeight;
+    return picture.height == fit.pictureHeight ? fieldsOf(picture) : Fields{};
 }
 
 bool isRgb(const AVFrame& picture)
@@ -38,8 +40,7 @@ PictureFacts factsOf(const MovieReader& reader, AVFrame& picture, const FormatSe
     const AVRational aspect = reader.pixelAspect(picture);
     PictureFacts facts;
     facts.fit = fitPicture(picture.width, picture.height, {aspect.num, aspect.den}, settings);
-    facts.interlaced = keepsFields(picture, facts.fit);
-    facts.topFieldFirst = picture.top_field_first != 0;
+    facts.fields = keptFields(picture, facts.fit);
     facts.primaries = picture.color_primaries;
     facts.transfer = picture.color_trc;
     facts.matrix = picture.colorspace;
@@ -71,146 +72,154 @@ public:
     {
     }
 
-    [[nodiscard]] bool run(int fd, std::string& error)
+    Result<Damage> run(int fd)
     {
-        std::string reason;
-        reader_ = MovieReader::open(input_.path, reason);
-        if (!reader_) {
-            return fail(input_.name, reason, error);
+        auto reader = MovieReader::open(input_.path);
+        if (!reader) {
+            return ofInput(reader.reason());
         }
+        reader_ = *std::move(reader);
+        const AVRational base = reader_->video()->time_base;
+        const AVRational rate = reader_->rate();
+        clock_.emplace(Fraction{base.num, base.den}, Fraction{rate.num, rate.den});
         for (;;) {
-            switch (reader_->next(reason)) {
-            case MovieReader::Item::Failure:
-                return fail(input_.name, reason, error);
-            case MovieReader::Item::Sound:
-                if (!takeSound(error)) {
-                    return false;
-                }
+            const auto item = reader_->next();
+            if (!item) {
+                return ofInput(item.reason());
+            }
+            if (*item == MovieReader::Item::End) {
                 break;
-            case MovieReader::Item::Picture:
-                if (!takePicture(fd, error)) {
-                    return false;
-                }
-                break;
-            case MovieReader::Item::End:
-                return finish(error);
+            }
+            auto taken = *item == MovieReader::Item::Sound ? takeSound() : takePicture(fd);
+            if (!taken) {
+                return Failure{taken.reason()};
             }
         }
+        if (auto finished = finish(); !finished) {
+            return Failure{finished.reason()};
+        }
+        return reader_->damage();
     }
 
 private:
-    static bool fail(const std::string& file, const std::string& reason, std::string& error)
+    [[nodiscard]] Failure<std::string> ofInput(const std::string& reason) const
     {
-        error = file + ": " + reason;
-        return false;
+        return Failure{input_.name + ": " + reason};
+    }
+    [[nodiscard]] Failure<std::string> ofOutput(const std::string& reason) const
+    {
+        return Failure{output_ + ": " + reason};
     }
 
-    bool start(int fd, AVFrame& picture, std::string& error)
+    Result<void> start(int fd, AVFrame& picture)
     {
-        std::string reason;
-        const PictureFacts facts = factsOf(*reader_, picture, settings_);
+        PictureFacts facts = factsOf(*reader_, picture, settings_);
+        facts.timeBase = {1, static_cast<int>(clock_->scale())};
         std::vector<PictureWorker> workers;
         for (unsigned i = 0; i < usableCores(); ++i) {
-            std::shared_ptr<PictureEncoder> encoder = makePictureEncoder(format_, settings_, facts, reason);
-            if (!encoder) {
-                return fail(input_.name, reason, error);
+            auto made = makePictureEncoder(format_, settings_, facts);
+            if (!made) {
+                return ofInput(made.reason());
             }
+            const std::shared_ptr<PictureEncoder> encoder = *std::move(made);
             if (!writer_) {
-                writer_ = MovieWriter::open(fd, *reader_, format_, *encoder, facts, reason);
-            }
-            if (!writer_) {
-                return fail(output_, reason, error);
+                auto writer = MovieWriter::open(fd, *reader_, *encoder, facts);
+                if (!writer) {
+                    return ofOutput(writer.reason());
+                }
+                writer_ = *std::move(writer);
             }
             auto converter = std::make_shared<PictureConverter>(facts.fit, encoder->pixelFormat());
             workers.emplace_back([encoder, converter, fit = facts.fit](
-                                     const AVFrame& source, std::vector<std::uint8_t>& bytes, std::string& problem) {
-                const AVFrame* converted = converter->convert(source, problem);
-                return converted != nullptr && encoder->encode(*converted, keepsFields(source, fit), bytes, problem);
+                                     const AVFrame& source, std::vector<std::uint8_t>& bytes) -> Result<void> {
+                const auto converted = converter->convert(source);
+                if (!converted) {
+                    return Failure{converted.reason()};
+                }
+                return encoder->encode(**converted, keptFields(source, fit), bytes);
             });
         }
         pipeline_.emplace(std::move(workers));
         for (const PacketPtr& sound : earlySounds_) {
-            if (!writer_->writeSound(*sound, reason)) {
-                return fail(output_, reason, error);
+            if (auto written = writer_->writeSound(*sound); !written) {
+                return ofOutput(written.reason());
             }
         }
         earlySounds_.clear();
-        return true;
+        return {};
     }
 
-    bool takePicture(int fd, std::string& error)
+    Result<void> takePicture(int fd)
     {
-        FramePtr picture = reader_->takePicture();
-        if (!picture) {
-            return fail(input_.name, "out of memory", error);
-        }
-        if (!pipeline_ && !start(fd, *picture, error)) {
-            return false;
-        }
-        while (pipeline_->full()) {
-            if (!writeOldest(error)) {
-                return false;
+        DecodedPicture picture = reader_->takePicture();
+        if (!pipeline_ && picture.frame) {
+            if (auto started = start(fd, *picture.frame); !started) {
+                return started;
             }
         }
-        const std::int64_t duration = reader_->durationOf(*picture);
-        std::int64_t time = MovieReader::timeOf(*picture);
-        if (time == AV_NOPTS_VALUE || (nextTime_ && time <= *lastTime_)) {
-            time = nextTime_.value_or(0);
+        while (pipeline_->full()) {
+            if (auto written = writeOldest(); !written) {
+                return written;
+            }
         }
-        lastTime_ = time;
-        nextTime_ = time + duration;
-        pipeline_->submit(std::move(picture), time, duration);
-        return true;
+        lastTime_ = picture.time.value_or(lastTime_ + lastDuration_);
+        lastDuration_ = picture.duration;
+        const PictureClock::Shown shown = clock_->place(picture.time, picture.duration);
+        if (picture.frame) {
+            pipeline_->submit(std::move(picture.frame), shown.time, shown.duration);
+        } else {
+            pipeline_->repeat(shown.time, shown.duration);
+        }
+        return {};
     }
 
     // The movie's header needs the first picture; sound that precedes it in the source waits.
-    bool takeSound(std::string& error)
+    Result<void> takeSound()
     {
-        std::string reason;
         if (writer_) {
-            return writer_->writeSound(*reader_->packet(), reason) || fail(output_, reason, error);
+            auto written = writer_->writeSound(*reader_->packet());
+            return written ? written : ofOutput(written.reason());
         }
         PacketPtr copy(av_packet_alloc());
         if (!copy || av_packet_ref(copy.get(), reader_->packet()) < 0) {
-            return fail(input_.name, "out of memory", error);
+            return ofInput("out of memory");
         }
         earlySounds_.push_back(std::move(copy));
-        return true;
+        return {};
     }
 
-    bool writeOldest(std::string& error)
+    Result<void> writeOldest()
     {
-        CodedPicture coded = pipeline_->take();
-        if (!coded.error.empty()) {
-            return fail(input_.name, coded.error, error);
+        auto coded = pipeline_->take();
+        if (!coded) {
+            return ofInput(coded.reason());
         }
         if (ended_ && pipeline_->empty()) {
-            coded.duration = reader_->lastDuration(coded.time, coded.duration);
+            coded->duration = clock_->durationOf(reader_->lastDuration(lastTime_, lastDuration_));
         }
-        std::string reason;
-        if (!writer_->writePicture(coded, reason)) {
-            return fail(output_, reason, error);
+        if (auto written = writer_->writePicture(*coded); !written) {
+            return ofOutput(written.reason());
         }
-        const double seconds = static_cast<double>(coded.time) * av_q2d(reader_->video()->time_base) -
+        const double seconds = static_cast<double>(coded->time) / static_cast<double>(clock_->scale()) -
                                static_cast<double>(reader_->start()) / AV_TIME_BASE;
         if (reader_->duration() > 0) {
             progress_.report(seconds * AV_TIME_BASE / static_cast<double>(reader_->duration()));
         } else {
             progress_.report(0);
         }
-        return true;
+        return {};
     }
 
-    bool finish(std::string& error)
+    Result<void> finish()
     {
         ended_ = true;
         while (!pipeline_->empty()) {
-            if (!writeOldest(error)) {
-                return false;
+            if (auto written = writeOldest(); !written) {
+                return written;
             }
         }
-        std::string reason;
-        return writer_->finish(reason) || fail(output_, reason, error);
+        auto finished = writer_->finish();
+        return finished ? finished : ofOutput(finished.reason());
     }
 
     const InputMovie& input_;
@@ -219,20 +228,21 @@ private:
     const FormatSettings& settings_;
     std::unique_ptr<MovieReader> reader_;
     std::unique_ptr<MovieWriter> writer_;
+    std::optional<PictureClock> clock_;
     std::optional<EncodePipeline> pipeline_;
     std::vector<PacketPtr> earlySounds_;
-    std::optional<std::int64_t> lastTime_;
-    std::optional<std::int64_t> nextTime_;
+    std::int64_t lastTime_ = 0; // of the last picture, in the source's time base
+    std::int64_t lastDuration_ = 0;
     bool ended_ = false;
     Progress progress_;
 };
 
 } // namespace
 
-bool convertMovie(const InputMovie& input, const std::string& output, int fd, Format format,
-                  const FormatSettings& settings, std::string& error)
+Result<Damage> convertMovie(const InputMovie& input, const std::string& output, int fd, Format format,
+                            const FormatSettings& settings)
 {
-    return Conversion(input, output, format, settings).run(fd, error);
+    return Conversion(input, output, format, settings).run(fd);
 }
 
 } // namespace tavrix::movencoder

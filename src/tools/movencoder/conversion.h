@@ -1,5 +1,9 @@
 #pragma once
 
+// The conversion of one movie.
+
+#include "sys/result.h"
+#include "tools/movencoder/damage.h"
 #include "tools/movencoder/settings.h"
 
 #include <string>
@@ -12,9 +16,9 @@ struct InputMovie {
     std::string path; // where it is read: differs for a file that has no name any more
 };
 
-// Encodes `input` into the open file `fd` and reports the progress. False, with the reason and the file it is about in
-// `error`, on failure; the file is then of no use.
-[[nodiscard]] bool convertMovie(const InputMovie& input, const std::string& output, int fd, Format format,
-                                const FormatSettings& settings, std::string& error);
+// Encodes `input` into the open file `fd`, which will be `output`, and reports the progress. Answers what could not be
+// had of the source. A reason of failure begins with the file that it is about; the file `fd` is then of no use.
+[[nodiscard]] Result<Damage> convertMovie(const InputMovie& input, const std::string& output, int fd, Format format,
+                                          const FormatSettings& settings);
 
 } // namespace tavrix::movencoder

@@ -40,12 +40,28 @@ void EncodePipeline::submit(FramePtr picture, std::int64_t time, std::int64_t du
     waiting_.notify_one();
 }
 
-CodedPicture EncodePipeline::take()
+void EncodePipeline::repeat(std::int64_t time, std::int64_t duration)
+{
+    auto job = std::make_shared<Job>();
+    job->coded.time = time;
+    job->coded.duration = duration;
+    job->done = true;
+    jobs_.push_back(std::move(job));
+}
+
+Result<CodedPicture> EncodePipeline::take()
 {
     const std::shared_ptr<Job> job = std::move(jobs_.front());
     jobs_.pop_front();
     std::unique_lock lock(mutex_);
     done_.wait(lock, [&] { return job->done; });
+    if (!job->result) {
+        return Failure{job->result.reason()};
+    }
+    if (!job->coded.bytes) {
+        job->coded.bytes = lastBytes_;
+    }
+    lastBytes_ = job->coded.bytes;
     return std::move(job->coded);
 }
 
@@ -60,10 +76,9 @@ void EncodePipeline::work(const PictureWorker& worker)
         const std::shared_ptr<Job> job = std::move(unstarted_.front());
         unstarted_.pop_front();
         lock.unlock();
-        std::string error;
-        if (!worker(*job->picture, job->coded.bytes, error)) {
-            job->coded.error = error.empty() ? "the picture cannot be encoded" : error;
-        }
+        auto bytes = std::make_shared<std::vector<std::uint8_t>>();
+        job->result = worker(*job->picture, *bytes);
+        job->coded.bytes = std::move(bytes);
         job->picture.reset();
         lock.lock();
         job->done = true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sys/result.h"
 #include "tools/movencoder/avsupport.h"
 
 #include <condition_variable>
@@ -8,7 +9,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -17,14 +17,13 @@ namespace tavrix::movencoder
 {
 
 struct CodedPicture {
-    std::vector<std::uint8_t> bytes;
+    std::shared_ptr<const std::vector<std::uint8_t>> bytes;
     std::int64_t time = 0;
     std::int64_t duration = 0;
-    std::string error; // empty: encoded well
 };
 
-// Encodes one picture into `bytes`; false, with the reason in `error`, on failure. Each thread has one of its own.
-using PictureWorker = std::function<bool(const AVFrame& picture, std::vector<std::uint8_t>& bytes, std::string& error)>;
+// Encodes one picture into `bytes`. Each thread has one of its own.
+using PictureWorker = std::function<Result<void>(const AVFrame& picture, std::vector<std::uint8_t>& bytes)>;
 
 class EncodePipeline
 {
@@ -40,13 +39,16 @@ public:
     [[nodiscard]] bool full() const { return jobs_.size() >= 2 * threads_.size(); }
     [[nodiscard]] bool empty() const { return jobs_.empty(); }
     void submit(FramePtr picture, std::int64_t time, std::int64_t duration);
+    // The picture before, once more. There must have been one.
+    void repeat(std::int64_t time, std::int64_t duration);
     // Waits for the oldest picture. The pipeline must not be empty.
-    [[nodiscard]] CodedPicture take();
+    [[nodiscard]] Result<CodedPicture> take();
 
 private:
     struct Job {
-        FramePtr picture;
+        FramePtr picture; // null: the one before is repeated
         CodedPicture coded;
+        Result<void> result;
         bool done = false;
     };
 
@@ -58,6 +60,7 @@ private:
     std::condition_variable done_;          // for take()
     std::deque<std::shared_ptr<Job>> jobs_; // in order, touched by the owner's thread only
     std::deque<std::shared_ptr<Job>> unstarted_;
+    std::shared_ptr<const std::vector<std::uint8_t>> lastBytes_;
     bool ending_ = false;
     std::vector<std::thread> threads_;
 };

@@ -4,17 +4,14 @@
 #include "sys/safeoutput.h"
 #include "sys/transfer.h"
 #include "tools/movencoder/conversion.h"
-#include "tools/movencoder/formatchoice.h"
+#include "tools/movencoder/decoderlog.h"
 #include "tools/movencoder/options.h"
 #include "tools/movencoder/progress.h"
+#include "tools/movencoder/runningrow.h"
 
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
-
-extern "C" {
-#include <libavutil/log.h>
-}
 
 namespace tavrix::movencoder
 {
@@ -29,86 +26,103 @@ void complain(const std::string& message)
 }
 
 // Opening a pipe would wait for a writer, and a movie is read back and forth. A missing file is told by the reader.
-bool inputAllowed(const std::string& path, std::string& error)
+bool isNoFile(const std::string& path)
 {
     const auto status = followedStatus(path.c_str());
-    if (!status || S_ISREG(status->st_mode)) {
-        return true;
-    }
-    error = path + ": not a regular file";
-    return false;
+    return status && !S_ISREG(status->st_mode);
 }
 
 // Whether `output` may be written: it must not be one of the files that are read, nor anything but a file.
-bool outputAllowed(const Options& options, std::string& error)
+Result<void> outputAllowed(const Options& options)
 {
     const auto target = followedStatus(options.output.c_str());
     if (!target) {
-        return true;
+        return {};
     }
     if (!S_ISREG(target->st_mode)) {
-        error = options.output + ": not a regular file";
-        return false;
+        return Failure{options.output + ": not a regular file"};
     }
     for (const std::string* path : {&options.input, &options.settings}) {
         const auto source = followedStatus(path->c_str());
         if (source && sameFile(*source, *target)) {
-            error = options.output + ": output and " + (path == &options.input ? "input" : "settings") +
-                    " are the same file";
-            return false;
+            return Failure{options.output + ": output and " + (path == &options.input ? "input" : "settings") +
+                           " are the same file"};
         }
     }
-    return true;
+    return {};
 }
 
 // The row's first pass loses its name at once: should this tool and its program be killed, nobody is left to remove it.
 // Where that fails the file is read and, at the end of the row, removed by its name.
 void openNameless(InputMovie& input, Descriptor& file)
 {
-    file = openFile(input.name.c_str(), O_RDONLY);
-    if (file.isOpen() && unlink(input.name.c_str()) == 0) {
+    file = openFile(input.path.c_str(), O_RDONLY);
+    if (file.isOpen() && unlink(input.path.c_str()) == 0) {
         input.path = "/proc/self/fd/" + std::to_string(file.get());
     }
 }
 
-bool work(const Options& options, std::string& error)
+struct Task {
+    Format format = Format::ProRes;
+    FormatSettings settings;
+    InputMovie input;
+    Descriptor firstPass; // open when it has no name any more
+};
+
+Result<void> prepare(const Options& options, Task& task)
 {
-    if (!inputAllowed(options.input, error) || !outputAllowed(options, error)) {
-        return false;
-    }
     auto format = options.format;
-    InputMovie input{options.input, options.input};
-    Descriptor firstPass;
-    if (!format) {
-        format = formatOfRunningRow(preferencesPath(), options.input, options.output);
-        if (format && isFirstPassOf(options.output, options.input)) {
-            openNameless(input, firstPass);
+    task.input = {options.input, options.input};
+    const auto row = format ? std::nullopt : runningRow(preferencesPath(), options.input, options.output);
+    if (row && !row->clip.empty()) {
+        task.input.name = row->clip;
+    }
+    if (isNoFile(options.input)) {
+        return Failure{task.input.name + ": not a regular file"};
+    }
+    if (auto allowed = outputAllowed(options); !allowed) {
+        return allowed;
+    }
+    if (row && row->format) {
+        format = row->format;
+        if (isFirstPassOf(options.output, options.input)) {
+            openNameless(task.input, task.firstPass);
         }
     }
-    std::string reason;
-    const auto settings = readSettings(options.settings, reason);
+    const auto settings = readSettings(options.settings);
     if (!settings) {
-        error = options.settings + ": " + reason;
-        return false;
+        return Failure{options.settings + ": " + settings.reason()};
     }
-    const auto& section = settings->of(format.value_or(settings->defaultFormat));
+    task.format = format.value_or(settings->defaultFormat);
+    const auto& section = settings->of(task.format);
     if (!section) {
-        error = options.settings + ": there is no section for " + formatName(*format);
-        return false;
+        return Failure{options.settings + ": there is no section for " + formatName(task.format)};
+    }
+    task.settings = *section;
+    return {};
+}
+
+// What could not be had of the source, in words; "" when nothing is missing.
+Result<std::string> work(const Options& options)
+{
+    Task task;
+    if (auto prepared = prepare(options, task); !prepared) {
+        return Failure{prepared.reason()};
     }
     auto output = SafeOutput::open(options.output);
     if (!output) {
-        error = options.output + ": " + output.reason();
-        return false;
+        return Failure{options.output + ": " + output.reason()};
     }
-    if (!convertMovie(input, options.output, output->fd(), format.value_or(settings->defaultFormat), *section, error)) {
-        return false;
+    const auto damage = convertMovie(task.input, options.output, output->fd(), task.format, task.settings);
+    if (!damage) {
+        return Failure{damage.reason()};
     }
-    if (const auto published = output->commit(); !published) {
-        error = options.output + ": " + published.reason();
-        return false;
+    // Half a recording is better than nothing, and nothing more.
+    const auto existing = damage->any() ? SafeOutput::Existing::Kept : SafeOutput::Existing::Replaced;
+    if (auto published = output->commit(SafeOutput::Durability::Synced, existing); !published) {
+        return Failure{options.output + ": " + published.reason()};
     }
-    return true;
+    return damage->any() ? task.input.name + ": " + damageText(*damage) : std::string();
 }
 
 } // namespace
@@ -118,19 +132,22 @@ int run(const std::vector<std::string>& arguments)
     // A full disk, a size limit and a reader that went away are answered by the calls themselves.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
-    av_log_set_level(AV_LOG_ERROR);
-    std::string error;
-    const auto options = parseOptions(arguments, error);
+    listenToDecoders();
+    const auto options = parseOptions(arguments);
     if (!options) {
-        complain(error + "\nTry \"movencoder --help\".");
+        complain(options.reason() + "\nTry \"movencoder --help\".");
         return exitUsage;
     }
     if (options->help) {
         return writeAll(STDOUT_FILENO, helpText()) ? exitDone : exitFailed;
     }
-    if (!work(*options, error)) {
-        complain(error);
+    const auto done = work(*options);
+    if (!done) {
+        complain(done.reason());
         return exitFailed;
+    }
+    if (!done->empty()) {
+        complain(*done);
     }
     Progress::complete();
     return exitDone;

@@ -9,6 +9,9 @@ namespace tavrix::movencoder
 namespace
 {
 
+// A container that cannot deliver so many packets on end has nothing more to give.
+constexpr int mostReadErrors = 1000;
+
 // Takes samples off the front of a packet of uncompressed sound; false when none are left.
 bool trimFront(AVPacket& packet, const AVStream& stream, std::int64_t samples)
 {
@@ -26,18 +29,24 @@ bool trimFront(AVPacket& packet, const AVStream& stream, std::int64_t samples)
 
 } // namespace
 
-std::unique_ptr<MovieReader> MovieReader::open(const std::string& path, std::string& error)
+Result<std::unique_ptr<MovieReader>> MovieReader::open(const std::string& path)
 {
     std::unique_ptr<MovieReader> reader(new MovieReader);
     reader->packet_.reset(av_packet_alloc());
-    reader->picture_.reset(av_frame_alloc());
-    if (!reader->packet_ || !reader->picture_) {
-        error = "out of memory";
-        return nullptr;
+    if (!reader->packet_) {
+        return Failure{"out of memory"};
     }
-    if (!reader->openContainer(path, error) || !reader->chooseStreams(error) || !reader->openDecoder(error)) {
-        return nullptr;
+    if (auto opened = reader->openContainer(path); !opened) {
+        return Failure{opened.reason()};
     }
+    if (auto chosen = reader->chooseStreams(); !chosen) {
+        return Failure{chosen.reason()};
+    }
+    auto decoder = PictureDecoder::open(*reader->video_);
+    if (!decoder) {
+        return Failure{decoder.reason()};
+    }
+    reader->decoder_ = *std::move(decoder);
     return reader;
 }
 
@@ -46,7 +55,7 @@ MovieReader::~MovieReader()
     avformat_close_input(&container_);
 }
 
-bool MovieReader::openContainer(const std::string& path, std::string& error)
+Result<void> MovieReader::openContainer(const std::string& path)
 {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
@@ -57,12 +66,13 @@ bool MovieReader::openContainer(const std::string& path, std::string& error)
         result = avformat_find_stream_info(container_, nullptr);
     }
     if (result < 0) {
-        error = avErrorText(result);
+        return Failure{avErrorText(result)};
     }
-    return result >= 0;
+    clockMayJump_ = (container_->iformat->flags & AVFMT_TS_DISCONT) != 0;
+    return {};
 }
 
-bool MovieReader::chooseStreams(std::string& error)
+Result<void> MovieReader::chooseStreams()
 {
     for (unsigned i = 0; i < container_->nb_streams; ++i) {
         AVStream* stream = container_->streams[i];
@@ -77,93 +87,54 @@ bool MovieReader::chooseStreams(std::string& error)
         }
     }
     if (video_ == nullptr) {
-        error = "there is no video in it";
-        return false;
+        return Failure{"there is no video in it"};
     }
     if (isMovie()) {
-        indexedPackets_ = avformat_index_get_entries_count(video_);
+        indexedPackets_ = indexSize(*video_);
     }
-    return true;
+    return {};
 }
 
-bool MovieReader::openDecoder(std::string& error)
+// False at the end of what can be read. A packet that cannot be read is passed over: others may follow it.
+bool MovieReader::readPacket()
 {
-    const AVCodecParameters& parameters = *video_->codecpar;
-    const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
-    if (codec == nullptr) {
-        error = std::string("there is no decoder for its video (") + avcodec_get_name(parameters.codec_id) + ")";
-        return false;
+    for (int errors = 0; errors < mostReadErrors; ++errors) {
+        av_packet_unref(packet_.get());
+        const int result = av_read_frame(container_, packet_.get());
+        if (result >= 0) {
+            return true;
+        }
+        if (result == AVERROR_EOF) {
+            return false;
+        }
+        if (result != AVERROR_INVALIDDATA) {
+            break;
+        }
     }
-    decoder_.reset(avcodec_alloc_context3(codec));
-    if (!decoder_) {
-        error = "out of memory";
-        return false;
-    }
-    int result = avcodec_parameters_to_context(decoder_.get(), &parameters);
-    decoder_->pkt_timebase = video_->time_base;
-    decoder_->thread_count = 0;
-    if (result >= 0) {
-        result = avcodec_open2(decoder_.get(), codec, nullptr);
-    }
-    if (result < 0) {
-        error = "its video decoder does not start: " + avErrorText(result);
-    }
-    return result >= 0;
-}
-
-// Whether decoding can go on after this error.
-bool MovieReader::forgive(int result, std::string& error)
-{
-    if (result == AVERROR_INVALIDDATA && pictures_ == 0) {
-        return true;
-    }
-    error = "its video cannot be decoded after picture " + std::to_string(pictures_) + ": " + avErrorText(result);
+    brokenOff_ = true;
     return false;
 }
 
-bool MovieReader::complete(std::string& error) const
+void MovieReader::moveClock()
 {
-    if (videoPackets_ < indexedPackets_) {
-        error = "it ends early: " + std::to_string(videoPackets_) + " of " + std::to_string(indexedPackets_) +
-                " pictures can be read";
-        return false;
+    if (!clockMayJump_) {
+        return;
     }
-    if (pictures_ == 0) {
-        error = "none of its pictures can be decoded";
-    }
-    return pictures_ > 0;
-}
-
-bool MovieReader::readPacket(std::string& error)
-{
-    av_packet_unref(packet_.get());
-    const int result = av_read_frame(container_, packet_.get());
-    if (result == AVERROR_EOF) {
-        flushing_ = true;
-        return true;
-    }
-    if (result < 0) {
-        error = "it cannot be read to its end: " + avErrorText(result);
-        return false;
-    }
-    if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0 && indexedPackets_ > 0) {
-        error = "it is cut off or damaged";
-        return false;
-    }
-    return true;
-}
-
-bool MovieReader::sendPacket(std::string& error)
-{
-    if (!flushing_) {
-        ++videoPackets_;
-    }
-    const int result = avcodec_send_packet(decoder_.get(), flushing_ ? nullptr : packet_.get());
-    return result >= 0 || forgive(result, error);
+    AVPacket& packet = *packet_;
+    const AVRational base = container_->streams[packet.stream_index]->time_base;
+    const std::int64_t offset =
+        packet.dts == AV_NOPTS_VALUE
+            ? clockJumps_.offsetOf(packet.stream_index)
+            : clockJumps_.offsetOf(packet.stream_index, av_rescale_q(packet.dts, base, AV_TIME_BASE_Q),
+                                   av_rescale_q(packet.duration, base, AV_TIME_BASE_Q));
+    const std::int64_t ticks = av_rescale_q(offset, AV_TIME_BASE_Q, base);
+    packet.pts += packet.pts == AV_NOPTS_VALUE ? 0 : ticks;
+    packet.dts += packet.dts == AV_NOPTS_VALUE ? 0 : ticks;
 }
 
 // Where a movie's edits join several stretches, the packets at the borders reach beyond them. What overlaps goes, so
-// that the rest keeps its time; what the edits hide at the start stays, for decoders that have to warm up.
+// that the rest keeps its time; what the edits hide at the start stays, for decoders that have to warm up. A clock that
+// steps back a little makes packets overlap as well: those that come too late are left out.
 bool MovieReader::keepsSound()
 {
     AVPacket& packet = *packet_;
@@ -172,10 +143,15 @@ bool MovieReader::keepsSound()
     if (stream == sounds_.end()) {
         return false;
     }
-    if (!isMovie() || packet.dts == AV_NOPTS_VALUE || packet.pts == AV_NOPTS_VALUE) {
+    if (packet.dts == AV_NOPTS_VALUE || packet.pts == AV_NOPTS_VALUE) {
         return true;
     }
     SoundPlace& place = soundPlaces_[packet.stream_index];
+    if (!isMovie()) {
+        const bool inOrder = place.last == AV_NOPTS_VALUE || packet.dts > place.last;
+        place.last = inOrder ? packet.dts : place.last;
+        return inOrder;
+    }
     const bool hidden = (packet.flags & AV_PKT_FLAG_DISCARD) != 0;
     if (hidden && place.heard) {
         return false;
@@ -196,50 +172,72 @@ bool MovieReader::keepsSound()
     return true;
 }
 
-MovieReader::Item MovieReader::next(std::string& error)
+Result<MovieReader::Item> MovieReader::next()
 {
     for (;;) {
-        const int result = avcodec_receive_frame(decoder_.get(), picture_.get());
-        if (result >= 0) {
-            const bool damaged = picture_->decode_error_flags != 0 || (picture_->flags & AV_FRAME_FLAG_CORRUPT) != 0;
-            if (!damaged) {
-                ++pictures_;
-                return Item::Picture;
-            }
-            if (!forgive(AVERROR_INVALIDDATA, error)) {
-                return Item::Failure;
+        const auto answer = decoder_->next();
+        if (!answer) {
+            return Failure{answer.reason()};
+        }
+        if (*answer == PictureDecoder::Answer::Picture) {
+            return Item::Picture;
+        }
+        if (*answer == PictureDecoder::Answer::End) {
+            return finish();
+        }
+        const bool read = readPacket();
+        if (read) {
+            moveClock();
+        }
+        if (read && packet_->stream_index != video_->index) {
+            if (keepsSound()) {
+                return Item::Sound;
             }
             continue;
         }
-        if (result == AVERROR_EOF) {
-            return complete(error) ? Item::End : Item::Failure;
-        }
-        if (result != AVERROR(EAGAIN)) {
-            if (!forgive(result, error)) {
-                return Item::Failure;
-            }
-            continue;
-        }
-        if (!readPacket(error)) {
-            return Item::Failure;
-        }
-        const bool video = flushing_ || packet_->stream_index == video_->index;
-        if (!video && keepsSound()) {
-            return Item::Sound;
-        }
-        if (video && !sendPacket(error)) {
-            return Item::Failure;
+        videoPackets_ += read ? 1 : 0;
+        if (auto sent = decoder_->send(read ? packet_.get() : nullptr); !sent) {
+            return Failure{sent.reason()};
         }
     }
 }
 
-FramePtr MovieReader::takePicture()
+DecodedPicture MovieReader::takePicture()
 {
-    FramePtr taken(av_frame_alloc());
-    if (taken) {
-        av_frame_move_ref(taken.get(), picture_.get());
+    DecodedPicture picture = std::move(decoder_->picture());
+    decoder_->drop();
+    ++pictures_;
+    picture.duration = pictureDuration(picture.duration);
+    const std::int64_t time = picture.time.value_or(picturesEnd_);
+    picturesEnd_ = time + picture.duration;
+    noteDamage(time);
+    return picture;
+}
+
+// A picture whose damage is not told in it is found by the count, at most a few pictures later.
+void MovieReader::noteDamage(std::int64_t time)
+{
+    const std::int64_t damaged = decoder_->damagedPictures();
+    if (damaged > 0 && damage_.pictures == 0) {
+        damage_.firstAt = secondsAt(time);
     }
-    return taken;
+    damage_.pictures = damaged;
+}
+
+Result<MovieReader::Item> MovieReader::finish()
+{
+    if (pictures_ == 0) {
+        return Failure{videoPackets_ == 0 ? "none of its pictures can be read" : "none of its pictures can be decoded"};
+    }
+    noteDamage(picturesEnd_);
+    damage_.endsEarly = brokenOff_ || videoPackets_ < indexedPackets_;
+    damage_.readSeconds = secondsAt(picturesEnd_);
+    if (video_->duration > 0 && video_->start_time != AV_NOPTS_VALUE) {
+        damage_.declaredSeconds = secondsAt(video_->start_time + video_->duration);
+    } else {
+        damage_.declaredSeconds = static_cast<double>(duration()) / AV_TIME_BASE;
+    }
+    return Item::End;
 }
 
 AVRational MovieReader::pixelAspect(AVFrame& picture) const
@@ -247,16 +245,27 @@ AVRational MovieReader::pixelAspect(AVFrame& picture) const
     return av_guess_sample_aspect_ratio(container_, video_, &picture);
 }
 
-std::int64_t MovieReader::durationOf(const AVFrame& picture) const
+AVRational MovieReader::rate() const
 {
-    if (picture.pkt_duration > 0) {
-        return picture.pkt_duration;
-    }
     const AVRational rate = av_guess_frame_rate(container_, video_, nullptr);
-    if (rate.num <= 0 || rate.den <= 0) {
+    return rate.num > 0 && rate.den > 0 ? rate : AVRational{0, 1};
+}
+
+std::int64_t MovieReader::pictureDuration(std::int64_t told) const
+{
+    if (told > 0) {
+        return told;
+    }
+    const AVRational pictures = rate();
+    if (pictures.num == 0) {
         return 1;
     }
-    return std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(rate), video_->time_base));
+    return std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(pictures), video_->time_base));
+}
+
+double MovieReader::secondsAt(std::int64_t time) const
+{
+    return static_cast<double>(time) * av_q2d(video_->time_base) - static_cast<double>(start()) / AV_TIME_BASE;
 }
 
 std::int64_t MovieReader::lastDuration(std::int64_t time, std::int64_t duration) const

@@ -1,6 +1,12 @@
 #pragma once
 
+// The source: its first video stream decoded, its sound streams as they are.
+
+#include "sys/result.h"
 #include "tools/movencoder/avsupport.h"
+#include "tools/movencoder/clockjumps.h"
+#include "tools/movencoder/damage.h"
+#include "tools/movencoder/picturedecoder.h"
 
 #include <cstdint>
 #include <map>
@@ -8,7 +14,6 @@
 #include <string>
 #include <vector>
 
-// The source: its first video stream decoded, its sound streams as they are.
 namespace tavrix::movencoder
 {
 
@@ -16,35 +21,35 @@ class MovieReader
 {
 public:
     enum class Item {
-        Picture, // in picture()
+        Picture, // to be taken by takePicture()
         Sound,   // in packet()
         End,
-        Failure,
     };
 
-    // Null, with the reason in `error`, when the file cannot be opened or has no video that can be decoded. Only local
-    // files are opened, whatever the content asks for.
-    [[nodiscard]] static std::unique_ptr<MovieReader> open(const std::string& path, std::string& error);
+    // Fails when the file cannot be opened or has no video that can be decoded. Only local files are opened, whatever
+    // the content asks for.
+    [[nodiscard]] static Result<std::unique_ptr<MovieReader>> open(const std::string& path);
     MovieReader(const MovieReader&) = delete;
     MovieReader& operator=(const MovieReader&) = delete;
     ~MovieReader();
 
-    // The next picture or sound packet. A picture that could not be decoded is a failure, with the reason in `error`,
-    // since the output would silently lack it; only what precedes the first good picture is passed over, as recordings
-    // may start in the middle of a group of pictures.
-    [[nodiscard]] Item next(std::string& error);
-    // Gives the picture away.
-    [[nodiscard]] FramePtr takePicture();
+    // The next picture or sound packet. Damage does not end it: a picture that cannot be decoded comes without a frame,
+    // to be replaced by the one before, and a source that ends early just ends; damage() has the account. It fails when
+    // not a single picture can be had.
+    Result<Item> next();
+    [[nodiscard]] DecodedPicture takePicture();
     [[nodiscard]] AVPacket* packet() const { return packet_.get(); }
+
+    // Complete after the end.
+    [[nodiscard]] const Damage& damage() const { return damage_; }
 
     [[nodiscard]] AVFormatContext* container() const { return container_; }
     [[nodiscard]] AVStream* video() const { return video_; }
     [[nodiscard]] const std::vector<AVStream*>& sounds() const { return sounds_; }
     // Pixel aspect of a picture, from the container or the stream; 0/1 when unknown.
     [[nodiscard]] AVRational pixelAspect(AVFrame& picture) const;
-    // Time of a picture in the video stream's time base, AV_NOPTS_VALUE when it has none.
-    [[nodiscard]] static std::int64_t timeOf(const AVFrame& picture) { return picture.best_effort_timestamp; }
-    [[nodiscard]] std::int64_t durationOf(const AVFrame& picture) const;
+    // Pictures a second, as far as the container tells; 0/1 when unknown.
+    [[nodiscard]] AVRational rate() const;
     // How long the last picture is shown: to the end that an edited movie names, when that is near its own duration.
     [[nodiscard]] std::int64_t lastDuration(std::int64_t time, std::int64_t duration) const;
     // Start and length of the movie in the units of AV_TIME_BASE, 0 when unknown.
@@ -53,15 +58,16 @@ public:
 
 private:
     MovieReader() = default;
-    [[nodiscard]] bool openContainer(const std::string& path, std::string& error);
-    [[nodiscard]] bool chooseStreams(std::string& error);
-    [[nodiscard]] bool openDecoder(std::string& error);
-    [[nodiscard]] bool readPacket(std::string& error);
-    [[nodiscard]] bool sendPacket(std::string& error);
-    [[nodiscard]] bool complete(std::string& error) const;
+    Result<void> openContainer(const std::string& path);
+    Result<void> chooseStreams();
+    [[nodiscard]] bool readPacket();
+    void moveClock();
     [[nodiscard]] bool isMovie() const;
-    [[nodiscard]] bool forgive(int result, std::string& error);
     [[nodiscard]] bool keepsSound();
+    [[nodiscard]] std::int64_t pictureDuration(std::int64_t told) const;
+    [[nodiscard]] double secondsAt(std::int64_t time) const;
+    void noteDamage(std::int64_t time);
+    Result<Item> finish();
 
     // How far a sound stream has been handed out, in its time base.
     struct SoundPlace {
@@ -74,13 +80,16 @@ private:
     AVStream* video_ = nullptr;
     std::vector<AVStream*> sounds_;
     std::map<int, SoundPlace> soundPlaces_; // by stream index
-    CodecPtr decoder_;
+    ClockJumps clockJumps_;
+    std::unique_ptr<PictureDecoder> decoder_;
     PacketPtr packet_;
-    FramePtr picture_;
-    bool flushing_ = false;
+    bool clockMayJump_ = false;
+    bool brokenOff_ = false; // the file could not be read to its end
     std::int64_t pictures_ = 0;
     std::int64_t videoPackets_ = 0;
     std::int64_t indexedPackets_ = 0; // what the container's index promises; 0 when it has none
+    std::int64_t picturesEnd_ = 0;    // of the last picture, in the video's time base
+    Damage damage_;
 };
 
 } // namespace tavrix::movencoder

@@ -4,12 +4,10 @@
 #include "sys/transfer.h"
 
 #include <cerrno>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
 extern "C" {
-#include <libavutil/display.h>
 #include <libavutil/timecode.h>
 }
 
@@ -30,7 +28,7 @@ void copyMetadata(AVDictionary*& to, const AVDictionary* from)
 
 } // namespace
 
-int MovieWriter::writeBytes(void* self, std::uint8_t* bytes, int count)
+int MovieWriter::writeBytes(void* self, WrittenBytes bytes, int count)
 {
     auto* writer = static_cast<MovieWriter*>(self);
     if (writeAll(writer->fd_, {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)})) {
@@ -54,20 +52,26 @@ std::int64_t MovieWriter::seekTo(void* self, std::int64_t offset, int whence)
     return position >= 0 ? position : AVERROR(errno);
 }
 
-std::unique_ptr<MovieWriter> MovieWriter::open(int fd, const MovieReader& source, Format format,
-                                               const PictureEncoder& encoder, const PictureFacts& facts,
-                                               std::string& error)
+Result<std::unique_ptr<MovieWriter>> MovieWriter::open(int fd, const MovieReader& source, const PictureEncoder& encoder,
+                                                       const PictureFacts& facts)
 {
     std::unique_ptr<MovieWriter> writer(new MovieWriter(fd, source));
-    if (!writer->openContainer(error) || !writer->addVideo(format, encoder, facts, error)) {
-        return nullptr;
+    Result<void> done = writer->openContainer();
+    if (done) {
+        done = writer->addVideo(encoder, facts);
     }
     for (const AVStream* sound : source.sounds()) {
-        if (!writer->addSound(*sound, error)) {
-            return nullptr;
+        if (done) {
+            done = writer->addSound(*sound);
         }
     }
-    return writer->writeHeader(error) ? std::move(writer) : nullptr;
+    if (done) {
+        done = writer->writeHeader();
+    }
+    if (!done) {
+        return Failure{done.reason()};
+    }
+    return writer;
 }
 
 MovieWriter::~MovieWriter()
@@ -82,7 +86,7 @@ MovieWriter::~MovieWriter()
     avformat_free_context(container_);
 }
 
-bool MovieWriter::openContainer(std::string& error)
+Result<void> MovieWriter::openContainer()
 {
     constexpr std::size_t bufferSize = std::size_t{1} << 20;
     packet_.reset(av_packet_alloc());
@@ -100,52 +104,50 @@ bool MovieWriter::openContainer(std::string& error)
         result = AVERROR(ENOMEM);
     }
     if (result < 0) {
-        error = avErrorText(result);
-        return false;
+        return Failure{avErrorText(result)};
     }
     copyMetadata(container_->metadata, source_.container()->metadata);
     targetOf_.assign(source_.container()->nb_streams, -1);
-    return true;
+    return {};
 }
 
-bool MovieWriter::addVideo(Format format, const PictureEncoder& encoder, const PictureFacts& facts, std::string& error)
+Result<void> MovieWriter::addVideo(const PictureEncoder& encoder, const PictureFacts& facts)
 {
     const AVStream& from = *source_.video();
     AVStream* stream = avformat_new_stream(container_, nullptr);
     if (stream == nullptr) {
-        error = "out of memory";
-        return false;
+        return Failure{"out of memory"};
     }
     AVCodecParameters& parameters = *stream->codecpar;
     parameters.codec_type = AVMEDIA_TYPE_VIDEO;
     parameters.format = encoder.pixelFormat();
     parameters.width = facts.fit.width;
     parameters.height = facts.fit.height;
-    if (!encoder.describe(parameters, error)) {
-        return false;
+    if (auto described = encoder.describe(parameters); !described) {
+        return described;
     }
     parameters.color_primaries = facts.primaries;
     parameters.color_trc = facts.transfer;
     parameters.color_space = facts.matrix;
     parameters.color_range = AVCOL_RANGE_MPEG;
     parameters.chroma_location = facts.chromaLocation;
-    if (facts.interlaced) {
-        parameters.field_order = facts.topFieldFirst ? AV_FIELD_TT : AV_FIELD_BB;
+    if (facts.fields.interlaced) {
+        parameters.field_order = facts.fields.topFirst ? AV_FIELD_TT : AV_FIELD_BB;
     } else {
         parameters.field_order = AV_FIELD_PROGRESSIVE;
     }
     parameters.sample_aspect_ratio = {facts.fit.pixelAspect.num, facts.fit.pixelAspect.den};
     stream->sample_aspect_ratio = parameters.sample_aspect_ratio;
-    stream->time_base = from.time_base;
+    videoBase_ = facts.timeBase;
+    videoIndex_ = stream->index;
+    stream->time_base = facts.timeBase;
     stream->avg_frame_rate = from.avg_frame_rate;
     stream->r_frame_rate = from.r_frame_rate;
     stream->disposition = from.disposition;
     copyMetadata(stream->metadata, from.metadata);
-    av_dict_set(&stream->metadata, "encoder", formatName(format), 0);
+    av_dict_set(&stream->metadata, "encoder", encoder.name().c_str(), 0);
     copyTimecode(*stream);
-    copyRotation(*stream, facts.fit);
-    targetOf_[static_cast<std::size_t>(from.index)] = stream->index;
-    return true;
+    return copyRotation(*stream, facts.fit);
 }
 
 // The muxer refuses the whole movie for a time code that does not go with the frame rate; the picture matters more.
@@ -165,37 +167,32 @@ void MovieWriter::copyTimecode(AVStream& stream) const
     av_dict_set(&container_->metadata, "timecode", nullptr, 0);
 }
 
-void MovieWriter::copyRotation(AVStream& stream, const Fit& fit) const
+Result<void> MovieWriter::copyRotation(AVStream& stream, const Fit& fit) const
 {
     const AVStream& from = *source_.video();
-    std::size_t size = 0;
-    const std::uint8_t* data = av_stream_get_side_data(&from, AV_PKT_DATA_DISPLAYMATRIX, &size);
-    constexpr std::size_t matrixSize = 9 * sizeof(std::int32_t);
-    if (data == nullptr || size < matrixSize || from.codecpar->width <= 0 || from.codecpar->height <= 0) {
-        return;
+    auto matrix = displayMatrixOf(from);
+    if (!matrix || from.codecpar->width <= 0 || from.codecpar->height <= 0) {
+        return {};
     }
-    std::array<std::int32_t, 9> matrix;
-    std::memcpy(matrix.data(), data, matrixSize);
     // The offsets of a turned picture are its old sides, so they follow the new ones.
     const auto follow = [&](std::int32_t& offset, bool alongWidth) {
         const std::int64_t now = alongWidth ? fit.width : fit.height;
         const std::int64_t then = alongWidth ? from.codecpar->width : from.codecpar->height;
         offset = static_cast<std::int32_t>(offset * now / then);
     };
-    follow(matrix[6], matrix[0] != 0);
-    follow(matrix[7], matrix[4] == 0);
-    std::uint8_t* copy = av_stream_new_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, matrixSize);
-    if (copy != nullptr) {
-        std::memcpy(copy, matrix.data(), matrixSize);
+    follow((*matrix)[6], (*matrix)[0] != 0);
+    follow((*matrix)[7], (*matrix)[4] == 0);
+    if (!setDisplayMatrix(stream, *matrix)) {
+        return Failure{"out of memory"};
     }
+    return {};
 }
 
-bool MovieWriter::addSound(const AVStream& from, std::string& error)
+Result<void> MovieWriter::addSound(const AVStream& from)
 {
     AVStream* stream = avformat_new_stream(container_, nullptr);
     if (stream == nullptr || avcodec_parameters_copy(stream->codecpar, from.codecpar) < 0) {
-        error = "out of memory";
-        return false;
+        return Failure{"out of memory"};
     }
     // A tag is kept only where QuickTime knows it for this codec; otherwise the muxer chooses one.
     const AVCodecTag* const tags[] = {avformat_get_mov_audio_tags(), nullptr};
@@ -206,79 +203,78 @@ bool MovieWriter::addSound(const AVStream& from, std::string& error)
     stream->disposition = from.disposition;
     copyMetadata(stream->metadata, from.metadata);
     targetOf_[static_cast<std::size_t>(from.index)] = stream->index;
-    return true;
+    return {};
 }
 
-bool MovieWriter::writeHeader(std::string& error)
+Result<void> MovieWriter::writeHeader()
 {
-    // With the time scales of the source no time is rounded on its way.
-    const AVRational timeBase = source_.video()->time_base;
+    // With the time scale of the pictures no time is rounded on its way.
     AVDictionary* options = nullptr;
-    if (timeBase.num == 1) {
-        av_dict_set_int(&options, "video_track_timescale", timeBase.den, 0);
-        av_dict_set_int(&options, "movie_timescale", timeBase.den, 0);
-    }
+    av_dict_set_int(&options, "video_track_timescale", videoBase_.den, 0);
+    av_dict_set_int(&options, "movie_timescale", videoBase_.den, 0);
     av_dict_set(&options, "movflags", "+write_colr", 0);
     const int result = avformat_write_header(container_, &options);
     av_dict_free(&options);
-    return !failed(result, error);
+    return resultOf(result);
 }
 
-bool MovieWriter::failed(int result, std::string& error) const
+// The file's own error comes before what the library makes of it.
+Result<void> MovieWriter::resultOf(int result) const
 {
     if (writeError_ != 0) {
-        error = errorText(writeError_);
-    } else if (result < 0) {
-        error = avErrorText(result);
-    } else if (container_->pb->error < 0) {
-        error = avErrorText(container_->pb->error);
-    } else {
-        return false;
+        return Failure{errorText(writeError_)};
     }
-    return true;
+    if (result < 0 || container_->pb->error < 0) {
+        return Failure{avErrorText(result < 0 ? result : container_->pb->error)};
+    }
+    return {};
 }
 
-bool MovieWriter::write(AVPacket& packet, const AVStream& from, std::string& error)
+Result<void> MovieWriter::write(AVPacket& packet, int stream, AVRational base)
 {
-    const AVStream& to = *container_->streams[targetOf_[static_cast<std::size_t>(from.index)]];
-    const std::int64_t start = av_rescale_q(source_.start(), AV_TIME_BASE_Q, from.time_base);
-    if (packet.pts != AV_NOPTS_VALUE) {
-        packet.pts -= start;
-    }
-    if (packet.dts != AV_NOPTS_VALUE) {
-        packet.dts -= start;
-    }
-    av_packet_rescale_ts(&packet, from.time_base, to.time_base);
-    packet.stream_index = to.index;
+    const std::int64_t start = av_rescale_q(source_.start(), AV_TIME_BASE_Q, base);
+    packet.pts -= packet.pts == AV_NOPTS_VALUE ? 0 : start;
+    packet.dts -= packet.dts == AV_NOPTS_VALUE ? 0 : start;
+    av_packet_rescale_ts(&packet, base, container_->streams[stream]->time_base);
+    packet.stream_index = stream;
     packet.pos = -1;
-    return !failed(av_interleaved_write_frame(container_, &packet), error);
+    return resultOf(av_interleaved_write_frame(container_, &packet));
 }
 
-bool MovieWriter::writePicture(const CodedPicture& picture, std::string& error)
+Result<void> MovieWriter::writePicture(const CodedPicture& picture)
 {
-    const int result = av_new_packet(packet_.get(), static_cast<int>(picture.bytes.size()));
-    if (result < 0) {
-        error = avErrorText(result);
-        return false;
+    using Bytes = std::shared_ptr<const std::vector<std::uint8_t>>;
+    const auto release = [](void* kept, std::uint8_t*) {
+        delete static_cast<Bytes*>(kept);
+    };
+    auto kept = std::make_unique<Bytes>(picture.bytes);
+    // The packet is read-only, so the bytes stay as they are.
+    auto* bytes = const_cast<std::uint8_t*>(picture.bytes->data());
+    packet_->buf = av_buffer_create(bytes, picture.bytes->size(), release, kept.get(), AV_BUFFER_FLAG_READONLY);
+    if (packet_->buf == nullptr) {
+        return Failure{"out of memory"};
     }
-    std::memcpy(packet_->data, picture.bytes.data(), picture.bytes.size());
+    static_cast<void>(kept.release()); // the buffer's now
+    packet_->data = bytes;
+    packet_->size = static_cast<int>(picture.bytes->size());
     packet_->pts = picture.time;
     packet_->dts = picture.time;
     packet_->duration = picture.duration;
     packet_->flags |= AV_PKT_FLAG_KEY;
-    return write(*packet_, *source_.video(), error);
+    return write(*packet_, videoIndex_, videoBase_);
 }
 
-bool MovieWriter::writeSound(AVPacket& packet, std::string& error)
+Result<void> MovieWriter::writeSound(AVPacket& packet)
 {
-    return write(packet, *source_.container()->streams[packet.stream_index], error);
+    const auto source = static_cast<std::size_t>(packet.stream_index);
+    return write(packet, targetOf_[source], source_.container()->streams[source]->time_base);
 }
 
-bool MovieWriter::finish(std::string& error)
+Result<void> MovieWriter::finish()
 {
     const int result = av_write_trailer(container_);
     avio_flush(container_->pb);
-    return !failed(result, error);
+    return resultOf(result);
 }
 
 } // namespace tavrix::movencoder

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sys/result.h"
 #include "tools/movencoder/avsupport.h"
 #include "tools/movencoder/encodepipeline.h"
 #include "tools/movencoder/moviereader.h"
@@ -19,33 +20,31 @@ class MovieWriter
 public:
     // Starts a movie in `fd` (open for reading and writing, not closed here) with a video stream as the encoder
     // describes it and the source's sound streams. Dates, time code, languages, names and rotation come from the
-    // source. Null, with the reason in `error`, on failure.
-    [[nodiscard]] static std::unique_ptr<MovieWriter> open(int fd, const MovieReader& source, Format format,
-                                                           const PictureEncoder& encoder, const PictureFacts& facts,
-                                                           std::string& error);
+    // source.
+    [[nodiscard]] static Result<std::unique_ptr<MovieWriter>>
+    open(int fd, const MovieReader& source, const PictureEncoder& encoder, const PictureFacts& facts);
     MovieWriter(const MovieWriter&) = delete;
     MovieWriter& operator=(const MovieWriter&) = delete;
     ~MovieWriter();
 
-    // The time and duration are in the time base of the source's video stream.
-    [[nodiscard]] bool writePicture(const CodedPicture& picture, std::string& error);
+    // The time and duration are in the time base of the facts.
+    Result<void> writePicture(const CodedPicture& picture);
     // Takes the packet's content.
-    [[nodiscard]] bool writeSound(AVPacket& packet, std::string& error);
+    Result<void> writeSound(AVPacket& packet);
     // Completes the movie; without it the file is of no use.
-    [[nodiscard]] bool finish(std::string& error);
+    Result<void> finish();
 
 private:
     MovieWriter(int fd, const MovieReader& source) : fd_(fd), source_(source) {}
-    [[nodiscard]] bool openContainer(std::string& error);
-    [[nodiscard]] bool addVideo(Format format, const PictureEncoder& encoder, const PictureFacts& facts,
-                                std::string& error);
+    Result<void> openContainer();
+    Result<void> addVideo(const PictureEncoder& encoder, const PictureFacts& facts);
     void copyTimecode(AVStream& stream) const;
-    void copyRotation(AVStream& stream, const Fit& fit) const;
-    [[nodiscard]] bool addSound(const AVStream& from, std::string& error);
-    [[nodiscard]] bool writeHeader(std::string& error);
-    [[nodiscard]] bool write(AVPacket& packet, const AVStream& from, std::string& error);
-    [[nodiscard]] bool failed(int result, std::string& error) const;
-    static int writeBytes(void* self, std::uint8_t* bytes, int count);
+    Result<void> copyRotation(AVStream& stream, const Fit& fit) const;
+    Result<void> addSound(const AVStream& from);
+    Result<void> writeHeader();
+    Result<void> write(AVPacket& packet, int stream, AVRational base);
+    [[nodiscard]] Result<void> resultOf(int result) const;
+    static int writeBytes(void* self, WrittenBytes bytes, int count);
     static std::int64_t seekTo(void* self, std::int64_t offset, int whence);
 
     int fd_;
@@ -53,6 +52,8 @@ private:
     const MovieReader& source_;
     AVFormatContext* container_ = nullptr;
     PacketPtr packet_;
+    AVRational videoBase_{1, 1}; // of the pictures' times
+    int videoIndex_ = 0;
     std::vector<int> targetOf_; // source stream index to output stream index, -1: not copied
 };
 

@@ -17,67 +17,76 @@ std::optional<Format> formatNamed(const std::string& name)
     return std::nullopt;
 }
 
-bool takePath(Options& options, const std::string& path, std::string& error)
+Result<void> takePath(Options& options, const std::string& path)
 {
     std::string& place = options.input.empty() ? options.input : options.output;
-    if (path.empty() || !place.empty()) {
-        error = path.empty() ? "a file name is empty" : "unexpected argument \"" + path + "\"";
-        return false;
+    if (path.empty()) {
+        return Failure{"a file name is empty"};
+    }
+    if (!place.empty()) {
+        return Failure{"unexpected argument \"" + path + "\""};
     }
     place = path;
-    return true;
+    return {};
 }
 
-bool checkComplete(const Options& options, std::string& error)
+Result<void> takeValue(Options& options, const std::string& option, const std::string& value)
+{
+    if (option == "-s") {
+        options.settings = value;
+        return {};
+    }
+    options.format = formatNamed(value);
+    if (!options.format) {
+        return Failure{"unknown format \"" + value + "\""};
+    }
+    return {};
+}
+
+Result<Options> checkComplete(const Options& options)
 {
     if (options.help) {
-        return true;
+        return options;
     }
     if (options.settings.empty()) {
-        error = "no settings file is given";
-    } else if (options.input.empty()) {
-        error = "no input is given";
-    } else if (options.output.empty()) {
-        error = "no output is given";
+        return Failure{"no settings file is given"};
     }
-    return error.empty();
+    if (options.input.empty()) {
+        return Failure{"no input is given"};
+    }
+    if (options.output.empty()) {
+        return Failure{"no output is given"};
+    }
+    return options;
 }
 
 } // namespace
 
-std::optional<Options> parseOptions(const std::vector<std::string>& arguments, std::string& error)
+Result<Options> parseOptions(const std::vector<std::string>& arguments)
 {
     Options options;
     bool onlyPaths = false;
-    error.clear();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const bool option = !onlyPaths && argument.size() > 1 && argument[0] == '-';
+        const bool takesValue = argument == "-s" || argument == "-f";
+        Result<void> taken;
         if (!option) {
-            if (!takePath(options, argument, error)) {
-                return std::nullopt;
-            }
+            taken = takePath(options, argument);
         } else if (argument == "--") {
             onlyPaths = true;
         } else if (argument == "--help" || argument == "-h") {
             options.help = true;
-        } else if ((argument == "-s" || argument == "-f") && i + 1 < arguments.size()) {
-            const std::string& value = arguments[++i];
-            if (argument == "-s") {
-                options.settings = value;
-            } else if (!(options.format = formatNamed(value))) {
-                error = "unknown format \"" + value + "\"";
-                return std::nullopt;
-            }
+        } else if (takesValue && i + 1 < arguments.size()) {
+            taken = takeValue(options, argument, arguments[++i]);
         } else {
-            error = argument == "-s" || argument == "-f" ? argument + " needs a value" : "unknown option " + argument;
-            return std::nullopt;
+            taken = Failure{takesValue ? argument + " needs a value" : "unknown option " + argument};
+        }
+        if (!taken) {
+            return Failure{taken.reason()};
         }
     }
-    if (!checkComplete(options, error)) {
-        return std::nullopt;
-    }
-    return options;
+    return checkComplete(options);
 }
 
 std::string helpText()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sys/result.h"
 #include "tools/movencoder/settings.h"
 
 #include <optional>
@@ -18,8 +19,8 @@ struct Options {
     std::optional<Format> format; // asked for by name; wins over everything else
 };
 
-// The arguments without the program's name. Nothing, with the reason in `error`, for wrong usage.
-[[nodiscard]] std::optional<Options> parseOptions(const std::vector<std::string>& arguments, std::string& error);
+// The arguments without the program's name; a failure is wrong usage.
+[[nodiscard]] Result<Options> parseOptions(const std::vector<std::string>& arguments);
 [[nodiscard]] std::string helpText();
 
 } // namespace tavrix::movencoder

@@ -51,30 +51,27 @@ void blacken(AVFrame& frame)
 
 } // namespace
 
-bool PictureConverter::makePicture(FramePtr& frame, int width, int height, std::string& error) const
+Result<FramePtr> PictureConverter::makePicture(int width, int height) const
 {
-    frame.reset(av_frame_alloc());
-    if (frame) {
-        frame->format = format_;
-        frame->width = width;
-        frame->height = height;
-        const int result = av_frame_get_buffer(frame.get(), 0);
-        if (result >= 0) {
-            return true;
-        }
-        error = avErrorText(result);
-        return false;
+    FramePtr frame(av_frame_alloc());
+    if (!frame) {
+        return Failure{"out of memory"};
     }
-    error = "out of memory";
-    return false;
+    frame->format = format_;
+    frame->width = width;
+    frame->height = height;
+    const int result = av_frame_get_buffer(frame.get(), 0);
+    if (result < 0) {
+        return Failure{avErrorText(result)};
+    }
+    return frame;
 }
 
-bool PictureConverter::makeScaler(const Shape& shape, std::string& error)
+Result<void> PictureConverter::makeScaler(const Shape& shape)
 {
     scaler_.reset(sws_alloc_context());
     if (!scaler_) {
-        error = "out of memory";
-        return false;
+        return Failure{"out of memory"};
     }
     const bool keepsLines = shape.height == fit_.pictureHeight;
     SwsContext* scaler = scaler_.get();
@@ -89,32 +86,38 @@ bool PictureConverter::makeScaler(const Shape& shape, std::string& error)
     av_opt_set_int(scaler, "sws_flags", SWS_BICUBIC | SWS_ACCURATE_RND, 0);
     const int result = sws_init_context(scaler, nullptr, nullptr);
     if (result < 0) {
-        const char* name = av_get_pix_fmt_name(static_cast<AVPixelFormat>(shape.format));
-        error = std::string("pictures of the format ") + (name != nullptr ? name : "?") + " cannot be converted";
         scaler_.reset();
+        const char* name = av_get_pix_fmt_name(static_cast<AVPixelFormat>(shape.format));
+        return Failure{std::string("pictures of the format ") + (name != nullptr ? name : "?") +
+                       " cannot be converted"};
     }
-    return result >= 0;
+    return {};
 }
 
-bool PictureConverter::prepare(const Shape& shape, std::string& error)
+Result<void> PictureConverter::prepare(const Shape& shape)
 {
     if (shape == shape_ && scaled_) {
-        return true;
+        return {};
     }
     shape_ = shape;
     scaled_.reset();
-    FramePtr picture;
-    if (!makeScaler(shape, error) || !makePicture(picture, fit_.pictureWidth, fit_.pictureHeight, error)) {
-        return false;
+    if (auto made = makeScaler(shape); !made) {
+        return made;
+    }
+    auto picture = makePicture(fit_.pictureWidth, fit_.pictureHeight);
+    if (!picture) {
+        return Failure{picture.reason()};
     }
     if (!fillsCanvas() && !canvas_) {
-        if (!makePicture(canvas_, fit_.width, fit_.height, error)) {
-            return false;
+        auto canvas = makePicture(fit_.width, fit_.height);
+        if (!canvas) {
+            return Failure{canvas.reason()};
         }
+        canvas_ = *std::move(canvas);
         blacken(*canvas_);
     }
-    scaled_ = std::move(picture);
-    return true;
+    scaled_ = *std::move(picture);
+    return {};
 }
 
 void PictureConverter::scaleLines(const AVFrame& source, int firstLine, int step, const AVFrame& target,
@@ -152,7 +155,7 @@ void PictureConverter::placeInCanvas() const
     }
 }
 
-const AVFrame* PictureConverter::convert(const AVFrame& source, std::string& error)
+Result<const AVFrame*> PictureConverter::convert(const AVFrame& source)
 {
     Shape shape{source.width, source.height, source.format, source.color_range == AVCOL_RANGE_JPEG, false};
     shape.fullRange = shape.fullRange || plainFormat(source.format) != source.format;
@@ -160,9 +163,9 @@ const AVFrame* PictureConverter::convert(const AVFrame& source, std::string& err
     if (keepsSize && fillsCanvas() && source.format == format_ && !shape.fullRange) {
         return &source;
     }
-    shape.fields = source.interlaced_frame != 0 && source.height % 4 == 0;
-    if (!prepare(shape, error)) {
-        return nullptr;
+    shape.fields = fieldsOf(source).interlaced && source.height % 4 == 0;
+    if (auto prepared = prepare(shape); !prepared) {
+        return Failure{prepared.reason()};
     }
     if (!shape.fields) {
         scaleLines(source, 0, 1, *scaled_, 1);
@@ -173,10 +176,10 @@ const AVFrame* PictureConverter::convert(const AVFrame& source, std::string& err
         scaleLines(source, 0, 2, *scaled_, 1);
     }
     if (fillsCanvas()) {
-        return scaled_.get();
+        return static_cast<const AVFrame*>(scaled_.get());
     }
     placeInCanvas();
-    return canvas_.get();
+    return static_cast<const AVFrame*>(canvas_.get());
 }
 
 } // namespace tavrix::movencoder

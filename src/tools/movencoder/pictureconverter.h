@@ -1,9 +1,8 @@
 #pragma once
 
+#include "sys/result.h"
 #include "tools/movencoder/avsupport.h"
 #include "tools/movencoder/geometry.h"
-
-#include <string>
 
 // Brings decoded pictures into the size, pixel format and range of the output.
 namespace tavrix::movencoder
@@ -17,9 +16,8 @@ class PictureConverter
 public:
     PictureConverter(const Fit& fit, AVPixelFormat format) : fit_(fit), format_(format) {}
 
-    // The converted picture, valid until the next call (it is `source` itself when there is nothing to do); null, with
-    // the reason in `error`, on failure.
-    [[nodiscard]] const AVFrame* convert(const AVFrame& source, std::string& error);
+    // The converted picture, valid until the next call; it is `source` itself when there is nothing to do.
+    Result<const AVFrame*> convert(const AVFrame& source);
 
 private:
     // What a scaler was made for: it is made anew when the source changes in its middle.
@@ -32,9 +30,9 @@ private:
         bool operator==(const Shape&) const = default;
     };
 
-    [[nodiscard]] bool prepare(const Shape& shape, std::string& error);
-    [[nodiscard]] bool makeScaler(const Shape& shape, std::string& error);
-    [[nodiscard]] bool makePicture(FramePtr& frame, int width, int height, std::string& error) const;
+    Result<void> prepare(const Shape& shape);
+    Result<void> makeScaler(const Shape& shape);
+    Result<FramePtr> makePicture(int width, int height) const;
     void scaleLines(const AVFrame& source, int firstLine, int step, const AVFrame& target, int targetStep) const;
     void placeInCanvas() const;
     [[nodiscard]] bool fillsCanvas() const

@@ -2,6 +2,8 @@
 
 #include "tools/movencoder/aicencoder.h"
 
+#include <array>
+
 extern "C" {
 #include <libavutil/opt.h>
 }
@@ -22,26 +24,27 @@ public:
 
     [[nodiscard]] AVPixelFormat pixelFormat() const override { return AV_PIX_FMT_YUV420P; }
 
-    [[nodiscard]] bool describe(AVCodecParameters& parameters, std::string&) const override
+    [[nodiscard]] std::string name() const override { return formatName(Format::AppleIntermediate); }
+
+    Result<void> describe(AVCodecParameters& parameters) const override
     {
         parameters.codec_id = AV_CODEC_ID_AIC;
         parameters.codec_tag = MKTAG('i', 'c', 'o', 'd');
         parameters.bits_per_coded_sample = 24;
-        return true;
+        return {};
     }
 
-    [[nodiscard]] bool encode(const AVFrame& picture, bool interlaced, std::vector<std::uint8_t>& bytes,
-                              std::string&) override
+    Result<void> encode(const AVFrame& picture, Fields fields, std::vector<std::uint8_t>& bytes) override
     {
         const aic::Picture planes{{picture.data[0], picture.data[1], picture.data[2]},
                                   {picture.linesize[0], picture.linesize[1], picture.linesize[2]},
-                                  interlaced};
+                                  fields.interlaced};
         if (settings_.bytesPerFrame > 0) {
             encoder_.encodeToSize(planes, static_cast<std::size_t>(settings_.bytesPerFrame), bytes);
         } else {
             encoder_.encode(planes, settings_.quantiser, bytes);
         }
-        return true;
+        return {};
     }
 
 private:
@@ -99,20 +102,18 @@ AVColorPrimaries proResPrimaries(AVColorPrimaries primaries)
 class ProResEncoder : public PictureEncoder
 {
 public:
-    [[nodiscard]] bool open(const FormatSettings& settings, const PictureFacts& facts, std::string& error)
+    Result<void> open(const FormatSettings& settings, const PictureFacts& facts)
     {
         // Of the library's two encoders this one is several times faster, and closer to the picture.
         const AVCodec* codec = avcodec_find_encoder_by_name("prores_aw");
         if (codec == nullptr) {
-            error = "the FFmpeg libraries of this system have no ProRes encoder";
-            return false;
+            return Failure{"the FFmpeg libraries of this system have no ProRes encoder"};
         }
         codec_.reset(avcodec_alloc_context3(codec));
         packet_.reset(av_packet_alloc());
         frame_.reset(av_frame_alloc());
         if (!codec_ || !packet_ || !frame_) {
-            error = "out of memory";
-            return false;
+            return Failure{"out of memory"};
         }
         codec_->width = facts.fit.width;
         codec_->height = facts.fit.height;
@@ -126,36 +127,41 @@ public:
         codec_->color_range = AVCOL_RANGE_MPEG;
         // Pictures go to many encoders at once; threads inside each would only get in one another's way.
         codec_->thread_count = 1;
-        if (facts.interlaced) {
+        if (facts.fields.interlaced) {
             codec_->flags |= AV_CODEC_FLAG_INTERLACED_DCT;
         }
         // Players that look for a maker know this one.
         av_opt_set(codec_.get(), "vendor", "apl0", AV_OPT_SEARCH_CHILDREN);
         const int result = avcodec_open2(codec_.get(), codec, nullptr);
         if (result < 0) {
-            error = "the ProRes encoder does not start: " + avErrorText(result);
+            return Failure{"the ProRes encoder does not start: " + avErrorText(result)};
         }
-        return result >= 0;
+        return {};
     }
 
     [[nodiscard]] AVPixelFormat pixelFormat() const override { return AV_PIX_FMT_YUV422P10LE; }
 
-    [[nodiscard]] bool describe(AVCodecParameters& parameters, std::string& error) const override
+    [[nodiscard]] std::string name() const override
+    {
+        static constexpr std::array<const char*, 4> endings{" Proxy", " LT", "", " HQ"};
+        return formatName(Format::ProRes) + std::string(endings.at(static_cast<std::size_t>(codec_->profile)));
+    }
+
+    Result<void> describe(AVCodecParameters& parameters) const override
     {
         const int result = avcodec_parameters_from_context(&parameters, codec_.get());
         if (result < 0) {
-            error = avErrorText(result);
+            return Failure{avErrorText(result)};
         }
-        return result >= 0;
+        return {};
     }
 
-    [[nodiscard]] bool encode(const AVFrame& picture, bool interlaced, std::vector<std::uint8_t>& bytes,
-                              std::string& error) override
+    Result<void> encode(const AVFrame& picture, Fields fields, std::vector<std::uint8_t>& bytes) override
     {
         av_frame_unref(frame_.get());
         int result = av_frame_ref(frame_.get(), &picture);
         if (result >= 0) {
-            frame_->interlaced_frame = interlaced ? 1 : 0;
+            setFields(*frame_, fields);
             frame_->pict_type = AV_PICTURE_TYPE_NONE;
             frame_->pts = 0;
             // The encoder takes the tags of its frame header from the picture, which may come from a scaler.
@@ -169,12 +175,11 @@ public:
         }
         av_frame_unref(frame_.get());
         if (result < 0) {
-            error = "the ProRes encoder failed: " + avErrorText(result);
-            return false;
+            return Failure{"the ProRes encoder failed: " + avErrorText(result)};
         }
         bytes.assign(packet_->data, packet_->data + packet_->size);
         av_packet_unref(packet_.get());
-        return true;
+        return {};
     }
 
 private:
@@ -185,21 +190,20 @@ private:
 
 } // namespace
 
-std::unique_ptr<PictureEncoder> makePictureEncoder(Format format, const FormatSettings& settings,
-                                                   const PictureFacts& facts, std::string& error)
+Result<std::unique_ptr<PictureEncoder>> makePictureEncoder(Format format, const FormatSettings& settings,
+                                                           const PictureFacts& facts)
 {
     const Fit& fit = facts.fit;
     if (!aic::sizeAllowed(fit.width, fit.height)) {
-        error = "pictures of " + std::to_string(fit.width) + "x" + std::to_string(fit.height) +
-                " cannot be encoded; each side must be from 16 to 4096";
-        return nullptr;
+        return Failure{"pictures of " + std::to_string(fit.width) + "x" + std::to_string(fit.height) +
+                       " cannot be encoded; each side must be from 16 to 4096"};
     }
     if (format == Format::AppleIntermediate) {
         return std::make_unique<AppleIntermediateEncoder>(settings, fit);
     }
     auto encoder = std::make_unique<ProResEncoder>();
-    if (!encoder->open(settings, facts, error)) {
-        return nullptr;
+    if (auto opened = encoder->open(settings, facts); !opened) {
+        return Failure{opened.reason()};
     }
     return encoder;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sys/result.h"
 #include "tools/movencoder/avsupport.h"
 #include "tools/movencoder/geometry.h"
 #include "tools/movencoder/settings.h"
@@ -17,8 +18,7 @@ namespace tavrix::movencoder
 // What an encoder and the output's stream must know of the pictures, beside the settings.
 struct PictureFacts {
     Fit fit{};
-    bool interlaced = false; // the fields of the source survive: no change of height
-    bool topFieldFirst = false;
+    Fields fields; // interlaced only where the fields of the source survive: no change of height
     AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
     AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
     AVColorSpace matrix = AVCOL_SPC_UNSPECIFIED;
@@ -32,15 +32,16 @@ public:
     virtual ~PictureEncoder() = default;
     // The pixel format of the pictures that encode() takes.
     [[nodiscard]] virtual AVPixelFormat pixelFormat() const = 0;
+    // What the output's stream says of the codec, for players that show a name.
+    [[nodiscard]] virtual std::string name() const = 0;
     // Fills the codec fields of the output's stream.
-    [[nodiscard]] virtual bool describe(AVCodecParameters& parameters, std::string& error) const = 0;
+    virtual Result<void> describe(AVCodecParameters& parameters) const = 0;
     // Replaces `bytes` by the coded picture. One encoder serves one thread.
-    [[nodiscard]] virtual bool encode(const AVFrame& picture, bool interlaced, std::vector<std::uint8_t>& bytes,
-                                      std::string& error) = 0;
+    virtual Result<void> encode(const AVFrame& picture, Fields fields, std::vector<std::uint8_t>& bytes) = 0;
 };
 
-// Null, with the reason in `error`, when the encoder cannot be had for these pictures.
-[[nodiscard]] std::unique_ptr<PictureEncoder> makePictureEncoder(Format format, const FormatSettings& settings,
-                                                                 const PictureFacts& facts, std::string& error);
+// The encoder for these pictures, or why it cannot be had.
+[[nodiscard]] Result<std::unique_ptr<PictureEncoder>> makePictureEncoder(Format format, const FormatSettings& settings,
+                                                                         const PictureFacts& facts);
 
 } // namespace tavrix::movencoder

@@ -1,76 +1,15 @@
 #include "tools/movencoder/plistreader.h"
 
-#include "sys/errortext.h"
-
-#include <array>
-#include <cerrno>
 #include <charconv>
 #include <cstdint>
-#include <fcntl.h>
 #include <limits>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace tavrix::movencoder
 {
 
-namespace
-{
-
-// The preferences may hold a queue of ten thousand paths; nothing sensible is larger than this.
-constexpr std::size_t largestFile = std::size_t{64} << 20;
-
-std::optional<std::string> readAll(int fd, std::string& error)
-{
-    std::string text;
-    std::array<char, 65536> chunk;
-    for (;;) {
-        const ssize_t got = read(fd, chunk.data(), chunk.size());
-        if (got == 0) {
-            return text;
-        }
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0) {
-            error = errorText(errno);
-            return std::nullopt;
-        }
-        text.append(chunk.data(), static_cast<std::size_t>(got));
-        if (text.size() > largestFile) {
-            error = "too large";
-            return std::nullopt;
-        }
-    }
-}
-
-} // namespace
-
-std::optional<std::string> readWholeFile(const std::string& path, std::string& error)
-{
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    struct stat facts {
-    };
-    if (fd < 0 || fstat(fd, &facts) != 0) {
-        error = errorText(errno);
-        if (fd >= 0) {
-            close(fd);
-        }
-        return std::nullopt;
-    }
-    std::optional<std::string> text;
-    if (S_ISREG(facts.st_mode)) {
-        text = readAll(fd, error);
-    } else {
-        error = "not a regular file";
-    }
-    close(fd);
-    return text;
-}
-
 PlistPtr parseDictionary(const std::string& text)
 {
-    static_assert(largestFile <= std::numeric_limits<std::uint32_t>::max());
+    static_assert(largestPropertyList <= std::numeric_limits<std::uint32_t>::max());
     plist_t node = nullptr;
     if (text.size() >= 8) {
         plist_from_memory(text.data(), static_cast<std::uint32_t>(text.size()), &node);

@@ -2,6 +2,7 @@
 
 #include <plist/plist.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,9 +17,9 @@ struct PlistDeleter {
 };
 using PlistPtr = std::unique_ptr<std::remove_pointer_t<plist_t>, PlistDeleter>;
 
-// The whole text of a regular file; nothing, with the reason in `error`, when it cannot be read or is unreasonably
-// large.
-[[nodiscard]] std::optional<std::string> readWholeFile(const std::string& path, std::string& error);
+// Bytes; the preferences may hold a queue of ten thousand paths, and nothing sensible is larger than this.
+inline constexpr std::uint32_t largestPropertyList = std::uint32_t{64} << 20;
+
 // The dictionary at the top of a property list; null when the text is none.
 [[nodiscard]] PlistPtr parseDictionary(const std::string& text);
 

@@ -1,11 +1,13 @@
 #include "tools/movencoder/settings.h"
 
+#include "sys/transfer.h"
 #include "tools/movencoder/aicencoder.h"
 #include "tools/movencoder/plistreader.h"
 
 #include <array>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tavrix::movencoder
@@ -19,27 +21,25 @@ constexpr std::array<std::string_view, 4> profileNames{"proxy", "lt", "standard"
 struct Section {
     plist_t node;
     Format format;
-    std::string& error;
 
-    bool fail(std::string_view key, std::string_view problem) const
+    [[nodiscard]] Failure<std::string> fail(std::string_view key, std::string_view problem) const
     {
-        error = std::string("section ") + std::to_string(static_cast<int>(format)) + ": \"" + std::string(key) + "\" " +
-                std::string(problem);
-        return false;
+        return Failure{std::string("section ") + std::to_string(static_cast<int>(format)) + ": \"" + std::string(key) +
+                       "\" " + std::string(problem)};
     }
-    // True with `value` untouched when the key is missing.
-    bool number(const char* key, long long least, long long most, int& value) const
+    // `value` stays when the key is missing.
+    Result<void> number(const char* key, long long least, long long most, int& value) const
     {
         plist_t item = plist_dict_get_item(node, key);
         if (item == nullptr) {
-            return true;
+            return {};
         }
         const auto found = integerOf(item);
         if (!found || *found < least || *found > most) {
             return fail(key, "must be a number from " + std::to_string(least) + " to " + std::to_string(most));
         }
         value = static_cast<int>(*found);
-        return true;
+        return {};
     }
 };
 
@@ -62,7 +62,7 @@ std::vector<std::string> keysOf(plist_t dictionary)
     return keys;
 }
 
-bool knownKeysOnly(const Section& section)
+Result<void> knownKeysOnly(const Section& section)
 {
     const bool intermediate = section.format == Format::AppleIntermediate;
     for (const std::string& key : keysOf(section.node)) {
@@ -72,14 +72,15 @@ bool knownKeysOnly(const Section& section)
             return section.fail(key, "is not known");
         }
     }
-    return true;
+    return {};
 }
 
-bool readGeometry(const Section& section, FormatSettings& settings)
+Result<void> readGeometry(const Section& section, FormatSettings& settings)
 {
-    if (!section.number("width", aic::smallestSide, aic::largestSide, settings.width) ||
-        !section.number("height", aic::smallestSide, aic::largestSide, settings.height)) {
-        return false;
+    for (const auto& [key, side] : {std::pair{"width", &settings.width}, std::pair{"height", &settings.height}}) {
+        if (auto read = section.number(key, aic::smallestSide, aic::largestSide, *side); !read) {
+            return read;
+        }
     }
     if ((settings.width == 0) != (settings.height == 0)) {
         return section.fail(settings.width == 0 ? "width" : "height", "is missing beside the other side");
@@ -94,16 +95,19 @@ bool readGeometry(const Section& section, FormatSettings& settings)
         }
         settings.letterbox = *letterbox;
     }
-    return true;
+    return {};
 }
 
-bool readQuality(const Section& section, FormatSettings& settings)
+Result<void> readQuality(const Section& section, FormatSettings& settings)
 {
     constexpr long long leastBytes = 1000;
     constexpr long long mostBytes = 100'000'000;
-    if (!section.number("quantiser", aic::finestQuantiser, aic::coarsestQuantiser, settings.quantiser) ||
-        !section.number("bytesPerFrame", leastBytes, mostBytes, settings.bytesPerFrame)) {
-        return false;
+    if (auto read = section.number("quantiser", aic::finestQuantiser, aic::coarsestQuantiser, settings.quantiser);
+        !read) {
+        return read;
+    }
+    if (auto read = section.number("bytesPerFrame", leastBytes, mostBytes, settings.bytesPerFrame); !read) {
+        return read;
     }
     if (settings.bytesPerFrame > 0 && plist_dict_get_item(section.node, "quantiser") != nullptr) {
         return section.fail("bytesPerFrame", "stands beside \"quantiser\"; only one of them can rule");
@@ -114,28 +118,33 @@ bool readQuality(const Section& section, FormatSettings& settings)
         for (const std::string_view known : profileNames) {
             if (name == known) {
                 settings.profile = profile;
-                return true;
+                return {};
             }
             ++profile;
         }
         return section.fail("profile", "must be proxy, lt, standard or hq");
     }
-    return true;
+    return {};
 }
 
-bool readSection(plist_t root, Format format, std::optional<FormatSettings>& settings, std::string& error)
+Result<void> readSection(plist_t root, Format format, std::optional<FormatSettings>& settings)
 {
     plist_t node = plist_dict_get_item(root, std::to_string(static_cast<int>(format)).c_str());
     if (node == nullptr) {
-        return true;
+        return {};
     }
-    const Section section{node, format, error};
+    const Section section{node, format};
     if (plist_get_node_type(node) != PLIST_DICT) {
-        error = "section " + std::to_string(static_cast<int>(format)) + " is not a dictionary";
-        return false;
+        return Failure{"section " + std::to_string(static_cast<int>(format)) + " is not a dictionary"};
     }
     settings.emplace();
-    return knownKeysOnly(section) && readGeometry(section, *settings) && readQuality(section, *settings);
+    if (auto known = knownKeysOnly(section); !known) {
+        return known;
+    }
+    if (auto read = readGeometry(section, *settings); !read) {
+        return read;
+    }
+    return readQuality(section, *settings);
 }
 
 } // namespace
@@ -156,41 +165,40 @@ const char* formatName(Format format)
     return format == Format::AppleIntermediate ? "Apple Intermediate Codec" : "Apple ProRes 422";
 }
 
-std::optional<Settings> parseSettings(const std::string& text, std::string& error)
+Result<Settings> parseSettings(const std::string& text)
 {
     const PlistPtr list = parseDictionary(text);
     if (!list) {
-        error = "not a property list with a dictionary";
-        return std::nullopt;
+        return Failure{"not a property list with a dictionary"};
     }
     for (const std::string& key : keysOf(list.get())) {
         if (key != "default" && key != "4" && key != "5") {
-            error = "\"" + key + "\" is not known";
-            return std::nullopt;
+            return Failure{"\"" + key + "\" is not known"};
         }
     }
     Settings settings;
-    if (!readSection(list.get(), Format::AppleIntermediate, settings.appleIntermediate, error) ||
-        !readSection(list.get(), Format::ProRes, settings.proRes, error)) {
-        return std::nullopt;
+    if (auto read = readSection(list.get(), Format::AppleIntermediate, settings.appleIntermediate); !read) {
+        return Failure{read.reason()};
+    }
+    if (auto read = readSection(list.get(), Format::ProRes, settings.proRes); !read) {
+        return Failure{read.reason()};
     }
     const auto number = integerOf(plist_dict_get_item(list.get(), "default"));
     const auto format = number ? formatOfNumber(*number) : std::nullopt;
     if (!format || !settings.of(*format)) {
-        error = "\"default\" must be the number of one of the sections, 4 or 5";
-        return std::nullopt;
+        return Failure{"\"default\" must be the number of one of the sections, 4 or 5"};
     }
     settings.defaultFormat = *format;
     return settings;
 }
 
-std::optional<Settings> readSettings(const std::string& path, std::string& error)
+Result<Settings> readSettings(const std::string& path)
 {
-    const auto text = readWholeFile(path, error);
+    const auto text = readFile<std::string>(path.c_str(), largestPropertyList);
     if (!text) {
-        return std::nullopt;
+        return Failure{text.reason()};
     }
-    return parseSettings(*text, error);
+    return parseSettings(*text);
 }
 
 } // namespace tavrix::movencoder

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sys/result.h"
+
 #include <optional>
 #include <string>
 
@@ -40,9 +42,8 @@ struct Settings {
 [[nodiscard]] std::optional<Format> formatOfNumber(long long number);
 [[nodiscard]] const char* formatName(Format format);
 
-// Reads a property list. Nothing, with the reason in `error`, for a file that cannot be read or holds anything that is
-// not understood.
-[[nodiscard]] std::optional<Settings> readSettings(const std::string& path, std::string& error);
-[[nodiscard]] std::optional<Settings> parseSettings(const std::string& text, std::string& error);
+// Reads a property list; it fails for anything that is not understood.
+[[nodiscard]] Result<Settings> readSettings(const std::string& path);
+[[nodiscard]] Result<Settings> parseSettings(const std::string& text);
 
 } // namespace tavrix::movencoder

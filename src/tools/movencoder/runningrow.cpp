@@ -1,5 +1,6 @@
-#include "tools/movencoder/formatchoice.h"
+#include "tools/movencoder/runningrow.h"
 
+#include "sys/transfer.h"
 #include "tools/movencoder/plistreader.h"
 
 #include <array>
@@ -51,11 +52,10 @@ std::string preferencesPath()
     return homeFolder() + "/Library/Preferences/org.tavrix.Tavrix.plist";
 }
 
-std::optional<Format> formatOfRunningRow(const std::string& preferences, const std::string& input,
-                                         const std::string& output)
+std::optional<RunningRow> runningRow(const std::string& preferences, const std::string& input,
+                                     const std::string& output)
 {
-    std::string error;
-    const auto text = readWholeFile(preferences, error);
+    const auto text = readFile<std::string>(preferences.c_str(), largestPropertyList);
     if (!text) {
         return std::nullopt;
     }
@@ -68,8 +68,16 @@ std::optional<Format> formatOfRunningRow(const std::string& preferences, const s
         textOf(plist_dict_get_item(record, "purgePathStr1")) != input) {
         return std::nullopt;
     }
-    const auto number = integerOf(plist_dict_get_item(record, "out"));
-    return number ? formatOfNumber(*number) : std::nullopt;
+    RunningRow row;
+    if (const auto number = integerOf(plist_dict_get_item(record, "out"))) {
+        row.format = formatOfNumber(*number);
+    }
+    // The record's own source is the first pass by now; this key has the clip, or a word when the batch is stopping.
+    const auto clip = textOf(plist_dict_get_item(list.get(), "encCurrentProcessingFile"));
+    if (clip && clip->starts_with('/')) {
+        row.clip = *clip;
+    }
+    return row;
 }
 
 bool isFirstPassOf(const std::string& output, const std::string& input)
