@@ -112,7 +112,7 @@ TEST_F(MovencoderDamage, LostPacketIsToldEveryTime)
     const QByteArray cut = withoutAPacket(*readBytes(recording()));
     ASSERT_FALSE(cut.isEmpty());
     const QString lost = folder_.makeFile(QStringLiteral("lost.mts"), cut);
-    for (int run = 0; run < 6; ++run) {
+    for (int run = 0; run < 4; ++run) {
         QFile::remove(output());
         const ToolResult result = movencode(settingsPath(plain), aic, lost, output());
         EXPECT_EQ(result.status, 0);

@@ -3,6 +3,7 @@
 #include "tools/movencoder/decoderlog.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 
 namespace tavrix::movencoder
@@ -149,8 +150,12 @@ void PictureDecoder::take(FramePtr frame, bool damaged)
 {
     DecodedPicture picture;
     picture.duration = durationOf(*frame);
+    errorsSeen_ = errorsSeen_ || damaged;
     if (frame->best_effort_timestamp != AV_NOPTS_VALUE) {
         picture.time = frame->best_effort_timestamp;
+        if (isMadeUp(*picture.time)) {
+            return;
+        }
         lose(*picture.time);
         const auto own = awaited_.find(*picture.time);
         if (own != awaited_.end()) {
@@ -170,23 +175,24 @@ void PictureDecoder::take(FramePtr frame, bool damaged)
     ready_.push_back(std::move(picture));
 }
 
-// Pictures come in the order of their times: what should have come before this one does not come any more. It is lost
-// when as many packets were refused; otherwise it has no picture of its own, such as the second field of one.
+// In place of lost pictures a decoder may hand out others twice.
+bool PictureDecoder::isMadeUp(std::int64_t time) const
+{
+    return errorsSeen_ && packetsArePictures() && lastTime_ && time <= *lastTime_ && !awaited_.contains(time);
+}
+
+// Pictures come in the order of their times: what should have come before this one does not come any more. In a damaged
+// stream it is lost, refused or silently dropped because a picture that it depends on was refused.
 void PictureDecoder::lose(std::int64_t before)
 {
     const auto end = awaited_.lower_bound(before);
-    for (auto time = awaited_.begin(); time != end; ++time) {
-        if (refused_ == 0) {
-            break;
-        }
-        const bool besideANeighbour = lastTime_ && 4 * (*time - *lastTime_) < 3 * lastDuration_;
-        if (besideANeighbour) {
-            continue;
-        }
-        --refused_;
-        if (pictures_ > 0) {
-            putLost(*time);
-        }
+    errorsSeen_ = errorsSeen_ || refused_ > 0;
+    if (pictures_ == 0) {
+        refused_ -= std::min<std::int64_t>(refused_, std::distance(awaited_.begin(), end));
+    } else if (!errorsSeen_) {
+        withoutPicture_ += std::distance(awaited_.begin(), end);
+    } else if (packetsArePictures()) {
+        std::for_each(awaited_.begin(), end, [this](std::int64_t time) { putLost(time); });
     }
     awaited_.erase(awaited_.begin(), end);
 }
@@ -194,6 +200,7 @@ void PictureDecoder::lose(std::int64_t before)
 void PictureDecoder::putLost(std::int64_t time)
 {
     ++lost_;
+    refused_ -= refused_ > 0 ? 1 : 0;
     lastTime_ = time;
     DecodedPicture lost;
     lost.time = time;

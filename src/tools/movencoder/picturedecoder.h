@@ -51,9 +51,12 @@ private:
     Result<void> sendAgain(const AVPacket& packet);
     Result<Answer> receive();
     void take(FramePtr frame, bool damaged);
+    [[nodiscard]] bool isMadeUp(std::int64_t time) const;
     void lose(std::int64_t before);
     void putLost(std::int64_t time);
     void end();
+    // Whether every packet is a picture: not so where each field has a packet of its own.
+    [[nodiscard]] bool packetsArePictures() const { return 8 * withoutPicture_ <= pictures_; }
 
     const AVStream* stream_ = nullptr;
     CodecPtr decoder_;
@@ -63,6 +66,8 @@ private:
     std::deque<DecodedPicture> ready_;
     std::multiset<std::int64_t> awaited_; // times of the packets whose pictures have not come yet
     std::int64_t refused_ = 0;            // packets that gave errors and are not yet known by their time
+    bool errorsSeen_ = false;
+    std::int64_t withoutPicture_ = 0; // packets of the good part that gave no picture
     std::int64_t pictures_ = 0;
     std::int64_t flagged_ = 0;
     std::int64_t lost_ = 0;
