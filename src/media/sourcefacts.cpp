@@ -157,6 +157,8 @@ void readMovieFacts(const std::string& path, SourceFacts& source)
         return;
     }
     const MovieAtoms movie = readMovieAtoms(readAtOf(file), std::uint64_t(source.bytes));
+    source.fragmented = movie.fragmented;
+    source.cutOff = movie.fragmented && topLevelAtoms(readAtOf(file), std::uint64_t(source.bytes)).damaged;
     close(file);
     for (const TrackAtoms& track : movie.tracks) {
         const auto stream = std::ranges::find(source.streams, int(track.id), &StreamFacts::id);

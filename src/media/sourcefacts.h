@@ -74,6 +74,8 @@ struct SourceFacts {
     double origin = 0;                // seconds of the file's own clock at which the timeline begins
     std::optional<double> duration;   // seconds, of the longest stream
     std::int64_t bytes = 0;           // of the file
+    bool fragmented = false;          // a movie in pieces with an index each: what the index says is but a beginning
+    bool cutOff = false;              // a fragmented movie whose last piece reaches beyond the end of the file
     std::vector<StreamFacts> streams; // cover pictures left out
 
     // The stream that ffmpeg takes when nobody chooses; nothing when there is none of the kind.

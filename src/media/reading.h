@@ -1,0 +1,69 @@
+// A whole clip read once, packet by packet: what is there, as against what its header promises. Nothing is decoded.
+#pragma once
+
+#include "media/mediainput.h"
+#include "media/sourcefacts.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tavrix::media
+{
+
+// A number of places, and when the first of them is shown, in seconds of the clip's timeline.
+struct Flaws {
+    std::int64_t count = 0;
+    std::optional<double> first;
+
+    void add(std::optional<double> time);
+};
+
+// What was read of one stream. Times are seconds of the clip's timeline; where its clock steps, as at the join of two
+// recordings, the later part is put behind the earlier one, as ffmpeg does.
+struct StreamReading {
+    StreamFacts facts;
+    std::int64_t packets = 0;  // that could be read and hold something; hidden ones are not counted
+    std::int64_t hidden = 0;   // by the edit list
+    std::int64_t pictures = 0; // as packets, but two fields in packets of their own are one picture
+    // Before the first picture that can be decoded by itself, and not decodable for that reason: as packets in the
+    // order of the file, and as pictures of those and of what is shown before that one.
+    std::int64_t packetsBeforeKey = 0;
+    std::int64_t picturesBeforeKey = 0;
+    double first = 0;
+    double firstKey = 0;
+    double end = 0;        // of the last packet's duration
+    double interval = 0;   // between neighbours, as most of them have it; 0 with less than two packets
+    double longestGap = 0; // between neighbours
+    Flaws broken;          // packets that are cut, marked as damaged, or no packets of their codec
+};
+
+// What the container itself tells of damage.
+struct ContainerFlaws {
+    bool cutOff = false;               // the file ends before what its header promises
+    Flaws lost;                        // places where packets are missing, out of order, or no packets at all
+    std::optional<double> promisedEnd; // where the pictures would end by the header; nothing when it promises nothing
+    std::optional<std::int64_t> promisedPictures; // packets, hidden ones included
+};
+
+struct Reading {
+    SourceFacts facts;
+    std::vector<StreamReading> streams; // of pictures and sound
+    ContainerFlaws flaws;
+    std::int64_t joins = 0; // steps of the clock
+    std::string failure;    // why it could not be read to its end; "" when it could
+
+    // What was read of the stream that ffmpeg takes; nothing when there is none of the kind.
+    [[nodiscard]] const StreamReading* chosen(Kind kind) const;
+};
+
+struct ReadRequest {
+    OpenRequest open;
+    int secondsPerPacket = 60; // a packet that takes longer ends the reading, as a failure; 0: no limit
+};
+
+// The reason of a failure is that of the opening, without the path.
+[[nodiscard]] Result<Reading> readClip(const ReadRequest& request);
+
+} // namespace tavrix::media

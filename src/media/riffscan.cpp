@@ -1,0 +1,153 @@
+#include "media/riffscan.h"
+
+#include "sys/errortext.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tavrix::media
+{
+
+namespace
+{
+
+constexpr std::int64_t headerBytes = 8;
+
+struct Chunk {
+    std::string id;
+    std::string list; // what a list or file holds; "" for other chunks
+    std::int64_t offset = 0;
+    std::int64_t size = 0; // without the header
+
+    [[nodiscard]] std::int64_t end() const { return offset + headerBytes + size + (size & 1); }
+};
+
+class Reader
+{
+public:
+    Reader(int file, std::int64_t bytes) : file_(file), bytes_(bytes) {}
+
+    RiffScan scan()
+    {
+        std::int64_t at = 0;
+        Chunk riff;
+        while (read(at, riff) && riff.id == "RIFF") {
+            scan_.cutOff = scan_.cutOff || riff.offset + headerBytes + riff.size > bytes_;
+            scanRiffChunk(riff);
+            at = riff.end();
+        }
+        return scan_;
+    }
+
+private:
+    static std::int64_t littleEndian(const std::uint8_t* bytes)
+    {
+        return std::int64_t(bytes[0]) | std::int64_t(bytes[1]) << 8 | std::int64_t(bytes[2]) << 16 |
+               std::int64_t(bytes[3]) << 24;
+    }
+
+    bool readAt(std::int64_t at, std::uint8_t* to, std::size_t size) const
+    {
+        return pread(file_, to, size, at) == ssize_t(size);
+    }
+
+    // False at the end, and in a file that is made of nothing but headers.
+    bool read(std::int64_t at, Chunk& chunk)
+    {
+        std::array<std::uint8_t, 12> bytes{};
+        if (--chunksLeft_ < 0 || !readAt(at, bytes.data(), headerBytes)) {
+            return false;
+        }
+        chunk.id.assign(reinterpret_cast<const char*>(bytes.data()), 4);
+        chunk.size = littleEndian(bytes.data() + 4);
+        chunk.offset = at;
+        chunk.list.clear();
+        if ((chunk.id == "RIFF" || chunk.id == "LIST") && readAt(at, bytes.data(), bytes.size())) {
+            chunk.list.assign(reinterpret_cast<const char*>(bytes.data()) + headerBytes, 4);
+        }
+        return true;
+    }
+
+    void scanRiffChunk(const Chunk& riff)
+    {
+        constexpr std::int64_t listBytes = 12;
+        std::int64_t at = riff.offset + listBytes;
+        Chunk chunk;
+        while (at < riff.end() && read(at, chunk)) {
+            if (chunk.list == "hdrl") {
+                scanHeaders(chunk, 1);
+            }
+            scan_.hasIndex = scan_.hasIndex || (chunk.id == "idx1" && chunk.end() <= bytes_ + 1);
+            at = chunk.end();
+        }
+    }
+
+    // The two chunks wanted are found one level down or two.
+    void scanHeaders(const Chunk& list, int levelsBelow)
+    {
+        constexpr std::int64_t listBytes = 12;
+        std::int64_t at = list.offset + listBytes;
+        Chunk chunk;
+        while (at < list.end() && read(at, chunk)) {
+            if (chunk.list == "strl" && levelsBelow > 0) {
+                scanHeaders(chunk, levelsBelow - 1);
+            } else if (chunk.id == "avih") {
+                readMainHeader(chunk);
+            } else if (chunk.id == "strh") {
+                readStreamHeader(chunk);
+            }
+            at = chunk.end();
+        }
+    }
+
+    void readMainHeader(const Chunk& chunk)
+    {
+        constexpr std::int64_t flagsAt = 12;
+        constexpr std::int64_t hasIndexFlag = 0x10;
+        std::array<std::uint8_t, 4> bytes{};
+        if (readAt(chunk.offset + headerBytes + flagsAt, bytes.data(), bytes.size())) {
+            scan_.announcesIndex = (littleEndian(bytes.data()) & hasIndexFlag) != 0;
+        }
+    }
+
+    void readStreamHeader(const Chunk& chunk)
+    {
+        constexpr std::size_t lengthAt = 32;
+        std::array<std::uint8_t, lengthAt + 4> bytes{};
+        if (readAt(chunk.offset + headerBytes, bytes.data(), bytes.size()) &&
+            std::memcmp(bytes.data(), "vids", 4) == 0 && scan_.announcedFrames == 0) {
+            scan_.announcedFrames = littleEndian(bytes.data() + lengthAt);
+        }
+    }
+
+    int file_;
+    std::int64_t bytes_;
+    int chunksLeft_ = 100000;
+    RiffScan scan_;
+};
+
+} // namespace
+
+Result<RiffScan> scanRiff(const std::string& path)
+{
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status = {};
+    if (file < 0 || fstat(file, &status) != 0) {
+        const int error = errno;
+        if (file >= 0) {
+            close(file);
+        }
+        return Failure{errorText(error)};
+    }
+    RiffScan scan = Reader(file, status.st_size).scan();
+    close(file);
+    return scan;
+}
+
+} // namespace tavrix::media
