@@ -82,7 +82,6 @@ public:
     [[nodiscard]] bool hidden() const { return !ended_ && (packet_->flags & AV_PKT_FLAG_DISCARD) != 0; }
     [[nodiscard]] const AVFrame& frame() const { return *frame_; }
     [[nodiscard]] const AVPacket& packet() const { return *packet_; }
-    [[nodiscard]] std::int64_t errors() const { return errors_; }
     [[nodiscard]] bool frameIsDamaged() const
     {
         return frame_->decode_error_flags != 0 || (frame_->flags & AV_FRAME_FLAG_CORRUPT) != 0;
@@ -163,6 +162,8 @@ public:
         result_.last = std::max(result_.last, time.value_or(result_.last));
         if (damaged) {
             result_.damaged.add(time);
+        } else {
+            result_.lastWhole = std::max(result_.lastWhole, time.value_or(result_.lastWhole));
         }
     }
     void refused(std::optional<double> time) { result_.lost.add(time); }
@@ -182,6 +183,25 @@ private:
     DecodedPictures result_;
     bool begun_ = false;
 };
+
+// Pictures that are shown before the key picture may stand on others before it, which are not at hand.
+bool decodeFromKey(Decoder& decoder, int mostPackets)
+{
+    std::int64_t key = AV_NOPTS_VALUE;
+    std::int64_t frames = 0;
+    bool good = true;
+    for (int packets = 0; good && packets <= mostPackets && decoder.feed(); ++packets) {
+        const std::int64_t time = decoder.packet().pts;
+        key = packets == 0 ? time : key;
+        good = !decoder.refused() || decoder.hidden() || time < key;
+        while (decoder.receive()) {
+            const bool stands = decoder.frame().best_effort_timestamp >= key;
+            frames += stands ? 1 : 0;
+            good = good && !(stands && decoder.frameIsDamaged());
+        }
+    }
+    return good && frames > 0;
+}
 
 } // namespace
 
@@ -222,17 +242,7 @@ Result<DecodedEnds> decodeEnds(const OpenRequest& request, int stream, int mostP
         ends.last = ends.first;
         return ends;
     }
-    std::int64_t frames = 0;
-    good = true;
-    const std::int64_t errorsBefore = decoder.errors();
-    for (int packets = 0; good && packets <= mostPackets && decoder.feed(); ++packets) {
-        good = !decoder.refused() || decoder.hidden();
-        while (decoder.receive()) {
-            ++frames;
-            good = good && !decoder.frameIsDamaged();
-        }
-    }
-    ends.last = good && frames > 0 && decoder.errors() == errorsBefore;
+    ends.last = decodeFromKey(decoder, mostPackets);
     return ends;
 }
 

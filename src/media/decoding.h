@@ -19,7 +19,8 @@ struct DecodedPictures {
     std::int64_t shownBefore = 0;
     std::int64_t lostBefore = 0;
     double first = 0;
-    double last = 0; // of the last picture that came out
+    double last = 0;      // of the last picture that came out
+    double lastWhole = 0; // of the last one without damage
 };
 
 // Decodes the whole stream, on one thread, since several lose marks of damage. The reason of a failure is that of the

@@ -46,15 +46,12 @@ std::uint32_t bigEndian(Bytes bytes)
 }
 
 // Three zeros are escaped within a unit of a picture: only something else can have put them there. Units of other kinds
-// may hold anything.
+// may hold anything, and broadcasters fill up with zeros behind a unit.
 bool isPictureUnit(Bytes unit)
 {
     const Bytes used = withoutTrailingZeros(unit);
-    if (unit.size() - used.size() > longestPadding || used.empty()) {
-        return false;
-    }
     static constexpr std::uint8_t zeros[3] = {0, 0, 0};
-    return memmem(used.data(), used.size(), zeros, sizeof(zeros)) == nullptr;
+    return !used.empty() && memmem(used.data(), used.size(), zeros, sizeof(zeros)) == nullptr;
 }
 
 bool holdsPicture(std::uint8_t header, std::size_t headerBytes)

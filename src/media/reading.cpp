@@ -97,8 +97,9 @@ private:
             follows_ = true;
         } else if (key && !second) {
             follows_ = false;
-        } else if (follows_ && time < reading_.firstKey && !second) {
-            ++reading_.picturesBeforeKey;
+        } else if (follows_ && time < reading_.firstKey) {
+            ++reading_.packetsBeforeKey;
+            reading_.picturesBeforeKey += second ? 0 : 1;
         }
     }
 
@@ -167,9 +168,11 @@ public:
         for (StreamReader& reader : readers_) {
             reading_.streams.push_back(reader.finish());
         }
-        const StreamReading* const picture = reading_.chosen(Kind::Picture);
-        if (picture != nullptr) {
-            promise(*picture);
+        reading_.flaws.cutOff = reading_.facts.cutOff;
+        if (input_.isContainer("avi")) {
+            compareWithRiff();
+        } else if (!reading_.facts.fragmented) {
+            compareWithIndex();
         }
         if (input_.isContainer("mpegts")) {
             scanTransportStream();
@@ -205,37 +208,34 @@ private:
         reading_.joins = clock.joins();
     }
 
-    // Movies and AVI files say beforehand how many pictures there are.
-    void promise(const StreamReading& picture)
+    // A movie's index says beforehand what there is and where.
+    void compareWithIndex()
     {
-        const StreamFacts& facts = picture.facts;
-        reading_.flaws.cutOff = reading_.facts.cutOff;
-        if (facts.packets && !reading_.facts.fragmented) {
-            reading_.flaws.promisedPictures = facts.packets;
-            reading_.flaws.cutOff = reading_.flaws.cutOff || facts.missingPackets.value_or(0) > 0;
-        }
-        if (reading_.facts.isMovie && facts.start && facts.duration) {
-            reading_.flaws.promisedEnd = *facts.start + *facts.duration;
-        }
-        if (input_.isContainer("avi")) {
-            promiseOfRiff(picture);
+        for (StreamReading& stream : reading_.streams) {
+            const StreamFacts& facts = stream.facts;
+            if (facts.missingPackets.value_or(0) > 0) {
+                reading_.flaws.cutOff = true;
+                stream.promisedEnd = facts.start.value_or(0) + facts.duration.value_or(0);
+            }
         }
     }
 
     // A header that promises more than there is says nothing by itself: recorders write it wrong. A chunk that reaches
-    // beyond the end of the file, without the index that was to follow, says that the rest is missing.
-    void promiseOfRiff(const StreamReading& picture)
+    // beyond the end of the file, without the index that was to follow, says that the rest is missing; so does an index
+    // of more than can be found, where what follows a damaged stretch moves up to what precedes it.
+    void compareWithRiff()
     {
         const auto scan = scanRiff(request_.open.path);
-        ContainerFlaws& flaws = reading_.flaws;
-        if (!scan || !scan->cutOff || scan->hasIndex) {
-            return;
-        }
-        flaws.cutOff = true;
-        flaws.promisedPictures = scan->announcedFrames;
-        const double rate = picture.facts.meanRate.value();
-        if (scan->announcedFrames > 0 && rate > 0) {
-            flaws.promisedEnd = static_cast<double>(scan->announcedFrames) / rate;
+        const bool isCut = scan && scan->cutOff && !scan->hasIndex;
+        for (StreamReading& stream : reading_.streams) {
+            const StreamFacts& facts = stream.facts;
+            const std::int64_t missing = facts.packets.value_or(0) - stream.packets;
+            if (isCut && facts.announced.value_or(0) > stream.end) {
+                stream.promisedEnd = facts.announced;
+            } else if (!isCut && missing > 0) {
+                stream.promisedEnd = stream.end + static_cast<double>(missing) * stream.interval;
+            }
+            reading_.flaws.cutOff = reading_.flaws.cutOff || isCut || stream.promisedEnd;
         }
     }
 

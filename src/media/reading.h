@@ -27,8 +27,7 @@ struct StreamReading {
     std::int64_t packets = 0;  // that could be read and hold something; hidden ones are not counted
     std::int64_t hidden = 0;   // by the edit list
     std::int64_t pictures = 0; // as packets, but two fields in packets of their own are one picture
-    // Before the first picture that can be decoded by itself, and not decodable for that reason: as packets in the
-    // order of the file, and as pictures of those and of what is shown before that one.
+    // Stored or shown before the first picture that can be decoded by itself, and for that reason not always decodable.
     std::int64_t packetsBeforeKey = 0;
     std::int64_t picturesBeforeKey = 0;
     double first = 0;
@@ -37,6 +36,9 @@ struct StreamReading {
     double interval = 0;   // between neighbours, as most of them have it; 0 with less than two packets
     double longestGap = 0; // between neighbours
     Flaws broken;          // packets that are cut, marked as damaged, or no packets of their codec
+    // Where it would end by what the file's header promises, if the file ends before that; nothing when all that was
+    // promised is there, or nothing was.
+    std::optional<double> promisedEnd;
 };
 
 // What the container itself tells of damage.

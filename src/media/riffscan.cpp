@@ -4,8 +4,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
-#include <string_view>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -80,49 +78,8 @@ private:
         std::int64_t at = riff.offset + listBytes;
         Chunk chunk;
         while (at < riff.end() && read(at, chunk)) {
-            if (chunk.list == "hdrl") {
-                scanHeaders(chunk, 1);
-            }
             scan_.hasIndex = scan_.hasIndex || (chunk.id == "idx1" && chunk.end() <= bytes_ + 1);
             at = chunk.end();
-        }
-    }
-
-    // The two chunks wanted are found one level down or two.
-    void scanHeaders(const Chunk& list, int levelsBelow)
-    {
-        constexpr std::int64_t listBytes = 12;
-        std::int64_t at = list.offset + listBytes;
-        Chunk chunk;
-        while (at < list.end() && read(at, chunk)) {
-            if (chunk.list == "strl" && levelsBelow > 0) {
-                scanHeaders(chunk, levelsBelow - 1);
-            } else if (chunk.id == "avih") {
-                readMainHeader(chunk);
-            } else if (chunk.id == "strh") {
-                readStreamHeader(chunk);
-            }
-            at = chunk.end();
-        }
-    }
-
-    void readMainHeader(const Chunk& chunk)
-    {
-        constexpr std::int64_t flagsAt = 12;
-        constexpr std::int64_t hasIndexFlag = 0x10;
-        std::array<std::uint8_t, 4> bytes{};
-        if (readAt(chunk.offset + headerBytes + flagsAt, bytes.data(), bytes.size())) {
-            scan_.announcesIndex = (littleEndian(bytes.data()) & hasIndexFlag) != 0;
-        }
-    }
-
-    void readStreamHeader(const Chunk& chunk)
-    {
-        constexpr std::size_t lengthAt = 32;
-        std::array<std::uint8_t, lengthAt + 4> bytes{};
-        if (readAt(chunk.offset + headerBytes, bytes.data(), bytes.size()) &&
-            std::memcmp(bytes.data(), "vids", 4) == 0 && scan_.announcedFrames == 0) {
-            scan_.announcedFrames = littleEndian(bytes.data() + lengthAt);
         }
     }
 

@@ -117,6 +117,9 @@ StreamFacts streamFacts(const MediaInput& input, AVStream& stream, const SourceF
         facts.sampleRate = parameters.sample_rate;
         facts.layout = layoutOf(parameters);
     }
+    if (input.isContainer("avi") && stream.nb_frames > 0) {
+        facts.announced = seconds(stream.nb_frames, stream.time_base);
+    }
     // Other containers' indexes grow while packets are read: they promise nothing.
     if ((source.isMovie || input.isContainer("avi")) && indexSize(stream) > 0) {
         readIndexFacts(stream, source.bytes, facts);

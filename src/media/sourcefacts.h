@@ -50,6 +50,7 @@ struct StreamFacts {
     std::optional<std::int64_t> packets;        // of the index, hidden ones included; nothing without an index
     std::optional<std::int64_t> shownPackets;   // of the index, without those that the edit list hides
     std::optional<std::int64_t> missingPackets; // of the index, those that lie beyond the end of the file
+    std::optional<double> announced; // seconds, by a field of an AVI header that recorders may have written wrong
     Edits edits;
 
     // Of pictures.
