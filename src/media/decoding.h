@@ -12,8 +12,8 @@ namespace tavrix::media
 // Times are seconds as libavformat tells them, less the clip's origin.
 struct DecodedPictures {
     std::int64_t shown = 0; // that came out, damaged ones included
-    Flaws damaged;          // of them, those that lack parts or stand on others that do
-    Flaws lost;             // packets that gave none
+    Flaws damaged = {};     // of them, those that lack parts or stand on others that do
+    Flaws lost = {};        // packets that gave none
     // Before the first picture without damage: what a recording that starts in the middle of a group begins with. It is
     // in neither of the counts above.
     std::int64_t shownBefore = 0;

@@ -1,11 +1,11 @@
 #include "media/riffscan.h"
 
+#include "sys/descriptor.h"
 #include "sys/errortext.h"
 
 #include <array>
 #include <cerrno>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -93,18 +93,12 @@ private:
 
 Result<RiffScan> scanRiff(const std::string& path)
 {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const Descriptor file = openFile(path.c_str(), O_RDONLY);
     struct stat status = {};
-    if (file < 0 || fstat(file, &status) != 0) {
-        const int error = errno;
-        if (file >= 0) {
-            close(file);
-        }
-        return Failure{errorText(error)};
+    if (!file.isOpen() || fstat(file.get(), &status) != 0) {
+        return Failure{errorText(errno)};
     }
-    RiffScan scan = Reader(file, status.st_size).scan();
-    close(file);
-    return scan;
+    return Reader(file.get(), status.st_size).scan();
 }
 
 } // namespace tavrix::media

@@ -4,13 +4,10 @@
 #include "media/mediainput.h"
 #include "media/movieatoms.h"
 #include "media/turning.h"
+#include "sys/descriptor.h"
 
 #include <algorithm>
 #include <cmath>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -155,14 +152,13 @@ void readTrackFacts(const TrackAtoms& track, std::uint32_t movieTimeScale, Strea
 // What libavformat applies without telling. A movie whose header cannot be read here keeps the facts it has.
 void readMovieFacts(const std::string& path, SourceFacts& source)
 {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
+    const Descriptor file = openFile(path.c_str(), O_RDONLY);
+    if (!file.isOpen()) {
         return;
     }
-    const MovieAtoms movie = readMovieAtoms(readAtOf(file), std::uint64_t(source.bytes));
+    const MovieAtoms movie = readMovieAtoms(readAtOf(file.get()), std::uint64_t(source.bytes));
     source.fragmented = movie.fragmented;
-    source.cutOff = movie.fragmented && topLevelAtoms(readAtOf(file), std::uint64_t(source.bytes)).damaged;
-    close(file);
+    source.cutOff = movie.fragmented && topLevelAtoms(readAtOf(file.get()), std::uint64_t(source.bytes)).damaged;
     for (const TrackAtoms& track : movie.tracks) {
         const auto stream = std::ranges::find(source.streams, int(track.id), &StreamFacts::id);
         if (stream != source.streams.end()) {

@@ -1,6 +1,6 @@
 #include "media/transportscan.h"
 
-#include "sys/errortext.h"
+#include "sys/transfer.h"
 
 #include <algorithm>
 #include <array>
@@ -9,9 +9,6 @@
 #include <map>
 #include <optional>
 #include <span>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace tavrix::media
 {
@@ -257,8 +254,8 @@ private:
 
 Result<TransportScan> scanTransport(const std::string& path, const std::set<int>& ids)
 {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
+    const Descriptor file = openFile(path.c_str(), O_RDONLY);
+    if (!file.isOpen()) {
         return Failure{errorText(errno)};
     }
     Scanner scanner(ids);
@@ -267,10 +264,7 @@ Result<TransportScan> scanTransport(const std::string& path, const std::set<int>
     std::int64_t offset = 0;
     int error = 0;
     for (bool end = false; !end;) {
-        const ssize_t got = read(file, buffer.data() + held, buffer.size() - held);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t got = readSome(file.get(), buffer.data() + held, buffer.size() - held);
         error = got < 0 ? errno : 0;
         end = got <= 0;
         held += got > 0 ? std::size_t(got) : 0;
@@ -279,7 +273,6 @@ Result<TransportScan> scanTransport(const std::string& path, const std::set<int>
         offset += std::int64_t(taken);
         std::memmove(buffer.data(), buffer.data() + taken, held);
     }
-    close(file);
     if (error != 0) {
         return Failure{errorText(error)};
     }

@@ -12,22 +12,25 @@
 namespace tavrix::test
 {
 
-bool runFfmpeg(std::vector<std::string> words)
+bool runFfmpegUnchecked(std::vector<std::string> words)
 {
-    words.insert(words.begin(), {"ffmpeg", "-nostdin", "-hide_banner", "-v", "fatal", "-y"});
+    words.insert(words.begin(), {"ffmpeg", "-nostdin", "-hide_banner", "-v", "quiet", "-y"});
     std::vector<char*> arguments;
-    std::string all;
     for (std::string& word : words) {
         arguments.push_back(word.data());
-        all += word + ' ';
     }
     arguments.push_back(nullptr);
     pid_t child = 0;
     int status = -1;
-    const bool ended = posix_spawnp(&child, "ffmpeg", nullptr, nullptr, arguments.data(), environ) == 0 &&
-                       waitpid(child, &status, 0) == child;
-    EXPECT_TRUE(ended && status == 0) << all;
-    return ended && status == 0;
+    return posix_spawnp(&child, "ffmpeg", nullptr, nullptr, arguments.data(), environ) == 0 &&
+           waitpid(child, &status, 0) == child && status == 0;
+}
+
+bool runFfmpeg(std::vector<std::string> words)
+{
+    const bool good = runFfmpegUnchecked(words);
+    EXPECT_TRUE(good) << testing::PrintToString(words);
+    return good;
 }
 
 std::string bytesOf(const std::string& path)

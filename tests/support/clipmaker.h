@@ -12,6 +12,8 @@ namespace tavrix::test
 // Runs the installed ffmpeg, quiet and overwriting, with these words; false, with a failure of the running test, when
 // it does not end well.
 bool runFfmpeg(std::vector<std::string> words);
+// The same where a bad end is no failure of the test.
+bool runFfmpegUnchecked(std::vector<std::string> words);
 
 // Everything in the file; "" with a failure of the running test when it cannot be read.
 [[nodiscard]] std::string bytesOf(const std::string& path);
