@@ -3,9 +3,13 @@
 include(GNUInstallDirs)
 
 set(tavrix_resource_folder lib/tavrix)
+set(packaging_folder ${CMAKE_BINARY_DIR}/packaging)
+foreach(name tavrix.1 tavrix-batch.1 tavrix.metainfo.xml)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.in ${packaging_folder}/${name} @ONLY)
+endforeach()
 if(TARGET tavrix-batch)
   install(TARGETS tavrix-batch RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${CMAKE_CURRENT_LIST_DIR}/tavrix-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${packaging_folder}/tavrix-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 install(TARGETS tool_ffmpeg tool_gettimestamps tool_movencoder tool_atompatch
   RUNTIME DESTINATION ${tavrix_resource_folder}/tools)
@@ -16,9 +20,9 @@ install(DIRECTORY ${CMAKE_BINARY_DIR}/resources/ DESTINATION ${tavrix_resource_f
 
 if(TARGET tavrix)
   install(TARGETS tavrix RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${CMAKE_CURRENT_LIST_DIR}/tavrix.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${packaging_folder}/tavrix.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${CMAKE_CURRENT_LIST_DIR}/tavrix.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
-  install(FILES ${CMAKE_CURRENT_LIST_DIR}/tavrix.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+  install(FILES ${packaging_folder}/tavrix.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
   install(FILES ${CMAKE_SOURCE_DIR}/resources/images/tavrix.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 endif()

@@ -1,11 +1,13 @@
+#!/bin/sh
 # Debian packages that the program is built, run and tested with; sourced by ./run and ./test.
+# shellcheck disable=SC2034
 
 run_packages="ffmpeg binutils file procps bc bash mawk xdg-utils"
 build_packages="g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-multimedia-dev libgl1-mesa-dev
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libplist-dev"
 window_packages="libqt6svg6 libqt6multimediawidgets6 qt6-qpa-plugins
     qt6-translations-l10n fonts-dejavu-core"
-test_packages="libgtest-dev libgmock-dev libbenchmark-dev"
+test_packages="libgtest-dev libgmock-dev git clang-format clang-tidy shellcheck appstream desktop-file-utils mandoc"
 
 # install_missing PACKAGE...: installs what dpkg does not know as installed, saying what; fails when it cannot.
 install_missing() {

@@ -2,10 +2,10 @@
 
 #include "app/appdelegate.h"
 #include "app/stepflags.h"
-#include "support/fakeface.h"
-#include "support/faketools.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "support_app/fakeface.h"
+#include "support_app/faketools.h"
 
 #include <gtest/gtest.h>
 

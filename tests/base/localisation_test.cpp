@@ -309,7 +309,7 @@ INSTANTIATE_TEST_SUITE_P(Languages, ShippedTexts, testing::Values(Language{"en"}
 TEST(ShippedInformation, NamesTheProgram)
 {
     const QString before = resourcePath();
-    setResourcePath(QStringLiteral(TAVRIX_SOURCE_DIR) + QStringLiteral("/resources"));
+    setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
     EXPECT_TEXT(bundleName(), tx("Tavrix"));
     EXPECT_TEXT(bundleIdentifier(), tx("org.tavrix.Tavrix"));
     EXPECT_TEXT(bundleVersion(), tx("1.0"));

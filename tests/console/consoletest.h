@@ -3,9 +3,9 @@
 #include "app/appdelegate.h"
 #include "base/localisation.h"
 #include "console/reporter.h"
-#include "support/faketools.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "support_app/faketools.h"
 
 #include <gtest/gtest.h>
 

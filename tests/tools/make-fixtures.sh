@@ -56,8 +56,7 @@ head -c 300000 clip.MTS > truncated.MTS
 record() { # NAME ARGUMENTS...: recorded as NAME.modern
     name=$1
     shift
-    status=0
-    PATH="$work/bin:$PATH" "$tool" "$@" > /dev/null 2> /dev/null || status=$?
+    PATH="$work/bin:$PATH" "$tool" "$@" > /dev/null 2> /dev/null || true # some are to fail
     sed -e 's/  configuration: .*/  configuration: --prefix=\/usr --enable-gpl --enable-libx264 --enable-shared/' \
         -e 's#/proc/self/fd/[0-9]*#/proc/self/fd/9#g' -e 's/ @ 0x[0-9a-f]*\]/ @ 0x55d0c0de]/g' recorded > "$data/$name.modern"
     rm -f recorded

@@ -4,9 +4,9 @@
 #include "gui/mainwindow.h"
 #include "gui/windowprogram.h"
 #include "platform/desktop.h"
-#include "support/faketools.h"
 #include "support/temphome.h"
 #include "support/waituntil.h"
+#include "support_app/faketools.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "support/fakelauncher.h"
+#include "support_app/fakelauncher.h"
 
 #include "base/runloopgate.h"
 

@@ -1,4 +1,4 @@
-#include "support/fakeface.h"
+#include "support_app/fakeface.h"
 
 namespace tavrix::test
 {

@@ -1,4 +1,4 @@
-#include "support/faketools.h"
+#include "support_app/faketools.h"
 
 #include "base/format.h"
 #include "support/temphome.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/fakelauncher.h"
+#include "support_app/fakelauncher.h"
 
 #include <QHash>
 #include <QList>

@@ -1,6 +1,0 @@
-if(TAVRIX_GUI)
-  add_executable(startup ${CMAKE_CURRENT_LIST_DIR}/startup.cpp)
-  target_link_libraries(startup PRIVATE tavrix_gui)
-  target_compile_definitions(startup PRIVATE TAVRIX_BUILD_RESOURCES="${CMAKE_BINARY_DIR}/resources")
-  add_dependencies(startup tavrix_resources tool_ffmpeg)
-endif()

@@ -1,6 +1,0 @@
-if(TAVRIX_GUI)
-  add_executable(window-stall ${CMAKE_CURRENT_LIST_DIR}/window-stall.cpp)
-  target_link_libraries(window-stall PRIVATE tavrix_gui)
-  target_compile_definitions(window-stall PRIVATE TAVRIX_BUILD_RESOURCES="${CMAKE_BINARY_DIR}/resources")
-  add_dependencies(window-stall tavrix_resources tool_ffmpeg tool_movencoder)
-endif()
