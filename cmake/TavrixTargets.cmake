@@ -66,6 +66,9 @@ endfunction()
 # screen. NEEDS names the targets that it starts.
 function(tavrix_test folder)
   cmake_parse_arguments(TEST "" "LABEL" "LINK;NEEDS" ${ARGN})
+  if(NOT TEST_LABEL OR TEST_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "tavrix_test(${folder} LABEL fast|media|window LINK library... [NEEDS target...])")
+  endif()
   file(GLOB sources CONFIGURE_DEPENDS
     ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/tests/${folder}/*.h)
   add_executable(test_${folder} ${sources})

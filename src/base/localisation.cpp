@@ -58,8 +58,8 @@ QString textIn(const QString& folder, const QString& language, const QString& ta
         names.append(QStringLiteral("Localizable"));
     }
     for (const QString& name : names) {
-        const StringsTable& texts =
-            tableAt(folder + u'/' + language + QStringLiteral(".lproj/") + name + QStringLiteral(".strings"));
+        const QString path = folder + u'/' + language + QStringLiteral(".lproj/") + name + QStringLiteral(".strings");
+        const StringsTable& texts = tableAt(path);
         const auto found = texts.constFind(key);
         if (found != texts.cend()) {
             return *found;

@@ -1,6 +1,7 @@
 #include "base/propertylist.h"
 
 #include "base/text.h"
+#include "sys/plistversions.h"
 
 #include <QDateTime>
 #include <QTimeZone>
@@ -11,7 +12,6 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
-#include <plist/plist.h>
 
 namespace tavrix
 {
@@ -258,7 +258,7 @@ std::optional<QVariant> propertyListFromBytes(const QByteArray& bytes)
         return std::nullopt;
     }
     plist_t raw = nullptr;
-    plist_from_memory(bytes.constData(), static_cast<uint32_t>(bytes.size()), &raw);
+    readPlist(bytes.constData(), static_cast<uint32_t>(bytes.size()), &raw);
     const Node root(raw, &plist_free);
     return valueOf(root.get());
 }
@@ -276,7 +276,7 @@ Result<QByteArray, QString> propertyListToXml(const QVariant& value)
         return Failure{QStringLiteral("the property list could not be made")};
     }
     QByteArray bytes(xml, static_cast<qsizetype>(length));
-    plist_to_xml_free(xml);
+    freePlistText(xml);
     return bytes;
 }
 

@@ -64,6 +64,30 @@ std::optional<DisplayMatrix> displayMatrixOf(const AVStream& stream)
     return matrix;
 }
 
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 30, 100)
+
+int copySideData(const AVStream& /*from*/, AVStream& /*to*/)
+{
+    return 0; // among the parameters
+}
+
+#else
+
+int copySideData(const AVStream& from, AVStream& to)
+{
+    for (int number = 0; number < from.nb_side_data; ++number) {
+        const AVPacketSideData& data = from.side_data[number];
+        std::uint8_t* const copy = av_stream_new_side_data(&to, data.type, data.size);
+        if (copy == nullptr) {
+            return AVERROR(ENOMEM);
+        }
+        std::memcpy(copy, data.data, std::size_t(data.size));
+    }
+    return 0;
+}
+
+#endif
+
 #if LIBAVFORMAT_VERSION_MAJOR >= 59
 
 int indexSize(AVStream& stream)

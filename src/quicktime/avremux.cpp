@@ -1,10 +1,10 @@
 #include "quicktime/avremux.h"
 
 #include "base/paths.h"
+#include "media/avversions.h"
 #include "quicktime/avinput.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace tavrix
 {
@@ -37,19 +37,6 @@ std::uint32_t movTag(const AVOutputFormat* format, const AVCodecParameters& para
     return known ? parameters.codec_tag : 0;
 }
 
-int copySideData(const AVStream* from, AVStream* to)
-{
-    for (int index = 0; index < from->nb_side_data; ++index) {
-        const AVPacketSideData& data = from->side_data[index];
-        std::uint8_t* copy = av_stream_new_side_data(to, data.type, data.size);
-        if (copy == nullptr) {
-            return AVERROR(ENOMEM);
-        }
-        std::memcpy(copy, data.data, data.size);
-    }
-    return 0;
-}
-
 int addStream(AVFormatContext* output, const AVStream* from)
 {
     AVStream* to = avformat_new_stream(output, nullptr);
@@ -66,7 +53,7 @@ int addStream(AVFormatContext* output, const AVStream* from)
     to->sample_aspect_ratio = from->sample_aspect_ratio;
     to->disposition = from->disposition;
     av_dict_copy(&to->metadata, from->metadata, 0);
-    return copySideData(from, to);
+    return media::copySideData(*from, *to);
 }
 
 bool isWanted(const AVStream* stream)

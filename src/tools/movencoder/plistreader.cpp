@@ -1,5 +1,7 @@
 #include "tools/movencoder/plistreader.h"
 
+#include "sys/plistversions.h"
+
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -12,7 +14,7 @@ PlistPtr parseDictionary(const std::string& text)
     static_assert(largestPropertyList <= std::numeric_limits<std::uint32_t>::max());
     plist_t node = nullptr;
     if (text.size() >= 8) {
-        plist_from_memory(text.data(), static_cast<std::uint32_t>(text.size()), &node);
+        readPlist(text.data(), static_cast<std::uint32_t>(text.size()), &node);
     }
     PlistPtr list(node);
     if (list && plist_get_node_type(list.get()) != PLIST_DICT) {
