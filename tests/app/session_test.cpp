@@ -1,9 +1,9 @@
 #include "app/session.h"
 
 #include "app/windowmodel.h"
-#include "support/fakeface.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
+#include "support_app/fakeface.h"
 
 using namespace tavrix;
 using namespace tavrix::test;
