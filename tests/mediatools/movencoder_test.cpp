@@ -301,6 +301,67 @@ TEST_F(MovencoderShapes, RgbPicturesAreTaggedAsWhatTheyBecome)
     }
 }
 
+// What the camera tells of itself: user data, QuickTime's own keys, and its software, which the FFmpeg libraries would
+// replace by their name.
+TEST_F(MovencoderShapes, DateCameraPlaceAndTitleAreKept)
+{
+    const QStringList picture{
+        QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),   QStringLiteral("testsrc2=s=64x64:r=25"),
+        QStringLiteral("-t"), QStringLiteral("0.2"),   QStringLiteral("-c:v"), QStringLiteral("libx264")};
+    const QMap<QString, QString> facts{
+        {QStringLiteral("title"), QStringLiteral("Garden")},
+        {QStringLiteral("comment"), QStringLiteral("first day")},
+        {QStringLiteral("make"), QStringLiteral("Canon")},
+        {QStringLiteral("model"), QStringLiteral("EOS")},
+        {QStringLiteral("location"), QStringLiteral("+48.8584+002.2945/")},
+        {QStringLiteral("creation_time"), QStringLiteral("2012-09-10T10:11:12.000000Z")}};
+    QStringList metadata;
+    for (auto fact = facts.cbegin(); fact != facts.cend(); ++fact) {
+        metadata << QStringLiteral("-metadata") << fact.key() + QLatin1Char('=') + fact.value();
+    }
+    const QString settings = folder_.makeFile(
+        QStringLiteral("settings"),
+        QByteArrayLiteral("<plist version=\"1.0\"><dict><key>default</key><integer>4</integer><key>4</key><dict/>"
+                          "</dict></plist>"));
+    const QString userData = path("userdata.mov");
+    ASSERT_TRUE(makeMedia(picture + metadata + QStringList{userData}));
+    // As a camera with a firmware of that name would say it.
+    QByteArray bytes = *readBytes(userData);
+    ASSERT_TRUE(writeBytes(userData, bytes.replace("Lavf", "Firm")));
+    const QString keys = path("keys.mov");
+    ASSERT_TRUE(makeMedia(picture + metadata +
+                          QStringList{QStringLiteral("-metadata"), QStringLiteral("com.apple.quicktime.software=12.4"),
+                                      QStringLiteral("-movflags"), QStringLiteral("use_metadata_tags"), keys}));
+    for (const QString& source : {userData, keys}) {
+        SCOPED_TRACE(source.toStdString());
+        const QString output = source + QStringLiteral(".out.mov");
+        ASSERT_EQ(movencode(settings, QString(), source, output).status, 0);
+        const auto made = probe(output);
+        for (auto fact = facts.cbegin(); fact != facts.cend(); ++fact) {
+            EXPECT_EQ(made.value(QStringLiteral("format.TAG:") + fact.key()), fact.value());
+        }
+    }
+    const QString software = QStringLiteral("format.TAG:com.apple.quicktime.software");
+    EXPECT_TRUE(probe(userData + QStringLiteral(".out.mov")).value(software).startsWith(QStringLiteral("Firm")));
+    EXPECT_EQ(probe(keys + QStringLiteral(".out.mov")).value(software), QStringLiteral("12.4"));
+}
+
+TEST_F(MovencoderShapes, HighQualityProResSaysSo)
+{
+    const QString source = path("a.mov");
+    ASSERT_TRUE(makeMedia({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                           QStringLiteral("testsrc2=s=64x64:r=25"), QStringLiteral("-t"), QStringLiteral("0.08"),
+                           QStringLiteral("-c:v"), QStringLiteral("libx264"), source}));
+    const QString settings = folder_.makeFile(
+        QStringLiteral("settings"),
+        QByteArrayLiteral("<plist version=\"1.0\"><dict><key>default</key><integer>5</integer><key>5</key><dict>"
+                          "<key>profile</key><string>hq</string></dict></dict></plist>"));
+    ASSERT_EQ(movencode(settings, QString(), source, path("out.mov")).status, 0);
+    const auto made = probe(path("out.mov"));
+    EXPECT_EQ(made.value(QStringLiteral("codec_tag_string")), QStringLiteral("apch"));
+    EXPECT_EQ(made.value(QStringLiteral("TAG:encoder")), QStringLiteral("Apple ProRes 422 HQ"));
+}
+
 TEST_F(MovencoderShapes, InterlacedPicturesKeepTheirFieldsAtTheirSize)
 {
     const QString source = path("camera.mts");
@@ -324,6 +385,13 @@ TEST_F(MovencoderShapes, InterlacedPicturesKeepTheirFieldsAtTheirSize)
         EXPECT_EQ(made.value(QStringLiteral("sample_aspect_ratio")), QStringLiteral("16:15"));
         EXPECT_EQ(made.value(QStringLiteral("nb_read_frames")), QStringLiteral("5"));
         EXPECT_EQ(made.value(QStringLiteral("start_time")), QStringLiteral("0.000000"));
+        const QByteArray bytes = *readBytes(output);
+        const qsizetype frame = bytes.indexOf("icpf");
+        if (frame >= 0) {
+            constexpr qsizetype flags = 4 + 12;
+            EXPECT_EQ(bytes.at(frame + flags) & 0x0C, 0x04)
+                << "the pictures themselves say that the top field is first";
+        }
         EXPECT_GE(
             psnr(output, source, QStringLiteral("[0:v]scale=interl=1:flags=bicubic,format=yuv420p[a];[a][1:v]psnr")),
             42.0);

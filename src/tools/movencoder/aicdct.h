@@ -1,10 +1,11 @@
 #pragma once
 
+// Forward 8x8 transform and quantisation.
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
-// Forward 8x8 transform and quantisation.
 namespace tavrix::aic
 {
 
@@ -14,7 +15,14 @@ using LevelFactors = std::array<float, 64>;
 [[nodiscard]] LevelFactors levelFactors(int quantiser);
 
 // Transforms the 8x8 samples at `samples` and writes their rounded levels, column by column.
-void transformBlock(const std::uint8_t* samples, std::ptrdiff_t stride, const LevelFactors& factors,
-                    std::int32_t* levels);
+using Transform = void (*)(const std::uint8_t* samples, std::ptrdiff_t stride, const float* factors,
+                           std::int32_t* levels);
+
+// The forms give equal results. The plain one is what the others are measured by.
+[[nodiscard]] Transform plainTransform();
+// Four columns at a time, on any processor with such registers.
+[[nodiscard]] Transform vectorTransform();
+// The fastest one on this processor.
+[[nodiscard]] Transform bestTransform();
 
 } // namespace tavrix::aic

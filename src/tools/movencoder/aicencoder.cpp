@@ -85,12 +85,12 @@ void Encoder::collectMacroblock(const Picture& picture, int row, int column)
     const std::ptrdiff_t lineStep = picture.interlaced ? 2 * luma.stride : luma.stride;
     for (std::ptrdiff_t block = 0; block < 4; ++block) {
         const std::uint8_t* at = luma.at + (block & 1) * 8 + (block >> 1) * lowerBlocks;
-        transformBlock(at, lineStep, factors_, levels.data() + 64 * block);
+        transform_(at, lineStep, factors_.data(), levels.data() + 64 * block);
     }
     for (std::ptrdiff_t plane = 1; plane < 3; ++plane) {
         const Samples chroma = samplesOf(picture.planes[plane], picture.strides[plane], (width_ + 1) / 2, 8 * column,
                                          geometry_.firstChromaLine(row, height_), 8, copy);
-        transformBlock(chroma.at, chroma.stride, factors_, levels.data() + 64 * (3 + plane));
+        transform_(chroma.at, chroma.stride, factors_.data(), levels.data() + 64 * (3 + plane));
     }
     coder_.addMacroblock(levels.data(), orders_[picture.interlaced ? 1 : 0]);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/movencoder/aicdct.h"
 #include "tools/movencoder/aicslice.h"
 #include "tools/movencoder/aictables.h"
 
@@ -47,7 +48,8 @@ private:
     int height_;
     Geometry geometry_;
     int quantiser_ = 0;
-    std::array<float, 64> factors_{};
+    Transform transform_ = bestTransform();
+    LevelFactors factors_{};
     std::array<CodingOrder, 2> orders_; // progressive, interlaced
     SliceCoder coder_;
 };

@@ -20,9 +20,6 @@ namespace tavrix::movencoder
 namespace
 {
 
-// Players take untagged pictures of this height and more for those of the high-definition standard.
-constexpr int leastHighDefinitionHeight = 720;
-
 // The fields of a picture survive where it keeps its height.
 Fields keptFields(const AVFrame& picture, const Fit& fit)
 {
@@ -41,26 +38,9 @@ PictureFacts factsOf(const MovieReader& reader, AVFrame& picture, const FormatSe
     PictureFacts facts;
     facts.fit = fitPicture(picture.width, picture.height, {aspect.num, aspect.den}, settings);
     facts.fields = keptFields(picture, facts.fit);
-    facts.primaries = picture.color_primaries;
-    facts.transfer = picture.color_trc;
-    facts.matrix = picture.colorspace;
+    facts.colours = outputTags({picture.color_primaries, picture.color_trc, picture.colorspace}, picture.height,
+                               facts.fit.height, isRgb(picture));
     facts.chromaLocation = picture.chroma_location;
-    // The converter brings RGB pictures to this matrix; their own tag would say that there is none.
-    if (isRgb(picture)) {
-        facts.matrix = AVCOL_SPC_SMPTE170M;
-    }
-    facts.timeBase = reader.video()->time_base;
-    // Untagged standard-definition pictures would change their colours by being enlarged, so they get their tag.
-    const bool enlarged = picture.height < leastHighDefinitionHeight && facts.fit.height >= leastHighDefinitionHeight;
-    if (enlarged && facts.matrix == AVCOL_SPC_UNSPECIFIED) {
-        facts.matrix = AVCOL_SPC_SMPTE170M;
-        if (facts.primaries == AVCOL_PRI_UNSPECIFIED) {
-            facts.primaries = picture.height == 576 ? AVCOL_PRI_BT470BG : AVCOL_PRI_SMPTE170M;
-        }
-        if (facts.transfer == AVCOL_TRC_UNSPECIFIED) {
-            facts.transfer = AVCOL_TRC_SMPTE170M;
-        }
-    }
     return facts;
 }
 

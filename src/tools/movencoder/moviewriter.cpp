@@ -2,6 +2,7 @@
 
 #include "sys/errortext.h"
 #include "sys/transfer.h"
+#include "tools/movencoder/moviemetadata.h"
 
 #include <cerrno>
 #include <sys/stat.h>
@@ -13,20 +14,6 @@ extern "C" {
 
 namespace tavrix::movencoder
 {
-
-namespace
-{
-
-// Keys that describe the source's file and codec and not what is in it.
-void copyMetadata(AVDictionary*& to, const AVDictionary* from)
-{
-    av_dict_copy(&to, from, 0);
-    for (const char* key : {"major_brand", "minor_version", "compatible_brands", "encoder", "vendor_id"}) {
-        av_dict_set(&to, key, nullptr, 0);
-    }
-}
-
-} // namespace
 
 int MovieWriter::writeBytes(void* self, WrittenBytes bytes, int count)
 {
@@ -126,9 +113,9 @@ Result<void> MovieWriter::addVideo(const PictureEncoder& encoder, const PictureF
     if (auto described = encoder.describe(parameters); !described) {
         return described;
     }
-    parameters.color_primaries = facts.primaries;
-    parameters.color_trc = facts.transfer;
-    parameters.color_space = facts.matrix;
+    parameters.color_primaries = facts.colours.primaries;
+    parameters.color_trc = facts.colours.transfer;
+    parameters.color_space = facts.colours.matrix;
     parameters.color_range = AVCOL_RANGE_MPEG;
     parameters.chroma_location = facts.chromaLocation;
     if (facts.fields.interlaced) {
@@ -212,7 +199,8 @@ Result<void> MovieWriter::writeHeader()
     AVDictionary* options = nullptr;
     av_dict_set_int(&options, "video_track_timescale", videoBase_.den, 0);
     av_dict_set_int(&options, "movie_timescale", videoBase_.den, 0);
-    av_dict_set(&options, "movflags", "+write_colr", 0);
+    const bool keys = hasQuickTimeKeys(container_->metadata);
+    av_dict_set(&options, "movflags", keys ? "+write_colr+use_metadata_tags" : "+write_colr", 0);
     const int result = avformat_write_header(container_, &options);
     av_dict_free(&options);
     return resultOf(result);

@@ -121,9 +121,9 @@ public:
         codec_->profile = settings.profile;
         codec_->time_base = facts.timeBase;
         codec_->sample_aspect_ratio = {facts.fit.pixelAspect.num, facts.fit.pixelAspect.den};
-        codec_->color_primaries = proResPrimaries(facts.primaries);
-        codec_->color_trc = proResTransfer(facts.transfer);
-        codec_->colorspace = proResMatrix(facts.matrix);
+        codec_->color_primaries = proResPrimaries(facts.colours.primaries);
+        codec_->color_trc = proResTransfer(facts.colours.transfer);
+        codec_->colorspace = proResMatrix(facts.colours.matrix);
         codec_->color_range = AVCOL_RANGE_MPEG;
         // Pictures go to many encoders at once; threads inside each would only get in one another's way.
         codec_->thread_count = 1;

@@ -2,6 +2,7 @@
 
 #include "sys/result.h"
 #include "tools/movencoder/avsupport.h"
+#include "tools/movencoder/colourtags.h"
 #include "tools/movencoder/geometry.h"
 #include "tools/movencoder/settings.h"
 
@@ -19,9 +20,7 @@ namespace tavrix::movencoder
 struct PictureFacts {
     Fit fit{};
     Fields fields; // interlaced only where the fields of the source survive: no change of height
-    AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
-    AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
-    AVColorSpace matrix = AVCOL_SPC_UNSPECIFIED;
+    ColourTags colours;
     AVChromaLocation chromaLocation = AVCHROMA_LOC_UNSPECIFIED;
     AVRational timeBase{1, 25};
 };

@@ -1,34 +1,17 @@
 #include "tools/movencoder/runningrow.h"
 
+#include "sys/home.h"
+#include "sys/secondpass.h"
 #include "sys/transfer.h"
 #include "tools/movencoder/plistreader.h"
 
-#include <array>
-#include <cstdlib>
-#include <pwd.h>
 #include <string_view>
-#include <unistd.h>
 
 namespace tavrix::movencoder
 {
 
 namespace
 {
-
-std::string homeFolder()
-{
-    const char* home = std::getenv("HOME"); // NOLINT(concurrency-mt-unsafe): no thread is running yet
-    if (home != nullptr && home[0] == '/') {
-        return home;
-    }
-    passwd entry{};
-    passwd* found = nullptr;
-    std::array<char, 16384> buffer;
-    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
-        return found->pw_dir;
-    }
-    return {};
-}
 
 struct NamePieces {
     std::string_view folder; // up to and with the last slash
@@ -49,7 +32,7 @@ NamePieces piecesOf(std::string_view path)
 
 std::string preferencesPath()
 {
-    return homeFolder() + "/Library/Preferences/org.tavrix.Tavrix.plist";
+    return secondpass::storePath(ownHome(), "org.tavrix.Tavrix", {});
 }
 
 std::optional<RunningRow> runningRow(const std::string& preferences, const std::string& input,
@@ -60,20 +43,20 @@ std::optional<RunningRow> runningRow(const std::string& preferences, const std::
         return std::nullopt;
     }
     const PlistPtr list = parseDictionary(*text);
-    plist_t record = list ? plist_dict_get_item(list.get(), "processEncDico") : nullptr;
+    plist_t record = list ? plist_dict_get_item(list.get(), secondpass::record) : nullptr;
     if (record == nullptr || plist_get_node_type(record) != PLIST_DICT) {
         return std::nullopt;
     }
-    if (textOf(plist_dict_get_item(record, "dstPathStr")) != output ||
-        textOf(plist_dict_get_item(record, "purgePathStr1")) != input) {
+    if (textOf(plist_dict_get_item(record, secondpass::output)) != output ||
+        textOf(plist_dict_get_item(record, secondpass::intermediate)) != input) {
         return std::nullopt;
     }
     RunningRow row;
-    if (const auto number = integerOf(plist_dict_get_item(record, "out"))) {
+    if (const auto number = integerOf(plist_dict_get_item(record, secondpass::format))) {
         row.format = formatOfNumber(*number);
     }
     // The record's own source is the first pass by now; this key has the clip, or a word when the batch is stopping.
-    const auto clip = textOf(plist_dict_get_item(list.get(), "encCurrentProcessingFile"));
+    const auto clip = textOf(plist_dict_get_item(list.get(), secondpass::clip));
     if (clip && clip->starts_with('/')) {
         row.clip = *clip;
     }
@@ -85,7 +68,7 @@ bool isFirstPassOf(const std::string& output, const std::string& input)
     const NamePieces made = piecesOf(output);
     const NamePieces read = piecesOf(input);
     return output != input && read.folder == made.folder && read.extension == made.extension &&
-           read.base.ends_with("_MASTER");
+           read.base.ends_with(secondpass::masterSuffix);
 }
 
 } // namespace tavrix::movencoder

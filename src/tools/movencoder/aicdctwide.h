@@ -1,0 +1,16 @@
+#pragma once
+
+// The transform in eight columns at once, for processors with AVX2.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tavrix::aic
+{
+
+// Like transformBlock(); only where the processor has AVX2, and null where it is not compiled for such processors.
+using WideTransform = void (*)(const std::uint8_t* samples, std::ptrdiff_t stride, const float* factors,
+                               std::int32_t* levels);
+[[nodiscard]] WideTransform wideTransform();
+
+} // namespace tavrix::aic
