@@ -37,6 +37,8 @@ QVariant BatchList::data(const QModelIndex& index, int role) const
         return row.reason;
     case OutputRole:
         return row.output;
+    case WarningRole:
+        return row.warning;
     default:
         return {};
     }
@@ -44,8 +46,9 @@ QVariant BatchList::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> BatchList::roleNames() const
 {
-    return {{OrderRole, "order"}, {SrcRole, "src"}, {OutRole, "out"},       {ResultatRole, "resultat"},
-            {DicoRole, "dico"},   {ImgRole, "img"}, {ReasonRole, "reason"}, {OutputRole, "output"}};
+    return {{OrderRole, "order"},       {SrcRole, "src"},       {OutRole, "out"},
+            {ResultatRole, "resultat"}, {DicoRole, "dico"},     {ImgRole, "img"},
+            {ReasonRole, "reason"},     {OutputRole, "output"}, {WarningRole, "warning"}};
 }
 
 int BatchList::indexOfSource(const QString& path) const
@@ -135,6 +138,15 @@ void BatchList::setOutput(int index, const QString& path)
 {
     if (index >= 0 && index < count()) {
         rows_[index].output = path;
+        noteChange(index);
+    }
+}
+
+void BatchList::setWarning(int index, const QString& warning, bool incomplete)
+{
+    if (index >= 0 && index < count()) {
+        rows_[index].warning = warning;
+        rows_[index].incomplete = incomplete;
         noteChange(index);
     }
 }

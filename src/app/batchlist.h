@@ -27,6 +27,8 @@ struct BatchRow {
     QString img;          // path of the thumbnail; nothing when there is no valid image
     QString reason;       // why the row failed; nothing unless it did
     QString output;       // path of the finished output; nothing until then
+    QString warning;      // what the finished output lacks, or what is odd about it; nothing when it is as it should be
+    bool incomplete = false; // the output holds all that could be read of a damaged source
 
     // Full path of the source; "" for a row without a record.
     [[nodiscard]] QString source() const { return dico.value(record::mainEncSrcPathStr).toString(); }
@@ -48,7 +50,8 @@ public:
         DicoRole,
         ImgRole,
         ReasonRole,
-        OutputRole
+        OutputRole,
+        WarningRole
     };
 
     explicit BatchList(QObject* parent = nullptr);
@@ -69,6 +72,7 @@ public:
     void setResultat(int index, const QString& iconName);
     void setReason(int index, const QString& reason);
     void setOutput(int index, const QString& path);
+    void setWarning(int index, const QString& warning, bool incomplete);
     void setOut(int index, int out);
 
     // Row that the user has selected; -1 when none.

@@ -63,6 +63,7 @@ void BatchMachine::start()
         rows.setResultat(i, rowIcon::pending);
         rows.setReason(i, QString());
         rows.setOutput(i, QString());
+        rows.setWarning(i, QString(), false);
     }
     row_.guard().beginBatch();
     send(stepBatch);

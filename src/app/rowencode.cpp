@@ -6,6 +6,7 @@
 #include "app/logs.h"
 #include "app/session.h"
 #include "app/stepflags.h"
+#include "app/verdictwords.h"
 #include "app/windowmodel.h"
 #include "base/bundle.h"
 #include "base/datetext.h"
@@ -72,6 +73,7 @@ void RowEncode::begin(int row)
     prefWrite(pref::encCurrentProcessingFile, rows().row(row).source());
     prefWriteDico(pref::processEncDico, rows().row(row).dico);
     setFlag(pref::encDeb);
+    verdict_.begin();
     transcriptTail_ = QString();
     guard_.beginRow();
 }
@@ -239,12 +241,16 @@ RowEncode::Outcome RowEncode::finish()
     if (rows().row(row).isCurrent()) {
         judge(row, output);
     }
-    if (!rows().row(row).hasFailed()) {
-        return Outcome::Succeeded;
+    const BatchRow& over = rows().row(row);
+    const QString lineEnd = closed ? QStringLiteral("\n") : QStringLiteral("");
+    if (over.hasFailed()) {
+        logResume(formatText(QStringLiteral("%@failure             : %@\n"), {lineEnd, over.reason}));
+        return Outcome::Failed;
     }
-    logResume(formatText(QStringLiteral("%@failure             : %@\n"),
-                         {closed ? QStringLiteral("\n") : QStringLiteral(""), rows().row(row).reason}));
-    return Outcome::Failed;
+    if (!over.warning.isEmpty()) {
+        logResume(formatText(QStringLiteral("%@warning             : %@\n"), {lineEnd, over.warning}));
+    }
+    return Outcome::Succeeded;
 }
 
 bool RowEncode::writeClosingBlock(int row, float duration)
@@ -271,7 +277,16 @@ void RowEncode::judge(int row, const QString& output)
     } else {
         rows().setResultat(row, rowIcon::success);
         rows().setOutput(row, output);
+        warn(row);
         guard_.keep(output);
+    }
+}
+
+// The tools publish what is all that a damaged source gives; the row says what is missing.
+void RowEncode::warn(int row)
+{
+    if (const std::optional<judge::Verdict>& verdict = verdict_.verdict()) {
+        rows().setWarning(row, verdictWords(*verdict), verdict->outcome == judge::Outcome::Incomplete);
     }
 }
 
@@ -291,6 +306,7 @@ void RowEncode::fail(int row, const QString& reason)
 
 void RowEncode::childWrote(const QString& text)
 {
+    verdict_.read(text);
     transcriptTail_ = (transcriptTail_ + text).right(transcriptTailLength);
 }
 
@@ -301,6 +317,10 @@ void RowEncode::childMissing(const QString& tool)
 
 QString RowEncode::failureReason() const
 {
+    const std::optional<judge::Verdict>& verdict = verdict_.verdict();
+    if (verdict && verdict->outcome == judge::Outcome::Failed && !verdict->findings.empty()) {
+        return verdictWords(*verdict);
+    }
     const QString line = failureLine(transcriptTail_);
     return line.isNull() ? batchText("Enc_noOutput") : line;
 }

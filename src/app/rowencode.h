@@ -3,6 +3,7 @@
 // The life of one row, from its preparation to its judgement.
 
 #include "app/outputguard.h"
+#include "app/rowverdict.h"
 #include "app/session.h"
 
 #include <QStringList>
@@ -74,6 +75,7 @@ private:
     Next refuse(int row, const QString& reason);
     [[nodiscard]] bool writeClosingBlock(int row, float duration);
     void judge(int row, const QString& output);
+    void warn(int row);
     [[nodiscard]] QString failureReason() const;
     [[nodiscard]] BatchList& rows() const;
 
@@ -81,7 +83,8 @@ private:
     OutputGuard guard_;
     Pass pass_;
     State state_ = State::None;
-    qint64 startedAt_ = 0;   // seconds since 1970
+    qint64 startedAt_ = 0; // seconds since 1970
+    RowVerdict verdict_;
     QString transcriptTail_; // last text of the row's children, for the reason of a failure
     std::optional<int> replacePolicy_;
 };

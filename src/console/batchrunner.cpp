@@ -59,8 +59,8 @@ void BatchRunner::connectController()
         rows_ << RowReport{path, {}, consoleText("Con_vanished"), 0, false};
     });
     connect(controller_, &appDelegate::batchEnded, this, [this](bool stopped) {
-        const bool failed =
-            std::any_of(rows_.cbegin(), rows_.cend(), [](const RowReport& row) { return !row.success; });
+        const bool failed = std::any_of(rows_.cbegin(), rows_.cend(),
+                                        [](const RowReport& row) { return !row.success || row.incomplete; });
         finish(stopped || failed ? exitSomeFailed : exitAllDone);
     });
 }
@@ -95,6 +95,8 @@ void BatchRunner::noteRow(int row, bool success)
     if (success) {
         report.bytes = static_cast<qint64>(std::max(0.0, poidsFile(finished.output, QStringLiteral("O"))));
     }
+    report.warning = finished.warning;
+    report.incomplete = finished.incomplete;
     rows_ << report;
     reporter_->rowFinished(row + 1, rows.count(), report);
 }

@@ -22,6 +22,10 @@ QJsonObject rowObject(const RowReport& row)
     if (row.success) {
         object.insert(name("output"), row.output);
         object.insert(name("bytes"), row.bytes);
+        if (!row.warning.isEmpty()) {
+            object.insert(name("warning"), row.warning);
+            object.insert(name("incomplete"), row.incomplete);
+        }
     } else {
         object.insert(name("reason"), row.reason);
     }

@@ -16,6 +16,8 @@ struct RowReport {
     QString reason; // why it failed; nothing for a finished one
     qint64 bytes = 0;
     bool success = false;
+    QString warning = {};    // what the output lacks, or what is odd about it; nothing otherwise
+    bool incomplete = false; // it holds all that could be read of a damaged source
 };
 
 // Tells a person or a program what happens. Every call is made on the main thread, in order.

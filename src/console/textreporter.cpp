@@ -129,6 +129,9 @@ void TextReporter::rowFinished(int number, int total, const RowReport& row)
 {
     if (row.success) {
         line(formatText(consoleText("Con_rowDone"), {number, total, shownName(row.source), sizeText(row.bytes)}));
+        if (!row.warning.isEmpty()) {
+            line(QStringLiteral("  ") + printable(row.warning));
+        }
     } else {
         line(formatText(consoleText("Con_rowFailed"), {number, total, shownName(row.source), printable(row.reason)}));
     }
@@ -152,11 +155,17 @@ void TextReporter::summary(const QList<RowReport>& rows, int leftOut, const QStr
         return;
     }
     const auto done = std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.success; });
+    const auto incomplete =
+        std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.incomplete; });
     line(QString());
-    line(formatText(consoleText("Con_summary"), {qint64(done), qint64(rows.size()) - qint64(done), leftOut}));
+    line(formatText(consoleText("Con_summary"), {qint64(done) - qint64(incomplete), qint64(incomplete),
+                                                 qint64(rows.size()) - qint64(done), leftOut}));
     for (const RowReport& row : rows) {
         if (row.success) {
             line(formatText(QStringLiteral("  %@  %@"), {printable(row.output), sizeText(row.bytes)}));
+            if (!row.warning.isEmpty()) {
+                line(QStringLiteral("    ") + printable(row.warning));
+            }
         } else {
             line(formatText(consoleText("Con_summaryFailed"), {shownName(row.source), printable(row.reason)}));
         }

@@ -23,6 +23,12 @@ constexpr int thumbnailHeight = 54;
 constexpr int margin = 7;
 constexpr int iconSide = 22;
 
+// A row that is done but lacks something does not look like the others that are done.
+QString rowImage(const BatchRow& row)
+{
+    return row.incomplete ? QStringLiteral("puceIncomplete") : row.resultat;
+}
+
 } // namespace
 
 BatchDelegate::BatchDelegate(BatchList& rows, RowDetails& details, QObject* parent)
@@ -61,7 +67,7 @@ void BatchDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const QRect thumbnail(inside.left(), frame.center().y() - thumbnailHeight / 2, thumbnailWidth, thumbnailHeight);
     paintThumbnail(painter, thumbnail, row);
     const QRect icon(inside.right() - iconSide, frame.center().y() - iconSide / 2, iconSide, iconSide);
-    painter->drawPixmap(icon.topLeft(), imagePixmap(row.resultat, iconSide, painter->device()->devicePixelRatioF()));
+    painter->drawPixmap(icon.topLeft(), imagePixmap(rowImage(row), iconSide, painter->device()->devicePixelRatioF()));
     painter->setFont(option.font);
     paintWords(painter, QRect(QPoint(thumbnail.right() + 12, frame.top()), QPoint(icon.left() - 10, frame.bottom())),
                row);
@@ -111,11 +117,12 @@ void BatchDelegate::paintWords(QPainter* painter, const QRect& place, const Batc
     };
     write(bold, theme.text, formatText(QStringLiteral("%d.  %@"), {row.order, row.src}), Qt::ElideMiddle);
     write(plain, theme.secondaryText, RowDetails::description(row));
-    if (row.reason.isEmpty()) {
+    const QString words = row.reason.isEmpty() ? row.warning : row.reason;
+    if (words.isEmpty()) {
         write(plain, theme.secondaryText, thirdLine(row));
     } else {
         // The words that matter may stand behind a long path.
-        write(plain, theme.warning, row.reason, Qt::ElideMiddle);
+        write(plain, theme.warning, words, Qt::ElideMiddle);
     }
 }
 
@@ -126,7 +133,7 @@ bool BatchDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const 
         return false;
     }
     const BatchRow& row = rows_.row(index.row());
-    const QStringList lines{stateWords(row.resultat), details_.summary(row)};
+    const QStringList lines{stateWords(rowImage(row)), details_.summary(row)};
     // Escaped: a file name may look like markup.
     QString text = lines.join(QLatin1Char('\n')).toHtmlEscaped();
     text.replace(QLatin1Char('\n'), QStringLiteral("<br>"));

@@ -14,7 +14,8 @@ EncodingPresence::EncodingPresence(appDelegate& controller, QWidget& window, con
 {
     connect(&controller, &appDelegate::rowStarted, this, &EncodingPresence::begin);
     connect(&controller, &appDelegate::rowProgress, this, &EncodingPresence::showProgress);
-    connect(&controller, &appDelegate::rowFinished, this, [this](int, bool success) { countRow(success); });
+    connect(&controller, &appDelegate::rowFinished, this,
+            [this](int row) { tally_.count(controller_.model().encBatchArrayController.row(row)); });
     connect(&controller, &appDelegate::batchEnded, this, &EncodingPresence::end);
 }
 
@@ -31,19 +32,14 @@ void EncodingPresence::showProgress(int row, float value, float maximum)
     taskbar_.show(rows > 0 ? (row + part) / rows : 0, true);
 }
 
-void EncodingPresence::countRow(bool success)
-{
-    ++(success ? succeeded_ : failed_);
-}
-
 void EncodingPresence::end(bool stopped)
 {
     inhibitor_.setInhibited(false);
     taskbar_.show(0, false);
     if (!stopped && !window_.isActiveWindow()) {
-        notifier_.notify(windowText("Win_batchDoneTitle"), windowText("Win_batchDone", {succeeded_, failed_}));
+        notifier_.notify(windowText("Win_batchDoneTitle"), tallyWords(tally_));
     }
-    succeeded_ = failed_ = 0;
+    tally_ = {};
 }
 
 } // namespace tavrix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/batchtally.h"
 #include "gui/desktopbus.h"
 
 class QWidget;
@@ -20,7 +21,6 @@ public:
 private:
     void begin(int row);
     void showProgress(int row, float value, float maximum);
-    void countRow(bool success);
     void end(bool stopped);
 
     appDelegate& controller_;
@@ -28,8 +28,7 @@ private:
     SleepInhibitor inhibitor_;
     DesktopNotifier notifier_;
     TaskbarProgress taskbar_;
-    int succeeded_ = 0;
-    int failed_ = 0;
+    BatchTally tally_;
 };
 
 } // namespace tavrix

@@ -59,19 +59,19 @@ void LeftOutBar::listen()
             [this](const QString& path) { showNotice(windowText("Win_stalled", {lastPathComponent(path)})); });
     connect(&controller_, &appDelegate::rowStarted, this, [this](int row) {
         if (row == 0) {
-            succeeded_ = failed_ = 0;
+            tally_ = {};
         }
         showNotice(QString());
     });
     connect(&controller_, &appDelegate::rowFinished, this,
-            [this](int, bool success) { ++(success ? succeeded_ : failed_); });
+            [this](int row) { tally_.count(controller_.model().encBatchArrayController.row(row)); });
     connect(&controller_, &appDelegate::batchEnded, this, &LeftOutBar::sumUp);
 }
 
 void LeftOutBar::sumUp(bool stopped)
 {
-    showNotice(stopped ? windowText("Win_batchStopped") : windowText("Win_batchDone", {succeeded_, failed_}));
-    succeeded_ = failed_ = 0;
+    showNotice(stopped ? windowText("Win_batchStopped") : tallyWords(tally_));
+    tally_ = {};
 }
 
 void LeftOutBar::showNotice(const QString& text)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/batchtally.h"
+
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -34,8 +36,7 @@ private:
     QLabel* notice_;
     QPushButton* button_;
     QList<QPair<QString, QString>> leftOut_; // path, reason
-    int succeeded_ = 0;
-    int failed_ = 0;
+    BatchTally tally_;
 };
 
 } // namespace tavrix

@@ -127,6 +127,9 @@ QString RowDetails::summary(const BatchRow& row)
     if (!row.reason.isEmpty()) {
         lines << windowText("Win_lineFailed", {row.reason});
     }
+    if (!row.warning.isEmpty()) {
+        lines << windowText("Win_lineWarning", {row.warning});
+    }
     return lines.join(QLatin1Char('\n'));
 }
 

@@ -20,4 +20,12 @@ QString formatName(int out)
     return localizedString(formatText(QStringLiteral("Win_format%d"), {out}), QStringLiteral("Window"));
 }
 
+QString tallyWords(const BatchTally& tally)
+{
+    if (tally.incomplete == 0) {
+        return windowText("Win_batchDone", {tally.converted, tally.failed});
+    }
+    return windowText("Win_batchDoneIncomplete", {tally.converted, tally.incomplete, tally.failed});
+}
+
 } // namespace tavrix

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/batchtally.h"
 #include "base/format.h"
 
 #include <initializer_list>
@@ -11,5 +12,7 @@ namespace tavrix
 [[nodiscard]] QString windowText(const char* key, std::initializer_list<FormatArg> arguments = {});
 // Short name of an output format; "" when out of range.
 [[nodiscard]] QString formatName(int out);
+// "Converted: 3. Failed: 1."
+[[nodiscard]] QString tallyWords(const BatchTally& tally);
 
 } // namespace tavrix

@@ -111,7 +111,7 @@ TEST_F(OnATerminal, aBarWithAPercentageIsDrawn)
     }
     EXPECT_GT(percentage, 0);
     EXPECT_LE(percentage, 100);
-    EXPECT_TRUE(all.contains(text("1 done, 0 failed, 0 left out")));
+    EXPECT_TRUE(all.contains(text("1 done, 0 incomplete, 0 failed, 0 left out")));
     EXPECT_TRUE(all.contains(output())) << "the summary names the output";
 }
 

@@ -92,8 +92,9 @@ TEST_F(Look, MenuImageReplacesTheSelectedTitle)
 
 TEST_F(Look, EveryNamedImageIsThereAndSharpAtAnyScale)
 {
-    for (const char* name : {"dnd", "dndOff", "puce", "puceCurrent", "puceSuccess", "puceFailure", "btPause", "btPlay",
-                             "chevron", "btStop", "color0", "color1", "color2", "color3", "alertCritical", "tavrix"}) {
+    for (const char* name :
+         {"dnd", "dndOff", "puce", "puceCurrent", "puceSuccess", "puceFailure", "puceIncomplete", "btPause", "btPlay",
+          "chevron", "btStop", "color0", "color1", "color2", "color3", "alertCritical", "tavrix"}) {
         const QString image = QString::fromLatin1(name);
         ASSERT_FALSE(imagePath(image).isNull()) << name;
         EXPECT_TRUE(QSvgRenderer(imagePath(image)).isValid()) << name;

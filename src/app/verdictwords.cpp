@@ -1,0 +1,105 @@
+#include "app/verdictwords.h"
+
+#include "base/format.h"
+#include "probe/batchtexts.h"
+
+#include <QStringList>
+
+#include <array>
+
+namespace tavrix
+{
+
+namespace
+{
+
+using judge::Cause;
+using judge::Finding;
+
+// What the text of a cause is filled with.
+enum class Fill { Nothing, Seconds, Count, CountOfCount, Text };
+
+struct Words {
+    Cause cause;
+    const char* key;
+    Fill fill;
+};
+
+constexpr std::array<Words, 23> table = {{
+    {Cause::EndedEarly, "Row_endedEarly", Fill::Seconds},
+    {Cause::SoundEndedEarly, "Row_soundEndedEarly", Fill::Seconds},
+    {Cause::CutOff, "Row_cutOff", Fill::Nothing},
+    {Cause::DamagedPictures, "Row_damagedPictures", Fill::Count},
+    {Cause::DamagedSound, "Row_damagedSound", Fill::Count},
+    {Cause::LostPackets, "Row_lostPackets", Fill::Count},
+    {Cause::ReadError, "Row_readError", Fill::Text},
+    {Cause::NotReadable, "Row_notReadable", Fill::Text},
+    {Cause::NoPicture, "Row_noPicture", Fill::Nothing},
+    {Cause::NoSound, "Row_noSound", Fill::Nothing},
+    {Cause::ShorterPicture, "Row_shorterPicture", Fill::Seconds},
+    {Cause::ShorterSound, "Row_shorterSound", Fill::Seconds},
+    {Cause::LongerPicture, "Row_longerPicture", Fill::Seconds},
+    {Cause::PictureCount, "Row_pictureCount", Fill::CountOfCount},
+    {Cause::BrokenPackets, "Row_brokenPackets", Fill::Count},
+    {Cause::EndsNotDecodable, "Row_endsNotDecodable", Fill::Nothing},
+    {Cause::NothingDecodable, "Row_nothingDecodable", Fill::Nothing},
+    {Cause::NothingReadable, "Row_nothingReadable", Fill::Nothing},
+    {Cause::PicturesElsewhere, "Row_picturesElsewhere", Fill::Nothing},
+    {Cause::Encrypted, "Row_encrypted", Fill::Nothing},
+    {Cause::OlderKept, "Row_olderKept", Fill::Nothing},
+    {Cause::NotJudged, "Row_notJudged", Fill::Text},
+    {Cause::HiddenShown, "Row_hiddenShown", Fill::Count},
+}};
+
+QString filled(const Words& words, const Finding& finding)
+{
+    const QString text = batchText(words.key);
+    switch (words.fill) {
+    case Fill::Nothing:
+        return text;
+    case Fill::Seconds:
+        return formatText(text, {finding.seconds, finding.ofSeconds});
+    case Fill::Count:
+        return formatText(text, {qint64(finding.count)});
+    case Fill::CountOfCount:
+        return formatText(text, {qint64(finding.count), qint64(finding.ofCount)});
+    case Fill::Text:
+        return formatText(text, {QString::fromStdString(finding.text)});
+    }
+    return text;
+}
+
+QString findingWords(const Finding& finding)
+{
+    if (finding.cause == Cause::TooSmall) {
+        return batchText("Enc_tooSmall");
+    }
+    for (const Words& words : table) {
+        if (words.cause != finding.cause) {
+            continue;
+        }
+        const QString text = filled(words, finding);
+        if (!finding.from) {
+            return text;
+        }
+        return formatText(batchText("Row_from"), {text, QString::fromStdString(judge::clockText(*finding.from))});
+    }
+    return QString::fromStdString(judge::englishText(finding));
+}
+
+} // namespace
+
+QString verdictWords(const judge::Verdict& verdict)
+{
+    QStringList findings;
+    for (const Finding& finding : verdict.findings) {
+        findings << findingWords(finding);
+    }
+    const QString words = findings.join(QStringLiteral("; "));
+    if (verdict.outcome == judge::Outcome::Incomplete) {
+        return formatText(batchText("Row_incomplete"), {words});
+    }
+    return words;
+}
+
+} // namespace tavrix
