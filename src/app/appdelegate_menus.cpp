@@ -6,7 +6,6 @@
 #include "app/machines.h"
 #include "app/mailaddress.h"
 #include "app/stepflags.h"
-#include "base/alerts.h"
 #include "base/bundle.h"
 #include "base/format.h"
 #include "base/preferences.h"

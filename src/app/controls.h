@@ -70,13 +70,14 @@ class SegmentedControl : public Control
 {
     Q_OBJECT
 public:
-    // One segment per image name ("" for none).
+    // One segment per image name ("" for none), none selected.
     SegmentedControl(const char* name, const QStringList& imageNames, QObject* parent = nullptr);
 
     [[nodiscard]] int segmentCount() const { return static_cast<int>(imageNames_.size()); }
     [[nodiscard]] int selectedSegment() const { return selected_; }
     // Out of range is ignored.
     void setSelectedSegment(int segment);
+    // Nothing for a segment out of range, which the setter ignores.
     [[nodiscard]] QString imageName(int segment) const { return imageNames_.value(segment); }
     void setImageName(int segment, const QString& imageName);
 
@@ -110,9 +111,11 @@ public:
     void setIndeterminate(bool indeterminate) { assign(indeterminate_, indeterminate); }
     [[nodiscard]] double minValue() const { return minimum_; }
     [[nodiscard]] double maxValue() const { return maximum_; }
+    // In any unit; the value is not brought into the range.
     void setRange(double minimum, double maximum);
     [[nodiscard]] double doubleValue() const { return value_; }
     void setDoubleValue(double value) { assign(value_, value); }
+    // By less than 0 too.
     void incrementBy(double delta) { setDoubleValue(value_ + delta); }
     [[nodiscard]] bool isAnimating() const { return animating_; }
     void startAnimation() { assign(animating_, true); }

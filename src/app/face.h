@@ -28,6 +28,7 @@ public:
     virtual bool isHelpVisible() { return false; }
     virtual void showHelp() {}
     virtual void hideHelp() {}
+    // Plays a source; a full path.
     virtual void preview(const QString& path);
     // Whether the detail log takes over standard output and error at start-up.
     virtual bool redirectsOutput() { return true; }

@@ -7,6 +7,7 @@
 namespace tavrix
 {
 
+// Full paths, whether or not the files exist: every diagnostic line, and what became of each row.
 [[nodiscard]] QString detailsLogPath();
 [[nodiscard]] QString logResumePathStr();
 // Makes sure that the summary log exists (with its start line), then appends the text unless it is nothing or "".

@@ -13,6 +13,7 @@ namespace tavrix
 // Ids of processes of this user and home that really run that tool of the resource folder; never this process or its
 // parent.
 [[nodiscard]] QList<int> leftOverToolPids(const QString& tool);
+// A process that has gone meanwhile is no failure; any other one is logged.
 void killLeftOverTool(int pid);
 
 } // namespace tavrix

@@ -41,6 +41,7 @@ inline const QString cancelMark = QStringLiteral("cancel");
 [[nodiscard]] QStringList analysisFlags();
 [[nodiscard]] QStringList encodeFlags();
 
+// Flags are numbers of the preferences store: 1 is set, anything else is not.
 [[nodiscard]] bool isFlagSet(const QString& name);
 void setFlag(const QString& name);
 // Clears the flag; true when it was set.

@@ -20,12 +20,33 @@ QStringList colorImageNames()
 
 } // namespace
 
+QString formatCaption(int out)
+{
+    return localizedString(formatText(QStringLiteral("prefCaption%d"), {out}));
+}
+
+BatchControls::BatchControls()
+{
+    const auto follow = [this] {
+        const BatchList& rows = encBatchArrayController;
+        const bool any = rows.selectedRow() >= 0 && rows.selectedRow() < rows.count();
+        previewBt.setEnabled(any);
+        batchEncRemoveBt.setEnabled(any);
+        batchEncRemoveAllBt.setEnabled(rows.count() > 0);
+    };
+    BatchList* rows = &encBatchArrayController;
+    QObject::connect(rows, &BatchList::selectionChanged, rows, follow);
+    QObject::connect(rows, &QAbstractItemModel::rowsInserted, rows, follow);
+    QObject::connect(rows, &QAbstractItemModel::rowsRemoved, rows, follow);
+    QObject::connect(rows, &QAbstractItemModel::modelReset, rows, follow);
+    follow();
+}
+
 PreferenceControls::PreferenceControls() : prefColor("prefColor", colorImageNames()) {}
 
 void PreferenceControls::showFormatCaption()
 {
-    const QString key = formatText(QStringLiteral("prefCaption%d"), {prefCheckMatrix.selectedSegment()});
-    prefCheckCaption.setStringValue(localizedString(key));
+    prefCheckCaption.setStringValue(formatCaption(prefCheckMatrix.selectedSegment()));
 }
 
 void PreferenceControls::showColorImage()

@@ -18,6 +18,8 @@ inline const QString stop = QStringLiteral("btStop");
 
 inline constexpr int outputFormatCount = 6;
 inline constexpr int colorThemeCount = 4;
+// What an output format is for, in a line; the key itself for a number out of range.
+[[nodiscard]] QString formatCaption(int out);
 // Side segments of encStopBt: the first toggles pause and play, the second stops.
 inline constexpr int encStopSegmentPause = 0;
 inline constexpr int encStopSegmentStop = 1;
@@ -37,10 +39,14 @@ struct AnalysisControls {
     IntegerField analysisStopInt{"analysisStopInt"}; // 1 = a stop is asked for
 };
 
+// What can be done with rows follows the list: nothing else enables these three buttons.
 struct BatchControls {
+    BatchControls();
+
     BatchList encBatchArrayController;
     Drawer drawer{"drawer"};
     StateButton batchEncGoBt{"batchEncGoBt"}; // on while a batch runs
+    StateButton previewBt{"previewBt"};
     StateButton batchEncRemoveBt{"batchEncRemoveBt"};
     StateButton batchEncRemoveAllBt{"batchEncRemoveAllBt"};
 };

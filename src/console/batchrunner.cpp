@@ -1,25 +1,14 @@
 #include "console/batchrunner.h"
 
 #include "base/filesizes.h"
-#include "base/format.h"
-#include "base/localisation.h"
 #include "base/runloopgate.h"
+#include "console/consoletext.h"
 #include "encode/outputname.h"
 
 #include <algorithm>
 
 namespace tavrix
 {
-
-namespace
-{
-
-QString consoleText(const char* key)
-{
-    return localizedString(QLatin1String(key), QStringLiteral("Console"));
-}
-
-} // namespace
 
 BatchRunner::BatchRunner(appDelegate* controller, ConsoleFace* face, Reporter* reporter, QObject* parent)
     : QObject(parent), controller_(controller), face_(face), reporter_(reporter)
@@ -50,10 +39,8 @@ void BatchRunner::connectController()
     connect(controller_, &appDelegate::analysisEnded, this, &BatchRunner::analysisOver);
     connect(controller_, &appDelegate::rowStarted, this,
             [this, &rows](int row) { reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src); });
-    connect(controller_, &appDelegate::rowProgress, this, [this](int /*row*/, float value, float maximum) {
-        // By way of their short text, so that 0.02 stays 0.02.
-        reporter_->rowProgress(textOf(value).toDouble(), textOf(maximum).toDouble());
-    });
+    connect(controller_, &appDelegate::rowProgress, this,
+            [this](int /*row*/, float value, float maximum) { reporter_->rowProgress(value, maximum); });
     connect(controller_, &appDelegate::rowFinished, this, &BatchRunner::noteRow);
     connect(controller_, &appDelegate::rowVanished, this, [this](const QString& path) {
         rows_ << RowReport{path, {}, consoleText("Con_vanished"), 0, false};

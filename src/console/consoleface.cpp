@@ -1,8 +1,8 @@
 #include "console/consoleface.h"
 
 #include "base/format.h"
-#include "base/localisation.h"
 #include "base/text.h"
+#include "console/consoletext.h"
 #include "console/unixsignals.h"
 
 #include <QCoreApplication>
@@ -19,11 +19,6 @@ namespace tavrix
 
 namespace
 {
-
-QString consoleText(const char* key)
-{
-    return localizedString(QLatin1String(key), QStringLiteral("Console"));
-}
 
 struct TypedLine {
     enum class Ending { Typed, TimedOut, InputEnded, Interrupted };

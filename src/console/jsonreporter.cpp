@@ -5,11 +5,20 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <array>
+
 namespace tavrix
 {
 
 namespace
 {
+
+// What a script may rely on, documented in docs/console.md. The record's other keys are the program's own affair; these
+// are spelled out here, so that renaming one inside cannot change the output unseen.
+constexpr std::array publicKeys = {"wrapper",  "w_duration", "w_offset",    "w_bitrate", "v0_codec",
+                                   "v0_width", "v0_height",  "v0_fps",      "v0_aspect", "v0_bitrate",
+                                   "v0_par",   "v0_dar",     "v0_chroma",   "a0_codec",  "a0_lang",
+                                   "a0_rate",  "a0_bitrate", "a0_channels", "out"};
 
 QString name(const char* text)
 {
@@ -66,8 +75,10 @@ void JsonReporter::analysing(const QString& path, int number, int total)
 void JsonReporter::accepted(const QString& path, const QVariantMap& infos)
 {
     QJsonObject record;
-    for (auto it = infos.cbegin(); it != infos.cend(); ++it) {
-        record.insert(it.key(), jsonValue(it.value()));
+    for (const char* key : publicKeys) {
+        if (const auto value = infos.constFind(name(key)); value != infos.constEnd()) {
+            record.insert(name(key), jsonValue(*value));
+        }
     }
     write("accepted", {{name("source"), path}, {name("record"), record}});
 }
@@ -83,9 +94,9 @@ void JsonReporter::rowStarted(int number, int total, const QString& source)
     write("row-started", {{name("row"), number}, {name("total"), total}, {name("source"), source}});
 }
 
-void JsonReporter::rowProgress(double value, double maximum)
+void JsonReporter::rowProgress(float value, float maximum)
 {
-    write("progress", {{name("row"), row_}, {name("value"), value}, {name("maximum"), maximum}});
+    write("progress", {{name("row"), row_}, {name("value"), jsonValue(value)}, {name("maximum"), jsonValue(maximum)}});
 }
 
 void JsonReporter::rowFinished(int number, int total, const RowReport& row)

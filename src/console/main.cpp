@@ -1,12 +1,10 @@
 #include "app/appdelegate.h"
 #include "base/alerts.h"
 #include "base/bundle.h"
-#include "base/fileops.h"
 #include "base/filesizes.h"
 #include "base/format.h"
-#include "base/localisation.h"
-#include "base/log.h"
 #include "console/batchrunner.h"
+#include "console/consoletext.h"
 #include "console/jsonreporter.h"
 #include "console/options.h"
 #include "console/textreporter.h"
@@ -21,6 +19,8 @@
 
 #include <clocale>
 #include <cstdio>
+#include <memory>
+#include <optional>
 
 using namespace tavrix;
 
@@ -84,55 +84,102 @@ std::optional<int> replacePolicy(ExistingPolicy existing, bool mayAsk)
     return mayAsk ? std::nullopt : std::optional<int>(0);
 }
 
+// The reporter and the face, in charge of alerts and desktop for their life.
+class Services
+{
+public:
+    // The terminal is not owned.
+    Services(std::FILE* terminal, const ConsoleOptions& options)
+        : mayAsk_(::isatty(STDIN_FILENO) != 0 && !options.json), reporter_(makeReporter(terminal, options.json)),
+          face_(reporter_.get(), mayAsk_)
+    {
+        setAlertPresenter(&face_);
+        setDesktopServices(&face_);
+    }
+    ~Services()
+    {
+        setAlertPresenter(nullptr);
+        setDesktopServices(nullptr);
+    }
+    Services(const Services&) = delete;
+    Services& operator=(const Services&) = delete;
+
+    [[nodiscard]] bool mayAsk() const { return mayAsk_; }
+    [[nodiscard]] Reporter* reporter() const { return reporter_.get(); }
+    [[nodiscard]] ConsoleFace* face() { return &face_; }
+
+private:
+    static std::unique_ptr<Reporter> makeReporter(std::FILE* terminal, bool json)
+    {
+        if (json) {
+            return std::make_unique<JsonReporter>(terminal);
+        }
+        return std::make_unique<TextReporter>(terminal, ::isatty(STDOUT_FILENO) != 0);
+    }
+
+    bool mayAsk_;
+    std::unique_ptr<Reporter> reporter_;
+    ConsoleFace face_;
+};
+
+// What the command line says prevails over the preferences. The folder is the one that the program was called in.
+void applyOptions(appDelegate& controller, const ConsoleOptions& options, const QString& startFolder, bool mayAsk)
+{
+    controller.setReplacePolicy(replacePolicy(options.existing, mayAsk));
+    WindowModel& model = controller.model();
+    if (options.format >= 0) {
+        model.prefCheckMatrix.setSelectedSegment(options.format);
+    }
+    if (!options.output.isNull()) {
+        model.mainEncDstPathStr.setStringValue(QDir::cleanPath(QDir(startFolder).absoluteFilePath(options.output)));
+    } else if (model.mainEncDstPathStr.stringValue().isEmpty()) {
+        model.mainEncDstPathStr.setStringValue(startFolder);
+    }
+}
+
+void connectSignals(const UnixSignals& unixSignals, BatchRunner& runner)
+{
+    QObject::connect(&unixSignals, &UnixSignals::interrupted, &runner, &BatchRunner::interrupt);
+    QObject::connect(&unixSignals, &UnixSignals::terminated, &runner, &BatchRunner::terminate);
+    QObject::connect(&unixSignals, &UnixSignals::aboutToBeStopped, &runner, &BatchRunner::suspend);
+    QObject::connect(&unixSignals, &UnixSignals::continued, &runner, &BatchRunner::resume);
+}
+
+int runBatch(QCoreApplication& application, Services& services, const ConsoleOptions& options)
+{
+    // The start of the controller leaves the current folder.
+    const QStringList sources = absolutePaths(options.sources);
+    const QString startFolder = QDir::currentPath();
+    appDelegate controller(services.face());
+    if (!controller.awakeFromNib()) {
+        return exitSomeFailed;
+    }
+    controller.applicationDidFinishLaunching();
+    applyOptions(controller, options, startFolder, services.mayAsk());
+    const UnixSignals unixSignals;
+    BatchRunner runner(&controller, services.face(), services.reporter());
+    connectSignals(unixSignals, runner);
+    runner.start(sources);
+    const int status = application.exec();
+    controller.applicationWillTerminate();
+    return status;
+}
+
 int convert(QCoreApplication& application, const ConsoleOptions& options)
 {
-    const QStringList sources = absolutePaths(options.sources);
-    const QString folder = options.output.isNull() ? QString() : absolutePaths({options.output}).first();
-    const QString startFolder = QDir::currentPath();
     std::FILE* terminal = keptTerminal();
     if (terminal == nullptr) {
         std::perror("tavrix-batch");
         return exitSomeFailed;
     }
-    const bool mayAsk = ::isatty(STDIN_FILENO) != 0 && !options.json;
-    TextReporter textReporter(terminal, ::isatty(STDOUT_FILENO) != 0);
-    JsonReporter jsonReporter(terminal);
-    Reporter& reporter = options.json ? static_cast<Reporter&>(jsonReporter) : textReporter;
-    ConsoleFace face(&reporter, mayAsk);
-    setAlertPresenter(&face);
-    setDesktopServices(&face);
-    // Diagnostics belong in the detail log; what is written before it is open would only litter the terminal.
-    if (std::freopen("/dev/null", "a", stderr) == nullptr) {
-        return exitSomeFailed;
-    }
     int status = exitSomeFailed;
     {
-        appDelegate controller(&face);
-        if (controller.awakeFromNib()) {
-            controller.applicationDidFinishLaunching();
-            controller.setReplacePolicy(replacePolicy(options.existing, mayAsk));
-            WindowModel& model = controller.model();
-            if (options.format >= 0) {
-                model.prefCheckMatrix.setSelectedSegment(options.format);
-            }
-            if (!folder.isNull()) {
-                model.mainEncDstPathStr.setStringValue(folder);
-            } else if (model.mainEncDstPathStr.stringValue().isEmpty()) {
-                model.mainEncDstPathStr.setStringValue(startFolder);
-            }
-            UnixSignals unixSignals;
-            BatchRunner runner(&controller, &face, &reporter);
-            QObject::connect(&unixSignals, &UnixSignals::interrupted, &runner, &BatchRunner::interrupt);
-            QObject::connect(&unixSignals, &UnixSignals::terminated, &runner, &BatchRunner::terminate);
-            QObject::connect(&unixSignals, &UnixSignals::aboutToBeStopped, &runner, &BatchRunner::suspend);
-            QObject::connect(&unixSignals, &UnixSignals::continued, &runner, &BatchRunner::resume);
-            runner.start(sources);
-            status = application.exec();
-            controller.applicationWillTerminate();
+        Services services(terminal, options);
+        // Diagnostics belong in the detail log; what is written before it is open would only litter the terminal.
+        if (std::freopen("/dev/null", "a", stderr) != nullptr) {
+            status = runBatch(application, services, options);
         }
     }
-    setAlertPresenter(nullptr);
-    setDesktopServices(nullptr);
     std::fclose(terminal);
     return status;
 }
@@ -160,12 +207,10 @@ int main(int argc, char** argv)
         break;
     }
     if (const QString missing = missingSource(absolutePaths(options.sources)); !missing.isNull()) {
-        return wrongUsage(
-            formatText(localizedString(QStringLiteral("Con_missing"), QStringLiteral("Console")), {missing}));
+        return wrongUsage(formatText(consoleText("Con_missing"), {missing}));
     }
     if (!options.output.isNull() && !QDir().mkpath(absolutePaths({options.output}).first())) {
-        return wrongUsage(
-            formatText(localizedString(QStringLiteral("Con_badOutput"), QStringLiteral("Console")), {options.output}));
+        return wrongUsage(formatText(consoleText("Con_badOutput"), {options.output}));
     }
     return convert(application, options);
 }

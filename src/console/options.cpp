@@ -2,18 +2,13 @@
 
 #include "app/windowmodel.h"
 #include "base/format.h"
-#include "base/localisation.h"
+#include "console/consoletext.h"
 
 namespace tavrix
 {
 
 namespace
 {
-
-QString consoleText(const char* key)
-{
-    return localizedString(QLatin1String(key), QStringLiteral("Console"));
-}
 
 void setWrong(ConsoleOptions& options, const QString& error)
 {
@@ -127,8 +122,7 @@ QString consoleUsage()
 {
     QString usage = consoleText("Con_usage");
     for (int format = 0; format < outputFormatCount; ++format) {
-        usage += formatText(QStringLiteral("  %d  %@\n"),
-                            {format, localizedString(formatText(QStringLiteral("prefCaption%d"), {format}))});
+        usage += formatText(QStringLiteral("  %d  %@\n"), {format, formatCaption(format)});
     }
     return usage;
 }

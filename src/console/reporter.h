@@ -25,15 +25,20 @@ class Reporter
 {
 public:
     virtual ~Reporter() = default;
+    // Sources of one intake, before the first is analysed.
     virtual void queued(int count) = 0;
+    // Numbers of sources and rows count from 1; paths are full unless told otherwise.
     virtual void analysing(const QString& path, int number, int total) = 0;
     virtual void accepted(const QString& path, const QVariantMap& infos) = 0;
     virtual void rejected(const QString& path, const QString& reason) = 0;
+    // The source is the file's name.
     virtual void rowStarted(int number, int total, const QString& source) = 0;
-    virtual void rowProgress(double value, double maximum) = 0;
+    // Both in what the tool counts: seconds of the clip or percent.
+    virtual void rowProgress(float value, float maximum) = 0;
     virtual void rowFinished(int number, int total, const RowReport& row) = 0;
     // A message that the window would show as an alert; `answer` is what was answered for the user, or nothing.
     virtual void message(const QString& title, const QString& text, const QString& answer) = 0;
+    // The last call. `leftOut` counts what was no row; the folder is the one of the outputs.
     virtual void summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode) = 0;
 };
 

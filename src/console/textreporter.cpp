@@ -1,8 +1,8 @@
 #include "console/textreporter.h"
 
 #include "base/format.h"
-#include "base/localisation.h"
 #include "base/paths.h"
+#include "console/consoletext.h"
 #include "probe/cameraclip.h"
 
 #include <sys/ioctl.h>
@@ -19,11 +19,6 @@ namespace
 constexpr int defaultWidth = 80;
 constexpr int widestShownName = 60;
 constexpr qint64 redrawMilliseconds = 100;
-
-QString consoleText(const char* key)
-{
-    return localizedString(QLatin1String(key), QStringLiteral("Console"));
-}
 
 QString shownName(const QString& path)
 {
@@ -113,13 +108,13 @@ void TextReporter::rowStarted(int number, int total, const QString& source)
     }
 }
 
-void TextReporter::rowProgress(double value, double maximum)
+void TextReporter::rowProgress(float value, float maximum)
 {
     if (!terminal_ || (value < maximum && drawClock_.elapsed() < redrawMilliseconds)) {
         return;
     }
-    state_.value = value;
-    state_.maximum = maximum;
+    state_.value = static_cast<double>(value);
+    state_.maximum = static_cast<double>(maximum);
     state_.elapsed = static_cast<double>(rowClock_.elapsed()) / 1000;
     draw(progressLine(state_, terminalWidth() - 1));
     drawClock_.restart();

@@ -13,6 +13,8 @@ namespace tavrix
 namespace
 {
 
+constexpr const char* picturesPerGroup = "25";
+
 // One row's values on their way to an argument list.
 struct Job {
     QString source;
@@ -27,11 +29,6 @@ void addWords(QStringList& arguments, std::initializer_list<const char*> words)
     for (const char* word : words) {
         arguments.append(QLatin1String(word));
     }
-}
-
-QString framesPerGop()
-{
-    return QString::number(25);
 }
 
 // Devices that take these files show at most 30 pictures a second.
@@ -81,7 +78,7 @@ void addSmallScreen(QStringList& arguments, const Job& job)
     addWords(arguments, {"-vcodec", "mpeg4", "-vb", "250k"});
     addScale(arguments, job.aspect, "480:272,setdar=16:9", "368:272,setdar=4:3");
     addAac(arguments, "64k");
-    arguments.append({QStringLiteral("-g"), framesPerGop()});
+    addWords(arguments, {"-g", picturesPerGroup});
     addDestination(arguments, job);
     logDebug(QStringLiteral("argsArray fin - 0   : %@"), {arguments});
 }
@@ -95,7 +92,7 @@ void addH264(QStringList& arguments, const Job& job)
     addWords(arguments, {"-vcodec", "libx264", "-vb", "1400k", "-maxrate", "1500k"});
     addScale(arguments, job.aspect, "640:368,setdar=16:9", "480:368,setdar=4:3");
     addAac(arguments, "128k");
-    arguments.append({QStringLiteral("-g"), framesPerGop()});
+    addWords(arguments, {"-g", picturesPerGroup});
     addDestination(arguments, job);
     logDebug(QStringLiteral("argsArray fin - 1   : %@"), {arguments});
 }

@@ -97,8 +97,8 @@ void BatchDrawer::buildButtons(QHBoxLayout* line)
 {
     WindowModel& model = controller_.model();
     preview_ = new QPushButton(QStringLiteral("@@Win_preview"), this);
-    preview_->setObjectName(QStringLiteral("previewBt"));
     preview_->setAccessibleName(QStringLiteral("@@Win_acc_preview"));
+    bindControl(preview_, model.previewBt);
     connect(preview_, &QPushButton::clicked, this, &BatchDrawer::previewSelected);
     line->addWidget(preview_);
     line->addStretch(1);
@@ -113,6 +113,11 @@ void BatchDrawer::buildButtons(QHBoxLayout* line)
     connect(removeAll_, &QPushButton::clicked, this,
             [this, &model] { controller_.encBatchRemoveAll(&model.batchEncRemoveAllBt); });
     line->addWidget(removeAll_);
+}
+
+QList<QWidget*> BatchDrawer::tabOrder() const
+{
+    return {format_, list_, preview_, remove_, removeAll_};
 }
 
 void BatchDrawer::removeSelected()
@@ -161,9 +166,6 @@ void BatchDrawer::refreshHead()
     const bool any = selected >= 0 && selected < rows.count();
     const bool running = any && rows.row(selected).isCurrent();
     format_->setEnabled(any && !running);
-    preview_->setEnabled(any);
-    remove_->setEnabled(any && controller_.model().batchEncRemoveBt.isEnabled());
-    removeAll_->setEnabled(rows.count() > 0 && controller_.model().batchEncRemoveAllBt.isEnabled());
     format_->setCurrentIndex(any ? rows.row(selected).out : -1);
 }
 

@@ -22,6 +22,9 @@ public:
     explicit BatchDrawer(appDelegate& controller, QWidget* parent = nullptr);
 
     [[nodiscard]] RowDetails& details() const { return *details_; }
+    // The widgets that take the focus, in the order of the Tab key.
+    [[nodiscard]] QList<QWidget*> tabOrder() const;
+    // Both do nothing when no row is selected.
     void removeSelected();
     void previewSelected();
 

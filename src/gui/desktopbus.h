@@ -19,6 +19,7 @@ class BusDesktopServices : public QObject, public DesktopServices
 {
     Q_OBJECT
 public:
+    // Without a fallback the system's own opener.
     explicit BusDesktopServices(const QDBusConnection& bus, std::unique_ptr<DesktopServices> fallback = nullptr);
     ~BusDesktopServices() override;
 
@@ -40,6 +41,7 @@ public:
     explicit SleepInhibitor(const QDBusConnection& bus, QObject* parent = nullptr);
     ~SleepInhibitor() override;
 
+    // The reason is shown by the desktop to who asks why the machine does not sleep.
     void setInhibited(bool inhibited, const QString& reason = QString());
 
 private:

@@ -21,6 +21,7 @@ public:
     [[nodiscard]] appDelegate* delegate() const;
     // Not owned; null takes no drop.
     void setDelegate(appDelegate* delegate);
+    // Name of an image of the resources; nothing shows none.
     void setImageName(const QString& imageName);
     [[nodiscard]] QString imageName() const { return imageName_; }
     // Local files of a drag, in its order; files of other machines and web addresses are left out.

@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace tavrix
@@ -87,13 +88,18 @@ void DropPanel::buildAnalysisLine()
     number->setAlignment(Qt::AlignCenter);
     number->setAccessibleName(QStringLiteral("@@Win_acc_analysisNumber"));
     line->addWidget(number);
-    auto* stop = new SegmentedView(model.analyseStopBt.segmentCount(), view_);
-    bindSegments(stop, model.analyseStopBt, [this] { controller_.iba_analysisStopBt(); });
-    stop->setAccessibleName(QStringLiteral("@@Win_acc_analysisStop"));
-    stop->setCursor(Qt::ArrowCursor);
-    line->addWidget(stop);
+    stop_ = new SegmentedView(model.analyseStopBt.segmentCount(), view_);
+    bindSegments(stop_, model.analyseStopBt, [this] { controller_.iba_analysisStopBt(); });
+    stop_->setAccessibleName(QStringLiteral("@@Win_acc_analysisStop"));
+    stop_->setCursor(Qt::ArrowCursor);
+    line->addWidget(stop_);
     line->addStretch(1);
     static_cast<QVBoxLayout*>(view_->layout())->addLayout(line);
+}
+
+QList<QWidget*> DropPanel::tabOrder() const
+{
+    return {view_, stop_->segment(0)};
 }
 
 void DropPanel::askWhat()

@@ -5,28 +5,18 @@
 #include "gui/elidedlabel.h"
 #include "gui/folderline.h"
 #include "gui/segmentedview.h"
+#include "gui/steplabel.h"
 #include "gui/windowtext.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace tavrix
 {
-
-namespace
-{
-
-QLabel* stepLabel(const char* key, QWidget* parent)
-{
-    auto* label = new QLabel(QLatin1String(key), parent);
-    label->setProperty("role", QStringLiteral("step"));
-    return label;
-}
-
-} // namespace
 
 EncodePanel::EncodePanel(appDelegate& controller, QWidget* parent) : QWidget(parent), controller_(controller)
 {
@@ -46,8 +36,10 @@ void EncodePanel::buildDestination(QVBoxLayout* layout)
 {
     WindowModel& model = controller_.model();
     layout->addWidget(stepLabel("@@Win_destination", this));
-    layout->addWidget(
-        new FolderLine(controller_, model.mainEncDstPathStr, model.mainEncDstSelectBt, model.mainEncDstRevealBt, this));
+    auto* folder =
+        new FolderLine(controller_, model.mainEncDstPathStr, model.mainEncDstSelectBt, model.mainEncDstRevealBt, this);
+    layout->addWidget(folder);
+    order_ << folder->tabOrder();
 }
 
 void EncodePanel::buildFormat(QVBoxLayout* layout)
@@ -66,6 +58,7 @@ void EncodePanel::buildFormat(QVBoxLayout* layout)
     change->setAccessibleName(QStringLiteral("@@Win_acc_changeFormat"));
     connect(change, &QPushButton::clicked, this, [this] { controller_.iba_menuPref(); });
     line->addWidget(change);
+    order_ << change;
     layout->addLayout(line);
 }
 
@@ -91,6 +84,7 @@ void EncodePanel::buildStart(QVBoxLayout* layout)
     bindControl(start, model.batchEncGoBt);
     connect(start, &QPushButton::clicked, this, [this] { controller_.iba_batchEncGoBt(); });
     line->addWidget(start);
+    order_ << drawer << start;
     layout->addLayout(line);
 }
 
@@ -125,6 +119,9 @@ void EncodePanel::buildProgress(QVBoxLayout* layout)
     control->setAccessibleName(QStringLiteral("@@Win_acc_encodeControl"));
     bindSegments(control, model.encStopBt, [this, &model] { controller_.iba_encStopBt(&model.encStopBt); });
     line->addWidget(control);
+    for (int i = 0; i < control->segmentCount(); ++i) {
+        order_ << control->segment(i);
+    }
     layout->addLayout(line);
 }
 

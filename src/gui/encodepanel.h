@@ -16,6 +16,9 @@ class EncodePanel : public QWidget
 public:
     explicit EncodePanel(appDelegate& controller, QWidget* parent = nullptr);
 
+    // The widgets that take the focus, in the order of the Tab key.
+    [[nodiscard]] QList<QWidget*> tabOrder() const { return order_; }
+
 private:
     void buildDestination(QVBoxLayout* layout);
     void buildFormat(QVBoxLayout* layout);
@@ -23,6 +26,7 @@ private:
     void buildProgress(QVBoxLayout* layout);
 
     appDelegate& controller_;
+    QList<QWidget*> order_; // as they are built, from top to bottom
 };
 
 } // namespace tavrix

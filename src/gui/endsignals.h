@@ -16,7 +16,7 @@ public:
     ~EndSignals() override;
 
 Q_SIGNALS:
-    void received();
+    void received(); // once for each signal
 
 private:
     QSocketNotifier* notifier_ = nullptr;

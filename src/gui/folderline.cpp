@@ -36,6 +36,7 @@ FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& s
     bindControl(show, reveal);
     connect(show, &QPushButton::clicked, this, [&controller, &reveal] { controller.iba_OpenFolder(&reveal); });
     layout->addWidget(show);
+    order_ = {edit, choose, show};
     setFocusProxy(edit);
 }
 

@@ -16,6 +16,12 @@ class FolderLine : public QWidget
 public:
     FolderLine(appDelegate& controller, TextField& field, StateButton& select, StateButton& reveal,
                QWidget* parent = nullptr);
+
+    // The widgets that take the focus, in the order of the Tab key.
+    [[nodiscard]] QList<QWidget*> tabOrder() const { return order_; }
+
+private:
+    QList<QWidget*> order_;
 };
 
 } // namespace tavrix

@@ -23,10 +23,12 @@ public:
     HelpWindow();
     ~HelpWindow() override;
 
+    // Brings the window up with the movie, or with the pages where no movie can be played.
     void showHelp();
     void showPages();
     void showMovie();
     [[nodiscard]] bool showsMovie() const;
+    // From 1.
     [[nodiscard]] int page() const { return page_; }
     // Path of the movie in the language in force, else in English; nothing when the build has made none.
     [[nodiscard]] static QString moviePath();

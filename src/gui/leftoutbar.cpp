@@ -42,6 +42,11 @@ LeftOutBar::LeftOutBar(appDelegate& controller, QWidget* parent)
     showNotice(QStringLiteral("@@Win_welcome"));
 }
 
+QList<QWidget*> LeftOutBar::tabOrder() const
+{
+    return {button_};
+}
+
 void LeftOutBar::listen()
 {
     connect(&controller_, &appDelegate::intakeBegan, this, [this] {

@@ -23,7 +23,9 @@ class LeftOutBar : public QWidget
 public:
     explicit LeftOutBar(appDelegate& controller, QWidget* parent = nullptr);
 
-    [[nodiscard]] int leftOutCount() const { return static_cast<int>(leftOut_.size()); }
+    // The widgets that take the focus, in the order of the Tab key.
+    [[nodiscard]] QList<QWidget*> tabOrder() const;
+    // One line about what has just happened; nothing clears it.
     void showNotice(const QString& text);
 
 private:

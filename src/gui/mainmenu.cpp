@@ -150,17 +150,12 @@ void MainMenu::buildRowItems(QMenu* menu)
     QAction* removeAll =
         add(menu, "menuRemoveAll", "@@Win_menuRemoveAll", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete),
             [this, &model] { controller_.encBatchRemoveAll(&model.batchEncRemoveAllBt); });
-    const auto refresh = [preview, remove, removeAll, &rows] {
-        const bool any = rows.selectedRow() >= 0 && rows.selectedRow() < rows.count();
-        preview->setEnabled(any);
-        remove->setEnabled(any);
-        removeAll->setEnabled(rows.count() > 0);
+    const auto bindEnabled = [](QAction* action, StateButton& control) {
+        follow(control, action, [action, &control] { action->setEnabled(control.isEnabled()); });
     };
-    connect(&rows, &BatchList::selectionChanged, this, refresh);
-    connect(&rows, &QAbstractItemModel::rowsInserted, this, refresh);
-    connect(&rows, &QAbstractItemModel::rowsRemoved, this, refresh);
-    connect(&rows, &QAbstractItemModel::modelReset, this, refresh);
-    refresh();
+    bindEnabled(preview, model.previewBt);
+    bindEnabled(remove, model.batchEncRemoveBt);
+    bindEnabled(removeAll, model.batchEncRemoveAllBt);
 }
 
 void MainMenu::buildWindowMenu(QMenuBar* bar)

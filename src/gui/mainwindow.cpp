@@ -46,7 +46,8 @@ MainWindow::MainWindow(appDelegate& controller) : controller_(controller)
     setWindowTitle(QStringLiteral("@@Win_title"));
     setWindowIcon(imageNamed(QStringLiteral("tavrix")));
     build();
-    new MainMenu(controller_, *this);
+    auto* menu = new MainMenu(controller_, *this);
+    menu->setObjectName(QStringLiteral("mainMenu"));
     preferences_ = new PreferencesSheet(controller_, this);
     watchTheme();
     watchDrawer();
@@ -75,7 +76,8 @@ QHBoxLayout* MainWindow::buildUpper()
     connect(drop_, &DropPanel::chooseFiles, this, &MainWindow::chooseFiles);
     connect(drop_, &DropPanel::chooseFolder, this, &MainWindow::chooseFolder);
     upper->addWidget(drop_, 4);
-    upper->addWidget(new EncodePanel(controller_, this), 5);
+    encode_ = new EncodePanel(controller_, this);
+    upper->addWidget(encode_, 5);
     return upper;
 }
 
@@ -129,26 +131,9 @@ void MainWindow::watchTheme()
 
 void MainWindow::setOrder()
 {
-    QWidget* previous = drop_->dropView();
-    const QStringList order{QStringLiteral("analyseStopBt.0"),
-                            QStringLiteral("mainEncDstPathStr"),
-                            QStringLiteral("mainEncDstSelectBt"),
-                            QStringLiteral("mainEncDstRevealBt"),
-                            QStringLiteral("changeFormatBt"),
-                            QStringLiteral("drawerToggleBt"),
-                            QStringLiteral("batchEncGoBt"),
-                            QStringLiteral("encStopBt.0"),
-                            QStringLiteral("encStopBt.1"),
-                            QStringLiteral("rowFormatBt"),
-                            QStringLiteral("encBatchArrayController"),
-                            QStringLiteral("previewBt"),
-                            QStringLiteral("batchEncRemoveBt"),
-                            QStringLiteral("batchEncRemoveAllBt"),
-                            QStringLiteral("leftOutBt")};
-    for (const QString& name : order) {
-        auto* next = centralWidget()->findChild<QWidget*>(name);
-        setTabOrder(previous, next);
-        previous = next;
+    const QList<QWidget*> order = drop_->tabOrder() + encode_->tabOrder() + drawer_->tabOrder() + foot_->tabOrder();
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        setTabOrder(order.at(i - 1), order.at(i));
     }
     drop_->dropView()->setFocus();
 }

@@ -12,6 +12,7 @@ namespace tavrix
 class appDelegate;
 class BatchDrawer;
 class DropPanel;
+class EncodePanel;
 class LeftOutBar;
 class PreferencesSheet;
 
@@ -24,7 +25,9 @@ public:
 
     // Makes the controller the delegate of the drop area.
     void takeDrops();
+    // Replaces the marked texts by those of the language in force.
     void localise();
+    // Choosers whose answer is taken in like a drop.
     void chooseFiles();
     void chooseFolder();
     void showAbout();
@@ -47,6 +50,7 @@ private:
 
     appDelegate& controller_;
     DropPanel* drop_ = nullptr;
+    EncodePanel* encode_ = nullptr;
     BatchDrawer* drawer_ = nullptr;
     LeftOutBar* foot_ = nullptr;
     PreferencesSheet* preferences_ = nullptr;

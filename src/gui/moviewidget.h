@@ -31,13 +31,14 @@ public:
     void movieSettingsChanged() override;
 
     [[nodiscard]] bool isPlaying() const;
+    // The file cannot be played.
     [[nodiscard]] bool hasFailed() const { return failed_; }
     [[nodiscard]] bool hasFrame() const { return !frame_.isNull(); }
 
 Q_SIGNALS:
     void playingChanged(bool playing);
     void positionChanged();
-    void firstFrame();
+    void firstFrame(); // the first picture of the movie is there
     void failed();
 
 protected:

@@ -5,6 +5,7 @@
 #include "gui/folderline.h"
 #include "gui/images.h"
 #include "gui/segmentedview.h"
+#include "gui/steplabel.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -14,18 +15,6 @@
 
 namespace tavrix
 {
-
-namespace
-{
-
-QLabel* heading(const char* key, QWidget* parent)
-{
-    auto* label = new QLabel(QLatin1String(key), parent);
-    label->setProperty("role", QStringLiteral("step"));
-    return label;
-}
-
-} // namespace
 
 PreferencesSheet::PreferencesSheet(appDelegate& controller, QWidget* parent) : QDialog(parent), controller_(controller)
 {
@@ -49,7 +38,7 @@ PreferencesSheet::PreferencesSheet(appDelegate& controller, QWidget* parent) : Q
 void PreferencesSheet::buildFormat(QVBoxLayout* layout)
 {
     WindowModel& model = controller_.model();
-    layout->addWidget(heading("@@Win_formatOfNew", this));
+    layout->addWidget(stepLabel("@@Win_formatOfNew", this));
     formats_ = new SegmentedView(outputFormatCount, this);
     for (int out = 0; out < outputFormatCount; ++out) {
         formats_->setLabel(out, QStringLiteral("@@Win_format%1").arg(out));
@@ -70,7 +59,7 @@ void PreferencesSheet::buildFormat(QVBoxLayout* layout)
 void PreferencesSheet::buildDestination(QVBoxLayout* layout)
 {
     WindowModel& model = controller_.model();
-    layout->addWidget(heading("@@Win_defaultDestination", this));
+    layout->addWidget(stepLabel("@@Win_defaultDestination", this));
     layout->addWidget(new FolderLine(controller_, model.prefDefautDstPathStr, model.prefDefautDstSelectBt,
                                      model.prefDefautDstRevealBt, this));
 }
@@ -78,7 +67,7 @@ void PreferencesSheet::buildDestination(QVBoxLayout* layout)
 void PreferencesSheet::buildColor(QVBoxLayout* layout)
 {
     WindowModel& model = controller_.model();
-    layout->addWidget(heading("@@Win_color", this));
+    layout->addWidget(stepLabel("@@Win_color", this));
     auto* line = new QHBoxLayout;
     auto* colors = new SegmentedView(colorThemeCount, this);
     colors->setImageSize({36, 24});

@@ -17,8 +17,10 @@ public:
     explicit SegmentedView(int segments, QWidget* parent = nullptr);
 
     [[nodiscard]] int segmentCount() const { return static_cast<int>(buttons_.size()); }
+    // Null for an index out of range.
     [[nodiscard]] QToolButton* segment(int index) const { return buttons_.value(index); }
     [[nodiscard]] QString label(int segment) const;
+    // Out of range is ignored.
     void setLabel(int segment, const QString& text);
     void setImageName(int segment, const QString& imageName);
     void setImageSize(const QSize& size);

@@ -12,6 +12,7 @@ class SlideView : public QWidget
     Q_OBJECT
 public:
     explicit SlideView(QWidget* parent = nullptr);
+    // A drawing in SVG; empty shows nothing.
     void setSlide(const QByteArray& drawing);
 
 protected:

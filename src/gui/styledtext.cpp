@@ -4,9 +4,11 @@
 #include "gui/images.h"
 
 #include <QComboBox>
-#include <QLabel>
 
 namespace tavrix
+{
+
+namespace
 {
 
 QColor colorNamed(const QString& name)
@@ -23,6 +25,8 @@ QColor colorNamed(const QString& name)
     }
     return {0, 0, 0};
 }
+
+} // namespace
 
 StyledText colorizedStr(const QString& text, const QString& colorName)
 {
@@ -42,17 +46,6 @@ StyledText monospaceFontColorStr(const QString& text, const QStringList& specifi
         styled.format.setFontPointSize(size);
     }
     return styled;
-}
-
-void showStyledText(QLabel* label, const StyledText& styled)
-{
-    label->setTextFormat(Qt::PlainText);
-    label->setFont(styled.format.font());
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, styled.format.foreground().color());
-    label->setPalette(palette);
-    label->setWordWrap(styled.wrapMode != QTextOption::NoWrap);
-    label->setText(label->fontMetrics().elidedText(styled.text, styled.elideMode, label->width()));
 }
 
 void menuImage(const QString& imageName, QComboBox* popUpButton)

@@ -6,7 +6,6 @@
 #include <QTextLayout>
 
 class QComboBox;
-class QLabel;
 
 // Texts with colour and font for the log and status areas, and images on pop-up menus.
 namespace tavrix
@@ -20,12 +19,10 @@ struct StyledText {
     Qt::TextElideMode elideMode = Qt::ElideRight;
 };
 
-// "red", "white", "gray" and "black" in either case; any other name, or nothing, is black. Opaque.
-[[nodiscard]] QColor colorNamed(const QString& name);
+// Colours are "red", "white", "gray" and "black" in either case; any other name, or nothing, is black. Opaque.
 [[nodiscard]] StyledText colorizedStr(const QString& text, const QString& colorName);
 // The specification is [font name, size, colour name]; missing items are "Lucida Grande", 13 and black.
 [[nodiscard]] StyledText monospaceFontColorStr(const QString& text, const QStringList& specification);
-void showStyledText(QLabel* label, const StyledText& styled);
 
 // The selected item of the pop-up button loses its title and shows the image of the resources instead.
 void menuImage(const QString& imageName, QComboBox* popUpButton);

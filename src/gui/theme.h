@@ -25,6 +25,7 @@ struct Theme {
 [[nodiscard]] const Theme& themeAt(int index);
 // Number at the end of a theme image's name ("color2" is 2); 0 for any other name.
 [[nodiscard]] int themeIndexOfImage(const QString& imageName);
+// What the toolkit's own widgets take, and what goes beyond that.
 [[nodiscard]] QPalette themePalette(const Theme& theme);
 [[nodiscard]] QString themeStyleSheet(const Theme& theme);
 // Contrast of two opaque colours between 1 and 21, as the accessibility guidelines compute it.

@@ -12,8 +12,8 @@ class WheelView : public QWidget
     Q_OBJECT
 public:
     explicit WheelView(QWidget* parent = nullptr);
+    // Starts or stops the turning; a wheel that stands still is not drawn.
     void setSpinning(bool spinning);
-    [[nodiscard]] bool isSpinning() const { return timer_.isActive(); }
     [[nodiscard]] QSize sizeHint() const override { return {24, 24}; }
 
 protected:

@@ -57,6 +57,16 @@ void resetProcessState(const QString& temporaryFolder)
     setFreeSpaceForTests(1000000);
 }
 
+QString alertEvent(const char* key)
+{
+    return QStringLiteral("alert:") + localizedString(QLatin1String(key));
+}
+
+QString sheetEvent(const char* key)
+{
+    return QStringLiteral("sheet:") + localizedString(QLatin1String(key));
+}
+
 ControllerTest::ControllerTest()
 {
     resetProcessState(folder.makeFolder(QStringLiteral("temporary")) + u'/');

@@ -30,6 +30,10 @@ private:
 // Settings, preferences and gate as a fresh start finds them, with folders of the test's own.
 void resetProcessState(const QString& temporaryFolder);
 
+// What the face writes down of an alert or a sheet whose title has that key.
+[[nodiscard]] QString alertEvent(const char* key);
+[[nodiscard]] QString sheetEvent(const char* key);
+
 // A controller with a face and tools that are pretended, ready to take drops; its start checks are skipped.
 class ControllerTest : public testing::Test
 {

@@ -157,7 +157,7 @@ TEST_F(DropWhileEncoding, StopOfTheBatchDuringTheAnalysisEndsItAfterwards)
     EXPECT_TRUE(controller->isAnalysing());
     ASSERT_TRUE(tools.finishAll());
     EXPECT_TEXT(icons(), QStringLiteral("puceFailure puce"));
-    EXPECT_EQ(face.count(QStringLiteral("sheet:All done: the batch has ended")), 1);
+    EXPECT_EQ(face.count(sheetEvent("D_fin_GUI")), 1);
     EXPECT_EQ(tools.count(ToolKind::Encode), 1);
     expectIdle();
 }

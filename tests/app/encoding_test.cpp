@@ -182,7 +182,7 @@ TEST_F(Encoding, FailedLaunchFailsTheRowAndTheNextOneFollows)
     EXPECT_EQ(face.count(QStringLiteral("beep")), 2);
     // The beep belongs to the launch, so it sounds before the end is shown.
     EXPECT_TEXT(face.events.value(0), QStringLiteral("beep"));
-    EXPECT_LT(face.events.lastIndexOf(QStringLiteral("beep")), face.events.indexOf(endSheet));
+    EXPECT_LT(face.events.lastIndexOf(QStringLiteral("beep")), face.events.indexOf(endSheet()));
     EXPECT_TRUE(log.contains(QStringLiteral("Erreur au lancement = 3")));
     expectNormalEnd();
 }

@@ -13,7 +13,10 @@
 namespace tavrix::test
 {
 
-inline const QString endSheet = QStringLiteral("sheet:All done: the batch has ended");
+inline QString endSheet()
+{
+    return sheetEvent("D_fin_GUI");
+}
 
 class Encoding : public ControllerTest
 {
@@ -31,9 +34,9 @@ protected:
         EXPECT_EQ(ends, 1);
         EXPECT_EQ(stoppedEnds, 0);
         EXPECT_TRUE(log.contains(QStringLiteral("enc fini :-)")));
-        const qsizetype sheet = face.events.indexOf(endSheet);
+        const qsizetype sheet = face.events.indexOf(endSheet());
         EXPECT_GE(sheet, 0);
-        EXPECT_EQ(face.count(endSheet), 1);
+        EXPECT_EQ(face.count(endSheet()), 1);
         EXPECT_TEXT(face.events.value(sheet + 1), QStringLiteral("open:") + events);
         EXPECT_TEXT(prefRead(pref::encCurrentProcessingFile), QStringLiteral(""));
         expectIdle();

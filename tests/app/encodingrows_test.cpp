@@ -14,7 +14,7 @@ TEST_F(Encoding, VanishedFirstSource)
     QFile::remove(sources.at(0));
     runBatch();
     EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceSuccess"));
-    EXPECT_EQ(face.count(QStringLiteral("alert:A clip has disappeared")), 1);
+    EXPECT_EQ(face.count(alertEvent("D_batch_2")), 1);
     EXPECT_EQ(rows().row(0).order, 1);
     expectNormalEnd();
 }
@@ -69,7 +69,7 @@ TEST_F(Encoding, AllSourcesVanished)
     }
     runBatch();
     EXPECT_EQ(rows().count(), 0);
-    EXPECT_EQ(face.count(QStringLiteral("alert:A clip has disappeared")), 4);
+    EXPECT_EQ(face.count(alertEvent("D_batch_2")), 4);
     expectNormalEnd();
 }
 
@@ -104,7 +104,7 @@ TEST_F(Encoding, NotEnoughSpaceFailsTheRow)
     setFreeSpaceForTests(1);
     runBatch();
     EXPECT_TEXT(icons(), QStringLiteral("puceFailure puceFailure"));
-    EXPECT_EQ(face.count(QStringLiteral("alert:Keep")), 2);
+    EXPECT_EQ(face.count(alertEvent("D_keep")), 2);
     EXPECT_TEXT(face.alerts.first().text, QStringLiteral("Keep"));
     EXPECT_EQ(face.alerts.first().seconds, 0);
     EXPECT_FALSE(resumeLog().contains(QStringLiteral("----------")));
@@ -146,8 +146,7 @@ TEST_F(Encoding, NoDestinationAsksForAFolder)
     face.events.clear();
     model().mainEncDstPathStr.setStringValue(QString());
     pressStart();
-    EXPECT_TEXTS(face.events,
-                 QStringList({QStringLiteral("alert:Please choose a destination folder"), QStringLiteral("choose")}));
+    EXPECT_TEXTS(face.events, QStringList({alertEvent("D_go_dossier_destination1"), QStringLiteral("choose")}));
     EXPECT_EQ(model().batchEncGoBt.state(), 0);
     EXPECT_TRUE(model().batchEncGoBt.isEnabled());
     face.folders << destination;
@@ -175,8 +174,7 @@ TEST_F(Encoding, MissingDestinationWithoutDefaultAsks)
     model().mainEncDstPathStr.setStringValue(folder.path(QStringLiteral("gone")));
     face.events.clear();
     pressStart();
-    EXPECT_TEXTS(face.events, QStringList({QStringLiteral("alert:The destination folder cannot be found"),
-                                           QStringLiteral("choose")}));
+    EXPECT_TEXTS(face.events, QStringList({alertEvent("D_go_dossier_destination2"), QStringLiteral("choose")}));
     EXPECT_TEXT(model().mainEncDstPathStr.stringValue(), folder.path(QStringLiteral("gone")));
     EXPECT_FALSE(itemExists(folder.path(QStringLiteral("gone"))));
     EXPECT_TRUE(tools.running().isEmpty());
@@ -204,7 +202,7 @@ TEST_F(Encoding, DestinationClearedDuringTheBatchFailsTheNextRow)
     ASSERT_TRUE(tools.finishAll());
     EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceFailure"));
     EXPECT_FALSE(itemExists(QStringLiteral("/Tavrix events")));
-    EXPECT_EQ(face.count(QStringLiteral("sheet:Please choose a destination folder")), 1);
+    EXPECT_EQ(face.count(sheetEvent("D_go_dossier_destination1")), 1);
     EXPECT_EQ(ends, 1);
     expectIdle();
 }

@@ -15,7 +15,7 @@ namespace
 class Menus : public ControllerTest
 {
 protected:
-    const QString askForFolder = QStringLiteral("sheet:Please choose a destination folder");
+    const QString askForFolder = sheetEvent("D_go_dossier_destination1");
 };
 
 struct RevealRow {
@@ -47,7 +47,7 @@ TEST_P(Reveal, OpensTheDestination)
     model().mainEncDstPathStr.setStringValue(path);
     controller->iba_OpenFolder(&model().mainEncDstRevealBt);
     EXPECT_TEXTS(face.events, QStringList(GetParam().opened == nullptr
-                                              ? QStringLiteral("sheet:Please choose a destination folder")
+                                              ? sheetEvent("D_go_dossier_destination1")
                                               : QStringLiteral("open:") + folder.path(text(GetParam().opened))));
 }
 

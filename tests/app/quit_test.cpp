@@ -15,7 +15,10 @@ namespace
 
 constexpr int cancelButton = 0;
 constexpr int quitButton = 1;
-const QString question = QStringLiteral("alert:A conversion is still running. Quit all the same?");
+QString question()
+{
+    return alertEvent("D_quit_1");
+}
 
 class Quit : public ControllerTest
 {
@@ -40,7 +43,7 @@ protected:
         EXPECT_EQ(rows().count(), 0);
         EXPECT_FALSE(itemExists(folder.path(QStringLiteral("temporary"))));
         EXPECT_EQ(face.count(QStringLiteral("terminate")), 1);
-        EXPECT_EQ(face.count(QStringLiteral("sheet:All done: the batch has ended")), 0);
+        EXPECT_EQ(face.count(sheetEvent("D_fin_GUI")), 0);
         const qsizetype launches = tools.launches.size();
         controller->applicationWillTerminate();
         controller->iba_menuQuit();
@@ -82,7 +85,7 @@ TEST_F(Quit, CancelledChangesNothing)
         face.answer(button);
         controller->iba_menuQuit();
     }
-    EXPECT_EQ(face.count(question), 2);
+    EXPECT_EQ(face.count(question()), 2);
     EXPECT_EQ(face.alerts.first().seconds, 20);
     EXPECT_TEXTS(face.alerts.first().buttons, QStringList({QStringLiteral("Cancel"), QStringLiteral("Quit")}));
     EXPECT_FALSE(controller->isQuitting());
@@ -142,7 +145,7 @@ TEST_F(Quit, WhileAnalysingEndsTheChildAndKeepsTheQueue)
     sources = makeClips(2);
     controller->draggedFiles(sources);
     controller->iba_menuQuit();
-    EXPECT_EQ(face.count(question), 0);
+    EXPECT_EQ(face.count(question()), 0);
     EXPECT_TEXT(prefRead(pref::analysisSrcPathStr), sources.at(0));
     EXPECT_TEXT(prefReadChildDico(pref::analysisSrcPathesDico, QStringLiteral("0")), sources.at(1));
     expectGone();
@@ -258,7 +261,7 @@ TEST_F(Quit, UnderTheAlertAboutTheSecondPassLeavesNothingOfTheFirst)
     setFreeSpaceForTests(1);
     quitUnderAnAlert();
     ASSERT_TRUE(tools.finish(ToolKind::Encode));
-    EXPECT_EQ(face.count(QStringLiteral("alert:The second step of the conversion could not be started")), 1);
+    EXPECT_EQ(face.count(alertEvent("D_go_echec_disque4")), 1);
     EXPECT_TEXTS(QDir(events).entryList(QDir::Files | QDir::Hidden), QStringList());
     EXPECT_EQ(rowsAfterTheQuit, 0);
     expectGone();
@@ -313,7 +316,7 @@ TEST_F(Quit, LastWindowGoesThroughTheQuestion)
     begin(1);
     face.answer(cancelButton);
     EXPECT_FALSE(controller->applicationShouldTerminateAfterLastWindowClosed());
-    EXPECT_EQ(face.count(question), 1);
+    EXPECT_EQ(face.count(question()), 1);
     EXPECT_TRUE(log.contains(QStringLiteral("applicationShouldTerminateAfterLastWindowClosed")));
 }
 

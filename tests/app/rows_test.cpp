@@ -85,8 +85,7 @@ TEST_F(RemovingRows, ButtonMayNotRemoveTheRowThatIsEncoded)
     pressStart();
     remove(0);
     EXPECT_EQ(rows().count(), 2);
-    EXPECT_TEXTS(face.events, QStringList(QStringLiteral("sheet:This clip is being converted. Stop the conversion "
-                                                         "before you remove it.")));
+    EXPECT_TEXTS(face.events, QStringList(sheetEvent("D_batch_1")));
     ASSERT_TRUE(tools.finishAll());
     expectIdle();
 }

@@ -180,7 +180,7 @@ TEST_F(SecondPass, NotEnoughSpaceForItFailsTheRowWithAnAlert)
     begin(4, 2);
     setFreeSpaceForTests(1);
     ASSERT_TRUE(tools.finish(ToolKind::Encode));
-    EXPECT_EQ(face.count(QStringLiteral("alert:The second step of the conversion could not be started")), 1);
+    EXPECT_EQ(face.count(alertEvent("D_go_echec_disque4")), 1);
     EXPECT_TEXT(rows().row(0).resultat, rowIcon::failure);
     EXPECT_EQ(tools.count(ToolKind::SecondPass), 0);
     EXPECT_TRUE(eventFiles().isEmpty());

@@ -186,7 +186,7 @@ TEST_F(StartUp, SecondCopyIsRefusedAndTheFirstIsUntouched)
 
     appDelegate second(&face);
     EXPECT_FALSE(second.awakeFromNib());
-    EXPECT_TEXTS(face.events, QStringList(QStringLiteral("alert:Tavrix is already running")));
+    EXPECT_TEXTS(face.events, QStringList(alertEvent("D_appAlreadyOpened_1")));
     EXPECT_TRUE(log.contains(QStringLiteral("TVX's number of copy :-( 2")));
     EXPECT_TRUE(itemExists(temporary + QStringLiteral("kept")));
     EXPECT_TRUE(resumeLog().endsWith(QLatin1String("first")));
@@ -209,7 +209,7 @@ TEST_F(StartUp, InstallPathWithABackslashIsRefusedBeforeAnyToolRuns)
     resources.makeTool(QStringLiteral("ffmpeg"), "touch '" + proof.toUtf8() + "'\n");
     prefWrite(pref::encDeb, 1);
     EXPECT_FALSE(start(true));
-    EXPECT_TEXTS(face.events, QStringList(QStringLiteral("alert:Tavrix cannot run from this folder")));
+    EXPECT_TEXTS(face.events, QStringList(alertEvent("D_TXpref_ouvert_2")));
     EXPECT_TRUE(log.contains(QStringLiteral("TVX's path contains character '\\' :-( ") + resources.root()));
     EXPECT_FALSE(itemExists(proof));
     EXPECT_TEXT(prefRead(pref::encDeb), QStringLiteral("1"));

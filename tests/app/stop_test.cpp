@@ -14,8 +14,15 @@ using namespace tavrix::test;
 namespace
 {
 
-const QString end = QStringLiteral("sheet:All done: the batch has ended");
-const QString stopped = QStringLiteral("alert:The conversion was stopped");
+QString endSheet()
+{
+    return sheetEvent("D_fin_GUI");
+}
+
+QString stopAlert()
+{
+    return alertEvent("D_action_stop");
+}
 
 class Stop : public ControllerTest
 {
@@ -33,9 +40,9 @@ protected:
     void expectStoppedEnd()
     {
         EXPECT_EQ(ends, QList<bool>{true});
-        EXPECT_EQ(face.count(stopped), 1);
-        EXPECT_EQ(face.count(end), 1);
-        EXPECT_GT(face.events.indexOf(end), face.events.indexOf(stopped));
+        EXPECT_EQ(face.count(stopAlert()), 1);
+        EXPECT_EQ(face.count(endSheet()), 1);
+        EXPECT_GT(face.events.indexOf(endSheet()), face.events.indexOf(stopAlert()));
         EXPECT_TEXT(face.events.last(), QStringLiteral("open:") + events);
         EXPECT_TEXT(prefRead(pref::encCurrentProcessingFile), QStringLiteral("cancel"));
         EXPECT_EQ(controller->encBatchInprogressRowIdentification(), -1);

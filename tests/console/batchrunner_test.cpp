@@ -84,12 +84,6 @@ protected:
     BatchRunner runner{&controller, &face, &reporter};
 };
 
-TEST_F(BatchRunnerTest, progressKeepsItsShortNumbers)
-{
-    Q_EMIT controller.rowProgress(0, 0.02F, 60.1F);
-    EXPECT_TEXTS(reporter.notes, QStringList({text("progress 0.02 of 60.1")}));
-}
-
 TEST_F(BatchRunnerTest, convertsEverythingAndQuits)
 {
     start({clip("a.mts"), clip("b.mts")});

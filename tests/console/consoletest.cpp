@@ -57,7 +57,7 @@ void NotingReporter::rowStarted(int number, int total, const QString& source)
     notes << formatText(QStringLiteral("started %d/%d %@"), {number, total, source});
 }
 
-void NotingReporter::rowProgress(double value, double maximum)
+void NotingReporter::rowProgress(float value, float maximum)
 {
     notes << formatText(QStringLiteral("progress %@ of %@"), {value, maximum});
 }

@@ -70,7 +70,7 @@ public:
     void accepted(const QString& path, const QVariantMap& infos) override;
     void rejected(const QString& path, const QString& reason) override;
     void rowStarted(int number, int total, const QString& source) override;
-    void rowProgress(double value, double maximum) override;
+    void rowProgress(float value, float maximum) override;
     void rowFinished(int number, int total, const RowReport& row) override;
     void message(const QString& title, const QString& text, const QString& answer) override;
     void summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode) override;

@@ -132,7 +132,7 @@ TEST_F(TextReporterTest, doesNotRedrawForEveryStep)
     TextReporter reporter(stream.file(), true);
     reporter.rowStarted(1, 1, text("00001.MTS"));
     for (int i = 0; i < 1000; ++i) {
-        reporter.rowProgress(i, 1000);
+        reporter.rowProgress(static_cast<float>(i), 1000);
     }
     EXPECT_LT(stream.text().count(text("\r\033[K")), 200);
 }
@@ -210,6 +210,36 @@ TEST_F(JsonReporterTest, showsFloatsShort)
     reporter.accepted(text("/c/00001.MTS"), {{text("v0_fps"), 59.94F}, {text("w_duration"), 29.5F}, {text("out"), 3}});
     EXPECT_TRUE(stream.text().contains(text("\"v0_fps\":59.94,"))) << stream.text().toStdString();
     EXPECT_EQ(last().value(text("record")).toObject().value(text("out")).toInt(), 3);
+}
+
+TEST_F(JsonReporterTest, showsProgressShort)
+{
+    reporter.rowProgress(0.02F, 60.1F);
+    EXPECT_TRUE(stream.text().contains(text("\"maximum\":60.1,"))) << stream.text().toStdString();
+    EXPECT_TRUE(stream.text().contains(text("\"value\":0.02}"))) << stream.text().toStdString();
+}
+
+// Whoever renames a key inside the program must not break scripts, and inner paths are nobody's business.
+TEST_F(JsonReporterTest, publishesTheDocumentedKeysOnly)
+{
+    MediaInfoRecord infos;
+    const QStringList documented = {text("wrapper"),    text("w_duration"),  text("w_offset"),  text("w_bitrate"),
+                                    text("v0_codec"),   text("v0_width"),    text("v0_height"), text("v0_fps"),
+                                    text("v0_aspect"),  text("v0_bitrate"),  text("v0_par"),    text("v0_dar"),
+                                    text("v0_chroma"),  text("a0_codec"),    text("a0_lang"),   text("a0_rate"),
+                                    text("a0_bitrate"), text("a0_channels"), text("out")};
+    for (const QString& key : documented) {
+        infos.insert(key, 1);
+    }
+    for (const QString& key : {record::mainEncSrcPathStr, record::imgPathStr, record::dstPathStr, text("v0_id")}) {
+        infos.insert(key, text("/inner"));
+    }
+    reporter.accepted(text("/c/00001.MTS"), infos);
+    QStringList published = last().value(text("record")).toObject().keys();
+    QStringList expected = documented;
+    published.sort();
+    expected.sort();
+    EXPECT_TEXTS(published, expected);
 }
 
 TEST_F(JsonReporterTest, keepsSizesBeyondThirtyTwoBits)

@@ -69,15 +69,6 @@ TEST_F(Look, FontSpecificationsMayBeShort)
     EXPECT_TEXT(monospaceFontColorStr(QString(), {}).text, QStringLiteral(""));
 }
 
-TEST_F(Look, StyledTextsAreCutAtTheirEnd)
-{
-    QLabel label;
-    label.resize(60, 20);
-    showStyledText(&label, colorizedStr(QStringLiteral("<b>a very long status text</b>"), QStringLiteral("red")));
-    EXPECT_TRUE(label.text().startsWith(QStringLiteral("<b>"))) << "never markup";
-    EXPECT_TRUE(label.text().endsWith(QChar(0x2026)));
-}
-
 TEST_F(Look, MenuImageReplacesTheSelectedTitle)
 {
     QComboBox button;

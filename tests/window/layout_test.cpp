@@ -10,7 +10,6 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImage>
 #include <QLabel>
@@ -205,15 +204,11 @@ TEST_F(WindowBehaviour, ALongListScrollsAndReadsEachThumbnailOnce)
     list->grab();
     list->grab();
     EXPECT_EQ(window().batchDrawer().details().thumbnailLoads(), 1);
-    QElapsedTimer clock;
-    clock.start();
     constexpr int steps = 50;
     for (int i = 0; i <= steps; ++i) {
         list->verticalScrollBar()->setValue(list->verticalScrollBar()->maximum() * i / steps);
         list->grab();
     }
-    // Far above what a step takes, far below what drawing or measuring every row would.
-    EXPECT_LT(clock.elapsed() / steps, 100);
     EXPECT_EQ(window().batchDrawer().details().thumbnailLoads(), 1);
 }
 

@@ -1,5 +1,6 @@
 #include "windowharness.h"
 
+#include "base/localisation.h"
 #include "gui/batchdrawer.h"
 #include "gui/rowdetails.h"
 #include "support/qtprinters.h"
@@ -125,8 +126,8 @@ TEST_F(MainJob, StopInTheMiddleDeletesTheOutputAndEndsTheBatch)
     ASSERT_TRUE(waitFor([this] { return robot_->isDone() && model().batchEncGoBt.state() == 0; }));
     EXPECT_FALSE(itemExists(launch.output()));
     EXPECT_TEXTS(states(), QStringList({rowIcon::failure, rowIcon::pending}));
-    EXPECT_TEXTS(robot_->titles, QStringList({QStringLiteral("The conversion was stopped"),
-                                              QStringLiteral("All done: the batch has ended")}));
+    EXPECT_TEXTS(robot_->titles, QStringList({localizedString(QStringLiteral("D_action_stop")),
+                                              localizedString(QStringLiteral("D_fin_GUI"))}));
     EXPECT_TRUE(find<QAbstractButton>("batchEncGoBt")->isEnabled());
 }
 

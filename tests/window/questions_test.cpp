@@ -1,5 +1,6 @@
 #include "windowharness.h"
 
+#include "base/localisation.h"
 #include "base/preferences.h"
 #include "support/qtprinters.h"
 
@@ -100,7 +101,7 @@ TEST_F(Questions, StartWithoutDestinationAsksForOne)
     click("batchEncGoBt");
     EXPECT_EQ(model().mainEncDstPathStr.stringValue(), destination_);
     EXPECT_TRUE(controller().isEncoding());
-    EXPECT_TEXTS(robot_->titles, QStringList({QStringLiteral("Please choose a destination folder")}));
+    EXPECT_TEXTS(robot_->titles, QStringList({localizedString(QStringLiteral("D_go_dossier_destination1"))}));
 }
 
 TEST_F(Questions, RevealWithoutDestinationIsASheet)
@@ -244,7 +245,7 @@ TEST_F(Questions, ASecondCopyIsRefused)
         EXPECT_FALSE(second.start());
         EXPECT_FALSE(second.window().isVisible());
     }
-    EXPECT_TEXTS(robot_->titles, QStringList({QStringLiteral("Tavrix is already running")}));
+    EXPECT_TEXTS(robot_->titles, QStringList({localizedString(QStringLiteral("D_appAlreadyOpened_1"))}));
     EXPECT_TRUE(window().isVisible());
 }
 
