@@ -8,6 +8,8 @@
 #include "tools/ffmpeg/soundfilters.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
@@ -41,7 +43,7 @@ struct Conversion {
 private:
     [[nodiscard]] const media::StreamFacts* chosen(media::Kind kind) const
     {
-        return source ? source->chosen(kind) : nullptr;
+        return source ? source->facts.chosen(kind) : nullptr;
     }
 };
 
@@ -124,6 +126,16 @@ bool isFilterOf(const Option& option, std::string_view shortName, std::string_vi
     return (name == shortName || name == longName) && option.value;
 }
 
+// When the first stream begins; every conversion begins there.
+double startOf(const media::SourceFacts& facts)
+{
+    double first = facts.streams.empty() ? 0 : facts.streams.front().start.value_or(0);
+    for (const media::StreamFacts& stream : facts.streams) {
+        first = std::min(first, stream.start.value_or(0));
+    }
+    return first;
+}
+
 std::string pictureFilters(const Conversion& conversion, const std::optional<std::string>& rate)
 {
     std::string filters;
@@ -137,7 +149,9 @@ std::string pictureFilters(const Conversion& conversion, const std::optional<std
         return joinedFilters(rate.value_or(""), filters);
     }
     const std::string mirror = conversion.dialect.mirrors ? "" : forgottenMirror(picture->turning);
-    return joinedFilters(rate.value_or(""), joinedFilters(mirror, fittedFilters(filters, *picture)));
+    const std::string times =
+        joinedFilters(respacedFilters(*picture, startOf(conversion.source->facts)), rate.value_or(""));
+    return joinedFilters(times, joinedFilters(mirror, fittedFilters(filters, *picture)));
 }
 
 std::string soundFilters(const Conversion& conversion)
@@ -164,13 +178,13 @@ Words copyOptions(const Conversion& conversion)
         return {};
     }
     const media::Ratio rate = picture->nominalRate;
-    if (conversion.job.container == "avi" && conversion.source->container != "avi" && rate.known()) {
+    if (conversion.job.container == "avi" && conversion.source->facts.container != "avi" && rate.known()) {
         // The container is all pictures of one length, and ffmpeg would choose half a picture.
         return {"-r", std::to_string(rate.num) + '/' + std::to_string(rate.den)};
     }
     // 90000 parts of a second hold no whole number of them for these rates.
     const bool uneven = rate.den == 1001 && 90000 * 1001LL % rate.num != 0;
-    if (conversion.job.isMovie() && conversion.source->container == "mpegts" && uneven) {
+    if (conversion.job.isMovie() && conversion.source->facts.container == "mpegts" && uneven) {
         return {"-video_track_timescale", std::to_string(rate.num)};
     }
     return {};
@@ -189,6 +203,58 @@ void appendOutputOption(Words& words, const Option& option, const Dialect& diale
     } else {
         appendOption(words, name, option.value);
     }
+}
+
+std::string joinedWords(const std::string& first, const std::string& second)
+{
+    return first.empty() || second.empty() ? first + second : first + ' ' + second;
+}
+
+Words editOptions(const CopyEdits& edits)
+{
+    Words words = {"-video_track_timescale", std::to_string(edits.mediaScale)};
+    if (edits.way == CopyEdits::Way::CutEnd) {
+        std::array<char, 64> seconds = {};
+        std::snprintf(seconds.data(), seconds.size(), "%.6f", edits.shownSeconds);
+        words.insert(words.end(), {"-t", seconds.data()});
+        return words;
+    }
+    words.insert(words.end(), {"-map", "0:" + std::to_string(edits.pictureStream)});
+    if (edits.soundStream) {
+        words.insert(words.end(), {"-map", "1:" + std::to_string(*edits.soundStream)});
+    }
+    return words;
+}
+
+// What ffmpeg would drop, and what only the arguments can say of the copy's edits.
+Words clipOptions(const Conversion& conversion)
+{
+    if (!conversion.source) {
+        return {};
+    }
+    Words words;
+    const media::ClipTags& tags = conversion.source->tags;
+    const auto add = [&](const std::string& key, const std::string& value) {
+        if (!value.empty()) {
+            words.insert(words.end(), {"-metadata", key + '=' + value});
+        }
+    };
+    add("creation_time", tags.createdUtc);
+    add("title", tags.title);
+    add("comment", tags.comment);
+    if (conversion.job.container == "avi") {
+        const std::string camera = joinedWords(tags.make, tags.model);
+        add("date", tags.createdUtc.substr(0, 10));
+        add("ISRC", camera);
+    }
+    if (conversion.job.container == "ipod" && tags.hasTimeCode) {
+        words.insert(words.end(), {"-write_tmcd", "1"});
+    }
+    if (const auto& edits = conversion.source->edits) {
+        const Words own = editOptions(*edits);
+        words.insert(words.end(), own.begin(), own.end());
+    }
+    return words;
 }
 
 void appendOutput(Words& words, const Conversion& conversion)
@@ -211,9 +277,26 @@ void appendOutput(Words& words, const Conversion& conversion)
     if (const auto spacing = frameSpacing(conversion, rate.has_value())) {
         appendOption(words, conversion.dialect.frameRateMode ? "fps_mode" : "vsync", *spacing);
     }
-    const Words copy = copyOptions(conversion);
-    words.insert(words.end(), copy.begin(), copy.end());
+    for (const Words& more : {copyOptions(conversion), clipOptions(conversion)}) {
+        words.insert(words.end(), more.begin(), more.end());
+    }
     words.push_back(conversion.target.url);
+}
+
+bool copiesOwnList(const Source& source)
+{
+    return source && source->edits && source->edits->way == CopyEdits::Way::OwnList;
+}
+
+void appendInput(Words& words, const FileEntry& input, const std::string& url)
+{
+    for (const Option& option : input.options) {
+        appendOption(words, optionRule(option.name).modernName, option.value);
+    }
+    if (!hasOption(input.options, "f")) {
+        words.insert(words.end(), {"-format_whitelist", media::sourceDemuxers});
+    }
+    words.insert(words.end(), {"-protocol_whitelist", media::localProtocols, "-i", url});
 }
 
 std::string logLevel(const CommandLine& line)
@@ -236,13 +319,12 @@ Words modernArguments(const CommandLine& line, const FileUrls& urls, const Diale
         appendOption(words, optionRule(option.name).modernName, option.value);
     }
     for (std::size_t i = 0; i < line.inputs.size(); ++i) {
-        for (const Option& option : line.inputs[i].options) {
-            appendOption(words, optionRule(option.name).modernName, option.value);
+        if (copiesOwnList(source)) {
+            // All packets of the pictures, and the sound as it is played.
+            words.insert(words.end(), {"-ignore_editlist", "1"});
+            appendInput(words, line.inputs[i], urls.inputs[i]);
         }
-        if (!hasOption(line.inputs[i].options, "f")) {
-            words.insert(words.end(), {"-format_whitelist", media::sourceDemuxers});
-        }
-        words.insert(words.end(), {"-protocol_whitelist", media::localProtocols, "-i", urls.inputs[i]});
+        appendInput(words, line.inputs[i], urls.inputs[i]);
     }
     for (std::size_t i = 0; i < line.outputs.size(); ++i) {
         const FileEntry& output = line.outputs[i];
@@ -252,13 +334,13 @@ Words modernArguments(const CommandLine& line, const FileUrls& urls, const Diale
     return words;
 }
 
-bool asksForSource(const CommandLine& line, const FileUrls& urls)
+std::optional<OutputJob> clipJob(const CommandLine& line, const FileUrls& urls)
 {
     if (!convertsWholeClip(line) || urls.outputs.size() != 1) {
-        return false;
+        return std::nullopt;
     }
-    const OutputJob job = outputJob(line.outputs.front(), urls.outputs.front().muxer);
-    return job.isMovie() || job.container == "avi";
+    OutputJob job = outputJob(line.outputs.front(), urls.outputs.front().muxer);
+    return job.isMovie() || job.container == "avi" ? std::optional(job) : std::nullopt;
 }
 
 Dialect dialectAfterRefusal(const Dialect& dialect, std::string_view refusedOption, std::string_view version)
@@ -275,7 +357,7 @@ Dialect dialectAfterRefusal(const Dialect& dialect, std::string_view refusedOpti
 
 bool mirrorsPictures(std::string_view version, const Source& source)
 {
-    const media::StreamFacts* const picture = source ? source->chosen(media::Kind::Picture) : nullptr;
+    const media::StreamFacts* const picture = source ? source->facts.chosen(media::Kind::Picture) : nullptr;
     const int major = std::atoi(std::string(version).c_str());
     const bool old = major > 0 && major < 5;
     return !(old && picture != nullptr && picture->turning.mirrored);

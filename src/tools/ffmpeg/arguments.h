@@ -1,7 +1,7 @@
 // From the old command line to that of the installed ffmpeg.
 #pragma once
 
-#include "media/sourcefacts.h"
+#include "tools/ffmpeg/clipsource.h"
 #include "tools/ffmpeg/commandline.h"
 
 #include <optional>
@@ -31,15 +31,16 @@ struct Dialect {
     bool operator==(const Dialect&) const = default;
 };
 
-// What the source of a clip's conversion shows; nothing where it is not asked for or cannot be told.
-using Source = std::optional<media::SourceFacts>;
+// Nothing where it is not asked for or cannot be read.
+using Source = std::optional<ClipSource>;
 
 // The installed ffmpeg's arguments, without the program's name. `urls` has one entry per file of `line`.
 [[nodiscard]] std::vector<std::string> modernArguments(const CommandLine& line, const FileUrls& urls,
                                                        const Dialect& dialect, const Source& source = {});
 
-// Whether the source's facts decide on the arguments.
-[[nodiscard]] bool asksForSource(const CommandLine& line, const FileUrls& urls);
+// What the run's only output wants of its source, where the source's own facts decide on it; nothing for runs of
+// another kind.
+[[nodiscard]] std::optional<OutputJob> clipJob(const CommandLine& line, const FileUrls& urls);
 
 // The dialect to try after the installed ffmpeg refused an option ("vsync"); the same one when nothing helps.
 [[nodiscard]] Dialect dialectAfterRefusal(const Dialect& dialect, std::string_view refusedOption,

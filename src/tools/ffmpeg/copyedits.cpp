@@ -23,13 +23,27 @@ bool standsAlone(const std::string& codec)
     return codec == "mjpeg" || codec == "dvvideo" || codec == "rawvideo" || codec == "prores" || codec == "aic";
 }
 
-std::optional<std::int64_t> firstPictureTime(const TrackAtoms& track, std::uint64_t fileSize)
+std::optional<SampleTable> picturesOf(const TrackAtoms& track, std::uint64_t fileSize)
 {
-    const auto table = readSampleTable(track, fileSize);
-    if (!table || table->samples.empty()) {
-        return std::nullopt;
+    auto table = readSampleTable(track, fileSize);
+    return table && !table->samples.empty() ? std::move(table) : std::nullopt;
+}
+
+// Whether pictures follow the end of the list's only piece.
+bool hidesAnEnd(const TrackAtoms& track, const SampleTable& table, std::uint32_t movieScale)
+{
+    const auto piece = std::ranges::find_if(track.edits, [](const EditEntry& entry) { return entry.mediaTime >= 0; });
+    if (piece == track.edits.end() || piece->duration == 0) {
+        return false;
     }
-    return table->samples.front().compositionOffset;
+    const std::int64_t end =
+        piece->mediaTime + rescaled(static_cast<std::int64_t>(piece->duration), track.mediaTimeScale, movieScale);
+    std::int64_t time = 0;
+    return std::ranges::any_of(table.samples, [&](const Sample& sample) {
+        const std::int64_t shown = time + sample.compositionOffset;
+        time += sample.duration;
+        return shown >= end;
+    });
 }
 
 double endOf(const media::StreamFacts& stream)
@@ -107,7 +121,7 @@ std::optional<CopyEdits> copyEdits(const std::string& path, const media::SourceF
 {
     const media::StreamFacts* const picture = facts.chosen(media::Kind::Picture);
     const bool copies = facts.isMovie && job.isMovie() && job.picture == Treatment::Copied && picture != nullptr;
-    if (!copies || standsAlone(picture->codec) || (picture->edits.pieces < 2 && !picture->edits.endsBeforeMedia)) {
+    if (!copies || standsAlone(picture->codec) || !picture->edits.present) {
         return std::nullopt;
     }
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -120,15 +134,16 @@ std::optional<CopyEdits> copyEdits(const std::string& path, const media::SourceF
     if (track == movie.tracks.end() || track->edits.empty() || movie.timeScale == 0 || track->mediaTimeScale == 0) {
         return std::nullopt;
     }
-    const auto firstPicture = firstPictureTime(*track, size);
-    if (!firstPicture) {
+    const auto pictures = picturesOf(*track, size);
+    const bool oneToItsEnd = picture->edits.pieces < 2 && pictures && !hidesAnEnd(*track, *pictures, movie.timeScale);
+    if (!pictures || oneToItsEnd) {
         return std::nullopt;
     }
     CopyEdits edits;
     edits.way = picture->edits.pieces > 1 ? CopyEdits::Way::OwnList : CopyEdits::Way::CutEnd;
     edits.movieScale = movie.timeScale;
     edits.mediaScale = track->mediaTimeScale;
-    edits.firstPicture = *firstPicture;
+    edits.firstPicture = pictures->samples.front().compositionOffset;
     edits.entries = track->edits;
     edits.pictureStream = picture->index;
     edits.shownSeconds = endOf(*picture);
@@ -143,10 +158,11 @@ std::optional<CopyEdits> copyEdits(const std::string& path, const media::SourceF
 Result<HeaderChange> editsOfCopy(const CopyEdits& edits, const MovieAtoms& copy, std::uint64_t fileSize)
 {
     const TrackAtoms* const track = pictureTrack(copy);
-    const auto firstPicture = track == nullptr ? std::nullopt : firstPictureTime(*track, fileSize);
-    if (!firstPicture) {
+    const auto pictures = track == nullptr ? std::nullopt : picturesOf(*track, fileSize);
+    if (!pictures) {
         return Failure("the copy's header cannot be read");
     }
+    const std::int64_t firstPicture = pictures->samples.front().compositionOffset;
     // A multiple of the source's scale holds the source's times without rounding.
     const std::uint32_t factor = (coarsestScale + edits.movieScale - 1) / edits.movieScale;
     HeaderChange change;
@@ -154,8 +170,8 @@ Result<HeaderChange> editsOfCopy(const CopyEdits& edits, const MovieAtoms& copy,
     TrackEdits own;
     own.track = static_cast<std::size_t>(track - copy.tracks.data());
     own.entries = edits.way == CopyEdits::Way::CutEnd
-                      ? withShownEnd(edits, copy, *track, *firstPicture, change.movieScale)
-                      : ownList(edits, *track, *firstPicture, change.movieScale);
+                      ? withShownEnd(edits, copy, *track, firstPicture, change.movieScale)
+                      : ownList(edits, *track, firstPicture, change.movieScale);
     change.edits.push_back(std::move(own));
     return change;
 }

@@ -143,6 +143,12 @@ std::optional<int> streamWithoutParameters(std::string_view line)
     return line.starts_with('[') ? numberBehind(line, "] Could not find codec parameters for stream ") : std::nullopt;
 }
 
+bool tellsUndecodable(std::string_view line)
+{
+    return line.starts_with("Cannot determine format of input ") ||
+           (line.starts_with('[') && contains(line, "] Cannot determine format of input "));
+}
+
 bool tellsForeignFormat(std::string_view line)
 {
     return line.starts_with('[') && contains(line, "] Format not on whitelist ");

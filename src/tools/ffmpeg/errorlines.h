@@ -42,6 +42,9 @@ struct OpenFailure {
 // The number of the stream whose parameters were not found; nothing for other lines.
 [[nodiscard]] std::optional<int> streamWithoutParameters(std::string_view line);
 
+// Whether a line tells that a stream ended without a picture or sound that could be decoded.
+[[nodiscard]] bool tellsUndecodable(std::string_view line);
+
 // Whether a line tells that the input's format is none of those handled.
 [[nodiscard]] bool tellsForeignFormat(std::string_view line);
 

@@ -270,6 +270,12 @@ std::vector<int> RunFiles::inheritedDescriptors() const
     return descriptors;
 }
 
+std::optional<int> RunFiles::outputDescriptor(std::size_t output) const
+{
+    const bool made = output < outputs_.size() && outputs_[output].file;
+    return made ? std::optional(outputs_[output].file->fd()) : std::nullopt;
+}
+
 std::optional<std::string> RunFiles::shortenedInput() const
 {
     for (const InputSize& input : inputSizes_) {

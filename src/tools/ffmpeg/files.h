@@ -34,6 +34,9 @@ public:
     // False when an input is a stream that a second reader would find half empty.
     [[nodiscard]] bool canBeReadAgain() const { return canBeReadAgain_; }
 
+    // The descriptor of an output in the making; nothing for one that is written to directly.
+    [[nodiscard]] std::optional<int> outputDescriptor(std::size_t output) const;
+
     // The name of the first input that has become shorter since it was opened: its end cannot have been read.
     [[nodiscard]] std::optional<std::string> shortenedInput() const;
     // The name of the first output that holds not a byte; nothing when all have some.

@@ -38,6 +38,9 @@ double steadyRate(const media::StreamFacts* picture)
     return std::fabs(mean - nominal) < nominal * 0.02 ? nominal : 0;
 }
 
+// Parts of a second for times of our own: a source's scale may be as coarse as its pictures.
+constexpr double fineScale = 720000;
+
 struct Frame {
     int width = 0;
     int height = 0;
@@ -69,13 +72,28 @@ std::optional<std::string> nearestPictureFilters(const std::string& rate, const 
     // A picture serves the output time when it is less than half a picture late, of the output or of a faster source.
     // A little less than half: where a picture lies in the middle, rounded times would decide now so and now so.
     constexpr double reach = 0.48;
-    constexpr double fineScale = 720000; // a source's own scale may be as coarse as its pictures
     const double value = rateOf(rate);
     if (value < 0.01 || value > 1000) {
         return std::nullopt;
     }
     const auto shift = std::lround(fineScale * reach / std::max(value, steadyRate(picture)));
     return "settb=1/720000,setpts=PTS-" + std::to_string(shift) + ",fps=fps=" + rate + ":round=up";
+}
+
+std::string respacedFilters(const media::StreamFacts& picture, double clipStart)
+{
+    const double rate = steadyRate(&picture);
+    if (picture.edits.pieces < 2 || rate <= 0 || !picture.shownPackets || !picture.duration) {
+        return {};
+    }
+    const bool gapless = std::fabs(double(*picture.shownPackets) / rate - *picture.duration) < 2 / rate;
+    if (!gapless) {
+        return {};
+    }
+    const media::Ratio& nominal = picture.nominalRate;
+    const auto start = std::lround((picture.start.value_or(0) - clipStart) * fineScale);
+    return "settb=1/720000,setpts=" + std::to_string(start) + "+N*720000*" + std::to_string(nominal.den) + '/' +
+           std::to_string(nominal.num);
 }
 
 std::string fittedFilters(const std::string& filters, const media::StreamFacts& picture)

@@ -15,6 +15,10 @@ namespace tavrix::front
 [[nodiscard]] std::optional<std::string> nearestPictureFilters(const std::string& rate,
                                                                const media::StreamFacts* picture);
 
+// For a source in several pieces, evenly spaced: each picture at its place in the row. libavformat gives the first ones
+// of a piece the times of the last ones of the piece before, so that some would be dropped. "" for other sources.
+[[nodiscard]] std::string respacedFilters(const media::StreamFacts& picture, double clipStart);
+
 // The filters of an upright picture in a frame that was chosen for the stored one ("scale=640:368,setdar=16/9"): the
 // picture keeps its own shape, with black at the sides. Anything else comes back as it is.
 [[nodiscard]] std::string fittedFilters(const std::string& filters, const media::StreamFacts& picture);

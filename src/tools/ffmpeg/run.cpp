@@ -8,6 +8,7 @@
 #include "tools/ffmpeg/files.h"
 #include "tools/ffmpeg/linesplitter.h"
 #include "tools/ffmpeg/locate.h"
+#include "tools/ffmpeg/textpieces.h"
 #include "tools/ffmpeg/transcript.h"
 
 #include <cerrno>
@@ -102,15 +103,11 @@ public:
     }
 
 private:
-    // ffmpeg itself says why, where a source cannot be read.
     void readSource()
     {
-        if (!asksForSource(line_, files_.urls())) {
-            return;
-        }
-        auto facts = media::readSourceFacts(line_.inputs.front().name);
-        if (facts) {
-            source_ = std::move(*facts);
+        job_ = clipJob(line_, files_.urls());
+        if (job_) {
+            source_ = readClipSource(line_.inputs.front().name, *job_);
         }
     }
 
@@ -190,16 +187,46 @@ private:
             return 128 + attempt.end->code;
         }
         if (attempt.end->code != 0) {
+            explain(attempt.findings);
             return attempt.end->code;
         }
         auto published = publishable(attempt.findings);
+        if (published) {
+            published = finish();
+        }
         if (published) {
             published = files_.publish();
         }
         if (!published) {
             print(published.reason());
+            explain(attempt.findings);
         }
         return published ? 0 : 1;
+    }
+
+    // The last line is the one that a person reads: ffmpeg's own often says only that it failed.
+    void explain(const Findings& findings) const
+    {
+        if (!source_) {
+            return;
+        }
+        std::string reason = unusablePictures(source_->facts);
+        if (reason.empty() && findings.undecodable) {
+            reason = "none of its pictures can be decoded";
+        }
+        if (!reason.empty()) {
+            print(onOneLine(line_.inputs.front().name) + ": " + reason);
+        }
+    }
+
+    Result<void> finish() const
+    {
+        const auto output = files_.outputDescriptor(0);
+        if (!source_ || !output || !job_->isMovie()) {
+            return {};
+        }
+        const auto finished = finishMovie(*output, *source_, *job_);
+        return finished ? Result<void>() : Failure{"Output incomplete, discarded: " + finished.reason()};
     }
 
     // Whether the outputs may be published; ffmpeg's status 0 is no proof.
@@ -231,6 +258,7 @@ private:
     std::string chain_;
     CommandLine line_;
     RunFiles files_;
+    std::optional<OutputJob> job_;
     Source source_;
 };
 

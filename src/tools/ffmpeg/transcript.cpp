@@ -178,6 +178,7 @@ void Transcript::note(const std::string& line, const std::string& shown)
     // Without pictures the header alone makes the file, and ffmpeg does not always say so.
     const bool noContent = tellsNoContent(line) && !framesCounted_;
     findings_.nothingEncoded = findings_.nothingEncoded || tellsNothingEncoded(line) || noContent;
+    findings_.undecodable = findings_.undecodable || tellsUndecodable(line);
     if (findings_.writeFailure.empty() && tellsWriteFailure(line)) {
         findings_.writeFailure = shown;
     }

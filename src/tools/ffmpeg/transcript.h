@@ -40,6 +40,7 @@ struct Findings {
     std::string writeFailure;     // the line that tells of a damaged output
     std::string readFailure;      // the input that could not be read to its end, and why
     bool nothingEncoded = false;
+    bool undecodable = false; // not one picture came out of the decoder
 };
 
 // Translates line by line, without waiting for more: only the stream mapping is held back until the output has been
