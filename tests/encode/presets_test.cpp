@@ -210,7 +210,7 @@ TEST(OwnPresets, AreUnderstoodByTheInstalledEncoder)
                    QStringLiteral("stream=profile,pix_fmt,has_b_frames"), QStringLiteral("-of"),
                    QStringLiteral("csv=p=0"), output});
     ASSERT_TRUE(process.waitForFinished(60000)) << process.errorString().toStdString();
-    EXPECT_TEXT(QString::fromUtf8(process.readAll()), QStringLiteral("Constrained Baseline,0,yuv420p\n"));
+    EXPECT_TEXT(QString::fromUtf8(process.readAll()), QStringLiteral("High,2,yuv420p\n"));
 }
 
 } // namespace tavrix
