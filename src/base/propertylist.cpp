@@ -254,7 +254,7 @@ NodeResult nodeOf(const QVariant& value)
 
 std::optional<QVariant> propertyListFromBytes(const QByteArray& bytes)
 {
-    if (bytes.isEmpty() || bytes.size() > std::numeric_limits<int32_t>::max()) {
+    if (bytes.size() > std::numeric_limits<int32_t>::max()) {
         return std::nullopt;
     }
     plist_t raw = nullptr;

@@ -244,6 +244,36 @@ TEST_F(Preferences, ADamagedFileIsSetAside)
     }
 }
 
+class HarmfulPreferences : public Preferences
+{
+protected:
+    void expectAStartWithDefaults(const QByteArray& bytes)
+    {
+        folder.makeFolder(key("Library/Preferences"));
+        ASSERT_TRUE(writeBytes(preferencesPath(), bytes));
+        prefReload();
+        const LogCapture log;
+        EXPECT_TEXT(prefRead(key("k")), key(""));
+        EXPECT_TRUE(log.contains(key("preferences         :-( damaged: ") + preferencesPath()));
+        EXPECT_EQ(readBytes(preferencesPath() + key(".damaged")), bytes);
+        EXPECT_FALSE(itemExists(preferencesPath()));
+    }
+};
+
+TEST_F(HarmfulPreferences, ANulInsideATextAbortedEveryStart)
+{
+    QByteArray bytes("<plist version=\"1.0\"><dict><key>k</key><string>a.b</string></dict></plist>");
+    bytes.replace('.', '\0');
+    ASSERT_NO_FATAL_FAILURE(expectAStartWithDefaults(bytes));
+}
+
+TEST_F(HarmfulPreferences, ThousandsOfListsInListsOverflewTheStackAtEveryStart)
+{
+    constexpr qsizetype depth = 300000;
+    ASSERT_NO_FATAL_FAILURE(expectAStartWithDefaults("<plist version=\"1.0\">" + QByteArray("<array>").repeated(depth) +
+                                                     QByteArray("</array>").repeated(depth) + "</plist>"));
+}
+
 TEST_F(Preferences, ADamagedFileThatCannotBeSetAsideIsNotOverwritten)
 {
     folder.makeFile(key("x"));
