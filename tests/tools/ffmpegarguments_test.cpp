@@ -137,6 +137,95 @@ TEST_P(ClassicArguments, BecomeModernOnes)
 INSTANTIATE_TEST_SUITE_P(Table, ClassicArguments, testing::ValuesIn(rows()),
                          [](const auto& row) { return std::string(row.param.name); });
 
+// A clip of one picture and one sound stream, as its facts would be read.
+ClipSource clipOf(const char* container)
+{
+    ClipSource clip;
+    clip.facts.container = container;
+    clip.facts.isMovie = std::string_view(container).starts_with("mov");
+    media::StreamFacts picture;
+    picture.kind = media::Kind::Picture;
+    picture.codec = "h264";
+    picture.width = 568;
+    picture.height = 320;
+    picture.nominalRate = {30, 1};
+    picture.meanRate = {30, 1};
+    media::StreamFacts sound;
+    sound.index = 1;
+    sound.kind = media::Kind::Sound;
+    sound.channels = 2;
+    clip.facts.streams = {picture, sound};
+    return clip;
+}
+
+std::string convertedWith(const char* classic, const ClipSource& clip, const Dialect& dialect = {})
+{
+    const CommandLine line = parseCommandLine(words(classic));
+    return joined(modernArguments(line, urlsOf(line), dialect, clip));
+}
+
+TEST(ArgumentsForAClip, ATurnedPictureIsFittedIntoTheFrame)
+{
+    ClipSource clip = clipOf("mov");
+    constexpr const char* encode = "-i X -vsync 0 -vcodec libx264 -vf scale=640:368,setdar=16:9 -an -y O.m4v";
+    EXPECT_NE(convertedWith(encode, clip).find("-vf scale=640:368,setdar=16/9 "), std::string::npos);
+    clip.facts.streams[0].turning = {90, false};
+    EXPECT_NE(convertedWith(encode, clip).find("-vf scale=202:368,pad=640:368:218:0:black,setdar=16/9 "),
+              std::string::npos)
+        << convertedWith(encode, clip);
+    clip.facts.streams[0].turning = {180, false};
+    EXPECT_NE(convertedWith(encode, clip).find("-vf scale=640:368,setdar=16/9 "), std::string::npos);
+    clip.facts.streams[0].turning = {0, true};
+    Dialect old;
+    old.mirrors = false;
+    EXPECT_NE(convertedWith(encode, clip, old).find("-vf vflip,scale=640:368,"), std::string::npos);
+    EXPECT_FALSE(mirrorsPictures("4.3.9", clip));
+    EXPECT_TRUE(mirrorsPictures("5.1.9", clip));
+    EXPECT_TRUE(mirrorsPictures("N-118000-gabcdef", clip));
+}
+
+TEST(ArgumentsForAClip, SoundKeepsItsLevel)
+{
+    ClipSource clip = clipOf("mov");
+    constexpr const char* copy = "-i X -vsync 0 -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 -y O.mov";
+    EXPECT_EQ(convertedWith(copy, clip).find(" -af "), std::string::npos);
+    clip.facts.streams[1].channels = 1;
+    EXPECT_NE(convertedWith(copy, clip).find("-af pan=stereo|FL=FC+FL|FR=FC+FR "), std::string::npos);
+    clip.facts.streams[1].channels = 6;
+    EXPECT_NE(convertedWith(copy, clip).find("alimiter="), std::string::npos);
+}
+
+TEST(ArgumentsForAClip, CopiesKeepTheirRate)
+{
+    ClipSource clip = clipOf("mov,mp4");
+    clip.facts.streams[0].nominalRate = {15, 1};
+    constexpr const char* avi = "-i X -vsync 0 -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 -y O.avi";
+    EXPECT_NE(convertedWith(avi, clip).find(" -r 15/1 "), std::string::npos);
+    ClipSource stream = clipOf("mpegts");
+    constexpr const char* mov = "-i X -vsync 0 -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 -y O.mov";
+    EXPECT_EQ(convertedWith(mov, stream).find("-video_track_timescale"), std::string::npos);
+    stream.facts.streams[0].nominalRate = {60000, 1001};
+    EXPECT_NE(convertedWith(mov, stream).find("-video_track_timescale 60000 "), std::string::npos);
+    stream.facts.streams[0].nominalRate = {30000, 1001};
+    EXPECT_EQ(convertedWith(mov, stream).find("-video_track_timescale"), std::string::npos) << "3003 parts of 90000";
+}
+
+TEST(ArgumentsForAClip, ACopyWithSeveralPiecesReadsAllPicturesAndTheSoundAsItIsPlayed)
+{
+    ClipSource clip = clipOf("mov");
+    clip.edits = CopyEdits();
+    clip.edits->way = CopyEdits::Way::OwnList;
+    clip.edits->mediaScale = 12800;
+    clip.edits->soundStream = 1;
+    constexpr const char* copy = "-i X -vsync 0 -vcodec copy -acodec pcm_s16le -ac 2 -ar 48000 -y O.mov";
+    const std::string own = convertedWith(copy, clip);
+    EXPECT_NE(own.find("-ignore_editlist 1 GUARD -i <X> GUARD -i <X> "), std::string::npos) << own;
+    EXPECT_NE(own.find("-video_track_timescale 12800 -map 0:0 -map 1:1 <O.mov>"), std::string::npos) << own;
+    clip.edits->way = CopyEdits::Way::CutEnd;
+    clip.edits->shownSeconds = 2.02;
+    EXPECT_NE(convertedWith(copy, clip).find(" -t 2.020000 <O.mov>"), std::string::npos);
+}
+
 TEST(ClassicArguments, VerboseProbeSeesRepeatedFramesAndDiscontinuities)
 {
     const CommandLine line =

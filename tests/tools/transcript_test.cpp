@@ -50,6 +50,17 @@ TEST(TranscriptFailures, AreToldOnceInTheOldWords)
               "/m/a b.MTS: Error while opening file (Server returned 404 Not Found)\n");
 }
 
+TEST(TranscriptFailures, AFailureWithoutAReasonIsToldWithTheRemarkBeforeIt)
+{
+    EXPECT_EQ(transcriptOf(oneInput,
+                           {"[h264 @ 0x55d0c0de] non-existing PPS 0 referenced", "Error while decoding stream #0:0",
+                            "Conversion failed!"},
+                           1),
+              "[h264 @ 0x55d0c0de] non-existing PPS 0 referenced\nError while decoding stream #0.0\n"
+              "/m/a b.MTS: Error while decoding stream #0.0\n");
+    EXPECT_TRUE(transcriptOf(oneInput, {"Conversion failed!"}, 1).starts_with("/m/a b.MTS: the conversion failed\n"));
+}
+
 TEST(TranscriptFailures, NoUsableStreamIsMissingParameters)
 {
     const std::vector<std::string> lines = {

@@ -91,6 +91,10 @@ std::vector<TranscriptLine> Transcript::translate(std::string_view rawLine, char
         return lines;
     }
     trackSection(line);
+    if (bare == "Conversion failed!") {
+        line = nameFailure(line);
+    }
+    keepRemark(line);
     if (section_ == Section::Mapping) {
         mapping_.push_back(validUtf8(translateOther(line)));
         return lines;
@@ -252,6 +256,24 @@ bool Transcript::translateFailure(const std::string& line, std::string& classic)
     failureTold_ = true;
     classic = shown + ": " + *reason;
     return true;
+}
+
+// "Conversion failed!" says nothing; the remark before it does.
+std::string Transcript::nameFailure(const std::string& line) const
+{
+    const std::string& clip = names_.inputs.empty() ? line : names_.inputs.front().shown;
+    return remark_.empty() ? clip + ": the conversion failed" : clip + ": " + remark_;
+}
+
+// Keeps the last message that may be a reason, without the name of the part that printed it.
+void Transcript::keepRemark(const std::string& line)
+{
+    const bool message = !line.empty() && line.front() != ' ' && section_ == Section::None && !isProgressLine(line) &&
+                         !classicSummaryLine(line) && !line.starts_with("Press [q]");
+    if (message) {
+        const auto component = line.starts_with('[') && contains(line, " @ ") ? line.find("] ") : std::string::npos;
+        remark_ = component == std::string::npos ? line : line.substr(component + 2);
+    }
 }
 
 std::string Transcript::translateOther(const std::string& line)

@@ -69,6 +69,8 @@ private:
     [[nodiscard]] std::optional<OpenFailure> namedFailure(const std::string& line) const;
     [[nodiscard]] bool translateFailure(const std::string& line, std::string& classic);
     [[nodiscard]] std::string translateOther(const std::string& line);
+    [[nodiscard]] std::string nameFailure(const std::string& line) const;
+    void keepRemark(const std::string& line);
     void releaseMapping(std::vector<TranscriptLine>& lines);
 
     TranscriptNames names_;
@@ -83,6 +85,7 @@ private:
     bool foreignFormat_ = false; // the input is in a format that is not handled
     bool framesCounted_ = false;
     double knownTime_ = 0;
+    std::string remark_;
 };
 
 } // namespace tavrix::front
