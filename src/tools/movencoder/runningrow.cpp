@@ -5,7 +5,9 @@
 #include "sys/transfer.h"
 #include "tools/movencoder/plistreader.h"
 
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 namespace tavrix::movencoder
 {
@@ -32,7 +34,16 @@ NamePieces piecesOf(std::string_view path)
 
 std::string preferencesPath()
 {
-    return secondpass::storePath(ownHome(), "org.tavrix.Tavrix", {});
+    // The tool lies in the folder "tools" of the resources, whose Info.plist names the program's store.
+    std::error_code failure;
+    const auto tool = std::filesystem::read_symlink("/proc/self/exe", failure);
+    const std::string info = (tool.parent_path().parent_path() / "Info.plist").string();
+    const auto text = readFile<std::string>(info.c_str(), largestPropertyList);
+    const PlistPtr list = text ? parseDictionary(*text) : nullptr;
+    const auto valueOf = [&list](const char* key) {
+        return list ? textOf(plist_dict_get_item(list.get(), key)).value_or(std::string()) : std::string();
+    };
+    return secondpass::storePath(ownHome(), valueOf(secondpass::identifierKey), valueOf(secondpass::nameKey));
 }
 
 std::optional<RunningRow> runningRow(const std::string& preferences, const std::string& input,
