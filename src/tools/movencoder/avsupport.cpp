@@ -50,15 +50,6 @@ std::int64_t durationOf(const AVFrame& picture)
 #endif
 }
 
-std::int64_t indexSize(AVStream& stream)
-{
-#if LIBAVFORMAT_VERSION_INT >= AV_VERSION_INT(58, 76, 100)
-    return avformat_index_get_entries_count(&stream);
-#else
-    return stream.nb_index_entries;
-#endif
-}
-
 std::optional<DisplayMatrix> displayMatrixOf(const AVStream& stream)
 {
     const std::uint8_t* data = nullptr;

@@ -42,9 +42,6 @@ void setFields(AVFrame& picture, Fields fields);
 // In the time base of the stream; 0 when it is not known.
 [[nodiscard]] std::int64_t durationOf(const AVFrame& picture);
 
-// How many packets the container's index has for the stream; 0 without an index.
-[[nodiscard]] std::int64_t indexSize(AVStream& stream);
-
 using DisplayMatrix = std::array<std::int32_t, 9>;
 // Nothing for a stream that is shown as it is.
 [[nodiscard]] std::optional<DisplayMatrix> displayMatrixOf(const AVStream& stream);

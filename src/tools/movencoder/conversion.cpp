@@ -44,15 +44,15 @@ PictureFacts factsOf(const MovieReader& reader, AVFrame& picture, const FormatSe
     return facts;
 }
 
-class Conversion
+class Converter
 {
 public:
-    Conversion(const InputMovie& input, const std::string& output, Format format, const FormatSettings& settings)
+    Converter(const InputMovie& input, const std::string& output, Format format, const FormatSettings& settings)
         : input_(input), output_(output), format_(format), settings_(settings)
     {
     }
 
-    Result<Damage> run(int fd)
+    Result<Conversion> run(int fd)
     {
         auto reader = MovieReader::open(input_.path);
         if (!reader) {
@@ -78,7 +78,7 @@ public:
         if (auto finished = finish(); !finished) {
             return Failure{finished.reason()};
         }
-        return reader_->damage();
+        return Conversion{reader_->packets(), reader_->decodedPictures(), reader_->damagedPictures(), written_};
     }
 
 private:
@@ -180,6 +180,7 @@ private:
         if (auto written = writer_->writePicture(*coded); !written) {
             return ofOutput(written.reason());
         }
+        ++written_;
         const double seconds = static_cast<double>(coded->time) / static_cast<double>(clock_->scale()) -
                                static_cast<double>(reader_->start()) / AV_TIME_BASE;
         if (reader_->duration() > 0) {
@@ -213,16 +214,17 @@ private:
     std::vector<PacketPtr> earlySounds_;
     std::int64_t lastTime_ = 0; // of the last picture, in the source's time base
     std::int64_t lastDuration_ = 0;
+    std::int64_t written_ = 0;
     bool ended_ = false;
     Progress progress_;
 };
 
 } // namespace
 
-Result<Damage> convertMovie(const InputMovie& input, const std::string& output, int fd, Format format,
-                            const FormatSettings& settings)
+Result<Conversion> convertMovie(const InputMovie& input, const std::string& output, int fd, Format format,
+                                const FormatSettings& settings)
 {
-    return Conversion(input, output, format, settings).run(fd);
+    return Converter(input, output, format, settings).run(fd);
 }
 
 } // namespace tavrix::movencoder

@@ -28,14 +28,10 @@ bool isDecoder(void* object)
     return codec == nullptr || av_codec_is_decoder(codec) != 0;
 }
 
-void listen(void* object, int level, const char* format, va_list arguments)
+void listen(void* object, int, const char* format, va_list)
 {
-    if (isDecoder(object)) {
-        if (std::string_view(format).starts_with("concealing ")) {
-            ++concealed;
-        }
-    } else if (level <= AV_LOG_ERROR) {
-        av_log_default_callback(object, level, format, arguments);
+    if (isDecoder(object) && std::string_view(format).starts_with("concealing ")) {
+        ++concealed;
     }
 }
 

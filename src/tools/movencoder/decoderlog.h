@@ -1,13 +1,13 @@
 #pragma once
 
-// The FFmpeg libraries' messages: decoders are counted instead of printed, as a picture they complain about is kept.
+// The FFmpeg libraries' messages: they are not printed, as the tool has words of its own, but those of decoders count.
 
 #include <cstdint>
 
 namespace tavrix::movencoder
 {
 
-// Once, before the libraries are used. Errors of containers and encoders still go to standard error.
+// Once, before the libraries are used.
 void listenToDecoders();
 
 // Pictures with parts that a decoder had to make up, in the whole process so far. The flag of a picture alone does not

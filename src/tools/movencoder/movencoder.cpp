@@ -1,5 +1,7 @@
 #include "tools/movencoder/movencoder.h"
 
+#include "judge/judge.h"
+#include "judge/verdictline.h"
 #include "sys/fileidentity.h"
 #include "sys/safeoutput.h"
 #include "sys/transfer.h"
@@ -102,10 +104,21 @@ Result<void> prepare(const Options& options, Task& task)
     return {};
 }
 
-// What could not be had of the source, in words; "" when nothing is missing.
-Result<std::string> work(const Options& options)
+// The second look at what was written, by eyes that had no part in it.
+judge::Verdict judged(const Task& task, const SafeOutput& output, const Conversion& done)
 {
-    Task task;
+    judge::Case given;
+    given.source = task.input.path;
+    given.output = "/proc/self/fd/" + std::to_string(output.fd());
+    given.asked = {judge::Way::Encoded, judge::Way::Copied, std::nullopt};
+    given.writer = {done.packetsRead, done.decoded, done.damagedPictures, done.written};
+    return judge::judge(given);
+}
+
+// The verdict on an output that has its name now. Half a recording is better than nothing, and nothing more: it
+// replaces nothing.
+Result<judge::Verdict> work(const Options& options, Task& task)
+{
     if (auto prepared = prepare(options, task); !prepared) {
         return Failure{prepared.reason()};
     }
@@ -113,16 +126,20 @@ Result<std::string> work(const Options& options)
     if (!output) {
         return Failure{options.output + ": " + output.reason()};
     }
-    const auto damage = convertMovie(task.input, options.output, output->fd(), task.format, task.settings);
-    if (!damage) {
-        return Failure{damage.reason()};
+    const auto done = convertMovie(task.input, options.output, output->fd(), task.format, task.settings);
+    if (!done) {
+        return Failure{done.reason()};
     }
-    // Half a recording is better than nothing, and nothing more.
-    const auto existing = damage->any() ? SafeOutput::Existing::Kept : SafeOutput::Existing::Replaced;
+    const judge::Verdict verdict = judged(task, *output, *done);
+    if (verdict.outcome == judge::Outcome::Failed) {
+        return Failure{task.input.name + ": " + judge::englishText(verdict)};
+    }
+    const bool whole = verdict.outcome == judge::Outcome::Whole;
+    const auto existing = whole ? SafeOutput::Existing::Replaced : SafeOutput::Existing::Kept;
     if (auto published = output->commit(SafeOutput::Durability::Synced, existing); !published) {
         return Failure{options.output + ": " + published.reason()};
     }
-    return damage->any() ? task.input.name + ": " + damageText(*damage) : std::string();
+    return verdict;
 }
 
 } // namespace
@@ -141,13 +158,15 @@ int run(const std::vector<std::string>& arguments)
     if (options->help) {
         return writeAll(STDOUT_FILENO, helpText()) ? exitDone : exitFailed;
     }
-    const auto done = work(*options);
-    if (!done) {
-        complain(done.reason());
+    Task task;
+    const auto verdict = work(*options, task);
+    if (!verdict) {
+        complain(verdict.reason());
         return exitFailed;
     }
-    if (!done->empty()) {
-        complain(*done);
+    if (!verdict->findings.empty()) {
+        complain(task.input.name + ": " + judge::englishText(*verdict));
+        static_cast<void>(writeAll(STDERR_FILENO, judge::verdictLine(*verdict) + "\n"));
     }
     Progress::complete();
     return exitDone;

@@ -89,9 +89,6 @@ Result<void> MovieReader::chooseStreams()
     if (video_ == nullptr) {
         return Failure{"there is no video in it"};
     }
-    if (isMovie()) {
-        indexedPackets_ = indexSize(*video_);
-    }
     return {};
 }
 
@@ -104,14 +101,10 @@ bool MovieReader::readPacket()
         if (result >= 0) {
             return true;
         }
-        if (result == AVERROR_EOF) {
-            return false;
-        }
         if (result != AVERROR_INVALIDDATA) {
             break;
         }
     }
-    brokenOff_ = true;
     return false;
 }
 
@@ -183,7 +176,11 @@ Result<MovieReader::Item> MovieReader::next()
             return Item::Picture;
         }
         if (*answer == PictureDecoder::Answer::End) {
-            return finish();
+            if (pictures_ == 0) {
+                return Failure{videoPackets_ == 0 ? "none of its pictures can be read"
+                                                  : "none of its pictures can be decoded"};
+            }
+            return Item::End;
         }
         const bool read = readPacket();
         if (read) {
@@ -207,37 +204,9 @@ DecodedPicture MovieReader::takePicture()
     DecodedPicture picture = std::move(decoder_->picture());
     decoder_->drop();
     ++pictures_;
+    lost_ += picture.frame ? 0 : 1;
     picture.duration = pictureDuration(picture.duration);
-    const std::int64_t time = picture.time.value_or(picturesEnd_);
-    picturesEnd_ = time + picture.duration;
-    noteDamage(time);
     return picture;
-}
-
-// A picture whose damage is not told in it is found by the count, at most a few pictures later.
-void MovieReader::noteDamage(std::int64_t time)
-{
-    const std::int64_t damaged = decoder_->damagedPictures();
-    if (damaged > 0 && damage_.pictures == 0) {
-        damage_.firstAt = secondsAt(time);
-    }
-    damage_.pictures = damaged;
-}
-
-Result<MovieReader::Item> MovieReader::finish()
-{
-    if (pictures_ == 0) {
-        return Failure{videoPackets_ == 0 ? "none of its pictures can be read" : "none of its pictures can be decoded"};
-    }
-    noteDamage(picturesEnd_);
-    damage_.endsEarly = brokenOff_ || videoPackets_ < indexedPackets_;
-    damage_.readSeconds = secondsAt(picturesEnd_);
-    if (video_->duration > 0 && video_->start_time != AV_NOPTS_VALUE) {
-        damage_.declaredSeconds = secondsAt(video_->start_time + video_->duration);
-    } else {
-        damage_.declaredSeconds = static_cast<double>(duration()) / AV_TIME_BASE;
-    }
-    return Item::End;
 }
 
 AVRational MovieReader::pixelAspect(AVFrame& picture) const
@@ -261,11 +230,6 @@ std::int64_t MovieReader::pictureDuration(std::int64_t told) const
         return 1;
     }
     return std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(pictures), video_->time_base));
-}
-
-double MovieReader::secondsAt(std::int64_t time) const
-{
-    return static_cast<double>(time) * av_q2d(video_->time_base) - static_cast<double>(start()) / AV_TIME_BASE;
 }
 
 std::int64_t MovieReader::lastDuration(std::int64_t time, std::int64_t duration) const

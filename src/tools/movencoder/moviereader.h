@@ -5,7 +5,6 @@
 #include "sys/result.h"
 #include "tools/movencoder/avsupport.h"
 #include "tools/movencoder/clockjumps.h"
-#include "tools/movencoder/damage.h"
 #include "tools/movencoder/picturedecoder.h"
 
 #include <cstdint>
@@ -34,14 +33,16 @@ public:
     ~MovieReader();
 
     // The next picture or sound packet. Damage does not end it: a picture that cannot be decoded comes without a frame,
-    // to be replaced by the one before, and a source that ends early just ends; damage() has the account. It fails when
-    // not a single picture can be had.
+    // to be replaced by the one before, and a source that ends early just ends. It fails when not a single picture can
+    // be had.
     Result<Item> next();
     [[nodiscard]] DecodedPicture takePicture();
     [[nodiscard]] AVPacket* packet() const { return packet_.get(); }
 
-    // Complete after the end.
-    [[nodiscard]] const Damage& damage() const { return damage_; }
+    // So far: packets of the pictures, pictures that came out, and those that lack parts or did not come out.
+    [[nodiscard]] std::int64_t packets() const { return videoPackets_; }
+    [[nodiscard]] std::int64_t decodedPictures() const { return pictures_ - lost_; }
+    [[nodiscard]] std::int64_t damagedPictures() const { return decoder_->damagedPictures(); }
 
     [[nodiscard]] AVFormatContext* container() const { return container_; }
     [[nodiscard]] AVStream* video() const { return video_; }
@@ -65,9 +66,6 @@ private:
     [[nodiscard]] bool isMovie() const;
     [[nodiscard]] bool keepsSound();
     [[nodiscard]] std::int64_t pictureDuration(std::int64_t told) const;
-    [[nodiscard]] double secondsAt(std::int64_t time) const;
-    void noteDamage(std::int64_t time);
-    Result<Item> finish();
 
     // How far a sound stream has been handed out, in its time base.
     struct SoundPlace {
@@ -84,12 +82,9 @@ private:
     std::unique_ptr<PictureDecoder> decoder_;
     PacketPtr packet_;
     bool clockMayJump_ = false;
-    bool brokenOff_ = false; // the file could not be read to its end
     std::int64_t pictures_ = 0;
+    std::int64_t lost_ = 0; // of them, without a frame
     std::int64_t videoPackets_ = 0;
-    std::int64_t indexedPackets_ = 0; // what the container's index promises; 0 when it has none
-    std::int64_t picturesEnd_ = 0;    // of the last picture, in the video's time base
-    Damage damage_;
 };
 
 } // namespace tavrix::movencoder

@@ -168,7 +168,6 @@ void PictureDecoder::take(FramePtr frame, bool damaged)
         refused_ = awaited_.empty() ? 0 : refused_;
     }
     flagged_ += damaged ? 1 : 0;
-    picture.damaged = damaged;
     lastTime_ = picture.time;
     lastDuration_ = picture.duration;
     picture.frame = std::move(frame);
@@ -205,7 +204,6 @@ void PictureDecoder::putLost(std::int64_t time)
     DecodedPicture lost;
     lost.time = time;
     lost.duration = lastDuration_;
-    lost.damaged = true;
     ready_.push_back(std::move(lost));
 }
 

@@ -19,7 +19,6 @@ struct DecodedPicture {
     FramePtr frame;                   // null: lost, to be replaced by the one before
     std::optional<std::int64_t> time; // known for a lost one
     std::int64_t duration = 0;        // 0: not known
-    bool damaged = false;             // with parts that the decoder made up, or lost
 };
 
 class PictureDecoder
