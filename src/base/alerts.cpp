@@ -3,6 +3,7 @@
 #include "base/format.h"
 #include "base/localisation.h"
 #include "base/log.h"
+#include "base/replaceable.h"
 #include "base/runloopgate.h"
 #include "base/text.h"
 
@@ -37,12 +38,16 @@ public:
 constexpr int firstButtonCode = 1000;
 constexpr int timedOut = -1;
 
-AlertPresenter* chosenPresenter = nullptr;
+Replaceable<AlertPresenter>& presenters()
+{
+    static Replaceable<AlertPresenter> instance(
+        [] { return std::unique_ptr<AlertPresenter>(std::make_unique<SilentPresenter>()); });
+    return instance;
+}
 
 AlertPresenter& presenter()
 {
-    static SilentPresenter silent;
-    return chosenPresenter ? *chosenPresenter : silent;
+    return presenters().inUse();
 }
 
 QStringList buttonTitles(const QString& defaultButton, const QString& alternateButton, const QString& otherButton)
@@ -113,7 +118,7 @@ int AlertRequest::harmlessButton() const
 
 void setAlertPresenter(AlertPresenter* newPresenter)
 {
-    chosenPresenter = newPresenter;
+    presenters().replace(newPresenter);
 }
 
 AlertOutcome displayRequest(const AlertRequest& request)

@@ -1,5 +1,7 @@
 #pragma once
 
+// Message boxes. The logic here knows no widget: a face (window, terminal, test) presents what is asked.
+
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -7,7 +9,6 @@
 #include <functional>
 #include <optional>
 
-// Message boxes. The logic here knows no widget: a face (window, terminal, test) presents what is asked.
 namespace tavrix
 {
 

@@ -1,10 +1,11 @@
 #pragma once
 
+// The application's information property list and the places of its files.
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
-// The application's information property list and the places of its files.
 namespace tavrix
 {
 

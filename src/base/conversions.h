@@ -1,11 +1,12 @@
 #pragma once
 
+// Conversions between tool output, numbers and the short texts of the batch list. Several keep rounding rules of their
+// own; none fails: unreadable text gives 0 or 0.0.
+
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-// Conversions between tool output, numbers and the short texts of the batch list. Several keep rounding rules of their
-// own; none fails: unreadable text gives 0 or 0.0.
 namespace tavrix
 {
 

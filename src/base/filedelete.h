@@ -1,10 +1,11 @@
 #pragma once
 
+// Deleting, with the guards that keep volumes, homes and wildcard texts out of reach. Links are never followed.
+
 #include <QString>
 
 #include <functional>
 
-// Deleting, with the guards that keep volumes, homes and wildcard texts out of reach. Links are never followed.
 namespace tavrix
 {
 

@@ -1,12 +1,13 @@
 #pragma once
 
+// Listings and path names of sources. Listings are sorted by name (case-insensitively, then by code) and hold hidden
+// entries; links to folders are not descended into.
+
 #include <QString>
 #include <QStringList>
 
 #include <optional>
 
-// Listings and path names of sources. Listings are sorted by name (case-insensitively, then by code) and hold hidden
-// entries; links to folders are not descended into.
 namespace tavrix
 {
 

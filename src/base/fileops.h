@@ -1,9 +1,10 @@
 #pragma once
 
+// Copying, moving, linking, folders, modes and dates. A leading tilde is expanded.
+
 #include <QString>
 #include <QStringList>
 
-// Copying, moving, linking, folders, modes and dates. A leading tilde is expanded.
 namespace tavrix
 {
 

@@ -1,8 +1,9 @@
 #pragma once
 
+// Presence, size, rights and free space. Paths have a leading tilde expanded; nothing is a missing path.
+
 #include <QString>
 
-// Presence, size, rights and free space. Paths have a leading tilde expanded; nothing is a missing path.
 namespace tavrix
 {
 

@@ -1,12 +1,13 @@
 #pragma once
 
+// printf-like formatting of texts and logs, always in the C locale and with the C library's rounding.
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
 #include <initializer_list>
 
-// printf-like formatting of texts and logs, always in the C locale and with the C library's rounding.
 namespace tavrix
 {
 

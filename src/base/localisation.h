@@ -1,12 +1,13 @@
 #pragma once
 
+// String tables: <resources>/<language>.lproj/<table>.strings, `"key" = "value";` per line. A key that no table of the
+// language holds is looked up in English and then yields itself. "Localized" is a second name of "Localizable": its own
+// entries come first.
+
 #include <QMap>
 #include <QString>
 #include <QStringList>
 
-// String tables: <resources>/<language>.lproj/<table>.strings, `"key" = "value";` per line. A key that no table of the
-// language holds is looked up in English and then yields itself. "Localized" is a second name of "Localizable": its own
-// entries come first.
 namespace tavrix
 {
 

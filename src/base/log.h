@@ -1,12 +1,13 @@
 #pragma once
 
+// Diagnostic lines: "<date> <bundle name>[<pid>] <text>" on the error stream, one write a line; a line feed inside a
+// value is shown as "\n".
+
 #include "base/datetext.h"
 #include "base/format.h"
 
 #include <functional>
 
-// Diagnostic lines: "<date> <bundle name>[<pid>] <text>" on the error stream, one write a line; a line feed inside a
-// value is shown as "\n".
 namespace tavrix
 {
 

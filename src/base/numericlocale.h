@@ -1,8 +1,9 @@
 #pragma once
 
+// The "C" locale for reading and printing numbers, whatever the environment asks for.
+
 #include <clocale>
 
-// The "C" locale for reading and printing numbers, whatever the environment asks for.
 namespace tavrix
 {
 

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QString>
-
 // Rules for paths as texts. Runs of "/" count as one and a trailing one is ignored. Nothing gives nothing unless
 // stated.
+
+#include <QString>
+
 namespace tavrix
 {
 

@@ -1,14 +1,15 @@
 #pragma once
 
+// The user's settings and the working state of the step machines, kept in memory and saved as an XML property list,
+// "~/Library/Preferences/<identifier>.plist" (mode 0600, atomically), by a short delayed timer and by prefSynchronize.
+// Main thread only. A damaged file is set aside as "<file>.damaged" and reads as no preferences.
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
 #include <optional>
 
-// The user's settings and the working state of the step machines, kept in memory and saved as an XML property list,
-// "~/Library/Preferences/<identifier>.plist" (mode 0600, atomically), by a short delayed timer and by prefSynchronize.
-// Main thread only. A damaged file is set aside as "<file>.damaged" and reads as no preferences.
 namespace tavrix
 {
 

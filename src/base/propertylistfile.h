@@ -1,11 +1,12 @@
 #pragma once
 
+// Property lists as files.
+
 #include <QString>
 #include <QVariant>
 
 #include <optional>
 
-// Property lists as files.
 namespace tavrix
 {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// What keeps the controller still while a modal alert is up.
+
 #include <QObject>
 
 #include <deque>

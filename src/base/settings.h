@@ -1,8 +1,9 @@
 #pragma once
 
+// Process-wide settings. Main thread only; plain values without locks.
+
 #include <QString>
 
-// Process-wide settings. Main thread only; plain values without locks.
 namespace tavrix
 {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Values inside the quotes of shell texts.
+
 #include <QString>
 
 namespace tavrix

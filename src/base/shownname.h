@@ -1,5 +1,6 @@
-// Names and tool texts as they are shown to a person or written to a log: they are data, and say nothing to a terminal.
 #pragma once
+
+// Names and tool texts as they are shown to a person or written to a log: they are data, and say nothing to a terminal.
 
 #include <QByteArray>
 #include <QString>

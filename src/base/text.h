@@ -1,10 +1,11 @@
 #pragma once
 
+// Rules for texts that everything else presumes. A null QString is "nothing", an empty one is "": the two differ.
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 
-// Rules for texts that everything else presumes. A null QString is "nothing", an empty one is "": the two differ.
 namespace tavrix
 {
 

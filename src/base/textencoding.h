@@ -1,9 +1,10 @@
 #pragma once
 
+// Detection and names of text encodings.
+
 #include <QByteArray>
 #include <QString>
 
-// Detection and names of text encodings.
 namespace tavrix
 {
 

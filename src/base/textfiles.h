@@ -1,10 +1,11 @@
 #pragma once
 
+// Reading and writing text files.
+
 #include "base/textencoding.h"
 
 #include <QString>
 
-// Reading and writing text files.
 namespace tavrix
 {
 

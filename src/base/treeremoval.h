@@ -1,8 +1,9 @@
 #pragma once
 
+// Removing files and folder trees without ever following a link or crossing into a mounted volume.
+
 #include <QByteArray>
 
-// Removing files and folder trees without ever following a link or crossing into a mounted volume.
 namespace tavrix
 {
 

@@ -1,12 +1,13 @@
 #pragma once
 
+// Byte patterns in buffers and files, and hexadecimal texts.
+
 #include <QByteArray>
 #include <QIODevice>
 #include <QString>
 
 #include <stdexcept>
 
-// Byte patterns in buffers and files, and hexadecimal texts.
 namespace tavrix
 {
 

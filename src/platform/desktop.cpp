@@ -3,6 +3,7 @@
 #include "base/filedelete.h"
 #include "base/log.h"
 #include "base/paths.h"
+#include "base/replaceable.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -60,7 +61,11 @@ private:
     QString opener_;
 };
 
-DesktopServices* replacement = nullptr;
+Replaceable<DesktopServices>& services()
+{
+    static Replaceable<DesktopServices> instance([] { return makeSystemDesktopServices(); });
+    return instance;
+}
 
 } // namespace
 
@@ -69,16 +74,15 @@ std::unique_ptr<DesktopServices> makeSystemDesktopServices(const QString& opener
     return std::make_unique<SystemDesktopServices>(opener);
 }
 
-void setDesktopServices(DesktopServices* services)
+void setDesktopServices(DesktopServices* other)
 {
-    replacement = services;
+    services().replace(other);
     setDeletionObserver([](const QString& path) { desktopServices().noteFileSystemChanged(path); });
 }
 
 DesktopServices& desktopServices()
 {
-    static const std::unique_ptr<DesktopServices> system = makeSystemDesktopServices();
-    return replacement ? *replacement : *system;
+    return services().inUse();
 }
 
 bool revealInFinder(const QString& path)

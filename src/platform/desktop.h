@@ -1,11 +1,12 @@
 #pragma once
 
+// Desktop services. Tests and the console replace them.
+
 #include <QString>
 #include <QUrl>
 
 #include <memory>
 
-// Desktop services. Tests and the console replace them.
 namespace tavrix
 {
 
@@ -13,9 +14,11 @@ class DesktopServices
 {
 public:
     virtual ~DesktopServices() = default;
-    virtual bool openUrl(const QUrl& url) = 0; // with its default application
-    virtual bool openFileWith(const QString& path, const QString& application) = 0;
-    virtual bool reveal(const QString& path) = 0; // selected in a file-viewer window
+    // Each is true when the request could be handed over.
+    virtual bool openUrl(const QUrl& url) = 0;                                      // with its default application
+    virtual bool openFileWith(const QString& path, const QString& application) = 0; // by the application's name
+    virtual bool reveal(const QString& path) = 0;                                   // selected in a file-viewer window
+    // Something at the path is new or gone: views of it may be out of date.
     virtual void noteFileSystemChanged(const QString& path) = 0;
 };
 
@@ -25,7 +28,8 @@ public:
 makeSystemDesktopServices(const QString& opener = QStringLiteral("/usr/bin/xdg-open"));
 
 // Not owned; null returns to the system's. The services are told of every guarded delete.
-void setDesktopServices(DesktopServices* services);
+void setDesktopServices(DesktopServices* other);
+// Those in use.
 [[nodiscard]] DesktopServices& desktopServices();
 
 // Failures of these three are logged. A leading tilde is expanded.

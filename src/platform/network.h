@@ -1,11 +1,13 @@
 #pragma once
 
+// http and https only, limited in time and size; the caller waits while a worker thread fetches.
+
 #include <QString>
 
-// http and https only, limited in time and size; the caller waits while a worker thread fetches.
 namespace tavrix
 {
 
+// Opens the address with the desktop's browser.
 void openLocation(const QString& address); // does nothing for nothing; a refused address is logged
 // True when an ASCII page came back, be it empty.
 [[nodiscard]] bool internetConnexionCheck(const QString& address);

@@ -1,5 +1,7 @@
 #pragma once
 
+// Pages of web addresses, fetched within limits of time and size.
+
 #include <QByteArray>
 #include <QUrl>
 

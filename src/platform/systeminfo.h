@@ -1,9 +1,10 @@
 #pragma once
 
+// Questions about the machine and the system. Versions a.b.c are the float a + b/100 + c/10000.
+
 #include <QString>
 #include <QVariant>
 
-// Questions about the machine and the system. Versions a.b.c are the float a + b/100 + c/10000.
 namespace tavrix
 {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// The words for sources and rows that come to nothing.
+
 #include "base/localisation.h"
 
 namespace tavrix

@@ -1,10 +1,11 @@
 #pragma once
 
+// Rules that decide whether a source is a camera clip and how it is shown.
+
 #include "probe/mediainforecord.h"
 
 #include <optional>
 
-// Rules that decide whether a source is a camera clip and how it is shown.
 namespace tavrix
 {
 

@@ -9,6 +9,14 @@
 #include "process/runners.h"
 #include "process/shelltext.h"
 
+// What is read is the description of the input in the words of the old ffmpeg, six lines of which are:
+//
+//     Input #0, mpegts, from '/clips/00001.MTS':
+//       Duration: 00:00:10.43, start: 1.033367, bitrate: 17054 kb/s
+//         Stream #0.0[0x1011]: Video: h264, yuv420p, 1280x720 [PAR 1:1 DAR 16:9], 59.94 tbr, 90k tbn, 119.88 tbc
+//         Stream #0.1[0x1100]: Audio: ac3, 48000 Hz, stereo, s16, 192 kb/s
+//     Output #0, image2, to '/tmp/frame.png':
+//     At least one output file must be specified
 namespace tavrix
 {
 

@@ -1,10 +1,11 @@
 #pragma once
 
+// The parser of the tool's description of a source.
+
 #include "probe/mediainforecord.h"
 
 #include <optional>
 
-// The parser of the tool's description of a source.
 namespace tavrix
 {
 

@@ -1,9 +1,10 @@
 #pragma once
 
+// Small questions put to ffmpeg about a source or about itself. None reports to the user: false, 0 or nothing.
+
 #include <QString>
 #include <QStringList>
 
-// Small questions put to ffmpeg about a source or about itself. None reports to the user: false, 0 or nothing.
 namespace tavrix
 {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// What becomes of a list of dropped files and folders.
+
 #include <QList>
 #include <QString>
 #include <QStringList>

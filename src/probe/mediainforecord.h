@@ -1,11 +1,12 @@
 #pragma once
 
+// The media info record: a flat dictionary that describes one source. A missing key means unknown.
+
 #include "sys/secondpass.h"
 
 #include <QString>
 #include <QVariantMap>
 
-// The media info record: a flat dictionary that describes one source. A missing key means unknown.
 namespace tavrix
 {
 

@@ -3,6 +3,7 @@
 #include "base/alerts.h"
 #include "base/bundle.h"
 #include "base/conversions.h"
+#include "base/filelisting.h"
 #include "base/fileops.h"
 #include "base/filesizes.h"
 #include "base/log.h"

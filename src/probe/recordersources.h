@@ -1,8 +1,9 @@
 #pragma once
 
-#include "base/filelisting.h"
-
 // Sources that come from recorders: bundles, descriptions, recording dates.
+
+#include <QString>
+
 namespace tavrix
 {
 

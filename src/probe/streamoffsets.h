@@ -1,10 +1,11 @@
 #pragma once
 
+// Start offsets of a source's streams, in milliseconds, from timestamp-debugging output.
+
 #include <QList>
 #include <QString>
 #include <QVariantMap>
 
-// Start offsets of a source's streams, in milliseconds, from timestamp-debugging output.
 namespace tavrix
 {
 

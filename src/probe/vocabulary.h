@@ -1,10 +1,11 @@
 #pragma once
 
+// Fixed lists of the formats that the converter knows, built on each call.
+
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-// Fixed lists of the formats that the converter knows, built on each call.
 namespace tavrix
 {
 

@@ -1,12 +1,13 @@
 #pragma once
 
+// A tool run in the background and watched by its process id, with its progress read from a file.
+
 #include <QObject>
 #include <QStringList>
 #include <QVariant>
 
 #include <functional>
 
-// A tool run in the background and watched by its process id, with its progress read from a file.
 namespace tavrix
 {
 

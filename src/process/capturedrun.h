@@ -1,5 +1,7 @@
 #pragma once
 
+// A child run to its end, with what it has written.
+
 #include "process/childprocess.h"
 
 #include <functional>

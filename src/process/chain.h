@@ -1,5 +1,7 @@
 #pragma once
 
+// Commands connected by pipes, from an argument list to running processes.
+
 #include "process/childprocess.h"
 
 #include <QList>

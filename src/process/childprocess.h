@@ -1,5 +1,7 @@
 #pragma once
 
+// One child of the program, started by the one spawn and watched by the event loop.
+
 #include "sys/descriptor.h"
 #include "sys/result.h"
 #include "sys/spawn.h"
@@ -41,6 +43,7 @@ public:
     // Becomes readable when the process has ended.
     [[nodiscard]] int exitDescriptor() const { return exit_.get(); }
 
+    // Signals the child and whatever it has started; a failure is logged. Nothing happens once it is reaped.
     void signalGroup(int signal) const;
     // True once the process has ended and is reaped; never waits.
     bool reapIfEnded();

@@ -1,5 +1,7 @@
 #pragma once
 
+// Whether a process is still the one it was.
+
 #include <QString>
 
 namespace tavrix
@@ -12,6 +14,7 @@ struct ProcessIdentity {
     quint64 startTime = 0; // clock ticks since the machine was started; 0 when there is no such process
 };
 
+// Of the process that has this number now.
 [[nodiscard]] ProcessIdentity processIdentity(int pid);
 // False when it has ended, also while nobody has reaped it.
 [[nodiscard]] bool isRunningAs(const ProcessIdentity& identity);

@@ -1,5 +1,7 @@
 #pragma once
 
+// Which program an element of an argument list means.
+
 #include <QString>
 
 namespace tavrix

@@ -1,10 +1,11 @@
 #pragma once
 
+// Short synchronous runs. Each blocks until the child has exited, drains its output meanwhile, runs no event loop,
+// gives the child the null device as standard input and LC_CTYPE=en_US.UTF-8. A non-zero exit status is not examined.
+
 #include <QString>
 #include <QStringList>
 
-// Short synchronous runs. Each blocks until the child has exited, drains its output meanwhile, runs no event loop,
-// gives the child the null device as standard input and LC_CTYPE=en_US.UTF-8. A non-zero exit status is not examined.
 namespace tavrix
 {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Command texts run by the shell.
+
 #include "process/capturedrun.h"
 
 namespace tavrix

@@ -1,10 +1,11 @@
 #pragma once
 
+// Putting values into shell command texts so that any file name is data, while ordinary paths stay as they are.
+
 #include "base/shellquoting.h"
 
 #include <QString>
 
-// Putting values into shell command texts so that any file name is data, while ordinary paths stay as they are.
 namespace tavrix
 {
 

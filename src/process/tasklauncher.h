@@ -1,5 +1,7 @@
 #pragma once
 
+// Long runs of tools that are listened to, paused and stopped.
+
 #include <QByteArray>
 #include <QObject>
 #include <QString>
@@ -60,8 +62,12 @@ public:
     // or statusInterrupted after a kill.
     [[nodiscard]] virtual int terminationStatus() const;
 
+    // Stops the processes, last to first, and tells the delegate. Nothing happens to a chain that is paused or has
+    // ended.
     virtual void suspend();
+    // Continues them, first to last, and tells the delegate. Nothing happens to a chain that is not paused.
     virtual void resume();
+    // Kills what still runs and reports the end, once.
     virtual void terminate();
 
 private:

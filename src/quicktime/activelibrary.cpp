@@ -1,5 +1,6 @@
 #include "quicktime/activelibrary.h"
 
+#include "base/replaceable.h"
 #include "quicktime/avmedialibrary.h"
 
 namespace tavrix
@@ -7,18 +8,24 @@ namespace tavrix
 
 namespace
 {
-MediaLibrary* replacedLibrary = nullptr;
+
+Replaceable<MediaLibrary>& library()
+{
+    static Replaceable<MediaLibrary> instance(
+        [] { return std::unique_ptr<MediaLibrary>(std::make_unique<AvMediaLibrary>()); });
+    return instance;
 }
 
-void setMediaLibrary(MediaLibrary* library)
+} // namespace
+
+void setMediaLibrary(MediaLibrary* other)
 {
-    replacedLibrary = library;
+    library().replace(other);
 }
 
 MediaLibrary& mediaLibrary()
 {
-    static AvMediaLibrary installed;
-    return replacedLibrary != nullptr ? *replacedLibrary : installed;
+    return library().inUse();
 }
 
 } // namespace tavrix

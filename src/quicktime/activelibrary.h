@@ -1,12 +1,15 @@
 #pragma once
 
+// Which media library is in use.
+
 #include "quicktime/medialibrary.h"
 
 namespace tavrix
 {
 
 // Not owned; null returns to the FFmpeg libraries.
-void setMediaLibrary(MediaLibrary* library);
+void setMediaLibrary(MediaLibrary* other);
+// The library in use.
 [[nodiscard]] MediaLibrary& mediaLibrary();
 
 } // namespace tavrix

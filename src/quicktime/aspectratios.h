@@ -1,5 +1,7 @@
 #pragma once
 
+// Shapes of pictures and pixels as ratios.
+
 #include <QStringList>
 
 namespace tavrix

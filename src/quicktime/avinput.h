@@ -1,5 +1,7 @@
 #pragma once
 
+// Reading of media files with libavformat.
+
 #include <QString>
 
 #include <chrono>
@@ -26,9 +28,11 @@ public:
     AvInput& operator=(const AvInput&) = delete;
     ~AvInput();
 
+    // Never null; stays this object's.
     [[nodiscard]] AVFormatContext* context() const { return context_; }
     // Sets a new limit, counted from now; 0 removes it.
     void allowSeconds(int seconds);
+    // True for QuickTime and MP4 files.
     [[nodiscard]] bool isMov() const;
 
 private:
@@ -70,6 +74,7 @@ struct FileFacts {
     std::vector<StreamFacts> streams; // attached pictures left out
 };
 
+// What libavformat tells of the whole file.
 [[nodiscard]] FileFacts fileFacts(const AvInput& input);
 // The library's words for its error number.
 [[nodiscard]] QString avErrorText(int error);

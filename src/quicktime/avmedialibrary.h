@@ -1,5 +1,7 @@
 #pragma once
 
+// The media library that the program uses.
+
 #include "quicktime/medialibrary.h"
 
 namespace tavrix

@@ -1,5 +1,7 @@
 #pragma once
 
+// A movie file, opened and edited in memory.
+
 #include "media/movieheader.h"
 #include "quicktime/avtrack.h"
 #include "sys/result.h"

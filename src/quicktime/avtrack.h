@@ -1,5 +1,7 @@
 #pragma once
 
+// A track of a movie file.
+
 #include "media/trackrewrite.h"
 #include "quicktime/trackgeometry.h"
 

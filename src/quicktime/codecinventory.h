@@ -1,12 +1,13 @@
 #pragma once
 
+// Which encoders are installed. Read afresh on each call.
+
 #include "quicktime/componentregistry.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-// Which encoders are installed. Read afresh on each call.
 namespace tavrix
 {
 
@@ -17,6 +18,7 @@ public:
     // The component's information; when it cannot be read only component() is set, and the error is logged.
     [[nodiscard]] static QTCompDesc withComponent(ComponentHandle component);
 
+    // Type, subtype and manufacturer are four-character codes as OSTypeToNSString writes them.
     [[nodiscard]] QString name() const { return name_; }
     [[nodiscard]] QString type() const { return type_; }
     [[nodiscard]] QString subType() const { return subType_; }

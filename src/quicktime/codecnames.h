@@ -1,8 +1,9 @@
 #pragma once
 
+// Codec names of tracks, in ffmpeg's style.
+
 #include "quicktime/medialibrary.h"
 
-// Codec names of tracks, in ffmpeg's style.
 namespace tavrix
 {
 
@@ -12,6 +13,7 @@ namespace tavrix
 [[nodiscard]] QString sampleFormatText(const QString& mediaType, const SampleDescription& description);
 // Name for a code of four characters, which is lower-cased first; an unknown one is kept in lower case.
 [[nodiscard]] QString videoCodecName(const QString& code);
+// The same for sound.
 [[nodiscard]] QString audioCodecName(const QString& code);
 
 } // namespace tavrix

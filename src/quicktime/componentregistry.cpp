@@ -1,5 +1,7 @@
 #include "quicktime/componentregistry.h"
 
+#include "base/replaceable.h"
+
 #include <cstdint>
 #include <vector>
 
@@ -140,19 +142,23 @@ private:
     std::vector<Encoder> encoders_;
 };
 
-ComponentRegistry* replacedRegistry = nullptr;
+Replaceable<ComponentRegistry>& registry()
+{
+    static Replaceable<ComponentRegistry> instance(
+        [] { return std::unique_ptr<ComponentRegistry>(std::make_unique<AvComponentRegistry>()); });
+    return instance;
+}
 
 } // namespace
 
-void setComponentRegistry(ComponentRegistry* registry)
+void setComponentRegistry(ComponentRegistry* other)
 {
-    replacedRegistry = registry;
+    registry().replace(other);
 }
 
 ComponentRegistry& componentRegistry()
 {
-    static AvComponentRegistry installed;
-    return replacedRegistry != nullptr ? *replacedRegistry : installed;
+    return registry().inUse();
 }
 
 } // namespace tavrix

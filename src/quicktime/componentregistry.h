@@ -1,9 +1,10 @@
 #pragma once
 
+// The codecs that this installation can encode with, in the terms of a component manager.
+
 #include <QByteArray>
 #include <QList>
 
-// The codecs that this installation can encode with, in the terms of a component manager.
 namespace tavrix
 {
 
@@ -25,6 +26,7 @@ public:
     // The component after the given one (null: the first) whose flags equal the search's under the search's mask, and
     // whose codes equal those of the search that are not 0. Null at the end.
     virtual ComponentHandle findNextComponent(ComponentHandle after, const ComponentDescription& search) = 0;
+    // How many findNextComponent would find.
     virtual int countComponents(const ComponentDescription& search) = 0;
     // 0, or an error number; the name is the UTF-8 text without a length byte, and may be empty.
     virtual int componentInfo(ComponentHandle component, ComponentDescription& description, QByteArray& name) = 0;
@@ -44,7 +46,8 @@ public:
 }
 
 // Not owned; null returns to the registry of the FFmpeg libraries and the program's own encoder.
-void setComponentRegistry(ComponentRegistry* registry);
+void setComponentRegistry(ComponentRegistry* other);
+// The registry in use.
 [[nodiscard]] ComponentRegistry& componentRegistry();
 
 } // namespace tavrix

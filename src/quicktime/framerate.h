@@ -1,5 +1,7 @@
 #pragma once
 
+// How many pictures a second a movie has.
+
 #include "quicktime/medialibrary.h"
 
 namespace tavrix

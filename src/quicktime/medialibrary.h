@@ -1,5 +1,8 @@
 #pragma once
 
+// The media operations that the movie logic needs. The library behind them (the FFmpeg libraries, or a scripted one in
+// tests) only supplies values and carries out edits; every rule lives above this interface. Main thread only.
+
 #include "quicktime/mediatime.h"
 
 #include <QList>
@@ -9,8 +12,6 @@
 #include <memory>
 #include <optional>
 
-// The media operations that the movie logic needs. The library behind them (the FFmpeg libraries, or a scripted one in
-// tests) only supplies values and carries out edits; every rule lives above this interface. Main thread only.
 namespace tavrix
 {
 

@@ -1,8 +1,9 @@
 #pragma once
 
+// Times of a movie: a count of units of 1/timeScale second.
+
 #include <QString>
 
-// Times of a movie: a count of units of 1/timeScale second.
 namespace tavrix
 {
 
@@ -17,7 +18,9 @@ struct MediaTimeRange {
     MediaTime duration;
 };
 
+// A time without flags.
 [[nodiscard]] MediaTime QTMakeTime(qint64 value, qint32 scale);
+// Both as they are, each in its own scale.
 [[nodiscard]] MediaTimeRange QTMakeTimeRange(const MediaTime& start, const MediaTime& duration);
 // Start plus duration, in the scale of the start.
 [[nodiscard]] MediaTime QTTimeRangeEnd(const MediaTimeRange& range);

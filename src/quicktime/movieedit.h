@@ -1,8 +1,9 @@
 #pragma once
 
+// Cutting, resizing and writing movies. Destinations are overwritten; one that is the source itself is refused.
+
 #include "quicktime/medialibrary.h"
 
-// Cutting, resizing and writing movies. Destinations are overwritten; one that is the source itself is refused.
 namespace tavrix
 {
 

@@ -1,16 +1,18 @@
 #pragma once
 
+// Questions about the movie of a path. Each opens the path as the current movie; a failure leaves none.
+
 #include <QList>
 #include <QString>
 
 #include <optional>
 
-// Questions about the movie of a path. Each opens the path as the current movie; a failure leaves none.
 namespace tavrix
 {
 
 // Width and height, truncated; no value when the file cannot be opened.
 [[nodiscard]] std::optional<QList<int>> movieSizeNaturalDisplayed(const QString& path);
+// The same of the size that the movie is shown at now.
 [[nodiscard]] std::optional<QList<int>> movieSizeCurrentDisplayed(const QString& path);
 // Seconds; 0 when unreadable. A leading tilde is expanded.
 [[nodiscard]] float dureeMovie(const QString& path);

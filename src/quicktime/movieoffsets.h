@@ -1,5 +1,7 @@
 #pragma once
 
+// When the sound of a movie begins.
+
 #include <QVariantMap>
 
 namespace tavrix

@@ -1,8 +1,9 @@
 #pragma once
 
+// Small questions about an open movie, and how it is prepared for display.
+
 #include "quicktime/medialibrary.h"
 
-// Small questions about an open movie, and how it is prepared for display.
 namespace tavrix
 {
 
@@ -12,7 +13,9 @@ using TrackList = QList<std::shared_ptr<Track>>;
 [[nodiscard]] bool isVideoMediaType(const QString& mediaType);
 // All tracks in their order; no value (rather than an empty list) when the movie has none.
 [[nodiscard]] std::optional<TrackList> movieTracks(const Movie& movie);
+// Those whose media type counts as video, in their order; empty when there are none.
 [[nodiscard]] TrackList movieVideoTracks(const Movie& movie);
+// Allows edits from now on.
 void movieEditable(Movie& movie);
 // Seconds, rounded to the millisecond.
 [[nodiscard]] double movieDuration(const Movie& movie);

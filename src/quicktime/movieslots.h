@@ -1,12 +1,14 @@
 #pragma once
 
-#include "quicktime/medialibrary.h"
-
 // The one current movie, kept open so that successive questions about a path do not open it again, and a second slot
 // for the movie of the preview. Main thread only.
+
+#include "quicktime/medialibrary.h"
+
 namespace tavrix
 {
 
+// The current movie, then the preview's; null when there is none. Each path is the text it was opened from.
 [[nodiscard]] std::shared_ptr<Movie> getQTMOVIE();
 [[nodiscard]] QString getQTMOVIESTR(); // nothing when there is none
 [[nodiscard]] std::shared_ptr<Movie> getQTMOVIEVIEW();

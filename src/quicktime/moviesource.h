@@ -1,5 +1,7 @@
 #pragma once
 
+// An opened file as the movie adapter sees it: the facts of the FFmpeg libraries and, for QuickTime files, its atoms.
+
 #include "media/edittimeline.h"
 #include "quicktime/avinput.h"
 #include "quicktime/medialibrary.h"
@@ -7,7 +9,6 @@
 
 #include <map>
 
-// An opened file as the movie adapter sees it: the facts of the FFmpeg libraries and, for QuickTime files, its atoms.
 namespace tavrix
 {
 

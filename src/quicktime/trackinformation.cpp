@@ -24,7 +24,7 @@ namespace tavrix
 namespace
 {
 
-constexpr float near = 0.06F;
+constexpr float closeEnough = 0.06F; // between two ratios
 
 float ratio(int width, int height)
 {
@@ -33,7 +33,7 @@ float ratio(int width, int height)
 
 bool isNear(float a, float b)
 {
-    return std::fabs(a - b) <= near;
+    return std::fabs(a - b) <= closeEnough;
 }
 
 int truncatedSide(double side)

@@ -1,9 +1,10 @@
 #pragma once
 
+// The media info record as the QuickTime layer sees a file.
+
 #include "probe/mediainforecord.h"
 #include "quicktime/medialibrary.h"
 
-// The media info record as the QuickTime layer sees a file.
 namespace tavrix
 {
 

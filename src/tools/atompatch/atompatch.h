@@ -1,5 +1,7 @@
 #pragma once
 
+// The tool that lets a movie be saved.
+
 #include <iosfwd>
 #include <string>
 #include <vector>
