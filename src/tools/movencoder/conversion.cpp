@@ -78,7 +78,8 @@ public:
         if (auto finished = finish(); !finished) {
             return Failure{finished.reason()};
         }
-        return Conversion{reader_->packets(), reader_->decodedPictures(), reader_->damagedPictures(), written_};
+        return Conversion{reader_->packets(), reader_->decodedPictures(), reader_->damagedPictures(), written_,
+                          reader_->strictlyDamaged()};
     }
 
 private:

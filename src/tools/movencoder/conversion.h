@@ -21,7 +21,8 @@ struct Conversion {
     std::int64_t packetsRead = 0; // of the pictures
     std::int64_t decoded = 0;     // pictures
     std::int64_t damagedPictures = 0;
-    std::int64_t written = 0; // pictures
+    std::int64_t written = 0;         // pictures
+    std::int64_t strictlyDamaged = 0; // pictures whose damage only a strict decoder finds
 };
 
 // Encodes `input` into the open file `fd`, which will be `output`, and reports the progress. A reason of failure begins

@@ -112,7 +112,14 @@ judge::Verdict judged(const Task& task, const SafeOutput& output, const Conversi
     given.output = "/proc/self/fd/" + std::to_string(output.fd());
     given.asked = {judge::Way::Encoded, judge::Way::Copied, std::nullopt};
     given.writer = {done.packetsRead, done.decoded, done.damagedPictures, done.written};
-    return judge::judge(given);
+    judge::Verdict verdict = judge::judge(given);
+    // The judge's decoder shows damaged pictures of Motion-JPEG without a word.
+    if (verdict.outcome == judge::Outcome::Whole && done.strictlyDamaged > 0) {
+        verdict.outcome = judge::Outcome::Incomplete;
+        verdict.findings.insert(verdict.findings.begin(),
+                                {.cause = judge::Cause::DamagedPictures, .count = done.strictlyDamaged});
+    }
+    return verdict;
 }
 
 // The verdict on an output that has its name now. Half a recording is better than nothing, and nothing more: it

@@ -43,6 +43,7 @@ public:
     [[nodiscard]] std::int64_t packets() const { return videoPackets_; }
     [[nodiscard]] std::int64_t decodedPictures() const { return pictures_ - lost_; }
     [[nodiscard]] std::int64_t damagedPictures() const { return decoder_->damagedPictures(); }
+    [[nodiscard]] std::int64_t strictlyDamaged() const { return decoder_->strictlyDamaged(); }
 
     [[nodiscard]] AVFormatContext* container() const { return container_; }
     [[nodiscard]] AVStream* video() const { return video_; }

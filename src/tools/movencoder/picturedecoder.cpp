@@ -95,6 +95,7 @@ Result<void> PictureDecoder::sendAgain(const AVPacket& packet)
         }
         lenient_ = *std::move(decoder);
     }
+    ++strictlyDamaged_;
     FramePtr frame(av_frame_alloc());
     if (!frame) {
         return Failure{"out of memory"};

@@ -43,6 +43,8 @@ public:
     // Pictures so far that decoded with errors or not at all, after the first good one: a recording may start in the
     // middle of a group of pictures. Those whose time is not known are in it after the end only.
     [[nodiscard]] std::int64_t damagedPictures() const;
+    // Of them, those that only a strict decoder finds damaged.
+    [[nodiscard]] std::int64_t strictlyDamaged() const { return strictlyDamaged_; }
 
 private:
     PictureDecoder() = default;
@@ -70,6 +72,7 @@ private:
     std::int64_t pictures_ = 0;
     std::int64_t flagged_ = 0;
     std::int64_t lost_ = 0;
+    std::int64_t strictlyDamaged_ = 0;
     std::int64_t concealedBefore_ = 0;
     std::optional<std::int64_t> lastTime_;
     std::int64_t lastDuration_ = 0;
