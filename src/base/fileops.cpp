@@ -1,5 +1,6 @@
 #include "base/fileops.h"
 
+#include "base/datetext.h"
 #include "base/filedelete.h"
 #include "base/filesizes.h"
 #include "base/log.h"
@@ -267,23 +268,43 @@ bool droitsAcces(const QString& path)
     return allowed;
 }
 
-QString dateCreation(const QString& path)
+std::optional<qint64> creationSeconds(const QString& path)
 {
     if (path.isNull()) {
-        return {};
+        return std::nullopt;
     }
     const QByteArray bytes = systemPath(stringByStandardizingPath(path));
     struct statx status {
     };
     if (bytes.isEmpty() || ::statx(AT_FDCWD, bytes.constData(), 0, STATX_MTIME | STATX_BTIME, &status) != 0) {
-        return {};
+        return std::nullopt;
     }
     // A copied clip is born when it is copied but keeps the camera's date as its modification time.
     qint64 seconds = status.stx_mtime.tv_sec;
     if ((status.stx_mask & STATX_BTIME) != 0) {
         seconds = std::min<qint64>(seconds, status.stx_btime.tv_sec);
     }
-    return dateText(seconds);
+    return seconds;
+}
+
+QString dateCreation(const QString& path)
+{
+    const std::optional<qint64> seconds = creationSeconds(path);
+    return seconds ? dateText(*seconds) : QString();
+}
+
+bool setModificationTime(const QString& path, qint64 seconds)
+{
+    const Descriptor file = openFile(systemItemPath(path), O_RDONLY | O_NOFOLLOW);
+    struct stat status = {};
+    const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, timespec{seconds, 0}};
+    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        errno = EINVAL;
+    } else if (file.isOpen() && ::futimens(file.get(), times.data()) == 0) {
+        return true;
+    }
+    logLine(QStringLiteral("file date           :-( %@ : %@"), {path, systemErrorText()});
+    return false;
 }
 
 } // namespace tavrix

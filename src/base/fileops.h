@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace tavrix
 {
 
@@ -24,5 +26,10 @@ bool chmodCocoa(const QString& path, int mode, const QString& recursiveFlag);
 [[nodiscard]] bool droitsAcces(const QString& path);
 // "yyyy-MM-dd HH:mm:ss +hhmm" of the earlier of birth and modification time; nothing for nothing or a missing file.
 [[nodiscard]] QString dateCreation(const QString& path);
+// The same in seconds since 1970; no value for nothing or a missing file.
+[[nodiscard]] std::optional<qint64> creationSeconds(const QString& path);
+// Sets a regular file's modification time, seconds since 1970; a link is not followed. False, with a log line, when it
+// cannot be set.
+bool setModificationTime(const QString& path, qint64 seconds);
 
 } // namespace tavrix

@@ -84,6 +84,14 @@ QString shownText(const QString& text)
     return text.isNull() ? text : replaced(text, [](char32_t character, QStringView) { return escape(character); });
 }
 
+QString shownLines(const QString& text)
+{
+    const auto escaped = [](char32_t character, QStringView) {
+        return character == U'\n' ? QStringLiteral("\n") : escape(character);
+    };
+    return text.isNull() ? text : replaced(text, escaped);
+}
+
 QByteArray shownJson(const QByteArray& json)
 {
     const auto escaped = [](char32_t character, QStringView units) {

@@ -12,6 +12,8 @@ namespace tavrix
 // "\r", else "\x1b" or "\u202e". Ordinary texts stay as they are, the joiners of scripts and pictures included. Nothing
 // stays nothing.
 [[nodiscard]] QString shownText(const QString& text);
+// The same for a text of several lines: its line feeds stay.
+[[nodiscard]] QString shownLines(const QString& text);
 
 // JSON in which the same characters stand as JSON's own escapes: a reader gets the bytes unchanged, a terminal nothing
 // to obey. The bytes are UTF-8.

@@ -1,6 +1,7 @@
 #include "gui/dragndropview.h"
 
 #include "app/appdelegate.h"
+#include "gui/dropmanners.h"
 #include "gui/images.h"
 #include "gui/theme.h"
 
@@ -8,14 +9,13 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
-#include <QUrl>
 
 namespace tavrix
 {
 
 dragNDropView::dragNDropView(QWidget* parent) : QWidget(parent)
 {
-    setAcceptDrops(true);
+    DropManners::allow(this);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
 }
@@ -36,43 +36,23 @@ void dragNDropView::setImageName(const QString& imageName)
     update();
 }
 
-QStringList dragNDropView::localFiles(const QMimeData* data)
+bool dragNDropView::acceptClips(QDropEvent* event)
 {
-    QStringList paths;
-    for (const QUrl& url : data->urls()) {
-        const bool here = url.host().isEmpty() || url.host() == QLatin1String("localhost");
-        if (!url.isLocalFile() || !here) {
-            continue;
-        }
-        QString path = url.path(QUrl::FullyDecoded);
-        while (path.size() > 1 && path.endsWith(QLatin1Char('/'))) {
-            path.chop(1);
-        }
-        paths << path;
-    }
-    return paths;
-}
-
-// A "move" would make the file manager delete the user's clips after the drop.
-bool dragNDropView::acceptCopy(QDropEvent* event)
-{
-    if (!event->possibleActions().testFlag(Qt::CopyAction) || localFiles(event->mimeData()).isEmpty()) {
+    if (localFilesOf(event->mimeData()).isEmpty()) {
         event->ignore();
         return false;
     }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    return true;
+    return acceptAsCopy(event);
 }
 
 void dragNDropView::dragEnterEvent(QDragEnterEvent* event)
 {
-    setHovered(acceptCopy(event));
+    setHovered(acceptClips(event));
 }
 
 void dragNDropView::dragMoveEvent(QDragMoveEvent* event)
 {
-    acceptCopy(event);
+    acceptClips(event);
 }
 
 void dragNDropView::dragLeaveEvent(QDragLeaveEvent* /*event*/)
@@ -83,11 +63,8 @@ void dragNDropView::dragLeaveEvent(QDragLeaveEvent* /*event*/)
 void dragNDropView::dropEvent(QDropEvent* event)
 {
     setHovered(false);
-    const QStringList paths = localFiles(event->mimeData());
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    if (!paths.isEmpty() && delegate_ != nullptr) {
-        delegate_->dragNDropPerformDrag(this, paths);
+    if (acceptClips(event) && delegate_ != nullptr) {
+        delegate_->dragNDropPerformDrag(this, localFilesOf(event->mimeData()));
     }
 }
 

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <QPointer>
-#include <QStringList>
+#include <QString>
 #include <QWidget>
-
-class QMimeData;
 
 namespace tavrix
 {
@@ -24,8 +22,6 @@ public:
     // Name of an image of the resources; nothing shows none.
     void setImageName(const QString& imageName);
     [[nodiscard]] QString imageName() const { return imageName_; }
-    // Local files of a drag, in its order; files of other machines and web addresses are left out.
-    [[nodiscard]] static QStringList localFiles(const QMimeData* data);
 
 Q_SIGNALS:
     // Clicked or pressed: the user wants to choose files instead of dropping them.
@@ -41,7 +37,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    bool acceptCopy(QDropEvent* event);
+    bool acceptClips(QDropEvent* event);
     void setHovered(bool hovered);
 
     QPointer<appDelegate> delegate_;

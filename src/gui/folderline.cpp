@@ -2,9 +2,9 @@
 
 #include "app/appdelegate.h"
 #include "gui/binding.h"
+#include "gui/folderedit.h"
 
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QPushButton>
 
 namespace tavrix
@@ -17,7 +17,7 @@ FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& s
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
-    auto* edit = new QLineEdit(this);
+    auto* edit = new FolderEdit(this);
     edit->setPlaceholderText(QStringLiteral("@@Win_folderPlaceholder"));
     edit->setAccessibleName(QStringLiteral("@@Win_acc_folder"));
     edit->setMinimumWidth(150);

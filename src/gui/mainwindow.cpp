@@ -8,6 +8,7 @@
 #include "gui/batchdrawer.h"
 #include "gui/binding.h"
 #include "gui/dragndropview.h"
+#include "gui/dropmanners.h"
 #include "gui/droppanel.h"
 #include "gui/ecran.h"
 #include "gui/encodepanel.h"
@@ -45,6 +46,7 @@ MainWindow::MainWindow(appDelegate& controller) : controller_(controller)
     setObjectName(controller.model().objectName());
     setWindowTitle(QStringLiteral("@@Win_title"));
     setWindowIcon(imageNamed(QStringLiteral("tavrix")));
+    DropManners::allow(this);
     build();
     auto* menu = new MainMenu(controller_, *this);
     menu->setObjectName(QStringLiteral("mainMenu"));
@@ -141,6 +143,22 @@ void MainWindow::setOrder()
 void MainWindow::takeDrops()
 {
     drop_->dropView()->setDelegate(&controller_);
+}
+
+bool MainWindow::event(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop: {
+        // Not sent: what the drop area refuses would come back to its window, and so on without an end.
+        QObject* const view = drop_->dropView();
+        return view->event(event);
+    }
+    default:
+        return QMainWindow::event(event);
+    }
 }
 
 void MainWindow::localise()

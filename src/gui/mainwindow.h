@@ -37,6 +37,8 @@ public:
     [[nodiscard]] BatchDrawer& batchDrawer() const { return *drawer_; }
 
 protected:
+    // What is dropped beside the drop area was meant for it: people do not aim.
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:

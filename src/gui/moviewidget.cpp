@@ -3,13 +3,13 @@
 #include "base/log.h"
 #include "gui/windowtext.h"
 
+#include <QAudioDevice>
 #include <QAudioOutput>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QMediaPlayer>
 #include <QPainter>
 #include <QUrl>
-#include <QVideoFrame>
 #include <QVideoSink>
 
 namespace tavrix
@@ -34,45 +34,80 @@ bool chooseBackend()
     return true;
 }
 
-QMediaPlayer* makePlayer(QObject* parent)
+std::unique_ptr<QMediaPlayer> makePlayer()
 {
     [[maybe_unused]] static const bool chosen = chooseBackend();
-    return new QMediaPlayer(parent);
+    return std::make_unique<QMediaPlayer>();
 }
 
 } // namespace
 
-MovieWidget::MovieWidget(QWidget* parent)
-    : QWidget(parent), player_(makePlayer(this)), audio_(new QAudioOutput(this)), sink_(new QVideoSink(this))
+MovieWidget::MovieWidget(QWidget* parent) : QWidget(parent), sink_(new QVideoSink(this)), player_(makePlayer())
 {
     setMinimumSize(320, 180);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    player_->setAudioOutput(audio_);
-    player_->setVideoSink(sink_);
-    connect(sink_, &QVideoSink::videoFrameChanged, this, &MovieWidget::takeFrame);
-    connect(player_, &QMediaPlayer::errorOccurred, this, [this](QMediaPlayer::Error, const QString& text) {
+    useSoundDevice();
+    connect(&devices_, &QMediaDevices::audioOutputsChanged, this, &MovieWidget::useSoundDevice);
+    watchFrames();
+    connect(player_.get(), &QMediaPlayer::errorOccurred, this, [this](QMediaPlayer::Error, const QString& text) {
         logLine(QStringLiteral("preview             :-( %@"), {text});
         fail();
     });
-    connect(player_, &QMediaPlayer::positionChanged, this, &MovieWidget::positionChanged);
-    connect(player_, &QMediaPlayer::playbackStateChanged, this, [this] { Q_EMIT playingChanged(isPlaying()); });
+    connect(player_.get(), &QMediaPlayer::positionChanged, this, &MovieWidget::positionChanged);
+    connect(player_.get(), &QMediaPlayer::playbackStateChanged, this, [this] { Q_EMIT playingChanged(isPlaying()); });
 }
 
 MovieWidget::~MovieWidget()
 {
-    // The player's threads must not deliver into a half-destroyed widget.
+    // The player's threads must not deliver into a half-destroyed widget: they have ended when the player is gone.
     player_->disconnect(this);
     sink_->disconnect(this);
-    player_->stop();
+    player_.reset();
+}
+
+// Frames come from a thread of the player. Waiting for the window in its event queue they would fill the memory where
+// painting is slower than the clip.
+void MovieWidget::watchFrames()
+{
+    player_->setVideoSink(sink_);
+    const auto keep = [this](const QVideoFrame& frame) {
+        if (frame.isValid() && newest_.put(frame)) {
+            QMetaObject::invokeMethod(this, &MovieWidget::showNewestFrame, Qt::QueuedConnection);
+        }
+    };
+    connect(sink_, &QVideoSink::videoFrameChanged, this, keep, Qt::DirectConnection);
+}
+
+// The player would end the whole program on a sound output without a device.
+void MovieWidget::useSoundDevice()
+{
+    const QList<QAudioDevice> devices = QMediaDevices::audioOutputs();
+    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+    const bool had = hasSoundDevice();
+    if (had && devices.contains(sound_->device())) {
+        return;
+    }
+    player_->setAudioOutput(nullptr);
+    sound_.reset();
+    if (!device.isNull()) {
+        sound_ = std::make_unique<QAudioOutput>(device);
+        player_->setAudioOutput(sound_.get());
+        movieSettingsChanged();
+    }
+    if (had != hasSoundDevice()) {
+        Q_EMIT soundDeviceChanged();
+    }
 }
 
 void MovieWidget::setMovie(const std::shared_ptr<Movie>& movie)
 {
     movie_ = movie;
-    frame_ = QImage();
     failed_ = false;
     player_->stop();
     player_->setSource(movie ? QUrl::fromLocalFile(movie->path()) : QUrl());
+    (void)newest_.take();
+    frame_ = QVideoFrame();
+    picture_ = QImage();
     if (movie) {
         movieSettingsChanged();
         if (!player_->isAvailable()) {
@@ -115,21 +150,25 @@ void MovieWidget::movieSettingsChanged()
 {
     if (movie_) {
         player_->setLoops(movie_->loops() ? QMediaPlayer::Infinite : QMediaPlayer::Once);
-        audio_->setVolume(movie_->volume());
+        if (sound_) {
+            sound_->setVolume(movie_->volume());
+        }
     }
 }
 
-void MovieWidget::takeFrame(const QVideoFrame& frame)
+void MovieWidget::showNewestFrame()
 {
-    if (!frame.isValid()) {
+    const QVideoFrame newest = newest_.take();
+    if (!newest.isValid() || !movie_) {
         return;
     }
-    const bool first = frame_.isNull();
-    frame_ = frame.toImage();
-    if (first && !frame_.isNull()) {
+    const bool first = !frame_.isValid();
+    frame_ = newest;
+    picture_ = QImage();
+    update();
+    if (first) {
         Q_EMIT firstFrame();
     }
-    update();
 }
 
 void MovieWidget::fail()
@@ -142,26 +181,33 @@ void MovieWidget::fail()
     }
 }
 
+// The display size, not the pixel count: camera clips can have pixels that are not square.
+QSize MovieWidget::shownSize() const
+{
+    QSizeF shape = frame_.size();
+    if (movie_ && movie_->currentSize().width > 0 && movie_->currentSize().height > 0) {
+        shape = QSizeF(movie_->currentSize().width, movie_->currentSize().height);
+    }
+    return shape.scaled(size(), Qt::KeepAspectRatio).toSize();
+}
+
 void MovieWidget::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::black);
-    if (failed_ || frame_.isNull()) {
+    const QSize shown = shownSize();
+    const QSize pixels = (QSizeF(shown) * devicePixelRatioF()).toSize();
+    if (!failed_ && frame_.isValid() && picture_.size() != pixels) {
+        picture_ = scaler_.picture(frame_, pixels);
+    }
+    if (failed_ || picture_.isNull()) {
         painter.setPen(Qt::white);
         const QString words = failed_ ? windowText("Win_cannotPlay") : QString();
         painter.drawText(rect().adjusted(20, 20, -20, -20), static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap,
                          words);
         return;
     }
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    // The display size, not the pixel count: camera clips can have pixels that are not square.
-    QSizeF shape = frame_.size();
-    if (movie_ && movie_->currentSize().width > 0 && movie_->currentSize().height > 0) {
-        shape = QSizeF(movie_->currentSize().width, movie_->currentSize().height);
-    }
-    const QSizeF fitted = shape.scaled(size(), Qt::KeepAspectRatio);
-    const QPointF corner((width() - fitted.width()) / 2, (height() - fitted.height()) / 2);
-    painter.drawImage(QRectF(corner, fitted), frame_);
+    painter.drawImage(QRect(QPoint((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown), picture_);
 }
 
 } // namespace tavrix

@@ -122,6 +122,14 @@ void PreviewWindow::buildVolume(QHBoxLayout* line)
     nameControl(volume_, windowText("Win_acc_volume"));
     connect(volume_, &QSlider::valueChanged, this, &PreviewWindow::applyVolume);
     line->addWidget(volume_);
+    connect(movie_, &MovieWidget::soundDeviceChanged, this, &PreviewWindow::showSoundDevice);
+    showSoundDevice();
+}
+
+void PreviewWindow::showSoundDevice()
+{
+    volume_->setEnabled(movie_->hasSoundDevice());
+    volume_->setToolTip(windowText(movie_->hasSoundDevice() ? "Win_acc_volume" : "Win_noSoundDevice"));
 }
 
 void PreviewWindow::applyVolume()

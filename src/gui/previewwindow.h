@@ -32,6 +32,7 @@ private:
     void buildControls(QHBoxLayout* line);
     void buildVolume(QHBoxLayout* line);
     void applyVolume();
+    void showSoundDevice();
     void togglePlay();
     void stop();
     void showTime();

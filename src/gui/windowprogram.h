@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gui/dialogpresenter.h"
+#include "gui/dropmanners.h"
 #include "gui/windowface.h"
 
 #include <QObject>
@@ -44,6 +45,7 @@ private:
     void connectDesktop();
 
     bool ended_ = false;
+    DropManners dropManners_; // before the first window
     DialogPresenter presenter_;
     WindowFace face_;
     std::unique_ptr<appDelegate> controller_;

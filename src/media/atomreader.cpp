@@ -15,8 +15,8 @@ namespace
 
 constexpr std::uint64_t shortHeader = 8;
 constexpr std::uint64_t longHeader = 16;
-// A file of more atoms than that at its top is not a movie but an attempt to keep the reader busy.
-constexpr std::size_t mostFileAtoms = 1000000;
+// More atoms than that beside one another are not a movie but an attempt to keep the reader busy or out of memory.
+constexpr std::size_t mostAtoms = 1000000;
 
 struct HeaderFields {
     std::uint32_t type = 0;
@@ -84,7 +84,7 @@ std::vector<Atom> childAtoms(ByteView container, bool* wellFormed)
             break;
         }
         const std::optional<HeaderFields> header = headerFields(rest);
-        fits = header && header->size <= rest.size();
+        fits = header && header->size <= rest.size() && atoms.size() < mostAtoms;
         if (!fits) {
             break;
         }
@@ -118,7 +118,7 @@ FileAtoms topLevelAtoms(const ReadAt& readAt, std::uint64_t fileSize)
         const auto available = static_cast<std::size_t>(std::min<std::uint64_t>(fileSize - offset, longHeader));
         const std::span<std::uint8_t> view(bytes.data(), available);
         const std::optional<HeaderFields> header = readAt(offset, view) ? headerFields(view) : std::nullopt;
-        if (!header || header->size > fileSize - offset || result.atoms.size() >= mostFileAtoms) {
+        if (!header || header->size > fileSize - offset || result.atoms.size() >= mostAtoms) {
             result.damaged = true;
             return result;
         }

@@ -1,10 +1,8 @@
 #include "probe/recordersources.h"
 
 #include "base/alerts.h"
-#include "base/bundle.h"
 #include "base/conversions.h"
 #include "base/filelisting.h"
-#include "base/fileops.h"
 #include "base/filesizes.h"
 #include "base/log.h"
 #include "base/paths.h"
@@ -12,8 +10,7 @@
 #include "base/settings.h"
 #include "base/text.h"
 #include "platform/datasearch.h"
-#include "process/runners.h"
-#include "process/shelltext.h"
+#include "probe/recordingname.h"
 
 #include <QFile>
 
@@ -34,37 +31,6 @@ constexpr qint64 dateTextLength = 10;
 QString baseNameOf(const QString& path)
 {
     return stringByDeletingPathExtension(lastPathComponent(path));
-}
-
-// Name from the line that the camera's play lists hold about the clip; nothing when there is none.
-QString nameFromPlaylists(const QString& sourcePath)
-{
-    const QString grandparent = stringByDeletingLastPathComponent(stringByDeletingLastPathComponent(sourcePath));
-    const QString separator = QStringLiteral(" : ");
-    const QString base = baseNameOf(sourcePath);
-    const QStringList entries = lsCocoa(grandparent).value_or(QStringList());
-    for (const QString& entry : entries) {
-        if (!entry.contains(QLatin1String("PLAYLIST"))) {
-            continue;
-        }
-        const QString folder = formatText(QStringLiteral("%@/PLAYLIST/"), {grandparent});
-        for (const QString& line : linesToArray(taskWithStrBasic(timestampCommand(toolsFolder(), folder)))) {
-            const QStringList pieces = componentsSeparated(line, separator);
-            if (pieces.size() > 1 && pieces.at(0) == base) {
-                return formatText(QStringLiteral("%@-%@"), {pieces.at(1), base});
-            }
-        }
-    }
-    return {};
-}
-
-QString nameFromFileDate(const QString& sourcePath)
-{
-    // The zone is only cut east of Greenwich; west of it the name keeps it, as the user's older outputs do.
-    const QString created = dateCreation(sourcePath);
-    const QString date = created.isNull() ? created : textBefore(created, QStringLiteral(" +"));
-    const QString name = formatText(QStringLiteral("clip-%@-%@"), {date, baseNameOf(sourcePath)});
-    return findAndReplace(name, QStringLiteral(":"), QStringLiteral(";"));
 }
 
 void logDate(const QString& text)
@@ -145,24 +111,12 @@ float bundledVideoEyetvDuration(const QString& path)
     return duration;
 }
 
-QString timestampCommand(const QString& toolsFolder, const QString& playlistFolder)
-{
-    return formatText(QStringLiteral("\"%@/\"gettimestamps '%@'"),
-                      {shellDoubleQuoted(toolsFolder), shellSingleQuoted(playlistFolder)});
-}
-
 QString dateCreation2iMovieName(const QString& sourcePath)
 {
     if (sourcePath.isNull()) {
         return {};
     }
-    QString name = nameFromPlaylists(sourcePath);
-    if (name.isNull()) {
-        name = nameFromFileDate(sourcePath);
-    }
-    if (name.isNull()) {
-        name = lastPathComponent(sourcePath);
-    }
+    const QString name = recordingName(sourcePath).name;
     if (getDEBUGDEV() != 0) {
         displayAlert(QStringLiteral("dstPathNameStr :"), name, 0, nullptr);
     }

@@ -65,4 +65,11 @@ TEST(ShownJson, KeepsTheLinesOfTheText)
     EXPECT_EQ(shownJson("{\n}\n"), QByteArray("{\n}\n"));
 }
 
+TEST(ShownLines, KeepTheirLineFeedsOnly)
+{
+    EXPECT_EQ(shownLines(QStringLiteral("one\ntwo\r\x1b[31m\n")), QStringLiteral("one\ntwo\\r\\x1b[31m\n"));
+    EXPECT_EQ(shownLines(QStringLiteral("one\u2028two")), QStringLiteral("one\\u2028two"));
+    EXPECT_TRUE(shownLines(QString()).isNull());
+}
+
 } // namespace

@@ -10,6 +10,8 @@ int main(int argc, char** argv)
     }
     // No service of a real desktop is called; tests of the message bus start one of their own.
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    // Nor does any test make a sound: with and without a sound device they all run alike.
+    qputenv("PULSE_SERVER", "unix:/nonexistent/pulse");
     return tavrix::test::runTests(argc, argv, [](int& count, char** values) {
         auto application = std::make_unique<QApplication>(count, values);
         QApplication::setQuitOnLastWindowClosed(false);

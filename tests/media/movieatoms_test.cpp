@@ -51,6 +51,20 @@ TEST(FieldReaderTest, readsBigEndianAndFailsForGood)
     EXPECT_EQ(FieldReader(bytes, 100).u32(), 0U);
 }
 
+TEST(ChildAtomsTest, refusesMoreAtomsThanAMovieHas)
+{
+    Bytes header;
+    put32(header, 8);
+    put32(header, atomType("free"));
+    Bytes many;
+    for (int i = 0; i < 1000001; ++i) {
+        many.insert(many.end(), header.begin(), header.end());
+    }
+    bool wellFormed = true;
+    EXPECT_EQ(childAtoms(many, &wellFormed).size(), 1000000U);
+    EXPECT_FALSE(wellFormed);
+}
+
 TEST(ChildAtomsTest, toleratesAZeroWordAndAFewBytesAtTheEnd)
 {
     Bytes bytes = atomBytes("abcd", {1, 2});

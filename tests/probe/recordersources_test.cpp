@@ -3,6 +3,7 @@
 #include "base/fileops.h"
 #include "base/settings.h"
 #include "probe/fakeresources.h"
+#include "probe/recordingname.h"
 #include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 
@@ -10,7 +11,6 @@
 #include <QFileInfo>
 
 #include <ctime>
-#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace tavrix
@@ -51,12 +51,6 @@ public:
 private:
     test::EnvironmentChange change_;
 };
-
-void setModificationTime(const QString& path, time_t seconds)
-{
-    const timespec times[2] = {{seconds, 0}, {seconds, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
-}
 
 QByteArray dateHead(const char* date, int before = 0)
 {
@@ -197,7 +191,7 @@ TEST(OutputName, FallsBackToTheFileDate)
     const Zone zone("CET-1");
     const FakeResources resources;
     const QString clip = resources.folder().makeFile(QStringLiteral("BDMV/STREAM/00002.MTS"));
-    setModificationTime(clip, 1299230430);
+    ASSERT_TRUE(setModificationTime(clip, 1299230430));
     resources.folder().makeFolder(QStringLiteral("BDMV/PLAYLIST"));
     resources.makeTool(QStringLiteral("gettimestamps"), "echo '00001 : clip-2010-05-01 12;34;56'\necho junk\n");
     EXPECT_TEXT(dateCreation2iMovieName(clip), QStringLiteral("clip-2011-03-04 10;20;30-00002"));
@@ -207,7 +201,7 @@ TEST(OutputName, EastOfGreenwichLosesTheZone)
 {
     const TempFolder folder;
     const QString clip = folder.makeFile(QStringLiteral("a/b/holiday.mov"));
-    setModificationTime(clip, 1299230430);
+    ASSERT_TRUE(setModificationTime(clip, 1299230430));
     {
         const Zone zone("CET-1");
         EXPECT_TEXT(dateCreation2iMovieName(clip), QStringLiteral("clip-2011-03-04 10;20;30-holiday"));
