@@ -108,6 +108,8 @@ std::string englishText(const Finding& finding)
         return "the output is too small to replace an older one (" + std::to_string(finding.count) + " bytes)";
     case Cause::OlderKept:
         return "what stands under its name is kept";
+    case Cause::NotPublished:
+        return "the output could not take its name (" + finding.text + ')';
     case Cause::NotJudged:
         return "the output could not be compared with its source (" + finding.text + ')';
     case Cause::HiddenShown:

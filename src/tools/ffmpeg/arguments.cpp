@@ -154,12 +154,26 @@ std::string pictureFilters(const Conversion& conversion, const std::optional<std
     return joinedFilters(times, joinedFilters(mirror, fittedFilters(filters, *picture)));
 }
 
+// Samples without coding follow one another without times: what a hole in the source leaves out would let all the rest
+// come early, so it is filled with silence.
+bool mustFillHoles(const Conversion& conversion)
+{
+    bool samples = false;
+    for (const Option& option : conversion.output.options) {
+        if (isOptionFor(option, {"acodec", "c:a", "codec:a"}) && option.value) {
+            samples = option.value->starts_with("pcm_");
+        }
+    }
+    return samples && conversion.job.sound == Treatment::Encoded && conversion.sound() != nullptr;
+}
+
 std::string soundFilters(const Conversion& conversion)
 {
-    std::string filters;
+    const std::string fill = mustFillHoles(conversion) ? "aresample=async=1" : "";
+    std::string filters = fill;
     for (const Option& option : conversion.output.options) {
         if (isFilterOf(option, "af", "filter:a")) {
-            filters = *option.value;
+            filters = joinedFilters(fill, *option.value);
         }
     }
     const bool twoChannels = optionValue(conversion.output.options, "ac") == "2";
@@ -314,6 +328,10 @@ Words modernArguments(const CommandLine& line, const FileUrls& urls, const Diale
     Words words = {"-nostdin", "-v", logLevel(line)};
     if (!line.outputs.empty()) {
         words.emplace_back("-y");
+    }
+    if (asksForSource(line, urls)) {
+        // However much of a source is damaged, the rest is wanted; the judge says what is missing.
+        appendOption(words, "max_error_rate", "1");
     }
     for (const Option& option : line.globals) {
         appendOption(words, optionRule(option.name).modernName, option.value);

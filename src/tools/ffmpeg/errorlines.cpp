@@ -132,6 +132,21 @@ bool tellsWriteFailure(std::string_view line)
     return std::ranges::any_of(phrases, [&](std::string_view phrase) { return contains(line, phrase); });
 }
 
+bool tellsDecodeError(std::string_view line)
+{
+    if (line.starts_with(' ')) {
+        return false;
+    }
+    constexpr std::array<std::string_view, 5> phrases = {
+        "Error while decoding stream #",
+        "corrupt decoded frame",
+        "Error submitting packet to decoder",
+        "concealing ",
+        "Decode error rate ",
+    };
+    return std::ranges::any_of(phrases, [&](std::string_view phrase) { return contains(line, phrase); });
+}
+
 bool tellsNothingEncoded(std::string_view line)
 {
     return contains(line, "Output file is empty, nothing was encoded") ||

@@ -36,6 +36,9 @@ struct OpenFailure {
 // Whether the line tells that the output is damaged, which ffmpeg may follow with status 0.
 [[nodiscard]] bool tellsWriteFailure(std::string_view line);
 
+// Whether the line tells of a frame that could not be decoded, or only in part.
+[[nodiscard]] bool tellsDecodeError(std::string_view line);
+
 // Whether the line tells that no frame went into the output, which is status 0 as well.
 [[nodiscard]] bool tellsNothingEncoded(std::string_view line);
 

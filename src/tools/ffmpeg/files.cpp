@@ -297,6 +297,30 @@ std::optional<std::string> RunFiles::emptyOutput() const
     return std::nullopt;
 }
 
+std::optional<std::string> RunFiles::writtenFile() const
+{
+    const bool one = outputs_.size() == 1 && outputs_.front().file;
+    return one ? std::optional(outputs_.front().file->path()) : std::nullopt;
+}
+
+std::int64_t RunFiles::writtenBytes() const
+{
+    return writtenFile() ? outputs_.front().file->size() : -1;
+}
+
+bool RunFiles::olderStands() const
+{
+    struct stat info = {};
+    return writtenFile() && lstat(outputs_.front().file->finalPath().c_str(), &info) == 0;
+}
+
+void RunFiles::keepOlder()
+{
+    for (Output& output : outputs_) {
+        output.existing = SafeOutput::Existing::Kept;
+    }
+}
+
 Result<void> RunFiles::publish()
 {
     for (std::size_t i = 0; i < outputs_.size(); ++i) {

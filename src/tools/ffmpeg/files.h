@@ -41,8 +41,18 @@ public:
     [[nodiscard]] std::optional<std::string> shortenedInput() const;
     // The name of the first output that holds not a byte; nothing when all have some.
     [[nodiscard]] std::optional<std::string> emptyOutput() const;
+    // Whether the only input is a regular file.
+    [[nodiscard]] bool readsRegularFile() const { return inputNames_.size() == 1 && inputSizes_.size() == 1; }
+    // Where the only output is written until it takes its name; nothing when it is written to directly.
+    [[nodiscard]] std::optional<std::string> writtenFile() const;
+    // Its bytes; -1 when they cannot be asked.
+    [[nodiscard]] std::int64_t writtenBytes() const;
+    // Whether anything stands under its name by now.
+    [[nodiscard]] bool olderStands() const;
+    // From now on publishing fails where something stands under the name.
+    void keepOlder();
     // Puts the outputs under their names; fails at the first that cannot be.
-    Result<void> publish();
+    [[nodiscard]] Result<void> publish();
 
 private:
     struct Output {

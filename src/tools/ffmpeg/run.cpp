@@ -1,11 +1,13 @@
 #include "tools/ffmpeg/run.h"
 
+#include "judge/verdictline.h"
 #include "sys/errortext.h"
 #include "sys/transfer.h"
 #include "tools/common/childprocess.h"
 #include "tools/ffmpeg/arguments.h"
 #include "tools/ffmpeg/banner.h"
 #include "tools/ffmpeg/files.h"
+#include "tools/ffmpeg/judgement.h"
 #include "tools/ffmpeg/linesplitter.h"
 #include "tools/ffmpeg/locate.h"
 #include "tools/ffmpeg/textpieces.h"
@@ -190,18 +192,61 @@ private:
             explain(attempt.findings);
             return attempt.end->code;
         }
-        auto published = publishable(attempt.findings);
-        if (published) {
-            published = finish();
-        }
-        if (published) {
-            published = files_.publish();
-        }
-        if (!published) {
-            print(published.reason());
+        if (const auto unfit = publishable(attempt.findings); !unfit) {
+            print(unfit.reason());
             explain(attempt.findings);
+            return 1;
         }
-        return published ? 0 : 1;
+        if (const auto finished = finish(); !finished) {
+            print(finished.reason());
+            return 1;
+        }
+        return judgeAndPublish(attempt.findings);
+    }
+
+    int judgeAndPublish(const Findings& findings)
+    {
+        auto verdict = judgement(line_, files_, findings);
+        if (verdict && files_.olderStands()) {
+            verdict = besideOlderOutput(std::move(*verdict), files_.writtenBytes());
+        }
+        if (interruptingSignal() != 0) {
+            return 128 + interruptingSignal();
+        }
+        if (verdict && verdict->outcome == judge::Outcome::Incomplete) {
+            files_.keepOlder();
+        }
+        const bool failed = verdict && verdict->outcome == judge::Outcome::Failed;
+        const auto published = failed ? Result<void>(Failure{"Output discarded: " + englishText(*verdict)})
+                                      : unjudgedFailure(verdict.has_value(), findings);
+        const auto done = published ? files_.publish() : published;
+        if (verdict && !failed && !done) {
+            verdict->outcome = judge::Outcome::Failed;
+            verdict->findings.insert(verdict->findings.begin(),
+                                     {.cause = judge::Cause::NotPublished, .text = done.reason()});
+        }
+        if (verdict) {
+            print(judge::verdictLine(*verdict));
+        }
+        if (!done) {
+            print(done.reason());
+        }
+        return done ? 0 : 1;
+    }
+
+    // What only ffmpeg's own words tell of an output that was not judged.
+    [[nodiscard]] Result<void> unjudgedFailure(bool judged, const Findings& findings) const
+    {
+        if (judged) {
+            return {};
+        }
+        if (!findings.readFailure.empty()) {
+            return Failure{"Output incomplete, discarded: " + findings.readFailure};
+        }
+        if (findings.nothingEncoded && !files_.inheritedDescriptors().empty()) {
+            return Failure{"Output without content, discarded"};
+        }
+        return {};
     }
 
     // The last line is the one that a person reads: ffmpeg's own often says only that it failed.
@@ -238,17 +283,11 @@ private:
         if (!findings.writeFailure.empty()) {
             return Failure{"Output incomplete, discarded: " + findings.writeFailure};
         }
-        if (!findings.readFailure.empty()) {
-            return Failure{"Output incomplete, discarded: " + findings.readFailure};
-        }
         if (const auto shortened = files_.shortenedInput()) {
             return Failure{"Output incomplete, discarded: " + *shortened + " has become shorter meanwhile"};
         }
         if (const auto empty = files_.emptyOutput()) {
             return Failure{*empty + ": nothing was written"};
-        }
-        if (findings.nothingEncoded && !files_.inheritedDescriptors().empty()) {
-            return Failure{"Output without content, discarded"};
         }
         return {};
     }

@@ -186,6 +186,7 @@ void Transcript::note(const std::string& line, const std::string& shown)
     if (findings_.writeFailure.empty() && tellsWriteFailure(line)) {
         findings_.writeFailure = shown;
     }
+    findings_.decodeErrors += tellsDecodeError(line) ? 1 : 0;
     if (const auto stream = streamWithoutParameters(line)) {
         withoutParameters_.insert(*stream);
     }
