@@ -98,18 +98,38 @@ TEST_F(FakeFfmpeg, OutputOfAnotherRunThatEndedFirstStays)
 
 TEST_F(FakeFfmpeg, SourceThatShrinksMeanwhileIsAFailure)
 {
+    const std::string result = name("out.mkv"); // a container whose content is not judged
     const std::string source = name("source.mts");
     const auto run = [&](const std::string& change) {
         writeFile(source, "0123456789");
-        return runWith(writes("data") + change + " '" + source + "'", {"-i", source, "-y", output()});
+        return runWith(writes("data") + change + " '" + source + "'", {"-i", source, "-y", result});
     };
     const ToolEnd end = run("printf 1 >");
     EXPECT_EQ(end.code, 1);
     EXPECT_TRUE(contains(end.err, source + " has become shorter meanwhile\n")) << end.err;
-    EXPECT_FALSE(fs::exists(output()));
+    EXPECT_FALSE(fs::exists(result));
     for (const char* harmless : {"printf 1 >>", "rm", "touch"}) {
         EXPECT_EQ(run(harmless).code, 0) << harmless;
-        EXPECT_EQ(fileContents(output()), "data");
+        EXPECT_EQ(fileContents(result), "data");
+    }
+}
+
+TEST_F(FakeFfmpeg, LiesAboutAnOutputAreFoundOut)
+{
+    const std::string scripts[] = {writes("data") + "exit 0",
+                                   "for o; do :; done\nhead -c 300000 /dev/zero > \"${o#file:}\""};
+    for (const char* older : {"", "older"}) {
+        if (*older != '\0') {
+            writeFile(output(), older);
+        }
+        for (const std::string& script : scripts) {
+            const Words words = {"-i", clip("mts"), "-vcodec", "copy", "-acodec", "copy", "-y", output()};
+            const ToolEnd end = runWith(script, words);
+            EXPECT_EQ(end.code, 1) << script;
+            EXPECT_TRUE(contains(end.err, "tavrix-verdict: failed not-readable ")) << end.err;
+            EXPECT_TRUE(contains(end.err, "Output discarded: ")) << end.err;
+            EXPECT_EQ(fs::exists(output()) ? fileContents(output()) : "", older);
+        }
     }
 }
 

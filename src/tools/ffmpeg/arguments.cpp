@@ -329,7 +329,7 @@ Words modernArguments(const CommandLine& line, const FileUrls& urls, const Diale
     if (!line.outputs.empty()) {
         words.emplace_back("-y");
     }
-    if (asksForSource(line, urls)) {
+    if (source) {
         // However much of a source is damaged, the rest is wanted; the judge says what is missing.
         appendOption(words, "max_error_rate", "1");
     }
