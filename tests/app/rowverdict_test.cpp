@@ -98,8 +98,8 @@ TEST_F(JudgedRow, IsASuccessWithAWarningWhenTheSourceIsDamaged)
     EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
     EXPECT_TRUE(rows().row(0).incomplete);
     EXPECT_TEXT(rows().row(0).warning, QStringLiteral("Incomplete: 9.8 of 20.0 s could be read"));
-    EXPECT_TRUE(resumeLog().endsWith(
-        QLatin1String("\nwarning             : Incomplete: 9.8 of 20.0 s could be read\n")))
+    EXPECT_TRUE(
+        resumeLog().endsWith(QLatin1String("\nwarning             : Incomplete: 9.8 of 20.0 s could be read\n")))
         << resumeLog().toStdString();
 }
 

@@ -41,7 +41,7 @@ struct Findings {
     std::string readFailure;      // the input that could not be read to its end, and why
     bool nothingEncoded = false;
     bool undecodable = false; // not one picture came out of the decoder
-    int decodeErrors = 0; // lines that tell of frames refused or damaged
+    int decodeErrors = 0;     // lines that tell of frames refused or damaged
 };
 
 // Translates line by line, without waiting for more: only the stream mapping is held back until the output has been
