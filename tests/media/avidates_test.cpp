@@ -1,8 +1,8 @@
 #include "media/avidates.h"
 
-#include "media/builtdates.h"
 #include "media/clipdates.h"
 #include "support/qtprinters.h"
+#include "support_media/builtdates.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include "media/moviedates.h"
 
-#include "media/builtdates.h"
-#include "media/cameramessage.h"
 #include "media/clipdates.h"
 #include "media/moviewriter.h"
 #include "support/qtprinters.h"
+#include "support_media/builtdates.h"
+#include "support_media/cameramessage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "media/picturestreamdate.h"
 
-#include "media/cameramessage.h"
 #include "support/qtprinters.h"
+#include "support_media/cameramessage.h"
 
 #include <gtest/gtest.h>
 

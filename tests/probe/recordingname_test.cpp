@@ -1,11 +1,11 @@
 #include "probe/recordingname.h"
 
 #include "base/fileops.h"
-#include "media/builtdates.h"
-#include "media/cameramessage.h"
 #include "media/writtendate.h"
 #include "probe/fakeresources.h"
 #include "support/qtprinters.h"
+#include "support_media/builtdates.h"
+#include "support_media/cameramessage.h"
 
 #include <QFile>
 
