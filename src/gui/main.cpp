@@ -1,4 +1,5 @@
 #include "base/bundle.h"
+#include "gui/clipplayer.h"
 #include "gui/endsignals.h"
 #include "gui/windowprogram.h"
 
@@ -11,6 +12,7 @@
 #include <clocale>
 #include <cstdio>
 #include <optional>
+#include <unistd.h>
 
 namespace
 {
@@ -65,6 +67,20 @@ std::optional<QStringList> filesOf(const QStringList& arguments)
     return files;
 }
 
+int runProgram(QApplication& application, const QStringList& files)
+{
+    tavrix::WindowProgram program([] { QCoreApplication::exit(0); });
+    const tavrix::EndSignals signalsOfTheEnd;
+    QObject::connect(&signalsOfTheEnd, &tavrix::EndSignals::received, &program, &tavrix::WindowProgram::endNow);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &program, &tavrix::WindowProgram::endNow,
+                     Qt::DirectConnection);
+    if (!program.start()) {
+        return startRefused;
+    }
+    program.openFiles(files);
+    return program.hasEnded() ? 0 : QApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -86,14 +102,10 @@ int main(int argc, char** argv)
     // Relative names must not find anything in the folder that the program was started in.
     QDir::setCurrent(QStringLiteral("/"));
 
-    tavrix::WindowProgram program([] { QCoreApplication::exit(0); });
-    const tavrix::EndSignals signalsOfTheEnd;
-    QObject::connect(&signalsOfTheEnd, &tavrix::EndSignals::received, &program, &tavrix::WindowProgram::endNow);
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &program, &tavrix::WindowProgram::endNow,
-                     Qt::DirectConnection);
-    if (!program.start()) {
-        return startRefused;
+    const int status = runProgram(application, *files);
+    if (tavrix::ClipPlayer::hasGivenUpSound()) {
+        std::fflush(nullptr);
+        ::_exit(status);
     }
-    program.openFiles(*files);
-    return program.hasEnded() ? 0 : QApplication::exec();
+    return status;
 }

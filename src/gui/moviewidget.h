@@ -1,20 +1,15 @@
 // A view that plays a movie.
 #pragma once
 
+#include "gui/clipplayer.h"
 #include "gui/framescaler.h"
-#include "gui/newestframe.h"
 #include "quicktime/movieview.h"
 
 #include <QImage>
-#include <QMediaDevices>
 #include <QVideoFrame>
 #include <QWidget>
 
 #include <memory>
-
-class QAudioOutput;
-class QMediaPlayer;
-class QVideoSink;
 
 namespace tavrix
 {
@@ -27,7 +22,6 @@ class MovieWidget : public QWidget, public MovieView
     Q_OBJECT
 public:
     explicit MovieWidget(QWidget* parent = nullptr);
-    ~MovieWidget() override;
 
     void setMovie(const std::shared_ptr<Movie>& movie) override;
     [[nodiscard]] std::shared_ptr<Movie> movie() const override { return movie_; }
@@ -37,35 +31,27 @@ public:
     void setCurrentTime(const MediaTime& time) override;
     void movieSettingsChanged() override;
 
-    [[nodiscard]] bool isPlaying() const;
-    // The file cannot be played.
+    [[nodiscard]] bool isPlaying() const { return player_.isPlaying(); }
     [[nodiscard]] bool hasFailed() const { return failed_; }
     [[nodiscard]] bool hasFrame() const { return frame_.isValid(); }
-    [[nodiscard]] bool hasSoundDevice() const { return sound_ != nullptr; }
+    [[nodiscard]] ClipPlayer& player() { return player_; }
 
 Q_SIGNALS:
     void playingChanged(bool playing);
     void positionChanged();
-    void firstFrame(); // the first picture of the movie is there
+    void firstFrame();
     void failed();
-    void soundDeviceChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void watchFrames();
     void showNewestFrame();
-    void useSoundDevice();
     [[nodiscard]] QSize shownSize() const;
     void fail();
 
     std::shared_ptr<Movie> movie_;
-    QVideoSink* sink_;
-    std::unique_ptr<QMediaPlayer> player_;
-    QMediaDevices devices_;
-    std::unique_ptr<QAudioOutput> sound_; // null without a sound device
-    NewestFrame newest_;
+    ClipPlayer player_;
     QVideoFrame frame_;
     QImage picture_; // of the frame, at the size it is shown in; null when it has to be made
     FrameScaler scaler_;

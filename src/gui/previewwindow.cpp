@@ -122,14 +122,15 @@ void PreviewWindow::buildVolume(QHBoxLayout* line)
     nameControl(volume_, windowText("Win_acc_volume"));
     connect(volume_, &QSlider::valueChanged, this, &PreviewWindow::applyVolume);
     line->addWidget(volume_);
-    connect(movie_, &MovieWidget::soundDeviceChanged, this, &PreviewWindow::showSoundDevice);
+    connect(&movie_->player(), &ClipPlayer::soundDeviceChanged, this, &PreviewWindow::showSoundDevice);
     showSoundDevice();
 }
 
 void PreviewWindow::showSoundDevice()
 {
-    volume_->setEnabled(movie_->hasSoundDevice());
-    volume_->setToolTip(windowText(movie_->hasSoundDevice() ? "Win_acc_volume" : "Win_noSoundDevice"));
+    const bool heard = movie_->player().hasSoundDevice();
+    volume_->setEnabled(heard);
+    volume_->setToolTip(windowText(heard ? "Win_acc_volume" : "Win_noSoundDevice"));
 }
 
 void PreviewWindow::applyVolume()

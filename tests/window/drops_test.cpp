@@ -43,6 +43,19 @@ protected:
         QCoreApplication::sendEvent(part, &event);
         return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
     }
+    // What a part would do with a drag that proposes a move.
+    static Qt::DropAction enter(QWidget* part, const QList<QUrl>& urls)
+    {
+        QMimeData data;
+        data.setUrls(urls);
+        QDragEnterEvent event(part->rect().center(), anyAction(), &data, Qt::LeftButton, Qt::NoModifier);
+        event.setDropAction(Qt::MoveAction);
+        QCoreApplication::sendEvent(part, &event);
+        const Qt::DropAction action = event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(part, &leave);
+        return action;
+    }
     static Qt::DropActions anyAction() { return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction; }
     static QList<QUrl> urlsOf(const QStringList& paths)
     {
@@ -76,6 +89,7 @@ TEST_F(Drops, NoPartOfAnyWindowTakesAMove)
         ++parts;
         for (const QList<QUrl>& urls : {clip, place}) {
             EXPECT_EQ(dropOn(widget, urls, Qt::MoveAction), Qt::IgnoreAction) << widget->metaObject()->className();
+            EXPECT_NE(enter(widget, urls), Qt::MoveAction) << widget->metaObject()->className();
         }
     }
     EXPECT_GT(parts, 30);
@@ -94,17 +108,21 @@ TEST_F(Drops, TheFieldsTakeOneFolderOfThisMachine)
     const QString other = folder_.makeFolder(QStringLiteral("other"));
     for (QLineEdit* edit : {field, preferred}) {
         edit->clear();
-        const QString none = edit->text();
-        // What the field does not want goes to the window behind it, as clips.
-        EXPECT_NE(dropOn(edit, urlsOf({file})), Qt::MoveAction);
-        EXPECT_NE(dropOn(edit, urlsOf({destination_, other})), Qt::MoveAction);
-        EXPECT_NE(dropOn(edit, {QUrl(QStringLiteral("https://example.org/a"))}), Qt::MoveAction);
-        EXPECT_NE(dropOn(edit, {QUrl(QStringLiteral("file://far.example/tmp"))}), Qt::MoveAction);
-        EXPECT_NE(dropOn(edit, urlsOf({folder_.path(QStringLiteral("missing"))})), Qt::MoveAction);
-        EXPECT_EQ(edit->text(), none);
+        EXPECT_EQ(dropOn(edit, {QUrl(QStringLiteral("https://example.org/a"))}), Qt::IgnoreAction);
+        EXPECT_EQ(dropOn(edit, {QUrl(QStringLiteral("file://far.example/tmp"))}), Qt::IgnoreAction);
+        EXPECT_EQ(edit->text(), QString());
         EXPECT_EQ(dropOn(edit, urlsOf({destination_})), Qt::CopyAction);
         EXPECT_EQ(edit->text(), destination_);
     }
+    // Clips that miss the drop area are clips all the same; the preferences have no place for them.
+    for (const QStringList& clips : {QStringList{file}, QStringList{destination_, other}}) {
+        EXPECT_EQ(dropOn(preferred, urlsOf(clips)), Qt::IgnoreAction);
+        EXPECT_EQ(dropOn(field, urlsOf(clips)), Qt::CopyAction);
+        EXPECT_TRUE(tools_.finishAll());
+        EXPECT_EQ(rows().count(), 1);
+    }
+    EXPECT_EQ(field->text(), destination_);
+    EXPECT_EQ(preferred->text(), destination_);
     EXPECT_TEXT(model().mainEncDstPathStr.stringValue(), destination_);
 }
 

@@ -2,7 +2,6 @@
 
 #include "gui/moviewidget.h"
 #include "gui/previewwindow.h"
-#include "quicktime/moviefiles.h"
 #include "quicktime/movieslots.h"
 
 #include <QAudioDevice>
@@ -85,8 +84,7 @@ TEST_F(Preview, FramesThatNobodyPaintsTakeNoMemory)
     program_->face().preview(makeClipWithSound());
     MovieWidget& movie = preview().movieWidget();
     ASSERT_TRUE(waitFor([&movie] { return movie.hasFrame() && !movie.isPlaying(); }));
-    auto* sink = movie.findChild<QVideoSink*>();
-    ASSERT_NE(sink, nullptr);
+    QVideoSink* sink = movie.player().videoSink();
     const qint64 before = residentBytes();
     // The window is busy while 300 frames of three megabytes come.
     std::thread player([sink] {
@@ -120,6 +118,19 @@ TEST_F(Preview, ShowsTheColoursOfTheClip)
         preview().close();
         QTMOVIErelease();
     }
+}
+
+// A device that goes away while it plays leaves the player waiting for ever.
+TEST_F(Preview, GoesOnWithoutTheSound)
+{
+    startProgram();
+    program_->face().preview(makeClip("long.mov", "-f lavfi -i testsrc2=size=320x180:rate=25 -t 20 -c:v mjpeg"));
+    MovieWidget& movie = preview().movieWidget();
+    ASSERT_TRUE(waitFor([&movie] { return movie.player().position() > 500; }));
+    movie.player().giveUpSound();
+    EXPECT_TRUE(waitFor([&movie] { return movie.isPlaying() && movie.player().position() > 1000; }));
+    EXPECT_FALSE(movie.hasFailed());
+    EXPECT_FALSE(ClipPlayer::hasGivenUpSound());
 }
 
 } // namespace tavrix::test
