@@ -11,11 +11,13 @@
 #include "base/bundle.h"
 #include "base/datetext.h"
 #include "base/filedelete.h"
+#include "base/fileops.h"
 #include "base/filesizes.h"
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "base/settings.h"
+#include "base/shownname.h"
 #include "base/text.h"
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
@@ -23,6 +25,7 @@
 #include "encode/progress.h"
 #include "probe/batchtexts.h"
 #include "probe/recordersources.h"
+#include "probe/recordingname.h"
 
 #include <QDateTime>
 
@@ -115,7 +118,7 @@ RowEncode::Next RowEncode::clearWay(int row, const QString& output)
         if (const QString refusal = guard_.refusal(output); !refusal.isNull()) {
             logResume(
                 formatText(QStringLiteral("\n----------\n\nsource              : %@\nfailure             : %@ (%@)\n"),
-                           {currentValue(record::mainEncSrcPathStr), refusal, output}));
+                           {shownText(currentValue(record::mainEncSrcPathStr)), refusal, shownText(output)}));
             return refuse(row, refusal);
         }
         const Answer answer = replaceAnswer(output);
@@ -174,7 +177,7 @@ RowEncode::Next RowEncode::firstPass(int row, const QString& output)
                                         "source              : %@\n"
                                         "destination         : %@\n"
                                         "format              : %d\n"),
-                         {source, output, out}));
+                         {shownText(source), shownText(output), out}));
     if (hasSecondPass(out)) {
         setFlag(pref::encQtEnc);
     }
@@ -244,11 +247,11 @@ RowEncode::Outcome RowEncode::finish()
     const BatchRow& over = rows().row(row);
     const QString lineEnd = closed ? QStringLiteral("\n") : QStringLiteral("");
     if (over.hasFailed()) {
-        logResume(formatText(QStringLiteral("%@failure             : %@\n"), {lineEnd, over.reason}));
+        logResume(formatText(QStringLiteral("%@failure             : %@\n"), {lineEnd, shownText(over.reason)}));
         return Outcome::Failed;
     }
     if (!over.warning.isEmpty()) {
-        logResume(formatText(QStringLiteral("%@warning             : %@\n"), {lineEnd, over.warning}));
+        logResume(formatText(QStringLiteral("%@warning             : %@\n"), {lineEnd, shownText(over.warning)}));
     }
     return Outcome::Succeeded;
 }
@@ -279,6 +282,10 @@ void RowEncode::judge(int row, const QString& output)
         rows().setOutput(row, output);
         warn(row);
         guard_.keep(output);
+        // Libraries sort by the file's date where they know no other one.
+        if (const std::optional<qint64> recorded = recordingName(rows().row(row).source()).seconds) {
+            setModificationTime(output, *recorded);
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #include "base/log.h"
 
+#include "base/shownname.h"
 #include "sys/transfer.h"
 
 #include <QDateTime>
@@ -26,18 +27,15 @@ LogState& state()
     return instance;
 }
 
-// A file name with a line feed must not be able to forge a line of its own.
+// A file name must not be able to forge a line of its own, nor to tell a terminal what to do.
 QList<FormatArg> onOneLine(std::initializer_list<FormatArg> arguments)
 {
     QList<FormatArg> safe;
     safe.reserve(static_cast<qsizetype>(arguments.size()));
     for (const FormatArg& argument : arguments) {
-        QString text = argument.asText();
-        if (text.contains(u'\n')) {
-            safe.append(FormatArg(text.replace(u'\n', QStringLiteral("\\n"))));
-        } else {
-            safe.append(argument);
-        }
+        const QString text = argument.asText();
+        const QString shown = shownText(text);
+        safe.append(shown == text ? argument : FormatArg(shown));
     }
     return safe;
 }

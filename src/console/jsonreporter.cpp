@@ -1,6 +1,7 @@
 #include "console/jsonreporter.h"
 
 #include "base/format.h"
+#include "base/shownname.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -15,10 +16,10 @@ namespace
 
 // What a script may rely on, documented in docs/console.md. The record's other keys are the program's own affair; these
 // are spelled out here, so that renaming one inside cannot change the output unseen.
-constexpr std::array publicKeys = {"wrapper",  "w_duration", "w_offset",    "w_bitrate", "v0_codec",
-                                   "v0_width", "v0_height",  "v0_fps",      "v0_aspect", "v0_bitrate",
-                                   "v0_par",   "v0_dar",     "v0_chroma",   "a0_codec",  "a0_lang",
-                                   "a0_rate",  "a0_bitrate", "a0_channels", "out"};
+constexpr std::array publicKeys = {
+    "wrapper", "w_duration", "w_offset",   "w_bitrate",   "v0_codec", "v0_width",      "v0_height",
+    "v0_fps",  "v0_aspect",  "v0_bitrate", "v0_par",      "v0_dar",   "v0_chroma",     "a0_codec",
+    "a0_lang", "a0_rate",    "a0_bitrate", "a0_channels", "out",      "recordingDate", "recordingDateSource"};
 
 QString name(const char* text)
 {
@@ -57,7 +58,7 @@ JsonReporter::JsonReporter(std::FILE* stream) : stream_(stream) {}
 void JsonReporter::write(const char* event, QJsonObject object)
 {
     object.insert(name("event"), name(event));
-    const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    const QByteArray line = shownJson(QJsonDocument(object).toJson(QJsonDocument::Compact)) + '\n';
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stream_);
     std::fflush(stream_);
 }

@@ -3,6 +3,7 @@
 #include "base/bundle.h"
 #include "base/filesizes.h"
 #include "base/format.h"
+#include "base/shownname.h"
 #include "console/batchrunner.h"
 #include "console/consoletext.h"
 #include "console/jsonreporter.h"
@@ -55,7 +56,8 @@ QStringList absolutePaths(const QStringList& sources)
 
 int wrongUsage(const QString& error)
 {
-    std::fprintf(stderr, "tavrix-batch: %s\n\n%s", error.toUtf8().constData(), consoleUsage().toUtf8().constData());
+    std::fprintf(stderr, "tavrix-batch: %s\n\n%s", shownText(error).toUtf8().constData(),
+                 consoleUsage().toUtf8().constData());
     return exitWrongUsage;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/format.h"
 #include "base/localisation.h"
+#include "base/shownname.h"
 
 #include <QStringList>
 
@@ -45,20 +46,9 @@ int displayWidth(const QString& text)
     return width;
 }
 
-QString printable(const QString& text)
-{
-    QString shown = text;
-    for (QChar& c : shown) {
-        if (c.category() == QChar::Other_Control) {
-            c = QLatin1Char('?');
-        }
-    }
-    return shown;
-}
-
 QString elided(const QString& text, int width)
 {
-    QString shown = printable(text);
+    const QString shown = shownText(text);
     if (displayWidth(shown) <= width) {
         return shown;
     }

@@ -8,9 +8,7 @@ namespace tavrix
 
 // Columns that a text takes on a terminal: wide characters count two, combining and control ones none.
 [[nodiscard]] int displayWidth(const QString& text);
-// Control characters as "?": a file name must not steer the terminal.
-[[nodiscard]] QString printable(const QString& text);
-// The text made printable and cut in its middle to at most `width` columns.
+// The text as shownText shows it, cut in its middle to at most `width` columns.
 [[nodiscard]] QString elided(const QString& text, int width);
 // "m:ss" or "h:mm:ss"; "-:--" for a negative or unknown time.
 [[nodiscard]] QString clockText(double seconds);

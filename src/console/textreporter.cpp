@@ -2,6 +2,7 @@
 
 #include "base/format.h"
 #include "base/paths.h"
+#include "base/shownname.h"
 #include "console/consoletext.h"
 #include "probe/cameraclip.h"
 
@@ -93,7 +94,7 @@ void TextReporter::rejected(const QString& path, const QString& reason)
     // What is skipped before the analysis has no place in it.
     const QString name =
         analysisNumber_ > 0 ? formatText(QStringLiteral("%@ %@"), {place(), shownName(path)}) : shownName(path);
-    line(formatText(consoleText("Con_rejected"), {name, printable(reason)}));
+    line(formatText(consoleText("Con_rejected"), {name, shownText(reason)}));
 }
 
 void TextReporter::rowStarted(int number, int total, const QString& source)
@@ -125,21 +126,21 @@ void TextReporter::rowFinished(int number, int total, const RowReport& row)
     if (row.success) {
         line(formatText(consoleText("Con_rowDone"), {number, total, shownName(row.source), sizeText(row.bytes)}));
         if (!row.warning.isEmpty()) {
-            line(QStringLiteral("  ") + printable(row.warning));
+            line(QStringLiteral("  ") + shownText(row.warning));
         }
     } else {
-        line(formatText(consoleText("Con_rowFailed"), {number, total, shownName(row.source), printable(row.reason)}));
+        line(formatText(consoleText("Con_rowFailed"), {number, total, shownName(row.source), shownText(row.reason)}));
     }
 }
 
 void TextReporter::message(const QString& title, const QString& text, const QString& answer)
 {
-    QString shown = printable(title);
+    QString shown = shownText(title);
     if (!text.isEmpty() && text != title) {
-        shown += QStringLiteral(": ") + printable(text);
+        shown += QStringLiteral(": ") + shownText(text);
     }
     if (!answer.isEmpty()) {
-        shown += QStringLiteral(" [") + printable(answer) + QStringLiteral("]");
+        shown += QStringLiteral(" [") + shownText(answer) + QStringLiteral("]");
     }
     line(shown);
 }
@@ -157,16 +158,16 @@ void TextReporter::summary(const QList<RowReport>& rows, int leftOut, const QStr
                                                  qint64(rows.size()) - qint64(done), leftOut}));
     for (const RowReport& row : rows) {
         if (row.success) {
-            line(formatText(QStringLiteral("  %@  %@"), {printable(row.output), sizeText(row.bytes)}));
+            line(formatText(QStringLiteral("  %@  %@"), {shownText(row.output), sizeText(row.bytes)}));
             if (!row.warning.isEmpty()) {
-                line(QStringLiteral("    ") + printable(row.warning));
+                line(QStringLiteral("    ") + shownText(row.warning));
             }
         } else {
-            line(formatText(consoleText("Con_summaryFailed"), {shownName(row.source), printable(row.reason)}));
+            line(formatText(consoleText("Con_summaryFailed"), {shownName(row.source), shownText(row.reason)}));
         }
     }
     if (done > 0) {
-        line(formatText(consoleText("Con_folder"), {printable(folder)}));
+        line(formatText(consoleText("Con_folder"), {shownText(folder)}));
     }
 }
 

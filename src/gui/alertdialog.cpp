@@ -1,6 +1,7 @@
 #include "gui/alertdialog.h"
 
 #include "base/bundle.h"
+#include "base/shownname.h"
 #include "gui/images.h"
 #include "gui/windowtext.h"
 
@@ -42,12 +43,13 @@ QLabel* plainLabel(const QString& text, const char* name, QWidget* parent)
 {
     auto* label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
-    const QString shown = breakable(text);
+    const QString plain = shownLines(text);
+    const QString shown = breakable(plain);
     label->setText(shown);
-    label->setAccessibleName(text);
+    label->setAccessibleName(plain);
     label->setObjectName(QLatin1String(name));
     label->setWordWrap(true);
-    if (shown == text) {
+    if (shown == plain) {
         // A copied name must not hold the invisible breaks.
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     }

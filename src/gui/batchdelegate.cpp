@@ -2,6 +2,7 @@
 
 #include "app/batchlist.h"
 #include "base/localisation.h"
+#include "base/shownname.h"
 #include "gui/images.h"
 #include "gui/rowdetails.h"
 #include "gui/theme.h"
@@ -94,7 +95,7 @@ QString BatchDelegate::thirdLine(const BatchRow& row) const
         parts << windowText("Win_about", {size});
     }
     if (const QString name = details_.outputName(row); !name.isEmpty()) {
-        parts << QStringLiteral("→ ") + name;
+        parts << QStringLiteral("→ ") + shownText(name);
     }
     return parts.join(QStringLiteral("  ·  "));
 }
@@ -115,9 +116,9 @@ void BatchDelegate::paintWords(QPainter* painter, const QRect& place, const Batc
         painter->drawText(line, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
         line.translate(0, height);
     };
-    write(bold, theme.text, formatText(QStringLiteral("%d.  %@"), {row.order, row.src}), Qt::ElideMiddle);
+    write(bold, theme.text, formatText(QStringLiteral("%d.  %@"), {row.order, shownText(row.src)}), Qt::ElideMiddle);
     write(plain, theme.secondaryText, RowDetails::description(row));
-    const QString words = row.reason.isEmpty() ? row.warning : row.reason;
+    const QString words = shownText(row.reason.isEmpty() ? row.warning : row.reason);
     if (words.isEmpty()) {
         write(plain, theme.secondaryText, thirdLine(row));
     } else {

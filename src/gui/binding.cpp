@@ -1,5 +1,6 @@
 #include "gui/binding.h"
 
+#include "base/shownname.h"
 #include "gui/segmentedview.h"
 #include "gui/wheelview.h"
 
@@ -36,7 +37,7 @@ void bindText(QLabel* label, TextField& field, bool keepOwnText)
     label->setTextFormat(Qt::PlainText);
     follow(field, label, [label, &field, keepOwnText] {
         if (!keepOwnText || !field.stringValue().isEmpty()) {
-            label->setText(field.stringValue());
+            label->setText(shownText(field.stringValue()));
         }
     });
 }

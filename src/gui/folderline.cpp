@@ -1,6 +1,7 @@
 #include "gui/folderline.h"
 
 #include "app/appdelegate.h"
+#include "base/shownname.h"
 #include "gui/binding.h"
 #include "gui/folderedit.h"
 
@@ -22,7 +23,7 @@ FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& s
     edit->setAccessibleName(QStringLiteral("@@Win_acc_folder"));
     edit->setMinimumWidth(150);
     bindText(edit, field);
-    follow(field, edit, [edit, &field] { edit->setToolTip(field.stringValue().toHtmlEscaped()); });
+    follow(field, edit, [edit, &field] { edit->setToolTip(shownText(field.stringValue()).toHtmlEscaped()); });
     layout->addWidget(edit, 1);
 
     auto* choose = new QPushButton(QStringLiteral("@@Win_choose"), this);

@@ -2,6 +2,7 @@
 
 #include "app/appdelegate.h"
 #include "base/paths.h"
+#include "base/shownname.h"
 #include "gui/elidedlabel.h"
 #include "gui/windowtext.h"
 
@@ -110,9 +111,10 @@ void LeftOutBar::showList()
     list->setWordWrap(true);
     for (const auto& [path, reason] : leftOut_) {
         // A name without blanks cannot be broken into lines.
-        const QString name = list->fontMetrics().elidedText(lastPathComponent(path), Qt::ElideMiddle, nameWidth);
-        auto* item = new QListWidgetItem(name + QLatin1Char('\n') + reason, list);
-        item->setToolTip(path.toHtmlEscaped());
+        const QString shown = shownText(lastPathComponent(path));
+        const QString name = list->fontMetrics().elidedText(shown, Qt::ElideMiddle, nameWidth);
+        auto* item = new QListWidgetItem(name + QLatin1Char('\n') + shownText(reason), list);
+        item->setToolTip(shownText(path).toHtmlEscaped());
     }
     list->setCurrentRow(0);
     layout->addWidget(list, 1);

@@ -1,11 +1,13 @@
 #include "gui/rowdetails.h"
 
 #include "base/filesizes.h"
+#include "base/shownname.h"
 #include "encode/encoderarguments.h"
 #include "encode/outputname.h"
 #include "gui/windowtext.h"
 #include "probe/cameraclip.h"
 #include "probe/recordersources.h"
+#include "probe/recordingname.h"
 
 #include <QImageReader>
 
@@ -28,6 +30,15 @@ QString estimateWords(const BatchRow& row, double megabytes)
         return windowText("Win_gigabytes", {fixedText(estimate / 1024, 1)});
     }
     return windowText("Win_megabytes", {fixedText(estimate, estimate < 10 ? 1 : 0)});
+}
+
+QString dateSourceWords(const QString& source)
+{
+    static const QHash<QString, const char*> keys{
+        {dateSource::playlist, "Win_date_playlist"},         {dateSource::pictureStream, "Win_date_pictureStream"},
+        {dateSource::creationDate, "Win_date_creationDate"}, {dateSource::movieHeader, "Win_date_movieHeader"},
+        {dateSource::aviDate, "Win_date_aviDate"},           {dateSource::file, "Win_date_file"}};
+    return windowText(keys.value(source, "Win_date_file"));
 }
 
 } // namespace
@@ -117,12 +128,17 @@ QString RowDetails::description(const BatchRow& row)
 
 QString RowDetails::summary(const BatchRow& row)
 {
-    QStringList lines{row.source(), description(row), windowText("Win_lineFormat", {formatName(row.out)})};
+    QStringList lines{shownText(row.source()), description(row), windowText("Win_lineFormat", {formatName(row.out)})};
     if (const QString size = estimatedSize(row); !size.isEmpty()) {
         lines << windowText("Win_lineSize", {size});
     }
     if (const QString name = outputName(row); !name.isEmpty()) {
         lines << windowText("Win_lineName", {name});
+    }
+    const QString date = row.dico.value(record::recordingDate).toString();
+    if (!date.isEmpty()) {
+        lines << windowText("Win_lineRecorded",
+                            {date, dateSourceWords(row.dico.value(record::recordingDateSource).toString())});
     }
     if (!row.reason.isEmpty()) {
         lines << windowText("Win_lineFailed", {row.reason});

@@ -2,6 +2,7 @@
 
 #include "app/windowmodel.h"
 #include "base/localisation.h"
+#include "base/shownname.h"
 
 namespace tavrix
 {
@@ -9,7 +10,7 @@ namespace tavrix
 QString windowText(const char* key, std::initializer_list<FormatArg> arguments)
 {
     const QString text = localizedString(QString::fromLatin1(key), QStringLiteral("Window"));
-    return arguments.size() == 0 ? text : formatText(text, arguments);
+    return arguments.size() == 0 ? text : shownText(formatText(text, arguments));
 }
 
 QString formatName(int out)

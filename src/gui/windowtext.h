@@ -8,7 +8,7 @@
 namespace tavrix
 {
 
-// Text of a key of the window's own table, filled with the arguments.
+// Text of a key of the window's own table, filled with the arguments: names and tool texts as shownText shows them.
 [[nodiscard]] QString windowText(const char* key, std::initializer_list<FormatArg> arguments = {});
 // Short name of an output format; "" when out of range.
 [[nodiscard]] QString formatName(int out);

@@ -82,6 +82,13 @@ TEST(Log, ALineFeedInAValueCannotForgeALine)
     EXPECT_EQ(stream.packets().size(), 1);
 }
 
+TEST(Log, AValueSteersNoTerminal)
+{
+    const test::LogCapture log;
+    logLine(text("%@"), {text("a\x1b[2J\u202e\u2028.mts")});
+    EXPECT_TEXTS(log.lines(), QStringList{text("a\\x1b[2J\\u202e\\u2028.mts")});
+}
+
 TEST(Log, NumbersStayNumbers)
 {
     const test::LogCapture log;

@@ -68,11 +68,11 @@ const ElisionCase elisionCases[] = {
     {"wideCharactersAreNotHalved", "夏休み夏休み", 8, "夏…休み"},
     {"wideInTwoColumns", "夏休み", 2, "…"},
     {"combiningCharactersStay", "e\xCC\x81\x65\xCC\x81", 2, "e\xCC\x81\x65\xCC\x81"},
-    {"controlCharacters", "a\x1b[2Jb\nc\x7f", 20, "a?[2Jb?c?"},
+    {"controlCharacters", "a\x1b[2Jb\nc\x7f", 20, "a\\x1b[2Jb\\nc\\x7f"},
     {"controlCharactersOfTheSecondSet",
      "a\xC2\x9B"
      "31mb",
-     20, "a?31mb"},
+     20, "a\\x9b31mb"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Texts, Elided, testing::ValuesIn(elisionCases), rowName<ElisionCase>);
@@ -153,7 +153,7 @@ const LineCase lineCases[] = {
     {"controlCharacters",
      {text("a\x1b[2J"), 1, 1, 1, 10, 1},
      60,
-     "1/1 a?[2J            [#...............]  10 %    1.0x  0:09"},
+     "1/1 a\\x1b[2J         [#...............]  10 %    1.0x  0:09"},
     {"noRoomForABar", {text("a.avi"), 1, 1, 5, 10, 1}, 35, "1/1 50 %    5.0x  0:01"},
     {"narrow", {text("a.avi"), 1, 1, 5, 10, 1}, 10, "1/1 … 0:01"},
     {"noRoom", {text("a.avi"), 1, 1, 5, 10, 1}, 0, ""},

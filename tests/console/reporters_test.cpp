@@ -157,6 +157,7 @@ TEST_F(TextReporterTest, isNotSteeredByNames)
     const QString written = stream.text();
     EXPECT_FALSE(written.contains(u'\x1b'));
     EXPECT_FALSE(written.contains(u'\x07'));
+    EXPECT_TRUE(written.contains(text("/d\\x1b")));
     EXPECT_EQ(written.count(u'\n'), 10) << "one line a call, four for the summary";
 }
 
@@ -195,6 +196,16 @@ TEST_F(JsonReporterTest, writesOneObjectALine)
     reporter.message(text("title"), text("words"), text("Keep"));
     EXPECT_EQ(last(), object(R"({"event":"message","title":"title","text":"words","answer":"Keep"})"));
     EXPECT_EQ(stream.lines().size(), 8);
+}
+
+// A terminal that shows the lines must not obey them; a reader gets the name as it is.
+TEST_F(JsonReporterTest, steersNoTerminalAndKeepsNames)
+{
+    const QString evil = text("a\x1b[2J\u202e\u2028\nb.mts");
+    reporter.rejected(evil, evil);
+    EXPECT_EQ(last().value(text("source")).toString(), evil);
+    const QString line = stream.lines().first();
+    EXPECT_TRUE(line.contains(text("a\\u001b[2J\\u202e\\u2028\\nb.mts"))) << line.toStdString();
 }
 
 TEST_F(JsonReporterTest, endsWithAllRows)

@@ -1,6 +1,7 @@
 #include "windowharness.h"
 
 #include "base/localisation.h"
+#include "base/shownname.h"
 #include "gui/batchdrawer.h"
 #include "gui/preferencessheet.h"
 #include "gui/rowdetails.h"
@@ -157,6 +158,27 @@ TEST_F(WindowBehaviour, ADropIsACopyWhateverIsProposed)
     EXPECT_TRUE(itemExists(clip));
     EXPECT_EQ(drop({folder_.makeFile(QStringLiteral("b.MTS"))}, Qt::MoveAction, Qt::MoveAction), Qt::IgnoreAction);
     EXPECT_EQ(rows().count(), 1);
+}
+
+// A name is data: it neither turns the direction of writing nor begins a line of its own.
+TEST_F(WindowBehaviour, NamesAreShownWithTheirControlCharactersEscaped)
+{
+    startProgram();
+    const QString name = QStringLiteral("a\n\u202eb\x1b.MTS");
+    const QString shown = QStringLiteral("a\\n\\u202eb\\x1b.MTS");
+    drop({folder_.makeFile(name, "clip"), folder_.makeFile(QStringLiteral("n\u2028.txt"))});
+    ASSERT_TRUE(tools_.finishAll());
+    ASSERT_EQ(rows().count(), 1);
+    EXPECT_TEXT(rows().row(0).src, name);
+    RowDetails& details = window().batchDrawer().details();
+    ASSERT_TRUE(waitFor([&] { return !details.outputName(rows().row(0)).isEmpty(); }));
+    EXPECT_TRUE(details.summary(rows().row(0)).contains(shown));
+    EXPECT_TEXT(shownLines(details.summary(rows().row(0))), details.summary(rows().row(0)));
+    useDestination();
+    click("batchEncGoBt");
+    EXPECT_TEXT(find<QLabel>("mainEncProgressCaptionStr")->text(), shown);
+    rows().setReason(0, name);
+    EXPECT_TRUE(details.summary(rows().row(0)).endsWith(shown));
 }
 
 TEST_F(WindowBehaviour, ADropOfNothingNewSaysSo)
