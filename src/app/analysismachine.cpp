@@ -19,6 +19,7 @@
 #include "probe/cameraclip.h"
 #include "probe/ffinfos.h"
 #include "probe/ffprobes.h"
+#include "probe/recordingname.h"
 
 #include <QRandomGenerator>
 
@@ -248,6 +249,11 @@ void AnalysisMachine::addRow(MediaInfoRecord infos)
     infos.insert(record::mainEncSrcPathStr, source);
     if (!image.isNull()) {
         infos.insert(record::imgPathStr, image);
+    }
+    const RecordingName named = recordingName(source);
+    if (!named.date.isNull()) {
+        infos.insert(record::recordingDate, named.date);
+        infos.insert(record::recordingDateSource, named.source);
     }
     const int out = model.prefCheckMatrix.selectedSegment();
     infos.insert(record::out, out);

@@ -34,6 +34,8 @@ inline const QString imgPathStr = QStringLiteral("imgPathStr");               //
 inline const QString out = QString::fromLatin1(secondpass::format);           // output format, int
 inline const QString dstPathStr = QString::fromLatin1(secondpass::output);    // output file of the row being encoded
 inline const QString purgePathStr1 = QString::fromLatin1(secondpass::intermediate); // intermediate of the second pass
+inline const QString recordingDate = QStringLiteral("recordingDate"); // "yyyy-MM-dd HH:mm:ss +hhmm", local time
+inline const QString recordingDateSource = QStringLiteral("recordingDateSource"); // where it was found: dateSource
 
 // Keys of numbered streams: stream('v', 0, "fps") is "v0_fps".
 [[nodiscard]] inline QString stream(char kind, int number, const char* name)

@@ -1,9 +1,11 @@
 #include "controllertest.h"
 
+#include "base/fileops.h"
 #include "base/preferences.h"
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 
 #include <unistd.h>
 
@@ -75,6 +77,21 @@ TEST_F(ExistingOutput, QuestionIsPlainTimedAndNamesTheFile)
     EXPECT_TRUE(alert.hasCheckBox);
     EXPECT_TEXT(alert.checkBoxTitle, QStringLiteral("Apply to all clips of this batch"));
     EXPECT_EQ(alert.seconds, 60);
+}
+
+// Video libraries sort by the file's date; the source's own stays what it is.
+TEST_F(ExistingOutput, TheOutputHasTheDateOfTheRecording)
+{
+    const QString source = clip(QStringLiteral("a.mts"));
+    constexpr qint64 shot = 1272709996;
+    ASSERT_TRUE(setModificationTime(source, shot));
+    addRows({source});
+    EXPECT_TEXT(rows().row(0).dico.value(record::recordingDateSource).toString(), QStringLiteral("file"));
+    EXPECT_FALSE(rows().row(0).dico.value(record::recordingDate).toString().isEmpty());
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
+    EXPECT_EQ(QFileInfo(outputOf(source)).lastModified().toSecsSinceEpoch(), shot);
+    EXPECT_EQ(QFileInfo(source).lastModified().toSecsSinceEpoch(), shot);
 }
 
 TEST_F(ExistingOutput, KeptWithTheBoxTickedIsKeptWithoutAskingFromThenOn)
