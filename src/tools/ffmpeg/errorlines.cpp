@@ -66,6 +66,10 @@ std::optional<OpenFailure> laterOpenFailure(std::string_view line)
         return std::nullopt;
     }
     const auto input = numberBehind(line, head);
+    constexpr std::string_view bareReason = "could not find codec parameters";
+    if (input && line.ends_with("] " + std::string(bareReason))) {
+        return OpenFailure{static_cast<std::size_t>(*input), std::string(bareReason)};
+    }
     for (const std::string_view marker : {"] Error opening input: ", "] Error during demuxing: "}) {
         const auto at = line.find(marker);
         if (input && at != std::string_view::npos) {

@@ -17,7 +17,8 @@ struct OpenFailure {
     std::size_t input = 0;
     std::string reason;
 };
-// The failure in "[in#0 @ 0x55] Error opening input: <reason>" of later versions; nothing for other lines.
+// The failure in "[in#0 @ 0x55] Error opening input: <reason>" of later versions, or in "[in#0/mpegts @ 0x55] could not
+// find codec parameters" of version 7; nothing for other lines.
 [[nodiscard]] std::optional<OpenFailure> laterOpenFailure(std::string_view line);
 
 // Whether an input's failure is one of its disk, device or network, and not of the clip: what stands behind that place
