@@ -89,7 +89,7 @@ std::optional<QVariant> dateValue(plist_t node)
     int32_t seconds = 0;
     int32_t microseconds = 0;
     plist_get_date_val(node, &seconds, &microseconds);
-    return QVariant(QDateTime::fromSecsSinceEpoch(epoch2001 + seconds, Qt::UTC));
+    return QVariant(QDateTime::fromSecsSinceEpoch(epoch2001 + seconds).toUTC());
 }
 
 std::optional<QVariant> valueOf(plist_t node)

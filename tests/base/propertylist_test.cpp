@@ -69,8 +69,8 @@ INSTANTIATE_TEST_SUITE_P(
                              QVariantMap{{QStringLiteral("<&>"), qint64{1}}, {QStringLiteral(""), qint64{2}}}},
                     ValueRow{"EmptyMap", QVariantMap{}, QVariantMap{}},
                     ValueRow{"Data", QByteArray("\0\xFF", 2), QByteArray("\0\xFF", 2)},
-                    ValueRow{"Date", QDateTime::fromSecsSinceEpoch(1299230430, Qt::UTC),
-                             QDateTime::fromSecsSinceEpoch(1299230430, Qt::UTC)}),
+                    ValueRow{"Date", QDateTime::fromSecsSinceEpoch(1299230430).toUTC(),
+                             QDateTime::fromSecsSinceEpoch(1299230430).toUTC()}),
     rowName<ValueRow>);
 
 TEST(PropertyList, AFloatKeepsItsText)

@@ -75,6 +75,18 @@ TEST(TranscriptFailures, NoUsableStreamIsMissingParameters)
     EXPECT_FALSE(transcriptOf(oneInput, withSound, 1).ends_with("parameters\n"));
 }
 
+// Version 7 names no clip on this line, and nothing but the clip's name in front of it makes it a failure for a reader.
+TEST(TranscriptFailures, MissingParametersAreToldOfTheClip)
+{
+    EXPECT_EQ(transcriptOf(oneInput,
+                           {"[mpegts @ 0x1] Could not detect TS packet size, defaulting to non-FEC/DVHS",
+                            "[in#0/mpegts @ 0x2] could not find codec parameters",
+                            "Error opening input file file:/m/a b.MTS.", "Error opening input files: End of file"},
+                           187),
+              "[mpegts @ 0x1] Could not detect TS packet size, defaulting to non-FEC/DVHS\n"
+              "/m/a b.MTS: could not find codec parameters\n");
+}
+
 TEST(TranscriptNamesAreShown, AsTheCallerGaveThem)
 {
     const TranscriptNames names = {{{"file:-x.mts", "-x.mts"}}, {{"file:/proc/self/fd/5", "/out/a%d.mp4"}}};
@@ -116,16 +128,72 @@ TEST(TranscriptOrder, MappingIsPrintedWhenNoOutputFollows)
               "Error\nStream mapping:\n  Stream #0.0 -> #0.0\n");
 }
 
+// Version 7 prints the summary before the last line of progress.
+TEST(TranscriptOrder, SummaryStandsBehindTheLastProgress)
+{
+    const std::string progress = "frame=    0 fps=0.0 q=0.0 size=       0KiB time=N/A bitrate=N/A speed=N/A    ";
+    const std::string summary = "[out#0/null @ 0x1] video:0KiB audio:0KiB subtitle:0KiB other streams:0KiB global "
+                                "headers:0KiB muxing overhead: unknown";
+    const std::string last =
+        "frame=    1 fps=0.0 q=0.0 Lsize=       0KiB time=00:00:00.01 bitrate=   0.0kbits/s speed=2.5x    ";
+    const std::string classicLast = "frame=    1 fps=  0 q=0.0 Lsize=       0kB time=0.01 bitrate=   0.0kbits/s    \n";
+    const std::string classicSummary = "video:0kB audio:0kB global headers:0kB muxing overhead unknown\n";
+    EXPECT_TRUE(transcriptOf({}, {progress, summary, last}, 0).ends_with(classicLast + classicSummary));
+    EXPECT_EQ(transcriptOf({}, {last, summary}, 0), classicLast + classicSummary);
+    EXPECT_EQ(transcriptOf({}, {summary}, 0), classicSummary);
+}
+
+TEST(TranscriptOrder, AnEmptySummaryBeforeTheOnlyPictureIsNoEmptyOutput)
+{
+    const std::string summary = "[out#0/mp4 @ 0x1] video:0KiB audio:0KiB subtitle:0KiB other streams:0KiB global "
+                                "headers:0KiB muxing overhead: unknown";
+    Transcript transcript({}, false);
+    EXPECT_TRUE(transcript.translate(summary, '\n').empty());
+    EXPECT_TRUE(transcript.findings().outputIsEmpty());
+    const std::string last = "frame=    1 fps=0.0 q=0.0 Lsize=       0KiB time=00:00:00.01 bitrate=   0.0kbits/s";
+    EXPECT_EQ(transcript.translate(last, '\n').size(), 2U);
+    EXPECT_FALSE(transcript.findings().outputIsEmpty());
+}
+
+TEST(TranscriptDescription, IsIndentedAlikeInEveryVersion)
+{
+    const std::vector<std::string> lines = {
+        "Input #0, mov,mp4,m4a,3gp,3g2,mj2, from 'file:/m/a b.MTS':",
+        "  Metadata:",
+        "    major_brand     : qt  ",
+        "  Stream #0:0[0x1]: Video: mjpeg, yuvj420p, 640x480, 30 fps, 30 tbr, 30 tbn",
+        "      Metadata:",
+        "        title           : Metadata:",
+        "      Side data:",
+        "        displaymatrix: rotation of -90.00 degrees",
+        "  Stream #0:1[0x2](eng): Data: none (tmcd / 0x64636D74), 0 kb/s (default)",
+        "      a               : b",
+    };
+    EXPECT_EQ(transcriptOf(oneInput, lines, 0),
+              "Input #0, mov,mp4,m4a,3gp,3g2,mj2, from '/m/a b.MTS':\n"
+              "  Metadata:\n"
+              "    major_brand     : qt  \n"
+              "    Stream #0.0: Video: mjpeg, yuvj420p, 640x480, 30 fps, 30 tbr, 30 tbn, 30 tbc\n"
+              "    Metadata:\n"
+              "      title           : Metadata:\n"
+              "    Side data:\n"
+              "      displaymatrix: rotation of -90.00 degrees\n"
+              "    Stream #0.1(eng): Data: tmcd / 0x64636D74, 0 kb/s\n"
+              "      a               : b\n");
+}
+
 TEST(TranscriptLevels, OnlyTheProbedLinesOfTheDebugLevelStay)
 {
     const std::vector<std::string> lines = {
         "[info] Input #0, mpegts, from 'file:/m/a b.MTS':",
         "[info]   Duration: 00:00:02.00, start: 1.4, bitrate: 1 kb/s",
         "[h264 @ 0x1] [debug] nal_unit_type: 9(AUD), nal_ref_idc: 0",
+        "[vist#0:0/h264 @ 0x1] [dec:h264 @ 0x2] [verbose] Starting thread...",
         "[debug] timestamp discontinuity for stream #0:1 (id=4352, type=audio): 100, new offset= -100",
         "[verbose] *** 2 dup!",
         "[verbose] 35 packets read",
         "[mpegts @ 0x1] [warning] a remark",
+        "[vist#0:0/h264 @ 0x1] [dec:h264 @ 0x2] [error] another",
         "[error] an error",
         "no level",
     };
@@ -135,6 +203,7 @@ TEST(TranscriptLevels, OnlyTheProbedLinesOfTheDebugLevelStay)
               "timestamp discontinuity for stream #0.1 (id=4352, type=audio): 100, new offset= -100\n"
               "*** 2 dup!\n"
               "[mpegts @ 0x1] a remark\n"
+              "[vist#0:0/h264 @ 0x1] [dec:h264 @ 0x2] another\n"
               "an error\n"
               "no level\n");
 }

@@ -105,6 +105,11 @@ std::optional<std::string> classicProgressLine(std::string_view line, double& kn
     return result + "    ";
 }
 
+bool endsProgress(std::string_view line)
+{
+    return isProgressLine(line) && valueOf(line, "Lsize").has_value();
+}
+
 bool countsFrames(std::string_view line)
 {
     return isProgressLine(line) && numberIn(valueOf(line, "frame")) > 0;

@@ -20,6 +20,9 @@ namespace tavrix::front
 // nothing for other lines.
 [[nodiscard]] std::optional<std::string> classicSummaryLine(std::string_view line);
 
+// Whether it is the last line of progress, with the size of the whole output.
+[[nodiscard]] bool endsProgress(std::string_view line);
+
 // Whether a progress line counts a picture.
 [[nodiscard]] bool countsFrames(std::string_view line);
 

@@ -252,7 +252,7 @@ private:
         if (!findings.readFailure.empty()) {
             return Failure{"Output incomplete, discarded: " + findings.readFailure};
         }
-        if (findings.nothingEncoded && !files_.inheritedDescriptors().empty()) {
+        if (findings.outputIsEmpty() && !files_.inheritedDescriptors().empty()) {
             return Failure{"Output without content, discarded"};
         }
         return {};

@@ -1,12 +1,11 @@
-// What is read, one line each (the first three of ffmpeg 5, then of 4, of 7, and of an output):
+// What is read, without its indentation (three lines of ffmpeg 5, one of 4, one of 7, and one of an output):
 //
-//     Stream #0:0[0x1011]: Video: h264 (High) (HDMV / 0x564D4448), yuv420p(tv, bt709, progressive), 1280x720 [SAR 1:1
-//     DAR 16:9], 59.94 fps, 59.94 tbr, 90k tbn Stream #0:1[0x1100](eng): Audio: ac3 (AC-3 / 0x332D4341), 48000
-//     Hz, 5.1(side), fltp, 384 kb/s Stream #0:2[0x3](eng): Data: none (tmcd / 0x64636D74), 0 kb/s (default) Stream
-//     #0:0(und): Video: mjpeg (avc1 / 0x31637661), yuvj420p(pc, bt470bg/unknown/unknown), 640x480, 30 tbr, 30 tbn, 30
-//     tbc (default) Stream #0:0[0x1](und): Video: h264 (High), yuv420p(progressive), 464x848, 1999 kb/s, 30.02
-//     fps, 30.02 tbr, 90k tbn (default) Stream #0:0: Video: mpeg4 (mp4v / 0x7634706D), yuv420p(tv, progressive),
-//     480x272 [SAR 136:135 DAR 16:9], q=2-31, 250 kb/s, 29.97 fps, 30k tbn
+//   Stream #0:0[0x1011]: Video: h264 (High) (HDMV / 0x564D4448), yuv420p(tv), 1280x720 [SAR 1:1 DAR 16:9], 50 fps
+//   Stream #0:1[0x1100](eng): Audio: ac3 (AC-3 / 0x332D4341), 48000 Hz, 5.1(side), fltp, 384 kb/s
+//   Stream #0:2[0x3](eng): Data: none (tmcd / 0x64636D74), 0 kb/s (default)
+//   Stream #0:0(und): Video: mjpeg (avc1 / 0x31637661), yuvj420p(pc), 640x480, 30 tbr, 30 tbn, 30 tbc (default)
+//   Stream #0:0[0x1](und): Video: h264 (High), yuv420p(progressive), 464x848, 30.02 fps, 30.02 tbr, 90k tbn (default)
+//   Stream #0:0: Video: mpeg4 (mp4v / 0x7634706D), yuv420p(tv), 480x272, q=2-31, 250 kb/s, 29.97 fps, 30k tbn
 #include "tools/ffmpeg/streamlines.h"
 
 #include "tools/ffmpeg/textpieces.h"

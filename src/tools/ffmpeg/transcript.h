@@ -1,27 +1,17 @@
 // What ffmpeg prints, in the words of the old build.
 #pragma once
 
-#include "tools/ffmpeg/errorlines.h"
+#include "tools/ffmpeg/description.h"
+#include "tools/ffmpeg/findings.h"
+#include "tools/ffmpeg/transcriptnames.h"
 
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tavrix::front
 {
-
-// A file as the installed ffmpeg names it, and as the caller does.
-struct FileName {
-    std::string url;   // "file:/proc/self/fd/5"
-    std::string shown; // "/home/me/clip.mp4"
-};
-
-struct TranscriptNames {
-    std::vector<FileName> inputs;
-    std::vector<FileName> outputs;
-};
 
 struct TranscriptLine {
     std::string text;
@@ -30,22 +20,8 @@ struct TranscriptLine {
     bool operator==(const TranscriptLine&) const = default;
 };
 
-// What the lines seen so far mean for the run.
-struct Findings {
-    std::string version;          // of the installed ffmpeg
-    std::string refusedOption;    // an option it does not know
-    bool annexBRefused = false;   // the stream is not H.264
-    bool inputDescribed = false;  // an input was opened
-    bool outputDescribed = false; // an output was opened
-    std::string writeFailure;     // the line that tells of a damaged output
-    std::string readFailure;      // the input that could not be read to its end, and why
-    bool nothingEncoded = false;
-    bool undecodable = false; // not one picture came out of the decoder
-    int decodeErrors = 0;     // lines that tell of frames refused or damaged
-};
-
-// Translates line by line, without waiting for more: only the stream mapping is held back until the output has been
-// described, where it used to stand.
+// Translates line by line, without waiting for more, with two exceptions, which stand where they used to: the stream
+// mapping is held back until the output has been described, and the summary until the last line of progress.
 class Transcript
 {
 public:
@@ -60,33 +36,24 @@ public:
     [[nodiscard]] const Findings& findings() const { return findings_; }
 
 private:
-    enum class Section { None, Input, Mapping, Output };
-
-    [[nodiscard]] bool stripLevel(std::string& line) const;
-    [[nodiscard]] std::string withShownNames(std::string line) const;
-    [[nodiscard]] std::string withoutNames(std::string line) const;
-    void note(const std::string& line, const std::string& shown);
-    void trackSection(const std::string& line);
-    [[nodiscard]] std::optional<OpenFailure> namedFailure(const std::string& line) const;
-    [[nodiscard]] bool translateFailure(const std::string& line, std::string& classic);
-    [[nodiscard]] std::string translateOther(const std::string& line);
+    [[nodiscard]] std::optional<std::string> translatedFailure(const std::string& line);
+    void translateContent(std::vector<TranscriptLine>& lines, const std::string& line, char end);
+    [[nodiscard]] std::string translateOther(const std::string& given);
     [[nodiscard]] std::string nameFailure(const std::string& line) const;
     void keepRemark(const std::string& line);
     void releaseMapping(std::vector<TranscriptLine>& lines);
+    void releaseSummary(std::vector<TranscriptLine>& lines);
 
     TranscriptNames names_;
     bool levelsMarked_;
     Findings findings_;
-    Section section_ = Section::None;
-    bool showsIdentifiers_ = false;
+    Description description_;
     std::vector<std::string> mapping_;
-    std::set<int> describedStreams_;
-    std::set<int> withoutParameters_;
+    std::string summary_; // held back; empty: none is
+    bool progressEnded_ = false;
     bool failureTold_ = false;
-    bool foreignFormat_ = false; // the input is in a format that is not handled
-    bool framesCounted_ = false;
     double knownTime_ = 0;
-    std::string remark_;
+    std::string remark_; // the last message that may be the reason of a failure
 };
 
 } // namespace tavrix::front
