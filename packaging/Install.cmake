@@ -4,12 +4,13 @@ include(GNUInstallDirs)
 
 set(tavrix_resource_folder lib/tavrix)
 set(packaging_folder ${CMAKE_BINARY_DIR}/packaging)
-foreach(name tavrix.1 tavrix-batch.1 tavrix.metainfo.xml)
+foreach(name tavrix.1 tavrix-batch.1 tavrix-inspect.1 tavrix.metainfo.xml)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.in ${packaging_folder}/${name} @ONLY)
 endforeach()
 if(TARGET tavrix-batch)
-  install(TARGETS tavrix-batch RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${packaging_folder}/tavrix-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(TARGETS tavrix-batch tavrix-inspect RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${packaging_folder}/tavrix-batch.1 ${packaging_folder}/tavrix-inspect.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 install(TARGETS tool_ffmpeg tool_gettimestamps tool_movencoder tool_atompatch
   RUNTIME DESTINATION ${tavrix_resource_folder}/tools)
@@ -26,7 +27,7 @@ if(TARGET tavrix)
   install(FILES ${CMAKE_SOURCE_DIR}/resources/images/tavrix.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 endif()
-install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/docs/console.md
+install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/docs/console.md ${CMAKE_SOURCE_DIR}/docs/inspect.md
   DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tavrix)
 
 set(CPACK_GENERATOR DEB)

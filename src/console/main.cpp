@@ -4,6 +4,7 @@
 #include "base/filesizes.h"
 #include "base/format.h"
 #include "base/shownname.h"
+#include "base/standardstreams.h"
 #include "console/batchrunner.h"
 #include "console/consoletext.h"
 #include "console/jsonreporter.h"
@@ -15,7 +16,6 @@
 #include <QCoreApplication>
 #include <QDir>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -27,23 +27,6 @@ using namespace tavrix;
 
 namespace
 {
-
-// A file opened in the place of a closed standard stream would take what is meant for that stream.
-bool fillStandardStreams()
-{
-    int descriptor = 0;
-    do {
-        descriptor = ::open("/dev/null", O_RDWR);
-    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    return descriptor >= 0 && ::close(descriptor) == 0;
-}
-
-// The detail log takes over the standard streams; the terminal is kept under a descriptor of its own.
-std::FILE* keptTerminal()
-{
-    const int descriptor = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
-    return descriptor < 0 ? nullptr : ::fdopen(descriptor, "w");
-}
 
 QStringList absolutePaths(const QStringList& sources)
 {
@@ -169,7 +152,7 @@ int runBatch(QCoreApplication& application, Services& services, const ConsoleOpt
 
 int convert(QCoreApplication& application, const ConsoleOptions& options)
 {
-    std::FILE* terminal = keptTerminal();
+    std::FILE* terminal = keptStream(stdout);
     if (terminal == nullptr) {
         std::perror("tavrix-batch");
         return exitSomeFailed;

@@ -46,6 +46,20 @@ Kind kindOf(AVMediaType type)
     }
 }
 
+// Nothing that the library has no word for, or that says "unspecified".
+std::string known(const char* name, bool told)
+{
+    return told && name != nullptr ? name : "";
+}
+
+Colour colourOf(const AVCodecParameters& parameters)
+{
+    return {
+        known(av_color_primaries_name(parameters.color_primaries), parameters.color_primaries != AVCOL_PRI_UNSPECIFIED),
+        known(av_color_transfer_name(parameters.color_trc), parameters.color_trc != AVCOL_TRC_UNSPECIFIED),
+        known(av_color_space_name(parameters.color_space), parameters.color_space != AVCOL_SPC_UNSPECIFIED)};
+}
+
 bool isInterlaced(AVFieldOrder order)
 {
     return order != AV_FIELD_UNKNOWN && order != AV_FIELD_PROGRESSIVE;
@@ -63,6 +77,7 @@ void readPictureFacts(AVFormatContext& context, AVStream& stream, StreamFacts& f
     facts.meanRate = ratio(stream.avg_frame_rate);
     facts.nominalRate = ratio(stream.r_frame_rate);
     facts.fullRange = parameters.color_range == AVCOL_RANGE_JPEG;
+    facts.colour = colourOf(parameters);
     facts.interlaced = isInterlaced(parameters.field_order);
 }
 

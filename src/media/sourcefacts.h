@@ -35,6 +35,14 @@ struct Edits {
     bool endsBeforeMedia = false; // whole pictures or packets follow the end of the last piece
 };
 
+// How the numbers of a picture stand for colours, in libavutil's words ("bt709"); "" where the clip does not say.
+struct Colour {
+    std::string primaries;
+    std::string transfer;
+    std::string matrix;
+    bool operator==(const Colour&) const = default;
+};
+
 struct StreamFacts {
     int index = 0;
     int id = 0; // the PID of a transport stream, the number of a movie's track
@@ -61,6 +69,7 @@ struct StreamFacts {
     Ratio meanRate;    // pictures per second over the whole clip
     Ratio nominalRate; // what ffmpeg prints as tbr: the lowest that fits all times
     bool fullRange = false;
+    Colour colour;
     bool interlaced = false; // as told by container or header
 
     // Of sound.

@@ -90,7 +90,7 @@ void addCrop(const Track& track, int number, const QString& pixelAspect, const P
                   truncatedInt(static_cast<double>(shownWidth)) - bounds.right - bounds.left);
 }
 
-void addVideoKeys(Track& track, int number, float movieRatio, float rate, MediaInfoRecord& record)
+void addVideoKeys(Track& track, int number, float movieRatio, const std::optional<float>& rate, MediaInfoRecord& record)
 {
     const QString name = videoCodecName(sampleFormatText(track.mediaType(), track.sampleDescription()));
     if (name != QLatin1String("raw")) {
@@ -114,7 +114,9 @@ void addVideoKeys(Track& track, int number, float movieRatio, float rate, MediaI
     record.insert(record::stream('v', number, "width"), sizes.encodedWidth);
     record.insert(record::stream('v', number, "height"), sizes.encodedHeight);
     addCrop(track, number, pixelAspect, sizes, record);
-    record.insert(record::stream('v', number, "fps"), rate);
+    if (rate) {
+        record.insert(record::stream('v', number, "fps"), *rate);
+    }
 }
 
 void addSoundKeys(const Track& track, int number, MediaInfoRecord& record)
@@ -130,7 +132,7 @@ void addSoundKeys(const Track& track, int number, MediaInfoRecord& record)
                   truncatedInt(static_cast<double>(description.sampleRateFixed >> 16)));
 }
 
-void addTrackKeys(const TrackList& tracks, float movieRatio, float rate, MediaInfoRecord& record)
+void addTrackKeys(const TrackList& tracks, float movieRatio, const std::optional<float>& rate, MediaInfoRecord& record)
 {
     int videos = 0;
     int sounds = 0;
@@ -181,7 +183,7 @@ void addNsavKey(const QString& path, MediaInfoRecord& record)
     record.insert(record::w_nsav, nsavQtMovie(path));
 }
 
-MediaInfoRecord describedMovie(const QString& path)
+MediaInfoRecord describedMovie(const QString& path, const MovieLook& look)
 {
     MediaInfoRecord record;
     if (!qtkitInstantiate(path)) {
@@ -190,7 +192,7 @@ MediaInfoRecord describedMovie(const QString& path)
     }
     const std::shared_ptr<Movie> movie = getQTMOVIE();
     const float movieRatio = addMovieKeys(*movie, record);
-    const float rate = movieFps(*movie, 0);
+    const std::optional<float> rate = look.countsPictures ? std::optional<float>(movieFps(*movie, 0)) : std::nullopt;
     const std::optional<TrackList> tracks = movieTracks(*movie);
     if (!tracks) {
         logLine(QStringLiteral(
@@ -199,7 +201,9 @@ MediaInfoRecord describedMovie(const QString& path)
     }
     addTrackKeys(*tracks, movieRatio, rate, record);
     logDebug(QStringLiteral("infosDico : %@"), {record});
-    addNsavKey(path, record);
+    if (look.mayRepair) {
+        addNsavKey(path, record);
+    }
     return record;
 }
 
@@ -226,10 +230,15 @@ DisplaySize chosenDisplaySize(const PictureSizes& sizes, float movieRatio)
     return {sizes.trackWidth, sizes.trackHeight};
 }
 
+MediaInfoRecord movieRecord(const QString& path, const MovieLook& look)
+{
+    return describedMovie(stringByExpandingTildeInPath(path), look);
+}
+
 MediaInfoRecord infosQtMovieTrack(const QString& path)
 {
     logDebug(QStringLiteral("qt infosQtMovieTrack- debut"));
-    MediaInfoRecord record = describedMovie(stringByExpandingTildeInPath(path));
+    MediaInfoRecord record = movieRecord(path, MovieLook());
     logDebug(QStringLiteral("qt infosQtMovieTrack- fin"));
     return record;
 }

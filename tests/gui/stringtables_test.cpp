@@ -101,7 +101,8 @@ TEST_P(StringTables, EveryKeyIsUsedSomewhere)
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, StringTables,
-                         testing::Values("Window.strings", "Localizable.strings", "Batch.strings", "Console.strings"),
+                         testing::Values("Window.strings", "Localizable.strings", "Batch.strings", "Console.strings",
+                                         "Inspect.strings"),
                          [](const auto& entry) { return std::string(entry.param, std::strchr(entry.param, '.')); });
 
 // The other way round: what the window asks for is there.

@@ -1,0 +1,92 @@
+#include "inspecttool/options.h"
+
+#include "inspecttest.h"
+
+using namespace tavrix;
+using namespace tavrix::test;
+
+namespace
+{
+
+using Mode = InspectOptions::Mode;
+
+InspectOptions parsed(const char* words)
+{
+    return parseInspectOptions(QString::fromUtf8(words).split(QLatin1Char(' '), Qt::SkipEmptyParts));
+}
+
+class InspectWords : public InspectTest
+{
+};
+
+TEST_F(InspectWords, AskForADescription)
+{
+    const InspectOptions options = parsed("a.mov --json b.mts --thorough");
+    EXPECT_EQ(options.mode, Mode::Describe);
+    EXPECT_TRUE(options.json);
+    EXPECT_TRUE(options.thorough);
+    EXPECT_EQ(options.files, (QStringList{QStringLiteral("a.mov"), QStringLiteral("b.mts")}));
+    EXPECT_FALSE(parsed("a.mov").json);
+}
+
+TEST_F(InspectWords, AskForAnExport)
+{
+    for (const char* words :
+         {"--export wav a.mov -o b.wav", "--export=wav --output=b.wav a.mov", "a.mov --output b.wav --export wav"}) {
+        const InspectOptions options = parsed(words);
+        EXPECT_EQ(options.mode, Mode::Export) << words;
+        EXPECT_EQ(options.files, QStringList{QStringLiteral("a.mov")}) << words;
+        EXPECT_EQ(options.output, QStringLiteral("b.wav")) << words;
+    }
+    EXPECT_TRUE(parsed("--export wav a.mov").output.isNull());
+}
+
+TEST_F(InspectWords, AfterTwoDashesAreFiles)
+{
+    EXPECT_EQ(parsed("-- --json -o").files, (QStringList{QStringLiteral("--json"), QStringLiteral("-o")}));
+}
+
+TEST_F(InspectWords, AskForHelpAndVersion)
+{
+    EXPECT_EQ(parsed("--help").mode, Mode::Help);
+    EXPECT_EQ(parsed("-h a.mov").mode, Mode::Help);
+    EXPECT_EQ(parsed("--version").mode, Mode::Version);
+}
+
+struct WrongRow {
+    const char* name;
+    const char* words;
+    const char* error;
+};
+
+class WrongInspectWords : public InspectTest, public testing::WithParamInterface<WrongRow>
+{
+};
+
+TEST_P(WrongInspectWords, AreToldByTheFirstMistake)
+{
+    const InspectOptions options = parsed(GetParam().words);
+    EXPECT_EQ(options.mode, Mode::Wrong);
+    EXPECT_EQ(options.error, text(GetParam().error));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, WrongInspectWords,
+    testing::Values(WrongRow{"nothing", "", "no file given"}, WrongRow{"noFile", "--json", "no file given"},
+                    WrongRow{"unknown", "--jsn a.mov", "unknown option --jsn"},
+                    WrongRow{"unknownWithHelp", "--jsn --help", "unknown option --jsn"},
+                    WrongRow{"unknownShort", "-x a.mov", "unknown option -x"},
+                    WrongRow{"valueMissing", "a.mov --export", "--export needs a value"},
+                    WrongRow{"valueEmpty", "a.mov --export=", "--export needs a value"},
+                    WrongRow{"flagWithValue", "--json=yes a.mov", "unknown option --json=yes"},
+                    WrongRow{"otherExport", "--export mp3 a.mov", "'mp3' cannot be exported: give wav"},
+                    WrongRow{"twoExports", "--export wav a.mov b.mov", "--export takes one file"},
+                    WrongRow{"outputAlone", "a.mov -o b.wav", "--output belongs to --export"}),
+    rowName<WrongRow>);
+
+TEST_F(InspectWords, OfNothingAreNoFolder)
+{
+    EXPECT_EQ(parseInspectOptions({QStringLiteral("")}).error, QStringLiteral("no file given"));
+}
+
+} // namespace
