@@ -225,7 +225,8 @@ bool WaveExport::takeFrames(SoundSink& sink)
             return false;
         }
     }
-    return error == AVERROR(EAGAIN) || error == AVERROR_EOF || failed(error);
+    // One bad packet is a click, not the end of the sound; it is told here, by the decoder, more often than at sending.
+    return error == AVERROR(EAGAIN) || error == AVERROR_EOF || error == AVERROR_INVALIDDATA || failed(error);
 }
 
 bool WaveExport::decodeAll(SoundSink& sink)
@@ -238,7 +239,6 @@ bool WaveExport::decodeAll(SoundSink& sink)
     while (!sink.finished() && (error = av_read_frame(input_->context(), packet.get())) >= 0) {
         if (packet->stream_index == stream_->index) {
             error = avcodec_send_packet(decoder_.get(), packet.get());
-            // One bad packet is a click, not the end of the sound.
             if (error < 0 && error != AVERROR_INVALIDDATA) {
                 return failed(error);
             }

@@ -70,6 +70,24 @@ TEST_F(SoundExport, TellsWhatIsMissing)
     EXPECT_FALSE(QFile::exists(wave));
 }
 
+// The last packet of plain sound is cut in the middle of a sample, which the decoder refuses.
+TEST_F(SoundExport, OfACutMovieWhatIsThere)
+{
+    const QString source = movie();
+    const QString whole = folder.path(QStringLiteral("whole.mov"));
+    ASSERT_TRUE(makeMedia(whole, QStringLiteral("-i %1 -c copy -movflags +faststart -f mov").arg(source)));
+    const QByteArray bytes = readBytes(whole).value_or(QByteArray());
+    // Cut so that each of the four remainders of a sample's bytes occurs.
+    for (qsizetype cut = 0; cut < 4; ++cut) {
+        const QString name = QStringLiteral("cut%1").arg(cut);
+        const QString damaged = folder.makeFile(name + QStringLiteral(".mov"), bytes.left(bytes.size() * 7 / 10 + cut));
+        const Result<ExportedSound, QString> sound = exportSound(damaged, folder.path(name + QStringLiteral(".wav")));
+        ASSERT_TRUE(sound) << sound.reason().toStdString();
+        EXPECT_NEAR(sound->seconds, 1.4, 0.2);
+        EXPECT_TRUE(sound->isShort());
+    }
+}
+
 TEST_F(SoundExport, TellsAShortFile)
 {
     // The sound of a stream that is cut off ends where the file does; its header promises more.
