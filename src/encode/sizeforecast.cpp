@@ -18,23 +18,38 @@ constexpr double transportShare = 0.95;
 
 double secondPassBits(const ForecastRequest& request, double bytesPerPixel)
 {
-    return request.rate * request.width * request.height * bytesPerPixel * 8 + plainSound;
+    return request.rate * request.width * request.height * bytesPerPixel * 8;
 }
 
-// Bits a second of the whole output; 0 when unknown.
-double bitsOf(const ForecastRequest& request)
+double soundBits(const ForecastRequest& request)
 {
-    const bool pictureKnown = request.pictureBits > 0;
+    if (!request.sound) {
+        return 0;
+    }
+    switch (request.out) {
+    case 0:
+        return 64000;
+    case 1:
+        return 128000;
+    case 2:
+        return request.avi ? plainSound : 192000;
+    default:
+        return plainSound;
+    }
+}
+
+// Bits a second of the output's pictures; 0 when unknown.
+double shownBits(const ForecastRequest& request)
+{
     const bool sizeKnown = request.rate > 0 && request.width > 0 && request.height > 0;
     switch (request.out) {
     case 0:
-        return 250000.0 + 64000.0;
+        return 250000;
     case 1:
-        return 1400000.0 + 128000.0;
+        return 1400000;
     case 2:
-        return pictureKnown ? request.pictureBits + (request.avi ? plainSound : 192000.0) : 0;
     case 3:
-        return pictureKnown ? request.pictureBits + plainSound : 0;
+        return request.pictureBits;
     case 4:
         return sizeKnown ? secondPassBits(request, intermediateBytesPerPixel) : 0;
     case 5:
@@ -49,8 +64,9 @@ double bitsOf(const ForecastRequest& request)
 qint64 forecastBytes(const ForecastRequest& request)
 {
     constexpr double most = 1e15;
-    const double bytes = bitsOf(request) * request.seconds / 8;
-    return bytes > 0 ? static_cast<qint64>(std::llround(std::min(bytes, most))) : -1;
+    const double pictures = shownBits(request);
+    const double bytes = (pictures + soundBits(request)) * request.seconds / 8;
+    return pictures > 0 && bytes > 0 ? static_cast<qint64>(std::llround(std::min(bytes, most))) : -1;
 }
 
 double pictureBits(int pictureRate, int wholeRate, int soundRates, const QString& wrapper)

@@ -17,6 +17,7 @@ struct ForecastRequest {
     int height = 0;         //
     double pictureBits = 0; // bits a second of the source's pictures, for the formats that copy them
     bool avi = false;       // format 2: Motion-JPEG goes into AVI with plain sound
+    bool sound = true;      // false: the clip is silent
 };
 
 // Bytes; -1 when a value that the format needs is not known. Formats 4 and 5 spend by content: what is very still or
