@@ -1,21 +1,37 @@
-// Writes small movies into the folder given, as a start for the fuzzer.
+// Writes small movies, streams, playlists and AVIs into the folder given, one folder for each target.
 #include "support/moviebuilder.h"
+#include "support/playlistbuilder.h"
+#include "support_media/builtdates.h"
+#include "support_media/cameramessage.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
 namespace
 {
 
+using namespace tavrix;
 using namespace tavrix::test;
 
-bool write(const std::string& folder, const std::string& name, const BuiltMovie& movie)
+class Folder
 {
-    const Bytes bytes = builtFile(movie);
-    std::ofstream file(folder + "/" + name, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return file.good();
-}
+public:
+    explicit Folder(std::filesystem::path path) : path_(std::move(path)) {}
+
+    void write(const std::string& target, const std::string& name, const Bytes& bytes)
+    {
+        std::filesystem::create_directories(path_ / target);
+        std::ofstream file(path_ / target / name, std::ios::binary);
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        written_ = file.good() && written_;
+    }
+    [[nodiscard]] bool written() const { return written_; }
+
+private:
+    std::filesystem::path path_;
+    bool written_ = true;
+};
 
 BuiltMovie pictureAndSound()
 {
@@ -38,6 +54,58 @@ BuiltMovie pictureAndSound()
     return movie;
 }
 
+void writeMovies(Folder& folder)
+{
+    BuiltMovie movie = pictureAndSound();
+    folder.write("atoms", "plain.mov", builtFile(movie));
+    folder.write("dates", "plain.mov", builtFile(movie));
+    movie.longSizes = true;
+    movie.tracks.front().longEdits = true;
+    movie.tracks.front().headerVersion = 1;
+    folder.write("atoms", "long.mov", builtFile(movie));
+    movie = pictureAndSound();
+    movie.movieFirst = true;
+    movie.tracks.front().edits.clear();
+    folder.write("atoms", "first.mov", builtFile(movie));
+    const Bytes texts = built::joined({built::quickTimeText("\251day", "2012-01-02T15:04:05+0100"),
+                                       built::mobileText("auth", "somebody"), built::mobileText("titl", "a day")});
+    folder.write(
+        "dates", "texts.mov",
+        atomBytes("moov", built::joined({atomBytes("udta", texts), built::keysAtom({{"com.apple.quicktime.creationdate",
+                                                                                     "2012-01-02T15:04:05+0100"}})})));
+}
+
+void writeStreams(Folder& folder)
+{
+    const ClockTime clock{2010, 5, 1, 12, 34, 56};
+    for (const std::size_t length : {std::size_t{188}, std::size_t{192}}) {
+        const Bytes stream = built::cameraStream(clock, length);
+        const Bytes head(stream.begin(),
+                         stream.begin() + static_cast<std::ptrdiff_t>(std::min(stream.size(), 20 * length)));
+        folder.write("dates", "stream" + std::to_string(length), head);
+        folder.write("scans", "stream" + std::to_string(length), head);
+    }
+    const Bytes date = built::chunk("IDIT", built::bytesOf("Mon Jan 02 15:04:05 2012\n"));
+    const Bytes avi = built::aviFile(
+        {built::list("hdrl", {date}), built::list("INFO", {built::chunk("ICRD", built::bytesOf("2012-01-02"))}),
+         built::list("movi", {built::chunk("00dc", Bytes(64, 7))}), built::chunk("idx1", Bytes(16, 0))});
+    folder.write("dates", "date.avi", avi);
+    folder.write("scans", "date.avi", avi);
+}
+
+void writePlaylists(Folder& folder)
+{
+    std::vector<PlaylistClip> clips(3);
+    clips[0].name = "00000";
+    clips[1].name = "00001";
+    clips[1].marked = false;
+    clips[1].flags = 6;
+    clips[2].name = "00017";
+    folder.write("playlists", "unset", PlaylistBuilder(zoneUnset).build(clips));
+    folder.write("playlists", "tokyo", PlaylistBuilder(zoneTokyo).build({clips[2]}));
+    folder.write("playlists", "empty", PlaylistBuilder(zoneNewYork).build({}));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -46,19 +114,12 @@ int main(int argc, char** argv)
         std::cerr << "usage: fuzz_seeds FOLDER\n";
         return 2;
     }
-    const std::string folder = argv[1];
-    BuiltMovie movie = pictureAndSound();
-    bool written = write(folder, "plain.mov", movie);
-    movie.longSizes = true;
-    movie.tracks.front().longEdits = true;
-    movie.tracks.front().headerVersion = 1;
-    written = write(folder, "long.mov", movie) && written;
-    movie = pictureAndSound();
-    movie.movieFirst = true;
-    movie.tracks.front().edits.clear();
-    written = write(folder, "first.mov", movie) && written;
-    if (!written) {
-        std::cerr << "fuzz_seeds: " << folder << " cannot be written\n";
+    Folder folder(argv[1]);
+    writeMovies(folder);
+    writeStreams(folder);
+    writePlaylists(folder);
+    if (!folder.written()) {
+        std::cerr << "fuzz_seeds: " << argv[1] << " cannot be written\n";
     }
-    return written ? 0 : 1;
+    return folder.written() ? 0 : 1;
 }

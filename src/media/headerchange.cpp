@@ -275,7 +275,7 @@ Result<void> changeMovieHeader(int descriptor, const HeaderChange& change)
     const bool isLast = !atoms.damaged && !atoms.atoms.empty() && atoms.atoms.back().type == atomType("moov");
     const MovieAtoms movie = readMovieAtoms(readAtOf(descriptor), size);
     if (!isLast || !movie.found || movie.damaged || movie.compressed || movie.fragmented) {
-        return Failure("the movie's header cannot be changed");
+        return Failure{"the movie's header cannot be changed"};
     }
     const std::vector<std::uint8_t> atom = changedMovieAtom(movie, change);
     const std::uint64_t place = atoms.atoms.back().offset;

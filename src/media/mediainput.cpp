@@ -59,13 +59,13 @@ Result<std::unique_ptr<MediaInput>> MediaInput::open(const OpenRequest& request)
         return Failure{errorText(errno)};
     }
     if (!S_ISREG(status.st_mode)) {
-        return Failure("it is not a regular file");
+        return Failure{"it is not a regular file"};
     }
     std::unique_ptr<MediaInput> input(new MediaInput);
     input->allowSeconds(request.seconds);
     AVFormatContext* context = avformat_alloc_context();
     if (context == nullptr) {
-        return Failure("out of memory");
+        return Failure{"out of memory"};
     }
     context->interrupt_callback = {&MediaInput::interrupted, input.get()};
     Options options;

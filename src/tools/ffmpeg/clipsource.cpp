@@ -28,7 +28,7 @@ Result<void> finishMovie(int descriptor, const ClipSource& source, const OutputJ
     if (source.edits) {
         struct stat info = {};
         if (fstat(descriptor, &info) != 0) {
-            return Failure("its header cannot be read");
+            return Failure{"its header cannot be read"};
         }
         const auto size = static_cast<std::uint64_t>(info.st_size);
         auto edits = editsOfCopy(*source.edits, readMovieAtoms(readAtOf(descriptor), size), size);

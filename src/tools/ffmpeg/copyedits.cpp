@@ -160,7 +160,7 @@ Result<HeaderChange> editsOfCopy(const CopyEdits& edits, const MovieAtoms& copy,
     const TrackAtoms* const track = pictureTrack(copy);
     const auto pictures = track == nullptr ? std::nullopt : picturesOf(*track, fileSize);
     if (!pictures) {
-        return Failure("the copy's header cannot be read");
+        return Failure{"the copy's header cannot be read"};
     }
     const std::int64_t firstPicture = pictures->samples.front().compositionOffset;
     // A multiple of the source's scale holds the source's times without rounding.
