@@ -1,5 +1,7 @@
 #include "judge/judge.h"
 
+#include <future>
+
 namespace tavrix::judge
 {
 
@@ -20,6 +22,23 @@ std::optional<media::DecodedPictures> decoded(const media::OpenRequest& request,
     return pictures ? std::optional(*pictures) : std::nullopt;
 }
 
+// Of copied pictures each packet is counted; a few behind the last key picture show that they go together.
+constexpr int packetsOfCopies = 8;
+constexpr int packetsOfEncodes = 120;
+
+media::DecodedEnds ends(media::OpenRequest request, Way way)
+{
+    const int packets = way == Way::Copied ? packetsOfCopies : packetsOfEncodes;
+    // The header of a movie or an AVI file says what the decoder needs.
+    request.probesStreams = false;
+    auto decodedEnds = media::decodeEnds(request, media::anyPicture, packets);
+    if (!decodedEnds) {
+        request.probesStreams = true;
+        decodedEnds = media::decodeEnds(request, media::anyPicture, packets);
+    }
+    return decodedEnds ? *decodedEnds : media::DecodedEnds{};
+}
+
 } // namespace
 
 Verdict judge(const Case& given)
@@ -29,21 +48,22 @@ Verdict judge(const Case& given)
     media::ReadRequest output;
     output.open.path = given.output;
     output.open.demuxers = outputDemuxers;
-    auto sourceReading = media::readClip(source);
+    // Both at once: beside a rewrap the reading is no small part of the work.
+    auto reading = std::async([&] { return media::readClip(source); });
+    auto outputEnds = std::async([&] { return ends(output.open, given.asked.picture); });
+    auto outputReading = media::readClip(output);
+    auto sourceReading = reading.get();
     if (!sourceReading) {
         return notJudged(sourceReading.reason());
     }
-    auto outputReading = media::readClip(output);
     Evidence evidence{std::move(*sourceReading), {}, {}, {}, {}, given.writer};
     if (outputReading) {
         evidence.output = std::move(*outputReading);
     } else {
         evidence.output.failure = outputReading.reason();
     }
-    const media::StreamReading* const written = evidence.output.chosen(media::Kind::Picture);
-    if (written != nullptr && given.asked.picture != Way::Left) {
-        const auto ends = media::decodeEnds(output.open, written->facts.index);
-        evidence.outputEnds = ends ? *ends : media::DecodedEnds{};
+    if (given.asked.picture != Way::Left && evidence.output.chosen(media::Kind::Picture) != nullptr) {
+        evidence.outputEnds = outputEnds.get();
     }
     if (pictureIsDoubtful(evidence, given.asked)) {
         evidence.sourcePictures = decoded(source.open, *evidence.source.chosen(media::Kind::Picture));

@@ -27,6 +27,9 @@ struct DecodedPictures {
 // opening, or that there is no decoder.
 [[nodiscard]] Result<DecodedPictures> decodePictures(const OpenRequest& request, int stream);
 
+// In the place of a stream's number: the one with the pictures, where there is only one.
+inline constexpr int anyPicture = -1;
+
 struct DecodedEnds {
     bool first = false;
     bool last = false;
