@@ -6,6 +6,7 @@
 #include "gui/rowdetails.h"
 #include "gui/windowtext.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -181,6 +182,7 @@ void BatchDrawer::showMenu(const QPoint& place)
     menu->setObjectName(QStringLiteral("rowMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(windowText("Win_preview"), this, &BatchDrawer::previewSelected);
+    menu->addAction(window()->findChild<QAction*>(QStringLiteral("menuInformation")));
     menu->addAction(windowText("Win_remove"), this, &BatchDrawer::removeSelected);
     QMenu* formats = menu->addMenu(windowText("Win_rowFormat"));
     for (int out = 0; out < outputFormatCount; ++out) {

@@ -145,6 +145,8 @@ void MainMenu::buildRowItems(QMenu* menu)
     BatchList& rows = model.encBatchArrayController;
     QAction* preview = add(menu, "menuPreview", "@@Win_menuPreview", QKeySequence(Qt::CTRL | Qt::Key_Y),
                            [this, &rows] { controller_.iba_preview(rows.selectedRow()); });
+    QAction* information = add(menu, "menuInformation", "@@Win_menuInformation", QKeySequence(Qt::CTRL | Qt::Key_I),
+                               [this] { window_.showInformation(); });
     QAction* remove = add(menu, "menuRemove", "@@Win_menuRemove", QKeySequence(Qt::CTRL | Qt::Key_Delete),
                           [this, &model] { controller_.encBatchRemove(&model.batchEncRemoveBt); });
     QAction* removeAll =
@@ -154,6 +156,7 @@ void MainMenu::buildRowItems(QMenu* menu)
         follow(control, action, [action, &control] { action->setEnabled(control.isEnabled()); });
     };
     bindEnabled(preview, model.previewBt);
+    bindEnabled(information, model.previewBt);
     bindEnabled(remove, model.batchEncRemoveBt);
     bindEnabled(removeAll, model.batchEncRemoveAllBt);
 }

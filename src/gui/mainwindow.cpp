@@ -18,6 +18,7 @@
 #include "gui/pickers.h"
 #include "gui/preferencessheet.h"
 #include "gui/theme.h"
+#include "gui/toolwindow.h"
 #include "gui/treelocaliser.h"
 #include "gui/windowtext.h"
 
@@ -138,6 +139,22 @@ void MainWindow::setOrder()
         setTabOrder(order.at(i - 1), order.at(i));
     }
     drop_->dropView()->setFocus();
+}
+
+void MainWindow::showInformation()
+{
+    const BatchList& rows = controller_.model().encBatchArrayController;
+    const int selected = rows.selectedRow();
+    if (selected < 0 || selected >= rows.count()) {
+        return;
+    }
+    const QString name = QStringLiteral("informationWindow");
+    auto* information = findChild<ToolWindow*>(name);
+    if (information == nullptr) {
+        information = new ToolWindow(name, this);
+    }
+    information->setWindowTitle(windowText("Win_informationTitle", {rows.row(selected).src}));
+    information->showOutput(QStringLiteral("tavrix-inspect"), {QStringLiteral("--"), rows.row(selected).source()});
 }
 
 void MainWindow::takeDrops()

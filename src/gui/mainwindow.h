@@ -31,6 +31,8 @@ public:
     void chooseFiles();
     void chooseFolder();
     void showAbout();
+    // All that is known of the selected clip, in a window of its own; nothing without a selection.
+    void showInformation();
     // Grows toward a side by delta + 50 and stays on the screen; a maximised window keeps its size.
     void growToward(const QString& side, float delta);
     [[nodiscard]] PreferencesSheet& preferences() const { return *preferences_; }
