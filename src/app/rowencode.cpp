@@ -196,6 +196,7 @@ RowEncode::Next RowEncode::firstPass(int row, const QString& output)
 
 RowEncode::Next RowEncode::secondPass()
 {
+    verdict_.beginSecondPass();
     const QString output = currentValue(record::dstPathStr);
     prefWriteChildDico(pref::processEncDico, record::mainEncSrcPathStr, output);
     const float duration = currentNumber(record::w_duration);

@@ -26,6 +26,14 @@ void RowVerdict::begin()
     verdict_.reset();
 }
 
+void RowVerdict::beginSecondPass()
+{
+    if (verdict_) {
+        std::erase_if(verdict_->findings,
+                      [](const judge::Finding& finding) { return finding.cause == judge::Cause::HiddenShown; });
+    }
+}
+
 void RowVerdict::read(const QString& text)
 {
     for (const QChar character : text) {

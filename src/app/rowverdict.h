@@ -17,6 +17,8 @@ class RowVerdict
 {
 public:
     void begin();
+    // What the first pass, a copy, could not hide is left out by the second.
+    void beginSecondPass();
     // Any piece of a child's text; a line may come in two.
     void read(const QString& text);
     // Nothing when no tool has judged.

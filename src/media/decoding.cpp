@@ -1,5 +1,7 @@
 #include "media/decoding.h"
 
+#include "media/avversions.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -79,14 +81,61 @@ public:
         wholeFrom_ = stream.duration > 0 ? start + stream.duration - second / 4 : start;
     }
 
+    // Whether the index goes back in time, as at the joints of an edit list: it cannot be searched by time then.
+    [[nodiscard]] bool stepsBack() const
+    {
+        AVStream& stream = *input_->context()->streams[stream_];
+        const int size = input_->isMovie() ? indexSize(stream) : 0;
+        for (int i = 1; i < size; ++i) {
+            if (indexEntry(stream, i)->timestamp <= indexEntry(stream, i - 1)->timestamp) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // The number by the index of the packet with the last key picture that is shown, or that a shown one stands on; 0
+    // where the index knows none.
+    [[nodiscard]] int lastKeyOfIndex() const
+    {
+        AVStream& stream = *input_->context()->streams[stream_];
+        int hidden = 0;
+        bool shows = false;
+        for (int number = indexSize(stream) - 1; number >= 0; --number) {
+            const int flags = indexEntry(stream, number)->flags;
+            const bool key = (flags & AVINDEX_KEYFRAME) != 0;
+            shows = shows || (flags & AVINDEX_DISCARD_FRAME) == 0;
+            if (key && (flags & AVINDEX_DISCARD_FRAME) == 0) {
+                return number;
+            }
+            hidden = key && shows && hidden == 0 ? number : hidden;
+        }
+        return hidden;
+    }
+
+    // Passes over packets without decoding them; false when there are not that many.
+    bool skip(int packets)
+    {
+        for (int skipped = 0; skipped < packets;) {
+            input_->allowSeconds(secondsPerPacket);
+            av_packet_unref(packet_.get());
+            if (av_read_frame(input_->context(), packet_.get()) < 0) {
+                return false;
+            }
+            skipped += packet_->stream_index == stream_ ? 1 : 0;
+        }
+        return true;
+    }
+
     // To the last key picture. False where the container cannot.
     bool seekToLastKey()
     {
         avcodec_flush_buffers(codec_.get());
         ended_ = false;
-        AVStream* const stream = input_->context()->streams[stream_];
-        const std::int64_t end = std::numeric_limits<std::int64_t>::max() / 4;
-        return av_seek_frame(input_->context(), stream->index, end, AVSEEK_FLAG_BACKWARD) >= 0;
+        AVStream& stream = *input_->context()->streams[stream_];
+        const AVIndexEntry* const key = input_->isMovie() ? indexEntry(stream, lastKeyOfIndex()) : nullptr;
+        const std::int64_t end = key != nullptr ? key->timestamp : std::numeric_limits<std::int64_t>::max() / 4;
+        return av_seek_frame(input_->context(), stream.index, end, AVSEEK_FLAG_BACKWARD) >= 0;
     }
 
     [[nodiscard]] bool ended() const { return ended_; }
@@ -255,6 +304,14 @@ Result<DecodedEnds> decodeEnds(const OpenRequest& request, int stream, int mostP
     while (!ends.first && good && decoder.feed()) {
         good = !decoder.refused();
         ends.first = good && decoder.receive() && !decoder.frameIsDamaged();
+    }
+    if (decoder.stepsBack()) {
+        const auto again = Decoder::open(request, stream);
+        if (!again) {
+            return Failure{again.reason()};
+        }
+        ends.last = (*again)->skip((*again)->lastKeyOfIndex()) && decodeFromKey(**again, mostPackets);
+        return ends;
     }
     if (!decoder.seekToLastKey()) {
         ends.last = ends.first;

@@ -75,6 +75,7 @@ public:
             if (lastDuration_ <= 0) {
                 reading_.end = std::max(reading_.end, shown_.back() + reading_.interval);
             }
+            closeJoints();
         }
         limitSound();
         return std::move(reading_);
@@ -113,9 +114,27 @@ private:
             return;
         }
         reading_.longestGap = *std::ranges::max_element(gaps);
+        if (isMovie_ && reading_.facts.kind == Kind::Picture && reading_.facts.edits.pieces < 2) {
+            reading_.replacedAtOnce = std::ranges::count_if(gaps, [](double gap) { return gap < shortestShown; });
+        }
         const auto middle = gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() / 2);
         std::ranges::nth_element(gaps, middle);
         reading_.interval = *middle;
+    }
+
+    // Libavformat puts the pieces of an edit list up to two pictures too early or too late at each joint; the list
+    // itself says how long they are.
+    void closeJoints()
+    {
+        const StreamFacts& facts = reading_.facts;
+        if (!isMovie_ || facts.edits.pieces < 2 || facts.missingPackets.value_or(0) > 0 || !facts.duration) {
+            return;
+        }
+        constexpr double mostPerJoint = 2; // pictures
+        const double told = facts.start.value_or(0) + *facts.duration;
+        if (std::abs(told - reading_.end) <= mostPerJoint * reading_.interval * (facts.edits.pieces - 1)) {
+            reading_.end = told;
+        }
     }
 
     // Coded sound comes in whole frames; a movie says how much of the first and the last of them is heard.

@@ -3,12 +3,17 @@
 
 #include "judge/damage.h"
 #include "judge/sources.h"
+#include "judge/verdictline.h"
+#include "media/headerchange.h"
 #include "support/clipmaker.h"
 #include "support/temphome.h"
+#include "sys/descriptor.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cmath>
+#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
 #include <mutex>
@@ -133,6 +138,97 @@ TEST_F(JudgedClips, Harmless)
 {
     EXPECT_EQ(misjudged(harmlessSources()), 0);
 }
+
+// What an edit list shows, in seconds.
+struct Piece {
+    double from;
+    double length;
+};
+
+bool showPieces(const std::string& path, const std::vector<Piece>& pieces)
+{
+    const Descriptor file = openFile(path.c_str(), O_RDWR);
+    const MovieAtoms movie = readMovieAtoms(readAtOf(file.get()), std::filesystem::file_size(path));
+    HeaderChange change;
+    change.movieScale = 1000;
+    for (std::size_t track = 0; track < movie.tracks.size(); ++track) {
+        const TrackAtoms& atoms = movie.tracks[track];
+        const std::int64_t origin = atoms.edits.empty() ? 0 : atoms.edits.back().mediaTime;
+        TrackEdits edits;
+        edits.track = track;
+        for (const Piece& piece : pieces) {
+            EditEntry entry;
+            entry.duration = static_cast<std::uint64_t>(std::llround(piece.length * 1000));
+            entry.mediaTime = origin + std::llround(piece.from * atoms.mediaTimeScale);
+            edits.entries.push_back(entry);
+        }
+        change.edits.push_back(edits);
+    }
+    return changeMovieHeader(file.get(), change).hasValue();
+}
+
+// The packets at the joints, and the times that libavformat gives them, are not what a player shows.
+class JudgedPieces : public testing::TestWithParam<std::vector<Piece>>
+{
+protected:
+    JudgedPieces()
+    {
+        media::silenceLibraries();
+        source_ = baseClip(folder(), "mov, index last");
+    }
+    [[nodiscard]] std::string folder() const { return folder_.path().toStdString(); }
+    [[nodiscard]] judge::Outcome judged(const std::string& output, judge::Way picture) const
+    {
+        const judge::Verdict verdict = judge::judge({source_, output, {picture, judge::Way::Left, {}}, {}});
+        std::cout << judge::verdictLine(verdict) << std::endl;
+        return verdict.outcome;
+    }
+    // Evenly spaced, as many as a player shows less some.
+    [[nodiscard]] std::string encoded(int fewer) const
+    {
+        double seconds = 0;
+        for (const Piece& piece : GetParam()) {
+            seconds += piece.length;
+        }
+        std::string output = folder() + "/encoded.mp4";
+        EXPECT_TRUE(runFfmpeg({"-i", source_, "-vf", "setpts=N/25/TB", "-vsync", "vfr", "-an", "-c:v", "mpeg4",
+                               "-frames:v", std::to_string(std::llround(seconds * 25) - fewer), output}));
+        return output;
+    }
+
+    TempFolder folder_;
+    std::string source_;
+};
+
+TEST_P(JudgedPieces, AreWholeWhereAllThatIsShownComesOut)
+{
+    ASSERT_TRUE(showPieces(source_, GetParam()));
+    EXPECT_EQ(judged(source_, judge::Way::Copied), Outcome::Whole) << "the same file again";
+    EXPECT_EQ(judged(encoded(0), judge::Way::Encoded), Outcome::Whole);
+    EXPECT_EQ(judged(encoded(2), judge::Way::Encoded), Outcome::Failed);
+    const std::string cut = folder() + "/cut.mov";
+    ASSERT_TRUE(runFfmpeg({"-ignore_editlist", "1", "-i", source_, "-an", "-c", "copy", "-frames:v", "20", cut}));
+    EXPECT_EQ(judged(cut, judge::Way::Copied), Outcome::Failed);
+}
+
+TEST_P(JudgedPieces, ACopyThatHidesNothingSaysSo)
+{
+    ASSERT_TRUE(showPieces(source_, GetParam()));
+    const std::string whole = folder() + "/whole.mov";
+    ASSERT_TRUE(runFfmpeg({"-ignore_editlist", "1", "-i", source_, "-an", "-c", "copy", whole}));
+    const judge::Verdict verdict = judge::judge({source_, whole, {judge::Way::Copied, judge::Way::Left, {}}, {}});
+    // Pieces that overlap, or come in another order, are another clip.
+    const bool inOrder = GetParam()[0].from + GetParam()[0].length <= GetParam()[1].from;
+    EXPECT_EQ(verdict.outcome, inOrder ? Outcome::Whole : Outcome::Failed);
+    ASSERT_EQ(verdict.findings.size(), 1U);
+    EXPECT_EQ(verdict.findings[0].cause, inOrder ? judge::Cause::HiddenShown : judge::Cause::PictureCount);
+}
+
+INSTANTIATE_TEST_SUITE_P(Edits, JudgedPieces,
+                         testing::Values(std::vector<Piece>{{0.2, 0.52}, {1.24, 0.8}},
+                                         std::vector<Piece>{{0.12, 0.4}, {0.8, 0.28}, {1.6, 0.44}},
+                                         std::vector<Piece>{{0.4, 0.6}, {0.4, 0.6}},
+                                         std::vector<Piece>{{1.6, 0.48}, {0.32, 0.48}}));
 
 } // namespace
 } // namespace tavrix::test

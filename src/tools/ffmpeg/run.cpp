@@ -13,7 +13,6 @@
 #include "tools/ffmpeg/textpieces.h"
 #include "tools/ffmpeg/transcript.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -205,17 +204,9 @@ private:
         return judgeAndPublish(attempt.findings);
     }
 
-    [[nodiscard]] bool showsSeveralPieces() const
-    {
-        return source_ && std::ranges::any_of(source_->facts.streams,
-                                              [](const media::StreamFacts& stream) { return stream.edits.pieces > 1; });
-    }
-
     int judgeAndPublish(const Findings& findings)
     {
-        // Of a clip of several pieces the judge cannot tell yet what is to be seen at their joints: it would discard
-        // outputs that are right.
-        auto verdict = showsSeveralPieces() ? std::nullopt : judgement(line_, files_, findings);
+        auto verdict = judgement(line_, files_, findings);
         if (verdict && files_.olderStands()) {
             verdict = besideOlderOutput(std::move(*verdict), files_.writtenBytes());
         }

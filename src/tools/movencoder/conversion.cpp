@@ -1,5 +1,6 @@
 #include "tools/movencoder/conversion.h"
 
+#include "media/reading.h"
 #include "tools/movencoder/encodepipeline.h"
 #include "tools/movencoder/moviereader.h"
 #include "tools/movencoder/moviewriter.h"
@@ -9,6 +10,7 @@
 #include "tools/movencoder/progress.h"
 
 #include <optional>
+#include <utility>
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -75,7 +77,7 @@ public:
                 return Failure{taken.reason()};
             }
         }
-        if (auto finished = finish(); !finished) {
+        if (auto finished = finish(fd); !finished) {
             return Failure{finished.reason()};
         }
         return Conversion{reader_->packets(), reader_->decodedPictures(), reader_->damagedPictures(), written_,
@@ -130,9 +132,35 @@ private:
         return {};
     }
 
+    // Copying fragments that overlap in time leaves pictures in a movie that are there for decoding alone: no player
+    // shows what the next picture replaces at once. Which they are is known when that one has come.
     Result<void> takePicture(int fd)
     {
         DecodedPicture picture = reader_->takePicture();
+        const auto ownTime = picture.time;
+        if (held_ && replacesHeld(ownTime)) {
+            picture.time = held_->time;
+            if (!picture.frame) {
+                picture.frame = std::move(held_->frame);
+            }
+            held_.reset();
+        }
+        std::optional<DecodedPicture> before = std::exchange(held_, std::move(picture));
+        heldTime_ = ownTime;
+        return before ? submit(fd, std::move(*before)) : Result<void>();
+    }
+
+    [[nodiscard]] bool replacesHeld(std::optional<std::int64_t> time) const
+    {
+        if (!reader_->isMovie() || !time || !heldTime_) {
+            return false;
+        }
+        const double seconds = static_cast<double>(*time - *heldTime_) * av_q2d(reader_->video()->time_base);
+        return seconds >= 0 && seconds < media::shortestShown;
+    }
+
+    Result<void> submit(int fd, DecodedPicture picture)
+    {
         if (!pipeline_ && picture.frame) {
             if (auto started = start(fd, *picture.frame); !started) {
                 return started;
@@ -192,8 +220,13 @@ private:
         return {};
     }
 
-    Result<void> finish()
+    Result<void> finish(int fd)
     {
+        if (held_) {
+            if (auto submitted = submit(fd, std::move(*held_)); !submitted) {
+                return submitted;
+            }
+        }
         ended_ = true;
         while (!pipeline_->empty()) {
             if (auto written = writeOldest(); !written) {
@@ -213,7 +246,9 @@ private:
     std::optional<PictureClock> clock_;
     std::optional<EncodePipeline> pipeline_;
     std::vector<PacketPtr> earlySounds_;
-    std::int64_t lastTime_ = 0; // of the last picture, in the source's time base
+    std::optional<DecodedPicture> held_;   // the last one that came
+    std::optional<std::int64_t> heldTime_; // its own time
+    std::int64_t lastTime_ = 0;            // of the last picture, in the source's time base
     std::int64_t lastDuration_ = 0;
     std::int64_t written_ = 0;
     bool ended_ = false;

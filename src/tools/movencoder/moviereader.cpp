@@ -1,5 +1,7 @@
 #include "tools/movencoder/moviereader.h"
 
+#include "tools/movencoder/piecetimes.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -47,6 +49,9 @@ Result<std::unique_ptr<MovieReader>> MovieReader::open(const std::string& path)
         return Failure{decoder.reason()};
     }
     reader->decoder_ = *std::move(decoder);
+    if (reader->isMovie()) {
+        reader->pieceTimes_ = pieceTimes(path, *reader->video_);
+    }
     return reader;
 }
 
@@ -203,6 +208,9 @@ DecodedPicture MovieReader::takePicture()
 {
     DecodedPicture picture = std::move(decoder_->picture());
     decoder_->drop();
+    if (const auto number = static_cast<std::size_t>(pictures_); number < pieceTimes_.size()) {
+        picture.time = pieceTimes_[number];
+    }
     ++pictures_;
     lost_ += picture.frame ? 0 : 1;
     picture.duration = pictureDuration(picture.duration);

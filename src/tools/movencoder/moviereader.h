@@ -57,6 +57,8 @@ public:
     // Start and length of the movie in the units of AV_TIME_BASE, 0 when unknown.
     [[nodiscard]] std::int64_t start() const;
     [[nodiscard]] std::int64_t duration() const;
+    // Whether it is of QuickTime's family.
+    [[nodiscard]] bool isMovie() const;
 
 private:
     MovieReader() = default;
@@ -64,7 +66,6 @@ private:
     Result<void> chooseStreams();
     [[nodiscard]] bool readPacket();
     void moveClock();
-    [[nodiscard]] bool isMovie() const;
     [[nodiscard]] bool keepsSound();
     [[nodiscard]] std::int64_t pictureDuration(std::int64_t told) const;
 
@@ -82,6 +83,7 @@ private:
     ClockJumps clockJumps_;
     std::unique_ptr<PictureDecoder> decoder_;
     PacketPtr packet_;
+    std::vector<std::int64_t> pieceTimes_; // of the pictures in their order; empty: they come with their times
     bool clockMayJump_ = false;
     std::int64_t pictures_ = 0;
     std::int64_t lost_ = 0; // of them, without a frame
