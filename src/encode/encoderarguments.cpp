@@ -4,8 +4,7 @@
 #include "base/log.h"
 #include "base/paths.h"
 #include "encode/presets.h"
-
-#include <cmath>
+#include "probe/aspectclass.h"
 
 namespace tavrix
 {
@@ -40,15 +39,11 @@ void addFrameRate(QStringList& arguments, float framesPerSecond)
     }
 }
 
-bool isWide(float aspect)
-{
-    return std::fabs(static_cast<double>(aspect) - 1.77) < 0.1;
-}
-
 void addScale(QStringList& arguments, float aspect, const char* wide, const char* narrow)
 {
     arguments.append(QStringLiteral("-vf"));
-    arguments.append(formatText(QStringLiteral("scale=%@"), {isWide(aspect) ? wide : narrow}));
+    arguments.append(
+        formatText(QStringLiteral("scale=%@"), {aspectClass(aspect) == AspectClass::Wide ? wide : narrow}));
 }
 
 void addAac(QStringList& arguments, const char* rate)

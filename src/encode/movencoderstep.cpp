@@ -7,10 +7,9 @@
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "encode/outputname.h"
+#include "probe/aspectclass.h"
 #include "probe/mediainforecord.h"
 #include "sys/secondpass.h"
-
-#include <cmath>
 
 namespace tavrix
 {
@@ -36,7 +35,7 @@ bool enoughSpace(const QString& outputPath, const QString& intermediatePath, flo
 
 QString movencoderSettingsName(float aspect)
 {
-    const bool narrow = std::fabs(static_cast<double>(aspect) - 1.33) < 0.1;
+    const bool narrow = aspectClass(aspect) == AspectClass::Classic;
     return narrow ? QStringLiteral("1280x720pLetterbox") : QStringLiteral("1280x720p");
 }
 

@@ -55,6 +55,21 @@ std::string aboutSource(const Finding& finding)
     }
 }
 
+// Why the output did not take its name.
+std::string aboutName(const Finding& finding)
+{
+    switch (finding.cause) {
+    case Cause::TooSmall:
+        return "the output is too small to replace an older one (" + std::to_string(finding.count) + " bytes)";
+    case Cause::OlderKept:
+        return "what stands under its name is kept";
+    case Cause::NotPublished:
+        return "the output could not take its name (" + finding.text + ')';
+    default:
+        return aboutSource(finding);
+    }
+}
+
 } // namespace
 
 std::string clockText(double seconds)
@@ -104,18 +119,12 @@ std::string englishText(const Finding& finding)
         return "the source's pictures are in another file";
     case Cause::Encrypted:
         return "the source is encrypted";
-    case Cause::TooSmall:
-        return "the output is too small to replace an older one (" + std::to_string(finding.count) + " bytes)";
-    case Cause::OlderKept:
-        return "what stands under its name is kept";
-    case Cause::NotPublished:
-        return "the output could not take its name (" + finding.text + ')';
     case Cause::NotJudged:
         return "the output could not be compared with its source (" + finding.text + ')';
     case Cause::HiddenShown:
         return counted(finding.count, "picture", "pictures") + " that the source hides can be seen in the output";
     default:
-        return aboutSource(finding);
+        return aboutName(finding);
     }
 }
 

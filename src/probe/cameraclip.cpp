@@ -1,5 +1,6 @@
 #include "probe/cameraclip.h"
 
+#include "probe/aspectclass.h"
 #include "probe/batchtexts.h"
 
 #include "base/conversions.h"
@@ -62,27 +63,25 @@ ClipVerdict cameraClipVerdict(const std::optional<MediaInfoRecord>& infos, const
 
 float clipAspect(const MediaInfoRecord& infos)
 {
-    constexpr float wide = 1.77F;
-    constexpr float classic = 1.33F;
     if (!infos.contains(record::v0_width) || !infos.contains(record::v0_height)) {
-        return wide;
+        return wideAspect;
     }
     const auto width = static_cast<float>(infos.value(record::v0_width).toInt());
     const auto height = static_cast<float>(infos.value(record::v0_height).toInt());
     if (height <= 0) {
-        return wide;
+        return wideAspect;
     }
     const float ratio = nbTrimmed(width / height, 2);
     // The ratio is widened: comparing in single precision would move 1.6 and 1.4 to the other class.
     if (std::fabs(static_cast<double>(ratio) - 1.7) < 0.1) {
-        return wide;
+        return wideAspect;
     }
-    return std::fabs(static_cast<double>(ratio) - 1.3) < 0.1 ? classic : ratio;
+    return std::fabs(static_cast<double>(ratio) - 1.3) < 0.1 ? classicAspect : ratio;
 }
 
 QString thumbnailSize(float aspect)
 {
-    return std::fabs(static_cast<double>(aspect) - 1.77) < 0.1 ? QStringLiteral("320x180") : QStringLiteral("240x180");
+    return aspectClass(aspect) == AspectClass::Wide ? QStringLiteral("320x180") : QStringLiteral("240x180");
 }
 
 QString interlacingLetter(const QString& headerLine)

@@ -2,6 +2,7 @@
 
 #include "base/conversions.h"
 #include "base/log.h"
+#include "probe/aspectclass.h"
 
 #include <cmath>
 
@@ -28,11 +29,13 @@ QString ratioText(int first, int second)
 
 QString displayAspect(float displayed, int width, int height)
 {
-    if (std::fabs(static_cast<double>(displayed) - 1.33) < tolerance) {
+    switch (aspectClass(displayed, tolerance)) {
+    case AspectClass::Classic:
         return QStringLiteral("4:3");
-    }
-    if (std::fabs(static_cast<double>(displayed) - 1.77) < tolerance) {
+    case AspectClass::Wide:
         return QStringLiteral("16:9");
+    case AspectClass::Other:
+        break;
     }
     const QList<int> pair = sousMultipleCommuns(width, height);
     return ratioText(pair.at(0), pair.at(1));

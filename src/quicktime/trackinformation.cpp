@@ -7,6 +7,7 @@
 #include "base/paths.h"
 #include "base/settings.h"
 #include "platform/desktop.h"
+#include "probe/aspectclass.h"
 #include "process/runners.h"
 #include "quicktime/aspectratios.h"
 #include "quicktime/codecnames.h"
@@ -214,14 +215,14 @@ DisplaySize chosenDisplaySize(const PictureSizes& sizes, float movieRatio)
     const DisplaySize clean{sizes.cleanWidth, sizes.cleanHeight};
     const float cleanRatio = ratio(sizes.cleanWidth, sizes.cleanHeight);
     const float encodedRatio = ratio(sizes.encodedWidth, sizes.encodedHeight);
-    const bool differs = !isNear(cleanRatio, encodedRatio) || cleanRatio == 1.77F;
-    if (differs && !isNear(cleanRatio, 1.33F)) {
+    const bool differs = !isNear(cleanRatio, encodedRatio) || cleanRatio == wideAspect;
+    if (differs && !isNear(cleanRatio, classicAspect)) {
         return clean;
     }
     if (isNear(cleanRatio, movieRatio)) {
         return clean;
     }
-    if (isNear(cleanRatio, 1.33F) && isNear(movieRatio, 1.77F)) {
+    if (isNear(cleanRatio, classicAspect) && isNear(movieRatio, wideAspect)) {
         return {16 * sizes.encodedHeight / 9, sizes.encodedHeight};
     }
     if (isNear(movieRatio, encodedRatio)) {

@@ -1,5 +1,6 @@
 #include "base/bundle.h"
 #include "base/localisation.h"
+#include "probe/aspectclass.h"
 #include "probe/cameraclip.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
@@ -150,6 +151,19 @@ TEST_P(Aspect, IsSnappedAndGivesTheThumbnailSize)
 }
 
 INSTANTIATE_TEST_SUITE_P(CameraClip, Aspect, testing::ValuesIn(aspectRows), rowName<AspectRow>);
+
+TEST(AspectClass, IsThatOfTheDecimalRatioWithinTheTolerance)
+{
+    EXPECT_EQ(aspectClass(wideAspect), AspectClass::Wide);
+    EXPECT_EQ(aspectClass(1.68F), AspectClass::Wide);
+    EXPECT_EQ(aspectClass(1.66F), AspectClass::Other);
+    EXPECT_EQ(aspectClass(classicAspect), AspectClass::Classic);
+    EXPECT_EQ(aspectClass(1.42F), AspectClass::Classic);
+    EXPECT_EQ(aspectClass(1.44F), AspectClass::Other);
+    EXPECT_EQ(aspectClass(1.78F, 0.02), AspectClass::Wide);
+    EXPECT_EQ(aspectClass(1.80F, 0.02), AspectClass::Other);
+    EXPECT_EQ(aspectClass(1.33F, 0.02), AspectClass::Classic);
+}
 
 TEST(CameraClip, HeightOfZeroInTheRecordIsNoDivision)
 {

@@ -1,9 +1,5 @@
 #include "tools/movencoder/picturedecoder.h"
 
-#include "tools/movencoder/decoderlog.h"
-
-#include <algorithm>
-#include <iterator>
 #include <string>
 
 namespace tavrix::movencoder
@@ -69,7 +65,7 @@ Result<void> PictureDecoder::send(const AVPacket* packet)
     ended_ = packet == nullptr;
     const bool shown = packet != nullptr && (packet->flags & AV_PKT_FLAG_DISCARD) == 0;
     if (shown && packet->pts != AV_NOPTS_VALUE) {
-        awaited_.insert(packet->pts);
+        pictures_.await(packet->pts);
     }
     const int result = avcodec_send_packet(decoder_.get(), packet);
     if (result == AVERROR(ENOMEM)) {
@@ -81,7 +77,7 @@ Result<void> PictureDecoder::send(const AVPacket* packet)
     if (packet != nullptr && needsStrictness(stream_->codecpar->codec_id)) {
         return sendAgain(*packet);
     }
-    ++refused_;
+    pictures_.refuse();
     return {};
 }
 
@@ -105,17 +101,17 @@ Result<void> PictureDecoder::sendAgain(const AVPacket& packet)
         result = avcodec_receive_frame(lenient_.get(), frame.get());
     }
     if (result >= 0) {
-        take(std::move(frame), true);
+        pictures_.take(std::move(frame), true);
     } else {
-        ++refused_;
+        pictures_.refuse();
     }
     return {};
 }
 
 Result<PictureDecoder::Answer> PictureDecoder::next()
 {
-    while (ready_.empty()) {
-        if (flushed_) {
+    while (pictures_.isEmpty()) {
+        if (pictures_.hasEnded()) {
             return Answer::End;
         }
         const auto answer = receive();
@@ -137,91 +133,14 @@ Result<PictureDecoder::Answer> PictureDecoder::receive()
         return Answer::NeedsPacket;
     }
     if (result == AVERROR_EOF || result == AVERROR(EAGAIN)) {
-        end();
+        pictures_.end();
     } else if (result < 0) {
-        ++refused_;
+        pictures_.refuse();
     } else {
         const bool damaged = isDamaged(*frame);
-        take(std::move(frame), damaged);
+        pictures_.take(std::move(frame), damaged);
     }
     return Answer::Picture;
-}
-
-void PictureDecoder::take(FramePtr frame, bool damaged)
-{
-    DecodedPicture picture;
-    picture.duration = durationOf(*frame);
-    errorsSeen_ = errorsSeen_ || damaged;
-    if (frame->best_effort_timestamp != AV_NOPTS_VALUE) {
-        picture.time = frame->best_effort_timestamp;
-        if (isMadeUp(*picture.time)) {
-            return;
-        }
-        lose(*picture.time);
-        const auto own = awaited_.find(*picture.time);
-        if (own != awaited_.end()) {
-            awaited_.erase(own);
-        }
-    }
-    if (pictures_++ == 0) {
-        concealedBefore_ = concealedPictures();
-        // Without times all that was refused so far precedes this picture.
-        refused_ = awaited_.empty() ? 0 : refused_;
-    }
-    flagged_ += damaged ? 1 : 0;
-    lastTime_ = picture.time;
-    lastDuration_ = picture.duration;
-    picture.frame = std::move(frame);
-    ready_.push_back(std::move(picture));
-}
-
-// In place of lost pictures a decoder may hand out others twice.
-bool PictureDecoder::isMadeUp(std::int64_t time) const
-{
-    return errorsSeen_ && packetsArePictures() && lastTime_ && time <= *lastTime_ && !awaited_.contains(time);
-}
-
-// Pictures come in the order of their times: what should have come before this one does not come any more. In a damaged
-// stream it is lost, refused or silently dropped because a picture that it depends on was refused.
-void PictureDecoder::lose(std::int64_t before)
-{
-    const auto end = awaited_.lower_bound(before);
-    errorsSeen_ = errorsSeen_ || refused_ > 0;
-    if (pictures_ == 0) {
-        refused_ -= std::min<std::int64_t>(refused_, std::distance(awaited_.begin(), end));
-    } else if (!errorsSeen_) {
-        withoutPicture_ += std::distance(awaited_.begin(), end);
-    } else if (packetsArePictures()) {
-        std::for_each(awaited_.begin(), end, [this](std::int64_t time) { putLost(time); });
-    }
-    awaited_.erase(awaited_.begin(), end);
-}
-
-void PictureDecoder::putLost(std::int64_t time)
-{
-    ++lost_;
-    refused_ -= refused_ > 0 ? 1 : 0;
-    lastTime_ = time;
-    DecodedPicture lost;
-    lost.time = time;
-    lost.duration = lastDuration_;
-    ready_.push_back(std::move(lost));
-}
-
-void PictureDecoder::end()
-{
-    flushed_ = true;
-    if (pictures_ > 0) {
-        lose(INT64_MAX);
-    }
-}
-
-std::int64_t PictureDecoder::damagedPictures() const
-{
-    if (pictures_ == 0) {
-        return 0;
-    }
-    return std::max(flagged_, concealedPictures() - concealedBefore_) + lost_ + (flushed_ ? refused_ : 0);
 }
 
 } // namespace tavrix::movencoder
