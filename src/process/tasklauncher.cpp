@@ -250,13 +250,13 @@ void taskLauncher::Private::deliver(const QByteArray& chunk)
     }
 }
 
-taskLauncher::taskLauncher(QObject* parent) : QObject(parent), d(std::make_unique<Private>(this)) {}
+taskLauncher::taskLauncher(QObject* parent) : QObject(parent), d_(std::make_unique<Private>(this)) {}
 
 taskLauncher::~taskLauncher()
 {
     NotificationCenter::defaultCenter().removeObserver(this);
-    d->stopWatching();
-    killAndReap(d->tasks);
+    d_->stopWatching();
+    killAndReap(d_->tasks);
 }
 
 int taskLauncher::launchTasksWithArguments(const QStringList& arguments)
@@ -264,108 +264,108 @@ int taskLauncher::launchTasksWithArguments(const QStringList& arguments)
     if (arguments.isEmpty()) {
         return 1;
     }
-    d->terminateNoAbort = false;
-    d->isRunning = true;
-    d->isSuspended = false;
+    d_->terminateNoAbort = false;
+    d_->isRunning = true;
+    d_->isSuspended = false;
     QList<ChainCommand> commands;
     if (const int code = parsedChain(arguments, commands); code != 0) {
         return code;
     }
-    d->begin(startChain(commands));
+    d_->begin(startChain(commands));
     return 0;
 }
 
 void taskLauncher::setDelegate(TaskLauncherDelegate* delegate)
 {
-    d->delegate = delegate;
+    d_->delegate = delegate;
 }
 
 TaskLauncherDelegate* taskLauncher::delegate() const
 {
-    return d->delegate;
+    return d_->delegate;
 }
 
 void taskLauncher::dontConvertDataToString(bool flag)
 {
-    d->convert = flag;
+    d_->convert = flag;
 }
 
 int taskLauncher::uid()
 {
-    if (d->uid == 0) {
-        d->uid = static_cast<int>(QDateTime::currentSecsSinceEpoch());
+    if (d_->uid == 0) {
+        d_->uid = static_cast<int>(QDateTime::currentSecsSinceEpoch());
         NotificationCenter& center = NotificationCenter::defaultCenter();
-        center.addObserver(this, fabKillTasks, d->uid, [this] { terminate(); });
-        center.addObserver(this, fabPauseTasks, d->uid, [this] { suspend(); });
-        center.addObserver(this, fabResumeTasks, d->uid, [this] { resume(); });
+        center.addObserver(this, fabKillTasks, d_->uid, [this] { terminate(); });
+        center.addObserver(this, fabPauseTasks, d_->uid, [this] { suspend(); });
+        center.addObserver(this, fabResumeTasks, d_->uid, [this] { resume(); });
     }
-    return d->uid;
+    return d_->uid;
 }
 
 bool taskLauncher::isRunning() const
 {
-    return d->isRunning;
+    return d_->isRunning;
 }
 
 bool taskLauncher::isSuspended() const
 {
-    return d->isSuspended;
+    return d_->isSuspended;
 }
 
 int taskLauncher::terminationStatus() const
 {
-    return d->terminationStatus;
+    return d_->terminationStatus;
 }
 
 // The consumer stops before its producers.
 void taskLauncher::suspend()
 {
-    if (!d->hasChain || !d->isRunning || d->isSuspended) {
+    if (!d_->hasChain || !d_->isRunning || d_->isSuspended) {
         return;
     }
-    for (auto task = d->tasks.rbegin(); task != d->tasks.rend(); ++task) {
+    for (auto task = d_->tasks.rbegin(); task != d_->tasks.rend(); ++task) {
         task->signalGroup(SIGSTOP);
     }
-    d->isSuspended = true;
-    if (d->delegate) {
-        d->delegate->taskLauncherTaskDidSuspend(this);
+    d_->isSuspended = true;
+    if (d_->delegate) {
+        d_->delegate->taskLauncherTaskDidSuspend(this);
     }
 }
 
 void taskLauncher::resume()
 {
-    if (!d->hasChain || !d->isSuspended) {
+    if (!d_->hasChain || !d_->isSuspended) {
         return;
     }
-    for (const ChildProcess& task : d->tasks) {
+    for (const ChildProcess& task : d_->tasks) {
         task.signalGroup(SIGCONT);
     }
-    d->isSuspended = false;
-    if (d->delegate) {
-        d->delegate->taskLauncherTaskDidResume(this);
+    d_->isSuspended = false;
+    if (d_->delegate) {
+        d_->delegate->taskLauncherTaskDidResume(this);
     }
 }
 
 void taskLauncher::terminate()
 {
-    d->isRunning = false;
-    if (!d->hasChain) {
+    d_->isRunning = false;
+    if (!d_->hasChain) {
         return;
     }
     NotificationCenter::defaultCenter().removeObserver(this);
-    d->stopWatching();
+    d_->stopWatching();
     const QPointer<taskLauncher> alive(this);
     resume();
     if (!alive) {
         return;
     }
-    killAndReap(d->tasks);
-    if (!d->terminateNoAbort) {
-        d->terminationStatus = statusInterrupted;
+    killAndReap(d_->tasks);
+    if (!d_->terminateNoAbort) {
+        d_->terminationStatus = statusInterrupted;
     }
-    if (d->delegate && !d->alreadyNotified) {
-        d->alreadyNotified = true;
-        d->delegate->taskLauncherTaskDidEnd(this);
+    if (d_->delegate && !d_->alreadyNotified) {
+        d_->alreadyNotified = true;
+        d_->delegate->taskLauncherTaskDidEnd(this);
     }
 }
 

@@ -72,7 +72,7 @@ public:
 
 private:
     struct Private;
-    std::unique_ptr<Private> d;
+    std::unique_ptr<Private> d_;
 };
 
 } // namespace tavrix

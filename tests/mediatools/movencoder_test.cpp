@@ -1,4 +1,4 @@
-#include "movencodermedia.h"
+#include "cameramovietest.h"
 
 #include <QDataStream>
 #include <QFile>
@@ -15,30 +15,9 @@ namespace
 const QString plain = QStringLiteral("1280x720p");
 const QString boxed = QStringLiteral("1280x720pLetterbox");
 
-// The clip is made once for all tests of this file.
-class MovencoderPicture : public testing::Test
+class MovencoderPicture : public CameraMovieTest<24>
 {
-protected:
-    static void SetUpTestSuite()
-    {
-        shared_ = new TempFolder;
-        made_ = makeCameraMovie(camera(), 24);
-    }
-    static void TearDownTestSuite()
-    {
-        delete shared_;
-        shared_ = nullptr;
-    }
-    void SetUp() override { ASSERT_TRUE(made_); }
-    static QString camera() { return shared_->path(QStringLiteral("camera.mov")); }
-    [[nodiscard]] QString output() const { return folder_.path(QStringLiteral("out.mov")); }
-
-    static TempFolder* shared_;
-    static bool made_;
-    TempFolder folder_;
 };
-TempFolder* MovencoderPicture::shared_ = nullptr;
-bool MovencoderPicture::made_ = false;
 
 void expectSameTimes(const QMap<QString, QString>& actual, const QMap<QString, QString>& expected)
 {

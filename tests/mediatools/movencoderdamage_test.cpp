@@ -1,4 +1,4 @@
-#include "movencodermedia.h"
+#include "cameramovietest.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,32 +16,11 @@ const QString plain = QStringLiteral("1280x720p");
 const QString aic = QStringLiteral("aic");
 constexpr qsizetype packetSize = 188;
 
-// The recording and its rewrapped form are made once for all tests.
-class MovencoderDamage : public testing::Test
-{
-protected:
-    static void SetUpTestSuite()
-    {
-        shared_ = new TempFolder;
-        made_ = makeCameraMovie(movie(), pictures);
-    }
-    static void TearDownTestSuite()
-    {
-        delete shared_;
-        shared_ = nullptr;
-    }
-    void SetUp() override { ASSERT_TRUE(made_); }
-    static QString movie() { return shared_->path(QStringLiteral("camera.mov")); }
-    static QString recording() { return shared_->path(QStringLiteral("camera.mov.mts")); }
-    [[nodiscard]] QString output() const { return folder_.path(QStringLiteral("out.mov")); }
-    static constexpr int pictures = 40;
+constexpr int pictures = 40;
 
-    static TempFolder* shared_;
-    static bool made_;
-    TempFolder folder_;
+class MovencoderDamage : public CameraMovieTest<pictures>
+{
 };
-TempFolder* MovencoderDamage::shared_ = nullptr;
-bool MovencoderDamage::made_ = false;
 
 // The recording without one packet of its picture, in its middle.
 QByteArray withoutAPacket(const QByteArray& stream)
@@ -59,7 +38,7 @@ QByteArray withoutAPacket(const QByteArray& stream)
 
 TEST_F(MovencoderDamage, DamagedPicturesCostOnlyThemselves)
 {
-    auto bytes = readBytes(movie());
+    auto bytes = readBytes(camera());
     ASSERT_TRUE(bytes);
     // More than one of the small pictures of the end, so that at least one loses its head.
     std::fill_n(bytes->begin() + bytes->size() * 8 / 10, bytes->size() / 10, '\xFF');
@@ -74,7 +53,7 @@ TEST_F(MovencoderDamage, DamagedPicturesCostOnlyThemselves)
     EXPECT_EQ(result.errors.count('\n'), 2) << "a decoder's words are not the tool's";
     EXPECT_TRUE(result.errors.contains("\ntavrix-verdict: incomplete damaged-pictures ")) << result.errors.constData();
     EXPECT_EQ(probe(output()).value(QStringLiteral("nb_read_frames")), QString::number(pictures));
-    EXPECT_EQ(probe(output()).value(QStringLiteral("duration")), probe(movie()).value(QStringLiteral("duration")));
+    EXPECT_EQ(probe(output()).value(QStringLiteral("duration")), probe(camera()).value(QStringLiteral("duration")));
 }
 
 // Whether a decoder's thread marks a picture before it is handed out is chance; the outcome must not be.
@@ -109,7 +88,7 @@ TEST_F(MovencoderDamage, RecordingThatStartsInTheMiddleIsWhole)
 TEST_F(MovencoderDamage, SourceThatEndsEarlyIsKeptAsFarAsItGoes)
 {
     const QString whole = folder_.path(QStringLiteral("whole.mov"));
-    ASSERT_TRUE(makeMedia({QStringLiteral("-i"), movie(), QStringLiteral("-c"), QStringLiteral("copy"),
+    ASSERT_TRUE(makeMedia({QStringLiteral("-i"), camera(), QStringLiteral("-c"), QStringLiteral("copy"),
                            QStringLiteral("-movflags"), QStringLiteral("+faststart"), whole}));
     ASSERT_TRUE(QFile::resize(whole, QFileInfo(whole).size() * 9 / 10));
     const ToolResult result = movencode(settingsPath(plain), aic, whole, output());

@@ -1,4 +1,4 @@
-#include "movencodermedia.h"
+#include "cameramovietest.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -18,22 +18,9 @@ namespace
 
 const QString plain = QStringLiteral("1280x720p");
 
-class MovencoderFailure : public testing::Test
+class MovencoderFailure : public CameraMovieTest<40, false>
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        shared_ = new TempFolder;
-        made_ = makeCameraMovie(camera(), 40, false);
-    }
-    static void TearDownTestSuite()
-    {
-        delete shared_;
-        shared_ = nullptr;
-    }
-    void SetUp() override { ASSERT_TRUE(made_); }
-    static QString camera() { return shared_->path(QStringLiteral("camera.mov")); }
-    [[nodiscard]] QString output() const { return folder_.path(QStringLiteral("out.mov")); }
     // The tool fails with status 1 and names a file; nothing is in the folder but what was there before.
     void expectFailure(const ToolResult& result, const QString& named) const
     {
@@ -42,13 +29,7 @@ protected:
             << result.errors.constData();
         EXPECT_FALSE(result.output.contains("100%"));
     }
-
-    static TempFolder* shared_;
-    static bool made_;
-    TempFolder folder_;
 };
-TempFolder* MovencoderFailure::shared_ = nullptr;
-bool MovencoderFailure::made_ = false;
 
 TEST_F(MovencoderFailure, InputThatIsNoMovie)
 {

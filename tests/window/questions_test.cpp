@@ -227,7 +227,7 @@ TEST_F(Questions, ATerminationSignalEndsTheChooserThatFollowsAnAlert)
 TEST_F(Questions, ATerminationSignalEndsAnOpenChooserAndTheProgram)
 {
     startProgram();
-    QTimer::singleShot(50, program_.get(), [this] { program_->endNow(); });
+    robot_->lookAtChooser([this](QDialog&) { program_->endNow(); });
     trigger("menuOpenFiles");
     ASSERT_TRUE(waitFor([this] { return program_->hasEnded(); }));
     EXPECT_EQ(terminations_, 1);

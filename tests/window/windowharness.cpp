@@ -46,6 +46,11 @@ void DialogRobot::look(std::function<void(QDialog&)> looker)
     steps_.push_back({{}, false, false, {}, std::move(looker)});
 }
 
+void DialogRobot::lookAtChooser(std::function<void(QDialog&)> looker)
+{
+    steps_.push_back({{}, false, false, {}, std::move(looker), true});
+}
+
 void DialogRobot::tick()
 {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -66,6 +71,12 @@ void DialogRobot::tick()
 
 void DialogRobot::answerChooser(QFileDialog& dialog)
 {
+    if (steps_.front().atChooser) {
+        const Step step = steps_.front();
+        steps_.pop_front();
+        step.looker(dialog);
+        return;
+    }
     if (steps_.front().path.isEmpty()) {
         return;
     }
@@ -78,7 +89,7 @@ void DialogRobot::answerChooser(QFileDialog& dialog)
 
 void DialogRobot::answerAlert(QDialog& dialog)
 {
-    if (!steps_.front().path.isEmpty()) {
+    if (!steps_.front().path.isEmpty() || steps_.front().atChooser) {
         return;
     }
     const Step step = steps_.front();

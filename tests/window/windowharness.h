@@ -64,6 +64,8 @@ public:
     void choose(const QString& path);
     // Runs when the next alert is on the screen; the alert stays.
     void look(std::function<void(QDialog&)> looker);
+    // Runs when the next file chooser is on the screen; the chooser stays.
+    void lookAtChooser(std::function<void(QDialog&)> looker);
 
     QStringList titles; // of the alerts seen, in order
     [[nodiscard]] bool isDone() const { return steps_.empty(); }
@@ -75,6 +77,7 @@ private:
         bool timeOut = false;
         QString path;
         std::function<void(QDialog&)> looker;
+        bool atChooser = false;
     };
     void tick();
     void answerAlert(QDialog& dialog);
