@@ -256,9 +256,11 @@ bool decodeFromKey(Decoder& decoder, int mostPackets)
     std::int64_t key = AV_NOPTS_VALUE;
     std::int64_t frames = 0;
     bool good = true;
-    for (int packets = 0; good && packets <= mostPackets && decoder.feed(); ++packets) {
+    bool begun = false;
+    for (int packets = 0; good && packets <= mostPackets && decoder.feed(); packets += decoder.hidden() ? 0 : 1) {
         const std::int64_t time = decoder.packet().pts;
-        key = packets == 0 ? time : key;
+        key = begun ? key : time;
+        begun = true;
         good = !decoder.refused() || decoder.hidden() || time < key;
         while (decoder.receive()) {
             const bool stands = decoder.frame().best_effort_timestamp >= key;
