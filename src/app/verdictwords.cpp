@@ -25,7 +25,7 @@ struct Words {
     Fill fill;
 };
 
-constexpr std::array<Words, 24> table = {{
+constexpr std::array<Words, 25> table = {{
     {Cause::EndedEarly, "Row_endedEarly", Fill::Seconds},
     {Cause::SoundEndedEarly, "Row_soundEndedEarly", Fill::Seconds},
     {Cause::CutOff, "Row_cutOff", Fill::Nothing},
@@ -48,6 +48,7 @@ constexpr std::array<Words, 24> table = {{
     {Cause::Encrypted, "Row_encrypted", Fill::Nothing},
     {Cause::OlderKept, "Row_olderKept", Fill::Nothing},
     {Cause::NotJudged, "Row_notJudged", Fill::Text},
+    {Cause::NameTaken, "Row_nameTaken", Fill::Nothing},
     {Cause::NotPublished, "Row_notPublished", Fill::Text},
     {Cause::HiddenShown, "Row_hiddenShown", Fill::Count},
 }};

@@ -63,6 +63,8 @@ std::string aboutName(const Finding& finding)
         return "the output is too small to replace an older one (" + std::to_string(finding.count) + " bytes)";
     case Cause::OlderKept:
         return "what stands under its name is kept";
+    case Cause::NameTaken:
+        return "another file has appeared under its name and is kept";
     case Cause::NotPublished:
         return "the output could not take its name (" + finding.text + ')';
     default:

@@ -42,6 +42,7 @@ enum class Cause {
     Encrypted,         // they are
     TooSmall,          // `count` bytes: too few to replace what stands under its name
     OlderKept,         // incomplete, and something stands under its name
+    NameTaken,         // a file has appeared under its name, or the one there has changed, since it was asked for
     NotPublished,      // `text`: why it could not take its name
     NotJudged,         // `text`: why the source or the output could not be compared
 

@@ -21,7 +21,7 @@ constexpr std::array<std::pair<Outcome, std::string_view>, 3> outcomes = {{
     {Outcome::Failed, "failed"},
 }};
 
-constexpr std::array<std::pair<Cause, std::string_view>, 25> causes = {{
+constexpr std::array<std::pair<Cause, std::string_view>, 26> causes = {{
     {Cause::EndedEarly, "ended-early"},
     {Cause::SoundEndedEarly, "sound-ended-early"},
     {Cause::CutOff, "cut-off"},
@@ -44,6 +44,7 @@ constexpr std::array<std::pair<Cause, std::string_view>, 25> causes = {{
     {Cause::Encrypted, "encrypted"},
     {Cause::TooSmall, "too-small"},
     {Cause::OlderKept, "older-kept"},
+    {Cause::NameTaken, "name-taken"},
     {Cause::NotPublished, "not-published"},
     {Cause::NotJudged, "not-judged"},
     {Cause::HiddenShown, "hidden-shown"},

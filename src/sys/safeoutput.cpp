@@ -185,6 +185,7 @@ SafeOutput& SafeOutput::operator=(SafeOutput&& other) noexcept
         name_ = std::move(other.name_);
         hiddenName_ = std::move(other.hiddenName_);
         path_ = std::move(other.path_);
+        replaceable_ = other.replaceable_;
         folder_ = std::move(other.folder_);
         file_ = std::move(other.file_);
         guard_ = std::move(other.guard_);
@@ -253,21 +254,36 @@ bool SafeOutput::giveHiddenName()
     return false;
 }
 
+// Looks as late as can be: between this look and the rename is no time for anybody.
 bool SafeOutput::renameToFinal(Existing existing)
 {
     if (existing == Existing::Kept) {
-        if (renameat2(folder_.get(), hiddenName_.c_str(), folder_.get(), name_.c_str(), RENAME_NOREPLACE) == 0) {
-            return true;
-        }
-        struct stat info = {};
-        // Not every file system can look and rename in one step.
-        if (errno != EINVAL && errno != ENOSYS) {
-            return false;
-        }
-        if (fstatat(folder_.get(), name_.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0) {
-            errno = EEXIST;
-            return false;
-        }
+        return renameIntoGap();
+    }
+    struct stat standing = {};
+    if (replaceable_ && fstatat(folder_.get(), name_.c_str(), &standing, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errno == ENOENT && renameIntoGap();
+    }
+    if (replaceable_ && identityOf(standing) != *replaceable_) {
+        errno = EEXIST;
+        return false;
+    }
+    return renameat(folder_.get(), hiddenName_.c_str(), folder_.get(), name_.c_str()) == 0;
+}
+
+bool SafeOutput::renameIntoGap()
+{
+    if (renameat2(folder_.get(), hiddenName_.c_str(), folder_.get(), name_.c_str(), RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    // Not every file system can look and rename in one step.
+    if (errno != EINVAL && errno != ENOSYS) {
+        return false;
+    }
+    struct stat info = {};
+    if (fstatat(folder_.get(), name_.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0) {
+        errno = EEXIST;
+        return false;
     }
     return renameat(folder_.get(), hiddenName_.c_str(), folder_.get(), name_.c_str()) == 0;
 }

@@ -3,9 +3,11 @@
 // A file that appears under its final name only when it is complete.
 
 #include "sys/descriptor.h"
+#include "sys/fileidentity.h"
 #include "sys/result.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -55,6 +57,9 @@ public:
     // Bytes written so far; -1 when they cannot be asked.
     [[nodiscard]] std::int64_t size() const;
 
+    // What may be replaced is this file alone: if another one stands under the final name by then, publishing fails.
+    void replaceOnly(const FileIdentity& file) { replaceable_ = file; }
+
     // Publishes the file under its final name. The output is discarded when that fails.
     [[nodiscard]] Result<void> commit(Durability durability = Durability::Synced,
                                       Existing existing = Existing::Replaced);
@@ -68,12 +73,14 @@ private:
     [[nodiscard]] bool publish(Existing existing);
     [[nodiscard]] bool giveHiddenName();
     [[nodiscard]] bool renameToFinal(Existing existing);
+    [[nodiscard]] bool renameIntoGap();
 
     std::string finalPath_;
     std::string folderPath_;
     std::string name_;
     std::string hiddenName_; // empty while the file has no name
     std::string path_;
+    std::optional<FileIdentity> replaceable_;
     Descriptor folder_;
     Descriptor file_;
     Descriptor guard_; // closed after the hidden name has gone

@@ -107,7 +107,7 @@ TEST_F(MovencoderDamage, IncompleteOutputReplacesNothing)
     ASSERT_TRUE(writeBytes(output(), old));
     const ToolResult result = movencode(settingsPath(plain), aic, lost, output());
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.errors.contains("movencoder: " + QFile::encodeName(output()) + ": "))
+    EXPECT_TRUE(result.errors.contains("movencoder: " + QFile::encodeName(lost) + ": Failed: what stands under"))
         << result.errors.constData();
     EXPECT_FALSE(result.output.contains("100%"));
     EXPECT_TRUE(readBytes(output()) == old);

@@ -92,6 +92,32 @@ TEST_P(SafeOutputTest, KeepsWhatHasAppearedMeanwhileWhenToldTo)
     EXPECT_EQ(count(), 2);
 }
 
+TEST_P(SafeOutputTest, ReplacesTheOneFileThatItMay)
+{
+    write(name("clip.mp4"), "old");
+    const FileIdentity old = identityOf(*followedStatus(name("clip.mp4").c_str()));
+    auto output = open("clip.mp4");
+    ASSERT_TRUE(output) << output.reason();
+    write(output->path(), "new");
+    output->replaceOnly(old);
+    ASSERT_TRUE(output->commit());
+    EXPECT_EQ(read(name("clip.mp4")), "new");
+
+    auto another = open("clip.mp4");
+    ASSERT_TRUE(another) << another.reason();
+    write(another->path(), "newer");
+    another->replaceOnly(old);
+    EXPECT_EQ(another->commit().reason(), "File exists");
+    EXPECT_EQ(read(name("clip.mp4")), "new");
+
+    fs::remove(name("clip.mp4"));
+    auto last = open("clip.mp4");
+    ASSERT_TRUE(last) << last.reason();
+    last->replaceOnly(old);
+    EXPECT_TRUE(last->commit()) << "nothing stands in the way any more";
+    EXPECT_EQ(count(), 1);
+}
+
 TEST_P(SafeOutputTest, LeavesNothingWhenDropped)
 {
     write(name("clip.mp4"), "old");

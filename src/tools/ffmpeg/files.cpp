@@ -121,8 +121,9 @@ std::vector<std::string> muxerFor(const FileEntry& output, bool& guessed)
 
 } // namespace
 
-Result<void> RunFiles::open(const CommandLine& line)
+Result<void> RunFiles::open(const CommandLine& line, const publication::Terms& terms)
 {
+    terms_ = terms;
     for (const FileEntry& input : line.inputs) {
         if (auto opened = openInput(input); !opened) {
             return opened;
@@ -191,21 +192,25 @@ Result<void> RunFiles::openOutput(const FileEntry& output, const CommandLine& li
         passOutput(output.name, guessed ? std::vector<std::string>() : muxer);
         return {};
     }
+    const std::string& path = terms_.place.empty() ? output.name : terms_.place;
     struct stat info = {};
-    const bool exists = stat(output.name.c_str(), &info) == 0;
+    const bool exists = stat(path.c_str(), &info) == 0;
     if (exists && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode)) {
-        passOutput("file:" + output.name, std::move(muxer));
+        // A program that has asked for a file does not wait for the reader of a pipe.
+        if (terms_.given) {
+            return Failure{shown + ": not a regular file"};
+        }
+        passOutput("file:" + path, std::move(muxer));
         return {};
     }
-    const bool sequence = isPictureSequence(output.name) && !wantsOneFrame(output);
+    const bool sequence = isPictureSequence(path) && !wantsOneFrame(output);
     const auto touches = [&](const FileEntry& input) {
-        return sequence ? wouldTouchPicture(output.name, input.name)
-                        : sameFile(output.name.c_str(), input.name.c_str());
+        return sequence ? wouldTouchPicture(path, input.name) : sameFile(path.c_str(), input.name.c_str());
     };
     if (std::ranges::any_of(line.inputs, touches)) {
         return Failure{"Output file '" + shown + "' is also an input - exiting"};
     }
-    const bool descriptor = isOpenDescriptor(output.name);
+    const bool descriptor = isOpenDescriptor(path);
     const bool overwrites = line.overwrite && !line.neverOverwrite;
     if (exists && !sequence && !descriptor && !overwrites) {
         return Failure{"File '" + shown + "' already exists. Overwrite ? [y/N] Not overwriting - exiting"};
@@ -214,17 +219,17 @@ Result<void> RunFiles::openOutput(const FileEntry& output, const CommandLine& li
         muxer = guessed ? std::vector<std::string>() : std::vector<std::string>{"-f", "image2"};
     }
     if (!sequence && !descriptor && !writesOtherFiles(muxer)) {
-        return openFile(output.name, std::move(muxer), overwrites);
+        return openFile(path, std::move(muxer), overwrites);
     }
-    passOutput("file:" + output.name, std::move(muxer));
+    passOutput("file:" + path, std::move(muxer));
     return {};
 }
 
-Result<void> RunFiles::openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites)
+Result<void> RunFiles::openFile(const std::string& path, std::vector<std::string> muxer, bool overwrites)
 {
     // A name that says nothing to this tool may say something to ffmpeg, if it can see the extension.
     const auto style = muxer.empty() ? SafeOutput::Style::Hidden : SafeOutput::Style::Anonymous;
-    auto file = SafeOutput::open(name, style);
+    auto file = SafeOutput::open(path, style);
     if (!file) {
         return Failure{outputNames_.back().shown + ": " + file.reason()};
     }
@@ -235,8 +240,11 @@ Result<void> RunFiles::openFile(const std::string& name, std::vector<std::string
     if (isScratchFormat(muxer)) {
         made.durability = SafeOutput::Durability::Unsynced;
     }
+    if (terms_.replaceable) {
+        made.file->replaceOnly(*terms_.replaceable);
+    }
     // Another run may publish the same name while this one works.
-    if (!overwrites) {
+    if (!overwrites || (terms_.given && !terms_.replaceable)) {
         made.existing = SafeOutput::Existing::Kept;
     }
     outputs_.push_back(std::move(made));
@@ -308,10 +316,9 @@ std::int64_t RunFiles::writtenBytes() const
     return writtenFile() ? outputs_.front().file->size() : -1;
 }
 
-bool RunFiles::olderStands() const
+std::string RunFiles::finalPath() const
 {
-    struct stat info = {};
-    return writtenFile() && lstat(outputs_.front().file->finalPath().c_str(), &info) == 0;
+    return writtenFile() ? outputs_.front().file->finalPath() : std::string();
 }
 
 void RunFiles::keepOlder()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sys/descriptor.h"
+#include "sys/publication.h"
 #include "sys/result.h"
 #include "sys/safeoutput.h"
 #include "tools/ffmpeg/arguments.h"
@@ -25,7 +26,7 @@ public:
     RunFiles& operator=(const RunFiles&) = delete;
 
     // Fails when a file cannot be used; nothing has been touched then.
-    Result<void> open(const CommandLine& line);
+    Result<void> open(const CommandLine& line, const publication::Terms& terms = {});
 
     [[nodiscard]] const FileUrls& urls() const { return urls_; }
     [[nodiscard]] TranscriptNames names() const;
@@ -47,8 +48,8 @@ public:
     [[nodiscard]] std::optional<std::string> writtenFile() const;
     // Its bytes; -1 when they cannot be asked.
     [[nodiscard]] std::int64_t writtenBytes() const;
-    // Whether anything stands under its name by now.
-    [[nodiscard]] bool olderStands() const;
+    // The path that it takes; "" when it is written to directly.
+    [[nodiscard]] std::string finalPath() const;
     // From now on publishing fails where something stands under the name.
     void keepOlder();
     // Puts the outputs under their names; fails at the first that cannot be.
@@ -64,7 +65,7 @@ private:
     Result<void> openInput(const FileEntry& input);
     [[nodiscard]] int keep(Descriptor descriptor);
     Result<void> openOutput(const FileEntry& output, const CommandLine& line);
-    Result<void> openFile(const std::string& name, std::vector<std::string> muxer, bool overwrites);
+    Result<void> openFile(const std::string& path, std::vector<std::string> muxer, bool overwrites);
     void passOutput(const std::string& url, std::vector<std::string> muxer);
 
     struct InputSize {
@@ -72,6 +73,7 @@ private:
         std::int64_t bytes = 0;
     };
 
+    publication::Terms terms_;
     FileUrls urls_;
     std::vector<InputSize> inputSizes_; // of the regular files
     std::vector<FileName> inputNames_;

@@ -58,16 +58,4 @@ std::optional<judge::Verdict> judgement(const CommandLine& line, const RunFiles&
     return judge::judge(given);
 }
 
-judge::Verdict besideOlderOutput(judge::Verdict verdict, std::int64_t bytes)
-{
-    if (verdict.outcome == judge::Outcome::Incomplete) {
-        verdict.findings.insert(verdict.findings.begin(), {.cause = judge::Cause::OlderKept});
-        verdict.outcome = judge::Outcome::Failed;
-    } else if (verdict.outcome == judge::Outcome::Whole && bytes < leastReplacingBytes) {
-        verdict.findings.insert(verdict.findings.begin(), {.cause = judge::Cause::TooSmall, .count = bytes});
-        verdict.outcome = judge::Outcome::Failed;
-    }
-    return verdict;
-}
-
 } // namespace tavrix::front

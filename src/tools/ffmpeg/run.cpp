@@ -1,7 +1,9 @@
 #include "tools/ffmpeg/run.h"
 
+#include "judge/publication.h"
 #include "judge/verdictline.h"
 #include "sys/errortext.h"
+#include "sys/publication.h"
 #include "sys/transfer.h"
 #include "tools/common/childprocess.h"
 #include "tools/ffmpeg/arguments.h"
@@ -17,6 +19,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <optional>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -87,11 +90,12 @@ public:
 
     int execute()
     {
-        if (const auto opened = files_.open(line_); !opened) {
+        if (const auto opened = files_.open(line_, terms_); !opened) {
             print(classicBanner());
             print(opened.reason());
             return 1;
         }
+        announceOutput();
         watchForInterruption();
         readSource();
         // An encode does not end because nobody reads its messages any more.
@@ -105,6 +109,16 @@ public:
     }
 
 private:
+    // Before anything can have a name: the program that has given the terms deletes nothing but this file.
+    void announceOutput() const
+    {
+        const auto output = files_.outputDescriptor(0);
+        struct stat status = {};
+        if (terms_.given && output && fstat(*output, &status) == 0) {
+            print(publication::outputLine(status));
+        }
+    }
+
     void readSource()
     {
         job_ = clipJob(line_, files_.urls());
@@ -207,8 +221,12 @@ private:
     int judgeAndPublish(const Findings& findings)
     {
         auto verdict = judgement(line_, files_, findings);
-        if (verdict && files_.olderStands()) {
-            verdict = besideOlderOutput(std::move(*verdict), files_.writtenBytes());
+        const bool judged = verdict.has_value();
+        if (!judged && job_ && files_.writtenFile()) {
+            verdict = judge::unjudged("the source is no regular file");
+        }
+        if (verdict) {
+            verdict = judge::besideOlder(std::move(*verdict), files_.finalPath(), files_.writtenBytes(), terms_);
         }
         if (interruptingSignal() != 0) {
             return 128 + interruptingSignal();
@@ -218,12 +236,10 @@ private:
         }
         const bool failed = verdict && verdict->outcome == judge::Outcome::Failed;
         const auto published = failed ? Result<void>(Failure{"Output discarded: " + englishText(*verdict)})
-                                      : unjudgedFailure(verdict.has_value(), findings);
+                                      : unjudgedFailure(judged, findings);
         const auto done = published ? files_.publish() : published;
         if (verdict && !failed && !done) {
-            verdict->outcome = judge::Outcome::Failed;
-            verdict->findings.insert(verdict->findings.begin(),
-                                     {.cause = judge::Cause::NotPublished, .text = done.reason()});
+            verdict = judge::notPublished(std::move(*verdict), files_.finalPath(), done.reason(), terms_);
         }
         if (verdict) {
             print(judge::verdictLine(*verdict));
@@ -296,6 +312,7 @@ private:
     std::string self_;
     std::string chain_;
     CommandLine line_;
+    publication::Terms terms_ = publication::termsFromEnvironment();
     RunFiles files_;
     std::optional<OutputJob> job_;
     Source source_;

@@ -1,8 +1,10 @@
 #include "tools/movencoder/movencoder.h"
 
 #include "judge/judge.h"
+#include "judge/publication.h"
 #include "judge/verdictline.h"
 #include "sys/fileidentity.h"
+#include "sys/publication.h"
 #include "sys/safeoutput.h"
 #include "sys/transfer.h"
 #include "tools/movencoder/conversion.h"
@@ -13,6 +15,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tavrix::movencoder
@@ -122,8 +125,31 @@ judge::Verdict judged(const Task& task, const SafeOutput& output, const Conversi
     return verdict;
 }
 
-// The verdict on an output that has its name now. Half a recording is better than nothing, and nothing more: it
-// replaces nothing.
+void printLine(const std::string& line)
+{
+    static_cast<void>(writeAll(STDERR_FILENO, line + "\n"));
+}
+
+// Gives the output its name when it may have it. Half a recording is better than nothing, and nothing more: it replaces
+// nothing.
+judge::Verdict published(judge::Verdict verdict, SafeOutput& output)
+{
+    const publication::Terms terms = publication::termsFromEnvironment();
+    verdict = judge::besideOlder(std::move(verdict), output.finalPath(), output.size(), terms);
+    if (verdict.outcome == judge::Outcome::Failed) {
+        return verdict;
+    }
+    if (terms.replaceable) {
+        output.replaceOnly(*terms.replaceable);
+    }
+    const bool mayReplace = verdict.outcome == judge::Outcome::Whole && (!terms.given || terms.replaceable);
+    const auto existing = mayReplace ? SafeOutput::Existing::Replaced : SafeOutput::Existing::Kept;
+    const std::string path = output.finalPath();
+    const auto done = output.commit(SafeOutput::Durability::Synced, existing);
+    return done ? verdict : judge::notPublished(std::move(verdict), path, done.reason(), terms);
+}
+
+// The verdict on an output; it has its name unless it has failed.
 Result<judge::Verdict> work(const Options& options, Task& task)
 {
     if (auto prepared = prepare(options, task); !prepared) {
@@ -133,20 +159,15 @@ Result<judge::Verdict> work(const Options& options, Task& task)
     if (!output) {
         return Failure{options.output + ": " + output.reason()};
     }
+    struct stat status = {};
+    if (publication::termsFromEnvironment().given && fstat(output->fd(), &status) == 0) {
+        printLine(publication::outputLine(status));
+    }
     const auto done = convertMovie(task.input, options.output, output->fd(), task.format, task.settings);
     if (!done) {
         return Failure{done.reason()};
     }
-    const judge::Verdict verdict = judged(task, *output, *done);
-    if (verdict.outcome == judge::Outcome::Failed) {
-        return Failure{task.input.name + ": " + judge::englishText(verdict)};
-    }
-    const bool whole = verdict.outcome == judge::Outcome::Whole;
-    const auto existing = whole ? SafeOutput::Existing::Replaced : SafeOutput::Existing::Kept;
-    if (auto published = output->commit(SafeOutput::Durability::Synced, existing); !published) {
-        return Failure{options.output + ": " + published.reason()};
-    }
-    return verdict;
+    return published(judged(task, *output, *done), *output);
 }
 
 } // namespace
@@ -173,7 +194,12 @@ int run(const std::vector<std::string>& arguments)
     }
     if (!verdict->findings.empty()) {
         complain(task.input.name + ": " + judge::englishText(*verdict));
-        static_cast<void>(writeAll(STDERR_FILENO, judge::verdictLine(*verdict) + "\n"));
+    }
+    if (!verdict->findings.empty() || publication::termsFromEnvironment().given) {
+        printLine(judge::verdictLine(*verdict));
+    }
+    if (verdict->outcome == judge::Outcome::Failed) {
+        return exitFailed;
     }
     Progress::complete();
     return exitDone;
