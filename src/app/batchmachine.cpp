@@ -199,19 +199,21 @@ void BatchMachine::launchPass()
         finishRow();
         return;
     }
-    launch(pass.arguments, pass.maximum, pass.parser);
+    launch(pass.arguments, pass.maximum, pass.parser, pass.environment);
 }
 
-bool BatchMachine::launch(const QStringList& arguments, float maximum, int parser)
+bool BatchMachine::launch(const QStringList& arguments, float maximum, int parser,
+                          const taskLauncher::Environment& environment)
 {
     if (!child_.mayLaunch(arguments)) {
         return false;
     }
     progress_.begin(maximum, parser);
-    return child_.launch(arguments, [this, &arguments] {
+    const auto missing = [this, &arguments] {
         row_.childMissing(arguments.first());
         Q_EMIT childGone(nullptr);
-    });
+    };
+    return child_.launch(arguments, missing, environment);
 }
 
 void BatchMachine::finishRow()
@@ -313,6 +315,9 @@ void BatchMachine::childDone(const taskLauncher* launcher, bool analysing)
     endWaits_ = analysing;
     if (analysing) {
         return;
+    }
+    if (launcher != nullptr) {
+        row_.childEnded(launcher->terminationStatus());
     }
     child_.release();
     progress_.fill();

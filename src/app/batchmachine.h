@@ -34,7 +34,8 @@ public:
     void send(const QString& stepName);
     void step(const QString& stepName);
     // The child of a pass; see EncodeProgress::begin. False when it does not run.
-    bool launch(const QStringList& arguments, float maximum, int parser);
+    bool launch(const QStringList& arguments, float maximum, int parser,
+                const taskLauncher::Environment& environment = {});
 
     // Callbacks of the child. While an analysis runs the encode is paused for it: what still arrives is no progress,
     // and the child's end waits, because the machine must not open the intake under the analysis.

@@ -13,14 +13,12 @@ namespace
 bool isOrdinaryLine(const QString& line)
 {
     static const QStringList beginnings = {
-        QStringLiteral("frame="),         QStringLiteral("size="),
-        QStringLiteral("video:"),         QStringLiteral("Stream "),
-        QStringLiteral("Input #"),        QStringLiteral("Output #"),
-        QStringLiteral("Press [q]"),      QStringLiteral("Metadata"),
-        QStringLiteral("Duration"),       QStringLiteral("Program "),
-        QStringLiteral("Processing ("),   QStringLiteral("FFmpeg version"),
-        QStringLiteral("tavrix-verdict"), QStringLiteral("built on"),
-        QStringLiteral("configuration"),  QStringLiteral("lib"),
+        QStringLiteral("frame="),    QStringLiteral("size="),        QStringLiteral("video:"),
+        QStringLiteral("Stream "),   QStringLiteral("Input #"),      QStringLiteral("Output #"),
+        QStringLiteral("Press [q]"), QStringLiteral("Metadata"),     QStringLiteral("Duration"),
+        QStringLiteral("Program "),  QStringLiteral("Processing ("), QStringLiteral("FFmpeg version"),
+        QStringLiteral("tavrix-"),   QStringLiteral("built on"),     QStringLiteral("configuration"),
+        QStringLiteral("lib"),
     };
     for (const QString& beginning : beginnings) {
         if (line.startsWith(beginning)) {

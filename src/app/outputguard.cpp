@@ -4,11 +4,12 @@
 #include "base/filedelete.h"
 #include "base/fileops.h"
 #include "base/filesizes.h"
+#include "base/format.h"
 #include "base/paths.h"
 #include "encode/outputname.h"
 #include "probe/batchtexts.h"
 
-#include <QFileInfo>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -30,7 +31,52 @@ std::optional<FileIdentity> identityAt(const QString& path)
     return status ? std::optional(identityOf(*status)) : std::nullopt;
 }
 
+QString named(const char* key, const QString& path)
+{
+    return formatText(batchText(key), {lastPathComponent(path)});
+}
+
+// Why a file of this kind stays under its name; nothing for an ordinary one that may be written.
+QString refusalOfKind(const QString& path)
+{
+    const QByteArray native = nativePath(path);
+    const std::optional<struct stat> status = linkStatus(native.constData());
+    if (!status) {
+        return {};
+    }
+    if (S_ISLNK(status->st_mode)) {
+        return named("Enc_linkThere", path);
+    }
+    if (S_ISDIR(status->st_mode)) {
+        return named("Enc_folderThere", path);
+    }
+    if (!S_ISREG(status->st_mode)) {
+        return named("Enc_specialThere", path);
+    }
+    // The administrator may write everything; whoever has taken away all write permissions has meant something by it.
+    constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+    if ((status->st_mode & anyWrite) == 0 || ::access(native.constData(), W_OK) != 0) {
+        return named("Enc_readOnlyThere", path);
+    }
+    return {};
+}
+
 } // namespace
+
+void OutputGuard::beginRow()
+{
+    before_.reset();
+    own_.clear();
+}
+
+bool OutputGuard::noteOwn(const FileIdentity& file)
+{
+    if (own_.contains(file)) {
+        return false;
+    }
+    own_ << file;
+    return true;
+}
 
 void OutputGuard::lookAt(const QString& output)
 {
@@ -46,11 +92,13 @@ QString OutputGuard::refusal(const QString& output) const
     if (isOutputOfThisBatch(output)) {
         return batchText("Enc_outputOfThisBatch");
     }
-    // A pipe would be written into instead of replaced, and block for ever.
-    if (!QFileInfo(output).isFile()) {
-        return batchText("Enc_kept");
-    }
-    return {};
+    return refusalOfKind(output);
+}
+
+QString OutputGuard::intermediateRefusal(const QString& output) const
+{
+    const QString intermediate = intermediateName(output);
+    return identityAt(intermediate) ? named("Enc_masterThere", intermediate) : QString();
 }
 
 bool OutputGuard::hasMade(const QString& output) const
@@ -76,12 +124,19 @@ bool OutputGuard::isOutputOfThisBatch(const QString& path) const
                        [&path](const QString& output) { return output == path || isSameFile(output, path); });
 }
 
+bool OutputGuard::isOwn(const QString& path) const
+{
+    const std::optional<FileIdentity> now = identityAt(path);
+    return now &&
+           std::any_of(own_.cbegin(), own_.cend(), [&now](const FileIdentity& own) { return sameFile(own, *now); });
+}
+
 void OutputGuard::removePartial(const QString& output) const
 {
     if (!isInEventsFolder(output)) {
         return;
     }
-    if (hasMade(output) && !isSource(output)) {
+    if (!isTaken() && isOwn(output) && !isSource(output)) {
         rmCocoa(output);
     }
     removeIntermediate(output);
@@ -94,7 +149,7 @@ void OutputGuard::removeIntermediate(const QString& output) const
     }
     const QString intermediate = intermediateName(output);
     // A short output name can give its own name: only a file made by the second pass is an intermediate.
-    if (intermediate != output && !isSource(intermediate)) {
+    if (intermediate != output && isOwn(intermediate) && !isSource(intermediate)) {
         removeOwnFile(intermediate, stringByDeletingLastPathComponent(output));
     }
 }

@@ -26,6 +26,7 @@
 #include "probe/batchtexts.h"
 #include "probe/recordersources.h"
 #include "probe/recordingname.h"
+#include "sys/publication.h"
 
 #include <QDateTime>
 
@@ -60,6 +61,24 @@ bool hasSecondPass(int out)
     return (out == 4 && getAIC() != 0) || (out == 5 && getPRORES() != 0);
 }
 
+// What the tool may replace and, when it is not the name among the arguments, where its output goes.
+taskLauncher::Environment terms(const std::optional<FileIdentity>& replaceable, const QString& place = QString())
+{
+    taskLauncher::Environment environment = {{QString::fromLatin1(publication::replacesVariable),
+                                              QString::fromStdString(publication::replacesText(replaceable))}};
+    if (!place.isEmpty()) {
+        environment.append({QString::fromLatin1(publication::placeVariable), place});
+    }
+    return environment;
+}
+
+QString olderKept(judge::Verdict verdict)
+{
+    verdict.outcome = judge::Outcome::Failed;
+    verdict.findings.insert(verdict.findings.begin(), {.cause = judge::Cause::OlderKept});
+    return verdictWords(verdict);
+}
+
 } // namespace
 
 RowEncode::RowEncode(Session& session) : session_(session), guard_(rows()) {}
@@ -77,6 +96,7 @@ void RowEncode::begin(int row)
     prefWriteDico(pref::processEncDico, rows().row(row).dico);
     setFlag(pref::encDeb);
     verdict_.begin();
+    childStatus_.reset();
     transcriptTail_ = QString();
     guard_.beginRow();
 }
@@ -111,16 +131,26 @@ RowEncode::Next RowEncode::prepare()
     return next == Next::Launch ? firstPass(row, output) : next;
 }
 
+// Why the row cannot have its names, whatever a person would answer; nothing when it can.
+QString RowEncode::refusal(int row, const QString& output) const
+{
+    const QString refused = guard_.isTaken() ? guard_.refusal(output) : QString();
+    if (refused.isNull() && hasSecondPass(rows().row(row).out)) {
+        return guard_.intermediateRefusal(output);
+    }
+    return refused;
+}
+
 // Launch when the output can be written.
 RowEncode::Next RowEncode::clearWay(int row, const QString& output)
 {
+    if (const QString refused = refusal(row, output); !refused.isNull()) {
+        logResume(
+            formatText(QStringLiteral("\n----------\n\nsource              : %@\nfailure             : %@ (%@)\n"),
+                       {shownText(currentValue(record::mainEncSrcPathStr)), refused, shownText(output)}));
+        return refuse(row, refused);
+    }
     if (guard_.isTaken()) {
-        if (const QString refusal = guard_.refusal(output); !refusal.isNull()) {
-            logResume(
-                formatText(QStringLiteral("\n----------\n\nsource              : %@\nfailure             : %@ (%@)\n"),
-                           {shownText(currentValue(record::mainEncSrcPathStr)), refusal, shownText(output)}));
-            return refuse(row, refusal);
-        }
         const Answer answer = replaceAnswer(output);
         if (answer.after != After::GoOn) {
             return afterAlert(answer.after);
@@ -189,9 +219,35 @@ RowEncode::Next RowEncode::firstPass(int row, const QString& output)
         prefDelete(pref::encQtEnc);
         return Next::Finish;
     }
-    pass_ = {*arguments, currentNumber(record::w_duration), parseFfmpeg};
+    // The first of two passes makes the movie that the second one reads: it has no business under the final name.
+    const bool two = hasSecondPass(out);
+    if (two) {
+        prefWriteChildDico(pref::processEncDico, record::purgePathStr1, intermediateName(output));
+    }
+    launches({*arguments, currentNumber(record::w_duration), parseFfmpeg,
+              two ? terms(std::nullopt, intermediateName(output)) : terms(guard_.standing())});
     session_.model().mainEncProgressCaptionStr.setStringValue(lastPathComponent(source));
     return Next::Launch;
+}
+
+void RowEncode::launches(Pass pass)
+{
+    pass_ = std::move(pass);
+    childStatus_.reset();
+    transcriptTail_ = QString();
+    verdict_.beginPass();
+}
+
+// Nothing when it has made a movie for the second pass. Half a recording replaces nothing, so that the second pass over
+// it would be in vain where something stands.
+QString RowEncode::firstPassFailure(const QString& output) const
+{
+    const bool made = guard_.hasMade(intermediateName(output));
+    if (!verdict_.isGood() || !made) {
+        return failureReason(made);
+    }
+    const bool incomplete = verdict_.verdict()->outcome == judge::Outcome::Incomplete;
+    return incomplete && guard_.isTaken() ? olderKept(*verdict_.verdict()) : QString();
 }
 
 RowEncode::Next RowEncode::secondPass()
@@ -201,13 +257,12 @@ RowEncode::Next RowEncode::secondPass()
     prefWriteChildDico(pref::processEncDico, record::mainEncSrcPathStr, output);
     const float duration = currentNumber(record::w_duration);
     const int row = currentRowIndex(rows());
-    // What stood there before is no result of the first pass: it must neither be moved aside nor encoded.
-    if (!testPresenceCocoa(output) || !guard_.hasMade(output)) {
-        fail(row, failureReason());
+    if (const QString failure = firstPassFailure(output); !failure.isNull()) {
+        fail(row, failure);
         return Next::Finish;
     }
     const std::optional<QStringList> arguments =
-        encPostQtEnc(output, duration, currentNumber(record::v0_aspect), QString());
+        secondPassArguments(output, duration, currentNumber(record::v0_aspect), QString());
     if (!arguments) {
         fail(row, batchText("Enc_noSpace"));
         const After after = session_.tell(alertText("D_go_echec_disque4"), alertText("D_go_echec_disque5"));
@@ -220,7 +275,7 @@ RowEncode::Next RowEncode::secondPass()
     setFlag(pref::encFin);
     prefSynchronize();
     // The bar's range stays the clip's duration, although this tool counts percents.
-    pass_ = {*arguments, duration, parseMovencoder};
+    launches({*arguments, duration, parseMovencoder, terms(guard_.standing())});
     return Next::Launch;
 }
 
@@ -273,8 +328,10 @@ bool RowEncode::writeClosingBlock(int row, float duration)
 void RowEncode::judge(int row, const QString& output)
 {
     const double kilobytes = poidsFile(output, QStringLiteral("k"));
-    if (!guard_.hasMade(output)) {
-        fail(row, failureReason());
+    const bool made = guard_.hasMade(output);
+    if (!verdict_.isGood() || !made) {
+        fail(row, failureReason(made));
+        guard_.removePartial(output);
     } else if (kilobytes > -1 && kilobytes < smallestOutputKilobytes) {
         fail(row, batchText("Enc_tooSmall"));
         rmCocoa(output);
@@ -315,6 +372,13 @@ void RowEncode::fail(int row, const QString& reason)
 void RowEncode::childWrote(const QString& text)
 {
     verdict_.read(text);
+    if (const std::optional<FileIdentity>& file = verdict_.output(); isOpen() && file && guard_.noteOwn(*file)) {
+        // Should the program be killed, its next start clears away the first pass's movie and no other file.
+        prefWriteChildDico(pref::processEncDico, ownFile, QString::fromStdString(publication::replacesText(file)));
+        if (isFlagSet(pref::encQtEnc)) {
+            prefSynchronize();
+        }
+    }
     transcriptTail_ = (transcriptTail_ + text).right(transcriptTailLength);
 }
 
@@ -323,11 +387,14 @@ void RowEncode::childMissing(const QString& tool)
     transcriptTail_ = formatText(batchText("Enc_toolMissing"), {tool});
 }
 
-QString RowEncode::failureReason() const
+QString RowEncode::failureReason(bool made) const
 {
     const std::optional<judge::Verdict>& verdict = verdict_.verdict();
     if (verdict && verdict->outcome == judge::Outcome::Failed && !verdict->findings.empty()) {
         return verdictWords(*verdict);
+    }
+    if (made && childStatus_ == 0 && !verdict_.isPassJudged()) {
+        return batchText("Enc_notJudged");
     }
     const QString line = failureLine(transcriptTail_);
     return line.isNull() ? batchText("Enc_noOutput") : line;

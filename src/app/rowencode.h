@@ -5,6 +5,7 @@
 #include "app/outputguard.h"
 #include "app/rowverdict.h"
 #include "app/session.h"
+#include "process/tasklauncher.h"
 
 #include <QStringList>
 
@@ -38,6 +39,8 @@ public:
         QStringList arguments; // empty: there is nothing to launch
         float maximum = 0;     // of the progress, in seconds
         int parser = 0;        // selector of the progress parser
+        // The terms on which the tool may give its output a name.
+        taskLauncher::Environment environment = {};
     };
 
     explicit RowEncode(Session& session);
@@ -54,8 +57,9 @@ public:
     [[nodiscard]] bool isOpen() const { return state_ == State::Open; }
     void close() { state_ = State::None; }
 
-    // A child's text, and a child that could not be started.
+    // A child's text, its end with its status, and a child that could not be started.
     void childWrote(const QString& text);
+    void childEnded(int status) { childStatus_ = status; }
     void childMissing(const QString& tool);
     // Marks the row as failed; an index out of range is ignored.
     void fail(int row, const QString& reason);
@@ -69,14 +73,18 @@ private:
     enum class State { None, Open, Vanished };
 
     [[nodiscard]] Next clearWay(int row, const QString& output);
+    [[nodiscard]] QString refusal(int row, const QString& output) const;
     [[nodiscard]] Answer replaceAnswer(const QString& output);
     [[nodiscard]] bool hasSpace(int row, const QString& output);
     [[nodiscard]] Next firstPass(int row, const QString& output);
+    void launches(Pass pass);
+    [[nodiscard]] QString firstPassFailure(const QString& output) const;
     Next refuse(int row, const QString& reason);
     [[nodiscard]] bool writeClosingBlock(int row, float duration);
     void judge(int row, const QString& output);
     void warn(int row);
-    [[nodiscard]] QString failureReason() const;
+    // `made`: whether there is an output, believed or not.
+    [[nodiscard]] QString failureReason(bool made) const;
     [[nodiscard]] BatchList& rows() const;
 
     Session& session_;
@@ -85,7 +93,8 @@ private:
     State state_ = State::None;
     qint64 startedAt_ = 0; // seconds since 1970
     RowVerdict verdict_;
-    QString transcriptTail_; // last text of the row's children, for the reason of a failure
+    std::optional<int> childStatus_; // of the last child; nothing before its end
+    QString transcriptTail_;         // last text of the row's children, for the reason of a failure
     std::optional<int> replacePolicy_;
 };
 

@@ -25,6 +25,7 @@
 #include "encode/outputname.h"
 #include "platform/systeminfo.h"
 #include "quicktime/codecinventory.h"
+#include "sys/publication.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -205,13 +206,18 @@ void StartUp::restorePreferences()
     prefSynchronize();
 }
 
-// A run that was killed in its second pass has left the first pass's movie under its master name.
+// A run that was killed between its two passes has left the first one's movie under its master name.
 void StartUp::removeLeftOverIntermediate()
 {
     const QString output = currentValue(record::dstPathStr);
     const QString intermediate = currentValue(record::purgePathStr1);
     if (!intermediate.isEmpty() && intermediate == intermediateName(output)) {
-        OutputGuard(session_.model().encBatchArrayController).removeIntermediate(output);
+        OutputGuard guard(session_.model().encBatchArrayController);
+        const QByteArray file = currentValue(ownFile).toUtf8();
+        if (const auto own = publication::readTerms(file.constData(), nullptr).replaceable) {
+            guard.noteOwn(*own);
+        }
+        guard.removeIntermediate(output);
     }
 }
 

@@ -40,7 +40,8 @@ bool ToolChild::mayLaunch(const QStringList& arguments) const
     return !arguments.isEmpty() && !session_.isEnding();
 }
 
-bool ToolChild::launch(const QStringList& arguments, const std::function<void()>& failed)
+bool ToolChild::launch(const QStringList& arguments, const std::function<void()>& failed,
+                       const taskLauncher::Environment& environment)
 {
     if (!mayLaunch(arguments)) {
         return false;
@@ -49,6 +50,7 @@ bool ToolChild::launch(const QStringList& arguments, const std::function<void()>
         logLine(QLatin1String(forgottenLine_));
     }
     launcher_.reset(maker_.make());
+    launcher_->setEnvironment(environment);
     const int result = launcher_->launchTasksWithArguments(arguments);
     if (result == 0) {
         return true;

@@ -46,7 +46,8 @@ public:
     [[nodiscard]] bool mayLaunch(const QStringList& arguments) const;
     // True when the child runs. When it could not be started it is held all the same; `failed` is called before the
     // beep.
-    bool launch(const QStringList& arguments, const std::function<void()>& failed);
+    bool launch(const QStringList& arguments, const std::function<void()>& failed,
+                const taskLauncher::Environment& environment = {});
 
     [[nodiscard]] bool isHeld() const { return launcher_ != nullptr; }
     // Null when none is held.

@@ -19,36 +19,29 @@ namespace
 
 const QString encodeDictionary = QString::fromLatin1(secondpass::record);
 
+constexpr double missingSize = -1;
+
 // False when the volume cannot hold the second pass. The first pass's output has been moved away by then: its size is
-// normally the -1 of a missing file, and only counts when the move has failed.
-bool enoughSpace(const QString& outputPath, const QString& intermediatePath, float duration)
+// normally that of a missing file, and only counts when the move has failed.
+bool enoughSpace(const QString& intermediatePath, double size, float duration)
 {
     const int available = espaceDiskDispo(intermediatePath);
-    const double size = poidsFile(outputPath, QStringLiteral("m"));
     const float necessary = static_cast<float>(static_cast<double>(duration) * (11.0 / 60.0) + size);
     logLine(QStringLiteral("encDstPoidsEstimatif= %f"), {static_cast<double>(necessary)});
     logLine(QStringLiteral("necessary=%.0f ? available=%d"), {static_cast<double>(necessary), available});
     return !(necessary > static_cast<float>(available));
 }
 
-} // namespace
-
-QString movencoderSettingsName(float aspect)
+QString movencoderSettings(const QString& settingsName, float aspect)
 {
-    const bool narrow = aspectClass(aspect) == AspectClass::Classic;
-    return narrow ? QStringLiteral("1280x720pLetterbox") : QStringLiteral("1280x720p");
+    return settingsName.isEmpty() ? movencoderSettingsName(aspect) : settingsName;
 }
 
-std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duration, float aspect,
-                                        const QString& settingsName)
+std::optional<QStringList> argumentsIfItFits(const QString& outputPath, double size, float duration,
+                                             const QString& settings)
 {
-    logLine(QStringLiteral("encQt()             - deb"));
     const QString intermediate = intermediateName(outputPath);
-    if (!mvCocoa(outputPath, intermediate, QStringLiteral("y"))) {
-        logLine(QStringLiteral("encQt()             :-( %@"), {outputPath});
-    }
-    const QString settings = settingsName.isEmpty() ? movencoderSettingsName(aspect) : settingsName;
-    if (!enoughSpace(outputPath, intermediate, duration)) {
+    if (!enoughSpace(intermediate, size, duration)) {
         return std::nullopt;
     }
     const QString presets = stringByAppendingPathComponent(resourcePath(), QStringLiteral("presets"));
@@ -63,6 +56,33 @@ std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duratio
     }
     logLine(QStringLiteral("encQt()             - fin"));
     return arguments;
+}
+
+} // namespace
+
+QString movencoderSettingsName(float aspect)
+{
+    const bool narrow = aspectClass(aspect) == AspectClass::Classic;
+    return narrow ? QStringLiteral("1280x720pLetterbox") : QStringLiteral("1280x720p");
+}
+
+std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duration, float aspect,
+                                        const QString& settingsName)
+{
+    logLine(QStringLiteral("encQt()             - deb"));
+    if (!mvCocoa(outputPath, intermediateName(outputPath), QStringLiteral("y"))) {
+        logLine(QStringLiteral("encQt()             :-( %@"), {outputPath});
+    }
+    const double size = poidsFile(outputPath, QStringLiteral("m"));
+    return argumentsIfItFits(outputPath, size, duration, movencoderSettings(settingsName, aspect));
+}
+
+std::optional<QStringList> secondPassArguments(const QString& outputPath, float duration, float aspect,
+                                               const QString& settingsName)
+{
+    logLine(QStringLiteral("encQt()             - deb"));
+    // What stands under the output's name is of another encode: it counts as little as a file that has moved away.
+    return argumentsIfItFits(outputPath, missingSize, duration, movencoderSettings(settingsName, aspect));
 }
 
 } // namespace tavrix

@@ -12,6 +12,9 @@ namespace tavrix
 // "" is chosen by the display aspect.
 [[nodiscard]] std::optional<QStringList> encPostQtEnc(const QString& outputPath, float duration, float aspect,
                                                       const QString& settingsName);
+// The same for a first pass that lies under its master name already; nothing is moved.
+[[nodiscard]] std::optional<QStringList> secondPassArguments(const QString& outputPath, float duration, float aspect,
+                                                             const QString& settingsName);
 // "1280x720pLetterbox" for 4:3, else "1280x720p".
 [[nodiscard]] QString movencoderSettingsName(float aspect);
 

@@ -17,9 +17,9 @@ struct Links {
     Pipe error;
 };
 
-void startOne(const ChainCommand& command, const Links& links, const Descriptor& input, bool last, Chain& chain)
+void startOne(ChildSetup setup, const ChainCommand& command, const Links& links, const Descriptor& input, bool last,
+              Chain& chain)
 {
-    ChildSetup setup;
     setup.program = command.program;
     setup.arguments = command.arguments;
     if (input.isOpen()) {
@@ -64,8 +64,10 @@ int parsedChain(const QStringList& list, QList<ChainCommand>& commands)
     return 0;
 }
 
-Chain startChain(const QList<ChainCommand>& commands)
+Chain startChain(const QList<ChainCommand>& commands, const QList<std::pair<QString, QString>>& environment)
 {
+    ChildSetup setup;
+    setup.environment = environment;
     Chain chain;
     Descriptor input;
     for (qsizetype index = 0; index < commands.size(); ++index) {
@@ -79,7 +81,7 @@ Chain startChain(const QList<ChainCommand>& commands)
             logLine(QStringLiteral("task not started    :-( no pipe for %@"), {commands[index].program});
             return chain;
         }
-        startOne(commands[index], links, input, last, chain);
+        startOne(setup, commands[index], links, input, last, chain);
         Descriptor& reader = last ? chain.output : input;
         reader = std::move(links.toNext.readEnd);
         chain.error = std::move(links.error.readEnd);

@@ -26,7 +26,9 @@ struct Chain {
     bool lastExists = false; // false when the system could not start the last process
 };
 
-// Starts first to last. A process that cannot be started is logged; the others run.
-[[nodiscard]] Chain startChain(const QList<ChainCommand>& commands);
+// Starts first to last, each with these variables on top of this program's. A process that cannot be started is logged;
+// the others run.
+[[nodiscard]] Chain startChain(const QList<ChainCommand>& commands,
+                               const QList<std::pair<QString, QString>>& environment = {});
 
 } // namespace tavrix

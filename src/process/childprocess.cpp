@@ -35,6 +35,9 @@ SpawnRequest requestFor(const ChildSetup& setup)
     if (setup.toolLocale) {
         request.environment = {{"LC_CTYPE", "en_US.UTF-8"}};
     }
+    for (const auto& [name, value] : setup.environment) {
+        request.environment.emplace_back(name.toStdString(), value.toStdString());
+    }
     request.input = setup.input;
     request.output = setup.output;
     request.error = setup.error;

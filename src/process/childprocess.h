@@ -6,10 +6,12 @@
 #include "sys/result.h"
 #include "sys/spawn.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <sys/types.h>
+#include <utility>
 #include <vector>
 
 namespace tavrix
@@ -17,11 +19,12 @@ namespace tavrix
 
 // What to start and how its streams are connected. Descriptors stay the caller's.
 struct ChildSetup {
-    QString program;         // path; no search in PATH takes place
-    QStringList arguments;   // without the program itself
-    QString name;            // what the program is told its name is; nothing: its path
-    QString workingFolder;   // nothing or "": the parent's
-    bool toolLocale = false; // LC_CTYPE=en_US.UTF-8, so that tools print file names in UTF-8
+    QString program;                                // path; no search in PATH takes place
+    QStringList arguments;                          // without the program itself
+    QString name;                                   // what the program is told its name is; nothing: its path
+    QString workingFolder;                          // nothing or "": the parent's
+    QList<std::pair<QString, QString>> environment; // set on top of the parent's
+    bool toolLocale = false;                        // LC_CTYPE=en_US.UTF-8, so that tools print file names in UTF-8
     int input = SpawnRequest::nullDevice;
     int output = SpawnRequest::inherited;
     int error = SpawnRequest::inherited;

@@ -87,6 +87,7 @@ struct taskLauncher::Private {
     bool convert = false;
     int terminationStatus = 0;
     int uid = 0;
+    Environment environment;
 };
 
 void taskLauncher::Private::begin(Chain&& started)
@@ -271,7 +272,7 @@ int taskLauncher::launchTasksWithArguments(const QStringList& arguments)
     if (const int code = parsedChain(arguments, commands); code != 0) {
         return code;
     }
-    d_->begin(startChain(commands));
+    d_->begin(startChain(commands, d_->environment));
     return 0;
 }
 
@@ -288,6 +289,16 @@ TaskLauncherDelegate* taskLauncher::delegate() const
 void taskLauncher::dontConvertDataToString(bool flag)
 {
     d_->convert = flag;
+}
+
+void taskLauncher::setEnvironment(const Environment& environment)
+{
+    d_->environment = environment;
+}
+
+const taskLauncher::Environment& taskLauncher::environment() const
+{
+    return d_->environment;
 }
 
 int taskLauncher::uid()

@@ -3,11 +3,13 @@
 // Long runs of tools that are listened to, paused and stopped.
 
 #include <QByteArray>
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
+#include <utility>
 
 namespace tavrix
 {
@@ -53,6 +55,10 @@ public:
     [[nodiscard]] TaskLauncherDelegate* delegate() const;
     // Deliver bytes instead of text; call before launching.
     void dontConvertDataToString(bool flag);
+    // Variables on top of the program's own, which every process of the next launch gets. None by default.
+    using Environment = QList<std::pair<QString, QString>>;
+    void setEnvironment(const Environment& environment);
+    [[nodiscard]] const Environment& environment() const;
     // The chain's identity: seconds since 1970 at the first request.
     [[nodiscard]] int uid();
 

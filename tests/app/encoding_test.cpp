@@ -106,7 +106,7 @@ TEST_F(Encoding, UnknownDurationShowsNoPercentage)
     tools.clips[source].duration = QStringLiteral("N/A");
     addRows({source});
     pressStart();
-    tools.running().last().launcher->write(QStringLiteral("time=3.00"));
+    tools.running().last().launcher->write(QStringLiteral("time=3.00\r"));
     EXPECT_TRUE(model().mainEncProgressPercentStr.stringValue().isEmpty());
     ASSERT_TRUE(tools.finishAll());
     EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
@@ -147,7 +147,10 @@ TEST_F(Encoding, NonZeroEndIsJudgedByTheOutput)
 {
     addRows(makeClips(1));
     pressStart();
-    ASSERT_TRUE(tools.finish(ToolKind::Encode, 1));
+    const FakeTools::Launch launch = tools.running().last();
+    launch.launcher->write(tools.writeFiles(launch));
+    launch.launcher->end(1);
+    settle();
     EXPECT_TRUE(log.contains(QStringLiteral("task failed, error  :-( 1")));
     EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
 }

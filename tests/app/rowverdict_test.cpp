@@ -45,6 +45,12 @@ TEST(RowVerdict, KeepsTheWorseOfBothPasses)
     verdict.read(lineOf(damaged));
     verdict.read(lineOf(damaged));
     EXPECT_EQ(verdict.verdict()->findings.size(), 2U);
+    Verdict more = damaged;
+    more.findings.front().count = 13;
+    verdict.read(lineOf(more));
+    verdict.read(lineOf(damaged));
+    ASSERT_EQ(verdict.verdict()->findings.size(), 2U) << "one flaw, though both passes count it";
+    EXPECT_EQ(verdict.verdict()->findings.back().count, 13);
     verdict.begin();
     EXPECT_FALSE(verdict.verdict());
 }

@@ -216,11 +216,10 @@ TEST_F(SecondPass, SmallOutputFails)
 {
     begin(4);
     ASSERT_TRUE(tools.finish(ToolKind::Encode));
-    const FakeTools::Launch launch = tools.current(ToolKind::SecondPass);
-    ASSERT_TRUE(makeSparseFile(launch.output(), 10));
-    launch.launcher->end(1);
-    settle();
+    tools.clips[sources.at(0)].kilobytes = 10;
+    ASSERT_TRUE(tools.finish(ToolKind::SecondPass));
     EXPECT_TEXT(icons(), QStringLiteral("puceFailure"));
+    EXPECT_TEXT(rows().row(0).reason, QStringLiteral("the output is smaller than 200 kilobytes and was removed"));
     EXPECT_TRUE(eventFiles().isEmpty());
     expectIdle();
 }

@@ -2,11 +2,13 @@
 
 #include "app/instancelock.h"
 #include "app/logs.h"
+#include "app/outputguard.h"
 #include "base/bundle.h"
 #include "base/conversions.h"
 #include "base/preferences.h"
 #include "base/settings.h"
 #include "support/waituntil.h"
+#include "sys/publication.h"
 #include "testresources.h"
 
 #include <QDir>
@@ -112,22 +114,27 @@ TEST_F(StartUp, FlagsLeftByACrashAreCleanedAndNothingResumes)
     EXPECT_TEXT(sourceOf(0), sources.at(0));
 }
 
-TEST_F(StartUp, IntermediateOfARunKilledInItsSecondPassIsRemoved)
+TEST_F(StartUp, IntermediateOfARunKilledBetweenItsPassesIsRemoved)
 {
     const QString output = folder.path(QStringLiteral("Movies/Tavrix events/clip-2026-01-02 03;04;05-00001.mov"));
     const QString master = oldSrcPathStr2DstPathStr(output);
-    const auto leave = [&](const QString& purge) {
+    const auto leave = [&](const QString& purge, const QString& noted) {
         ASSERT_TRUE(QDir().mkpath(folder.path(QStringLiteral("Movies/Tavrix events"))));
         ASSERT_TRUE(writeBytes(master, "first pass"));
+        const auto status = linkStatus(qPrintable(noted));
+        ASSERT_TRUE(status);
+        const QString own = QString::fromStdString(publication::replacesText(identityOf(*status)));
         prefWriteDico(pref::processEncDico,
-                      QVariantMap({{record::dstPathStr, output}, {record::purgePathStr1, purge}}));
+                      QVariantMap({{record::dstPathStr, output}, {record::purgePathStr1, purge}, {ownFile, own}}));
         ASSERT_TRUE(prefSynchronize());
         prefReload();
         ASSERT_TRUE(start());
     };
-    leave(folder.path(QStringLiteral("another.mov")));
-    EXPECT_TRUE(itemExists(master)) << "only what the second pass has noted is its own";
-    leave(master);
+    leave(folder.path(QStringLiteral("another.mov")), master);
+    EXPECT_TRUE(itemExists(master)) << "only what the run has noted is its own";
+    leave(master, folder.makeFile(QStringLiteral("another.mov")));
+    EXPECT_TRUE(itemExists(master)) << "a stranger's file of that name";
+    leave(master, master);
     EXPECT_FALSE(itemExists(master));
 }
 

@@ -21,6 +21,9 @@ int FakeLauncher::launchTasksWithArguments(const QStringList& arguments)
     running_ = true;
     const int result = onLaunch_(this, arguments);
     started_ = result == 0;
+    if (!firstWords_.isEmpty()) {
+        write(firstWords_);
+    }
     return result;
 }
 

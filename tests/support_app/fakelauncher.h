@@ -18,6 +18,9 @@ public:
 
     explicit FakeLauncher(LaunchHandler onLaunch);
 
+    // What the pretended chain writes as soon as it runs.
+    void setFirstWords(const QString& text) { firstWords_ = text; }
+
     int launchTasksWithArguments(const QStringList& arguments) override;
     [[nodiscard]] bool isRunning() const override { return running_; }
     [[nodiscard]] bool isSuspended() const override { return suspended_; }
@@ -40,6 +43,7 @@ private:
 
     LaunchHandler onLaunch_;
     QStringList arguments_;
+    QString firstWords_;
     std::vector<std::function<void()>> waiting_;
     bool started_ = false;
     bool running_ = false;

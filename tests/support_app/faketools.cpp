@@ -1,11 +1,14 @@
 #include "support_app/faketools.h"
 
 #include "base/format.h"
-#include "support/temphome.h"
+#include "judge/publication.h"
+#include "judge/verdictline.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QFile>
+
+#include <cstdio>
 
 namespace tavrix::test
 {
@@ -31,7 +34,24 @@ QByteArray frameHeader(const QString& letter)
     return "YUV4MPEG2 W640 H480 F25:1 I" + letter.toUtf8() + " A0:0 C420mpeg2 XYSCSS=420MPEG2\nFRAME\n";
 }
 
+publication::Terms termsOf(const taskLauncher::Environment& environment)
+{
+    QHash<QString, QByteArray> values;
+    for (const auto& [name, value] : environment) {
+        values.insert(name, value.toUtf8());
+    }
+    const QByteArray replaces = values.value(QString::fromLatin1(publication::replacesVariable));
+    const QByteArray place = values.value(QString::fromLatin1(publication::placeVariable));
+    return publication::readTerms(replaces.isNull() ? nullptr : replaces.constData(),
+                                  place.isNull() ? nullptr : place.constData());
+}
+
 } // namespace
+
+QString FakeTools::Launch::place() const
+{
+    return terms.place.empty() ? output() : QString::fromStdString(terms.place);
+}
 
 QString FakeTools::Launch::source() const
 {
@@ -59,6 +79,14 @@ int FakeTools::noteLaunch(FakeLauncher* launcher, const QStringList& arguments)
     launch.launcher = launch.result == 0 ? launcher : nullptr;
     if (launch.kind == ToolKind::Encode) {
         movieSources_.insert(launch.output(), launch.source());
+    }
+    const bool encodes = launch.kind == ToolKind::Encode || launch.kind == ToolKind::SecondPass;
+    if (encodes && launch.launcher) {
+        launch.terms = termsOf(launcher->environment());
+        launch.unnamed = unnamed_.path(QString::number(launches.size()));
+        makeSparseFile(launch.unnamed, 0);
+        const auto status = linkStatus(qPrintable(launch.unnamed));
+        launcher->setFirstWords(QString::fromStdString(publication::outputLine(*status)) + QLatin1Char('\n'));
     }
     launches << launch;
     mostAtOnce = qMax(mostAtOnce, static_cast<int>(running().size()));
@@ -101,7 +129,26 @@ FakeClip FakeTools::clipOf(const Launch& launch) const
     return clips.value(secondPass ? movieSources_.value(launch.output()) : launch.source());
 }
 
-void FakeTools::writeFiles(const Launch& launch) const
+// As the tools do: their file has been there from the start, and takes its name only where it may.
+QString FakeTools::publish(const Launch& launch) const
+{
+    const FakeClip clip = clipOf(launch);
+    const QByteArray place = launch.place().toUtf8();
+    QFile file(launch.unnamed);
+    if (clip.kilobytes < 0 || !file.open(QIODevice::ReadWrite)) {
+        return {};
+    }
+    const qint64 bytes = qint64{clip.kilobytes} * 1024;
+    file.resize(bytes);
+    const judge::Verdict verdict =
+        judge::besideOlder(clip.verdict.value_or(judge::Verdict()), place.toStdString(), bytes, launch.terms);
+    if (verdict.outcome != judge::Outcome::Failed) {
+        std::rename(qPrintable(launch.unnamed), place.constData());
+    }
+    return clip.verdict ? verdictText(verdict) : QString();
+}
+
+QString FakeTools::writeFiles(const Launch& launch) const
 {
     const FakeClip clip = clipOf(launch);
     if (launch.kind == ToolKind::Decode) {
@@ -112,9 +159,10 @@ void FakeTools::writeFiles(const Launch& launch) const
         if (clip.image) {
             writeBytes(launch.output(), tinyJpeg());
         }
-    } else if (clip.kilobytes >= 0) {
-        makeSparseFile(launch.output(), clip.kilobytes);
+    } else {
+        return publish(launch);
     }
+    return {};
 }
 
 void FakeTools::finish(const Launch& launch, int status) const
@@ -122,7 +170,10 @@ void FakeTools::finish(const Launch& launch, int status) const
     if (!launch.launcher) {
         return;
     }
-    writeFiles(launch);
+    const QString said = writeFiles(launch);
+    if (status == 0 && !said.isEmpty()) {
+        launch.launcher->write(said);
+    }
     if (launch.kind == ToolKind::Decode) {
         const FakeClip clip = clipOf(launch);
         const QString text = clip.text.isNull() ? bannerOf(clip, launch.source()) : clip.text;
@@ -177,6 +228,11 @@ QByteArray tinyJpeg()
 {
     return QByteArray::fromHex("ffd8ffe000104a46494600010100000100010000"
                                "ffc0000b080001000101011100ffd9");
+}
+
+QString verdictText(const judge::Verdict& verdict)
+{
+    return QString::fromStdString(judge::verdictLine(verdict)) + QLatin1Char('\n');
 }
 
 bool makeSparseFile(const QString& path, int kilobytes)

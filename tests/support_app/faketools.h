@@ -1,6 +1,9 @@
 #pragma once
 
+#include "judge/verdict.h"
+#include "support/temphome.h"
 #include "support_app/fakelauncher.h"
+#include "sys/publication.h"
 
 #include <QHash>
 #include <QList>
@@ -22,6 +25,8 @@ struct FakeClip {
     QString text;        // instead of the description, unless nothing
     bool image = true;   // whether the thumbnail run makes a picture
     int kilobytes = 300; // size of an encode's output; -1 makes none
+    // What an encode that ends well says of its output; no value says nothing.
+    std::optional<judge::Verdict> verdict = judge::Verdict();
 };
 
 enum class ToolKind { Decode, Thumbnail, Encode, SecondPass };
@@ -35,8 +40,13 @@ public:
         QStringList arguments;
         int result = 0;
         QPointer<FakeLauncher> launcher;
+        publication::Terms terms;
+        QString unnamed; // where the output of an encode is until it takes its name
         [[nodiscard]] QString source() const;
+        // As the arguments name it.
         [[nodiscard]] QString output() const { return arguments.value(arguments.size() - 1); }
+        // The name that it takes.
+        [[nodiscard]] QString place() const;
     };
 
     [[nodiscard]] std::function<taskLauncher*()> factory();
@@ -52,8 +62,8 @@ public:
     [[nodiscard]] Launch current(ToolKind kind) const;
     [[nodiscard]] FakeClip clipOf(const Launch& launch) const;
 
-    // Writes what the tool would have written by now, without ending it.
-    void writeFiles(const Launch& launch) const;
+    // Writes what the tool would have written by now, without ending it. What it then says of an encode's output.
+    QString writeFiles(const Launch& launch) const;
     // The tool's whole life: files, text and end.
     void finish(const Launch& launch, int status = 0) const;
     // Ends the running launch of that kind; false when there is none.
@@ -63,7 +73,9 @@ public:
 
 private:
     int noteLaunch(FakeLauncher* launcher, const QStringList& arguments);
+    [[nodiscard]] QString publish(const Launch& launch) const;
 
+    TempFolder unnamed_;
     QHash<QString, QString> movieSources_; // output of a first pass to its source
 };
 
@@ -71,6 +83,8 @@ private:
 [[nodiscard]] QString bannerOf(const FakeClip& clip, const QString& source);
 // A small picture that is complete as far as its frame header.
 [[nodiscard]] QByteArray tinyJpeg();
+// The line by which the tools tell their verdict, with its line end.
+[[nodiscard]] QString verdictText(const judge::Verdict& verdict);
 // Makes a file of that size without writing it; false when that fails.
 bool makeSparseFile(const QString& path, int kilobytes);
 // Serves the event loop until nothing is waiting: kept deliveries, zero-delay calls, released objects.
