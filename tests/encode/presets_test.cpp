@@ -197,6 +197,8 @@ TEST(OwnPresets, AreUnderstoodByTheInstalledEncoder)
         EXPECT_EQ(options->size() % 2, 0) << name;
         arguments += *options;
     }
+    // As the tool ffmpeg does.
+    arguments.replaceInStrings(QStringLiteral("keyint "), QStringLiteral("keyint="));
     arguments += QStringLiteral("-vcodec libx264 -vb 1400k -maxrate 1500k -vf scale=640:368 -g 25 -y").split(u' ');
     arguments += output;
     QProcess process;

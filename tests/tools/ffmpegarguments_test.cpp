@@ -184,6 +184,14 @@ TEST(ArgumentsForAClip, ATurnedPictureIsFittedIntoTheFrame)
     EXPECT_TRUE(mirrorsPictures("N-118000-gabcdef", clip));
 }
 
+TEST(ClassicArguments, TheEncodersOwnOptionsOfAPresetLineGetTheirEqualsSigns)
+{
+    const CommandLine line =
+        parseCommandLine({"-i", "X", "-x264opts", "keyint 250:open-gop", "-vcodec", "libx264", "-g", "25", "O.m4v"});
+    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {}, {})),
+              "-nostdin -v info -y GUARD -i <X> -f ipod -x264opts keyint=250:open-gop -vcodec libx264 -g 25 <O.m4v>");
+}
+
 TEST(ArgumentsForAClip, SoundKeepsItsLevel)
 {
     ClipSource clip = clipOf("mov");

@@ -204,10 +204,19 @@ Words copyOptions(const Conversion& conversion)
     return {};
 }
 
+// A line of a preset file has one equals sign; the encoder's own options stand behind it as "name value:name value".
+std::string encoderOwnOptions(std::string options)
+{
+    std::ranges::replace(options, ' ', '=');
+    return options;
+}
+
 void appendOutputOption(Words& words, const Option& option, const Dialect& dialect)
 {
     const std::string name = optionRule(option.name).modernName;
-    if (name == "bsf:v" && option.value && !dialect.annexBFilter) {
+    if (name == "x264opts" && option.value) {
+        appendOption(words, name, encoderOwnOptions(*option.value));
+    } else if (name == "bsf:v" && option.value && !dialect.annexBFilter) {
         const std::string kept = withoutAnnexB(*option.value);
         if (!kept.empty()) {
             appendOption(words, name, kept);

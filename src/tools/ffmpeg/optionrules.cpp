@@ -81,6 +81,7 @@ constexpr std::array rows = {
     Row{"vpre", Output, true, ""},
     Row{"apre", Output, true, ""},
     Row{"fpre", Output, true, ""},
+    Row{"x264opts", Output, true, ""},
     Row{"update", Output, true, ""},
 
     Row{"s", Shape, true, ""},
