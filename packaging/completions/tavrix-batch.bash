@@ -1,0 +1,31 @@
+# Completions of tavrix-batch for bash.
+_tavrix_batch() {
+    local current=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]}
+    if [[ $option == = ]]; then
+        option=${COMP_WORDS[COMP_CWORD - 2]}
+    elif [[ $current == = ]]; then
+        current=
+    fi
+    case $option in
+        --format)
+            mapfile -t COMPREPLY < <(compgen -W "0 1 2 3 4 5" -- "$current")
+            return
+            ;;
+        --existing)
+            mapfile -t COMPREPLY < <(compgen -W "replace keep ask" -- "$current")
+            return
+            ;;
+        --output)
+            compopt -o filenames
+            mapfile -t COMPREPLY < <(compgen -d -- "$current")
+            return
+            ;;
+    esac
+    if [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "--format --output --existing --json --help --version" -- "$current")
+    else
+        compopt -o filenames -o default
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    fi
+}
+complete -F _tavrix_batch tavrix-batch
