@@ -55,7 +55,7 @@ ToolWindow::ToolWindow(const QString& objectName, QWidget* owner)
     connect(close, &QPushButton::clicked, this, &QWidget::close);
     buttons_->addWidget(close);
     layout->addLayout(buttons_);
-    resize(820, 600);
+    resize(940, 640);
 }
 
 ToolWindow::~ToolWindow()

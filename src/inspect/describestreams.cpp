@@ -118,7 +118,7 @@ QString fieldWords(const QString& code)
 QString turningWords(const media::Turning& turning)
 {
     if (turning.degrees == 0) {
-        return inspectText(turning.mirrored ? "Ins_mirrored" : "Ins_none");
+        return inspectText(turning.mirrored ? "Ins_mirrored" : "Ins_notTurned");
     }
     const QString words = inspectText("Ins_turned", {turning.degrees});
     return turning.mirrored ? words + inspectText("Ins_andMirrored") : words;
@@ -127,7 +127,7 @@ QString turningWords(const media::Turning& turning)
 QString editWords(const media::Edits& edits)
 {
     if (!edits.present) {
-        return inspectText("Ins_none");
+        return inspectText("Ins_noEdits");
     }
     QString words = inspectText(edits.pieces == 1 ? "Ins_editPiece" : "Ins_editPieces", {edits.pieces});
     if (edits.emptyStart > 0) {
@@ -221,7 +221,10 @@ void addSound(const Inspection& inspection, int number, LineList& lines)
     lines.add("Ins_codec", codecWords(view.ofTool("codec").toString()));
     lines.addKnown("Ins_soundForm", soundWords(view));
     lines.addKnown("Ins_bitrate", bitrateWords(view));
-    lines.addKnown("Ins_language", shownText(view.ofTool("lang").toString()));
+    // "und" is the code for a language that is not told.
+    if (const QString language = view.ofTool("lang").toString(); language != QLatin1String("und")) {
+        lines.addKnown("Ins_language", shownText(language));
+    }
     if (view.shown() != nullptr && inspection.shown->isMovie) {
         lines.add("Ins_edits", editWords(view.shown()->edits));
     }
