@@ -5,6 +5,7 @@
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
+#include "app/workfolder.h"
 #include "base/bundle.h"
 #include "base/filedelete.h"
 #include "base/filesizes.h"
@@ -30,6 +31,9 @@ namespace tavrix
 
 namespace
 {
+
+constexpr int silentAnalysisSeconds = 60;
+constexpr qint64 silentStopMilliseconds = 3000;
 
 QString existingFile(const QString& path)
 {
@@ -76,8 +80,38 @@ AnalysisMachine::AnalysisMachine(Session& session, DropArea& dropArea, const Lau
 {
 }
 
+QStringList AnalysisMachine::leftOver() const
+{
+    if (queueIsOwn_) {
+        return {};
+    }
+    QStringList sources;
+    const QString current = prefRead(pref::analysisSrcPathStr);
+    if (!current.isEmpty() && current != cancelMark) {
+        sources << current;
+    }
+    return sources + queue_.sources();
+}
+
+void AnalysisMachine::dropLeftOver()
+{
+    const QStringList sources = leftOver();
+    queueIsOwn_ = true;
+    prefDelete(pref::analysisSrcPathStr);
+    queue_.clear();
+    if (!sources.isEmpty()) {
+        logLine(QStringLiteral("analysis left over  :-/ %d : %@"), {qint64(sources.size()), sources.first()});
+    }
+}
+
 void AnalysisMachine::begin(const QStringList& sources)
 {
+    if (const QStringList old = leftOver(); !queueIsOwn_) {
+        dropLeftOver();
+        if (!old.isEmpty()) {
+            Q_EMIT leftOverDropped(old);
+        }
+    }
     queue_.fill(sources);
     running_ = true;
     setFlag(pref::analysisDeb);
@@ -169,6 +203,13 @@ void AnalysisMachine::decode()
 
 void AnalysisMachine::parse()
 {
+    // Without a frame the clip counts as progressive: so it must not be this program's own lack of room.
+    if (!testPresenceCocoa(frameFile())) {
+        if (const QString trouble = workFolderTrouble(getTMPFOLDER()); !trouble.isNull()) {
+            reject(formatText(batchText("Clip_noTemporary"), {trouble}));
+            return;
+        }
+    }
     const QString text = std::exchange(source_.incoming, QString());
     if (!text.isEmpty() && text != QLatin1String(" ")) {
         source_.retained = text;
@@ -186,8 +227,13 @@ void AnalysisMachine::parse()
         makeThumbnail(*infos);
         return;
     }
+    reject(verdict.reason);
+}
+
+void AnalysisMachine::reject(const QString& reason)
+{
     logLine(QStringLiteral("analysisRetainedStr release != AVCHD-Lite"));
-    source_.rejection = verdict.reason;
+    source_.rejection = reason;
     source_.retained = QString();
     prefDelete(pref::analysisIStr);
     setFlag(pref::analysisFin);
@@ -272,6 +318,33 @@ void AnalysisMachine::addRow(MediaInfoRecord infos)
     Q_EMIT accepted(rows.count() - 1);
 }
 
+void AnalysisMachine::passTime(qint64 milliseconds)
+{
+    const bool stopping = session_.model().analysisStopInt.intValue() != 0;
+    const qint64 limit = stopping ? silentStopMilliseconds : silenceLimit(pref::silenceAnalysis, silentAnalysisSeconds);
+    if (!child_.isSilentAfter(milliseconds, limit)) {
+        return;
+    }
+    logLine(QStringLiteral("analysis silent     :-( %d s"), {limit / 1000});
+    source_.rejection = formatText(batchText("Clip_silent"), {limit / 1000});
+    silenced_ = true;
+    child_.kill();
+}
+
+void AnalysisMachine::interrupted()
+{
+    if (!std::exchange(silenced_, false)) {
+        stall();
+        return;
+    }
+    // Without a description there is no row; what only lacks its thumbnail has one.
+    if (takeFlag(pref::analysisFfmpegParse)) {
+        source_.retained = QString();
+        setFlag(pref::analysisFin);
+    }
+    step();
+}
+
 void AnalysisMachine::stall()
 {
     const QString source = prefRead(pref::analysisSrcPathStr);
@@ -308,6 +381,7 @@ bool AnalysisMachine::launch(const QStringList& arguments)
 
 void AnalysisMachine::childWrote(const QString& text)
 {
+    child_.heard();
     if (!source_.incoming.isNull()) {
         source_.incoming += text;
     }

@@ -37,11 +37,19 @@ public:
     // False when the child does not run.
     bool launch(const QStringList& arguments);
     void childWrote(const QString& text);
+    // The child was killed, by this machine for its silence or by somebody else.
+    void interrupted();
+    // Time has passed, in milliseconds: a child that has been silent for too long is ended, and its source is left out.
+    void passTime(qint64 milliseconds);
     // The child was interrupted or cannot run. Queue, current source and flags stay, so that the next drop takes the
     // batch up again; that drop needs an open intake.
     void stall();
     // The stop control: obeyed at the next step.
     void stop();
+    // What an earlier run of the program has queued and not looked at, in order: it is not read unasked.
+    [[nodiscard]] QStringList leftOver() const;
+    // Forgets it.
+    void dropLeftOver();
     // The program ends: the child goes without a word.
     void abandon();
 
@@ -51,6 +59,7 @@ public:
 
 Q_SIGNALS:
     void started(const QString& path, int number, int total);
+    void leftOverDropped(const QStringList& sources);
     void accepted(int row);
     void rejected(const QString& path, const QString& reason);
     // The intake is open again, before ended() or stalled().
@@ -66,6 +75,7 @@ private:
     void showCaption();
     void decode();
     void parse();
+    void reject(const QString& reason);
     void makeThumbnail(const MediaInfoRecord& infos);
     void finishSource();
     void addRow(MediaInfoRecord infos);
@@ -78,6 +88,8 @@ private:
     AnalysisQueue queue_;
     CurrentSource source_;
     bool running_ = false;
+    bool queueIsOwn_ = false; // filled by this run of the program
+    bool silenced_ = false;   // the child is ended for its silence
 };
 
 } // namespace tavrix

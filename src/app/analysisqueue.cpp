@@ -4,6 +4,8 @@
 #include "base/preferences.h"
 #include "base/text.h"
 
+#include <algorithm>
+
 namespace tavrix
 {
 
@@ -90,6 +92,19 @@ void AnalysisQueue::removeFirst()
         prefDeleteChildDico(pref::analysisSrcPathesDico, key);
         head_ = leadingInteger(key) + 1;
     }
+}
+
+QStringList AnalysisQueue::sources() const
+{
+    const QVariantMap queue = storedQueue();
+    QStringList keys = queue.keys();
+    std::sort(keys.begin(), keys.end(),
+              [](const QString& a, const QString& b) { return leadingInteger(a) < leadingInteger(b); });
+    QStringList sources;
+    for (const QString& key : keys) {
+        sources << queue.value(key).toString();
+    }
+    return sources;
 }
 
 int AnalysisQueue::count() const

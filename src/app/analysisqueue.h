@@ -18,6 +18,7 @@ public:
     // Takes the first source out.
     void removeFirst();
     [[nodiscard]] int count() const;
+    [[nodiscard]] QStringList sources() const; // in order
     void clear();
 
 private:

@@ -1,10 +1,14 @@
 #include "app/appdelegate.h"
 
+#include "app/alerttext.h"
 #include "app/currentrow.h"
+#include "app/face.h"
 #include "app/machines.h"
 #include "app/stepflags.h"
+#include "base/format.h"
 #include "base/log.h"
 #include "base/runloopgate.h"
+#include "base/shownname.h"
 
 namespace tavrix
 {
@@ -23,6 +27,7 @@ appDelegate::appDelegate(ApplicationFace* face, QObject* parent)
     model_.encStopBt.setHidden(true);
     model_.analyseStopBt.setHidden(true);
     connectMachines();
+    startClock();
 }
 
 appDelegate::~appDelegate()
@@ -30,6 +35,21 @@ appDelegate::~appDelegate()
     if (applicationDelegate == this) {
         applicationDelegate = nullptr;
     }
+}
+
+// A program that was stopped, or a machine that slept, has missed beats: that time was nobody's silence.
+void appDelegate::startClock()
+{
+    constexpr int beat = 1000;
+    connect(&tick_, &QTimer::timeout, this, [this] { passTime(qMin<qint64>(sinceTick_.restart(), 2 * beat)); });
+    sinceTick_.start();
+    tick_.start(beat);
+}
+
+void appDelegate::passTime(qint64 milliseconds)
+{
+    drive([&] { machines_->batch.passTime(milliseconds); });
+    drive([&] { machines_->analysis.passTime(milliseconds); });
 }
 
 // What machines tell is passed on; where two things follow from it they follow in the order of these lines.
@@ -44,6 +64,7 @@ void appDelegate::connectMachines()
 
     AnalysisMachine& analysis = machines_->analysis;
     BatchMachine& batch = machines_->batch;
+    connect(&analysis, &AnalysisMachine::leftOverDropped, this, &appDelegate::leftOverDropped);
     connect(&analysis, &AnalysisMachine::started, this, &appDelegate::analysisStarted);
     connect(&analysis, &AnalysisMachine::accepted, this, &appDelegate::sourceAccepted);
     connect(&analysis, &AnalysisMachine::rejected, this, &appDelegate::sourceRejected);
@@ -81,6 +102,29 @@ void appDelegate::ac_iba_menuQuit()
 {
     if (applicationDelegate != nullptr) {
         applicationDelegate->iba_menuQuit();
+    }
+}
+
+void appDelegate::offerLeftOver()
+{
+    const QStringList sources = machines_->analysis.leftOver();
+    if (sources.isEmpty() || !session_.face().offersLeftOver()) {
+        return;
+    }
+    constexpr int forget = 1;
+    const QString text = formatText(alertText("D_leftOver_2"), {qint64(sources.size()), shownText(sources.first())});
+    const Answer answer = session_.ask({alertText("D_leftOver_1"),
+                                        text,
+                                        {alertText("D_leftOver_goOn"), alertText("D_leftOver_forget")},
+                                        forget,
+                                        0,
+                                        {}});
+    if (answer.after == After::Ending) {
+        return;
+    }
+    machines_->analysis.dropLeftOver();
+    if (answer.button != forget) {
+        draggedFiles(sources);
     }
 }
 
@@ -219,7 +263,7 @@ void appDelegate::taskLauncherTaskDidEnd(taskLauncher* launcher)
         launcher->terminate();
         taskLauncherDone(launcher);
         if (analysisMode) {
-            machines_->analysis.stall();
+            machines_->analysis.interrupted();
         }
         return;
     }

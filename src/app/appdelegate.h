@@ -6,7 +6,9 @@
 #include "app/windowmodel.h"
 #include "process/tasklauncher.h"
 
+#include <QElapsedTimer>
 #include <QStringList>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -116,6 +118,9 @@ public:
     // Writes a mail to the maker: a bug report when its menu item is the sender, else a plain one.
     void iba_mail(Control* sender);
 
+    // The clock's call: so many milliseconds have passed in which the program could run.
+    void passTime(qint64 milliseconds);
+
     // What the next answer to "keep or replace" is without asking: 1 replace, 0 keep, no value asks. A face that offers
     // the choice beforehand sets it; it is used for every batch.
     void setReplacePolicy(std::optional<int> policy);
@@ -130,6 +135,8 @@ Q_SIGNALS:
     void intakeBegan();
     void sourcesQueued(int count);
     void nothingToAnalyse();
+    // What an earlier run has left unread, when this one is given sources of its own.
+    void leftOverDropped(const QStringList& sources);
     void analysisStarted(const QString& path, int number, int total);
     void sourceAccepted(int row);
     void sourceRejected(const QString& path, const QString& reason);
@@ -145,11 +152,16 @@ private:
     // Does the work unless the program ends.
     template <typename Work> void drive(Work work);
     void connectMachines();
+    void startClock();
+    // Asks whether to go on with what an earlier run has left, where the face can ask.
+    void offerLeftOver();
     [[nodiscard]] bool isAnalysisSender(const taskLauncher* launcher) const;
 
     WindowModel model_;
     Session session_;
     std::unique_ptr<Machines> machines_;
+    QTimer tick_;
+    QElapsedTimer sinceTick_;
 };
 
 template <typename Work> void appDelegate::drive(Work work)

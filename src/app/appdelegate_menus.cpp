@@ -9,10 +9,12 @@
 #include "base/bundle.h"
 #include "base/format.h"
 #include "base/preferences.h"
+#include "base/runloopgate.h"
 #include "base/settings.h"
 #include "platform/desktop.h"
 #include "probe/ffprobes.h"
 
+#include <QPointer>
 #include <QUrl>
 
 // Menu and button actions that start nothing: preferences, help, folders, logs, mail.
@@ -35,6 +37,12 @@ void appDelegate::applicationDidFinishLaunching()
 {
     model_.menuDebug.setTitle(alertText("Menu_Debug1"));
     model_.menuDebug.setState(getDEBUG());
+    // The window is there first; a program that ends at once has no controller any more.
+    RunLoopGate::instance().deliverLater([controller = QPointer<appDelegate>(this)] {
+        if (controller) {
+            controller->drive([&] { controller->offerLeftOver(); });
+        }
+    });
 }
 
 void appDelegate::iba_menuPref()

@@ -23,6 +23,7 @@ namespace
 {
 
 constexpr int missingSourceAlertSeconds = 10;
+constexpr int silentEncodeSeconds = 600;
 
 // Of the current row's steps.
 void leaveOnlyTheFinish()
@@ -297,6 +298,7 @@ void BatchMachine::stop()
 
 void BatchMachine::childWrote(const QString& text, bool analysing)
 {
+    child_.heard();
     row_.childWrote(text);
     if (analysing) {
         return;
@@ -322,6 +324,16 @@ void BatchMachine::childDone(const taskLauncher* launcher, bool analysing)
     child_.release();
     progress_.fill();
     send(stepProcesses);
+}
+
+void BatchMachine::passTime(qint64 milliseconds)
+{
+    const qint64 limit = silenceLimit(pref::silenceEncode, silentEncodeSeconds);
+    if (child_.isSilentAfter(milliseconds, limit)) {
+        logLine(QStringLiteral("task silent         :-( %d s"), {limit / 1000});
+        row_.childSilent(static_cast<int>(limit / 1000));
+        child_.kill();
+    }
 }
 
 void BatchMachine::deliverWaitingEnd()

@@ -42,6 +42,8 @@ public:
     void childWrote(const QString& text, bool analysing);
     void childDone(const taskLauncher* launcher, bool analysing);
     void deliverWaitingEnd();
+    // Time has passed, in milliseconds: a child that has been silent for too long is ended, and its row fails.
+    void passTime(qint64 milliseconds);
 
     // The program ends: the child goes, and what the row has made so far.
     void abandon();

@@ -32,6 +32,8 @@ public:
     virtual void preview(const QString& path);
     // Whether the detail log takes over standard output and error at start-up.
     virtual bool redirectsOutput() { return true; }
+    // Whether a person is asked at the start about sources that an earlier run has left unread.
+    virtual bool offersLeftOver() { return false; }
     // Asks the application to end its event loop with status 0.
     virtual void terminate() {}
 };

@@ -7,10 +7,23 @@
 #include "app/windowmodel.h"
 #include "base/log.h"
 
+#include <QFileInfo>
 #include <QSet>
 
 namespace tavrix
 {
+
+namespace
+{
+
+// Without links in it; of a file that has gone, the path itself.
+QString oneName(const QString& path)
+{
+    const QString name = QFileInfo(path).canonicalFilePath();
+    return name.isEmpty() ? path : name;
+}
+
+} // namespace
 
 Intake::Intake(Session& session, DropArea& dropArea, BatchMachine& batch, AnalysisMachine& analysis)
     : session_(session), dropArea_(dropArea), batch_(batch), analysis_(analysis)
@@ -50,16 +63,21 @@ void Intake::take(const QStringList& paths)
 QStringList Intake::withoutKnownSources(const QStringList& paths) const
 {
     const BatchList& rows = session_.model().encBatchArrayController;
+    // A row may be of the same file on another way, through a linked folder.
     QSet<QString> seen;
+    for (int i = 0; i < rows.count(); ++i) {
+        seen.insert(oneName(rows.row(i).source()));
+    }
     QStringList fresh;
     for (qsizetype i = 0; i < paths.size(); ++i) {
         const QString& path = paths.at(i);
-        if (seen.contains(path) || rows.indexOfSource(path) >= 0) {
+        const QString name = oneName(path);
+        if (seen.contains(name)) {
             logLine(QStringLiteral("doublon : pas de sur-analyse pour rien ;-) #%d/%d : %@"),
                     {i + 1, qint64(paths.size()), path});
             continue;
         }
-        seen.insert(path);
+        seen.insert(name);
         fresh << path;
     }
     return fresh;

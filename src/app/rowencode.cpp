@@ -234,6 +234,7 @@ void RowEncode::launches(Pass pass)
 {
     pass_ = std::move(pass);
     childStatus_.reset();
+    silence_ = QString();
     transcriptTail_ = QString();
     verdict_.beginPass();
 }
@@ -387,8 +388,16 @@ void RowEncode::childMissing(const QString& tool)
     transcriptTail_ = formatText(batchText("Enc_toolMissing"), {tool});
 }
 
+void RowEncode::childSilent(int seconds)
+{
+    silence_ = formatText(batchText("Enc_silent"), {seconds});
+}
+
 QString RowEncode::failureReason(bool made) const
 {
+    if (!silence_.isNull()) {
+        return silence_;
+    }
     const std::optional<judge::Verdict>& verdict = verdict_.verdict();
     if (verdict && verdict->outcome == judge::Outcome::Failed && !verdict->findings.empty()) {
         return verdictWords(*verdict);

@@ -61,6 +61,8 @@ public:
     void childWrote(const QString& text);
     void childEnded(int status) { childStatus_ = status; }
     void childMissing(const QString& tool);
+    // It has said nothing for that long and is ended.
+    void childSilent(int seconds);
     // Marks the row as failed; an index out of range is ignored.
     void fail(int row, const QString& reason);
 
@@ -94,6 +96,7 @@ private:
     qint64 startedAt_ = 0; // seconds since 1970
     RowVerdict verdict_;
     std::optional<int> childStatus_; // of the last child; nothing before its end
+    QString silence_;                // that the child had to be ended; nothing otherwise
     QString transcriptTail_;         // last text of the row's children, for the reason of a failure
     std::optional<int> replacePolicy_;
 };

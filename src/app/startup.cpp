@@ -12,6 +12,7 @@
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
+#include "app/workfolder.h"
 #include "base/bundle.h"
 #include "base/filedelete.h"
 #include "base/fileops.h"
@@ -21,13 +22,13 @@
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "base/settings.h"
+#include "base/shownname.h"
 #include "base/text.h"
 #include "encode/outputname.h"
 #include "platform/systeminfo.h"
 #include "quicktime/codecinventory.h"
 #include "sys/publication.h"
 
-#include <QCoreApplication>
 #include <QDir>
 
 namespace tavrix
@@ -40,8 +41,9 @@ constexpr int defaultOutputFormat = 3;
 
 bool isKeptAtStart(const QString& key)
 {
-    static const QStringList kept = {pref::prefCheckMatrix, pref::prefDefautDstPathStr, pref::prefColor,
-                                     pref::analysisSrcPathesDico, pref::analysisSrcPathStr};
+    static const QStringList kept = {pref::prefCheckMatrix,       pref::prefDefautDstPathStr, pref::prefColor,
+                                     pref::analysisSrcPathesDico, pref::analysisSrcPathStr,   pref::silenceAnalysis,
+                                     pref::silenceEncode};
     return kept.contains(key) || key.startsWith(QLatin1String("NSNav"));
 }
 
@@ -62,7 +64,9 @@ bool StartUp::run()
     session_.face().localise();
     session_.model().versionStr.setStringValue(bundleVersion());
     startLogs();
-    makeTemporaryFolder();
+    if (!makeTemporaryFolder()) {
+        return false;
+    }
     takeCodecInventory();
     clearDisplay();
     restorePreferences();
@@ -133,27 +137,28 @@ void StartUp::startLogs()
     }
 }
 
-void StartUp::makeTemporaryFolder()
+// False when there is no place for temporary files: its alert has been shown. Without one every clip would look
+// unreadable.
+bool StartUp::makeTemporaryFolder()
 {
-    const QString base = systemTemporaryFolder();
     mkdirCocoa(cachesFolder());
     keepPrivate(cachesFolder(), 0700);
-    QString folder = formatText(QStringLiteral("%@%@/"), {base, bundleName()});
-    // A copy of the same user with another home may be working there.
+    const QString base = systemTemporaryFolder();
     temporaryLock_ = std::make_unique<InstanceLock>();
-    if (temporaryLock_->take(base + bundleName() + QStringLiteral(".lock")) == InstanceLock::Result::HeldByAnother) {
-        folder =
-            formatText(QStringLiteral("%@%@-%d/"), {base, bundleName(), qint64(QCoreApplication::applicationPid())});
+    // A copy of the same user with another home may be working there.
+    const bool shared = !base.isNull() && temporaryLock_->take(base + bundleName() + QStringLiteral(".lock")) ==
+                                              InstanceLock::Result::HeldByAnother;
+    const WorkFolder work = makeWorkFolder(base, shared);
+    for (const QString& obstacle : work.obstacles) {
+        logLine(QStringLiteral("temporary folder    :-( %@"), {obstacle});
     }
-    if (!base.isNull() && removeOwnFolder(folder) && mkdirCocoa(folder)) {
-        keepPrivate(folder, 0700);
-        setTMPFOLDER(folder);
-        return;
+    if (work.path.isNull()) {
+        (void)session_.tell(alertText("D_noTemporary_1"),
+                            formatText(alertText("D_noTemporary_2"), {shownLines(work.obstacles.join(u'\n'))}));
+        return false;
     }
-    setTMPFOLDER(QString());
-    if (!mkdirCocoa(getTMPFOLDER())) {
-        logLine(QStringLiteral("temporary folder    :-( %@"), {getTMPFOLDER()});
-    }
+    setTMPFOLDER(work.path);
+    return true;
 }
 
 void StartUp::takeCodecInventory()

@@ -34,7 +34,7 @@ private:
     bool refuse(const char* titleKey, const char* textKey = nullptr);
     void killOldTools();
     void startLogs();
-    void makeTemporaryFolder();
+    [[nodiscard]] bool makeTemporaryFolder();
     void takeCodecInventory();
     void restorePreferences();
     void removeLeftOverIntermediate();

@@ -6,6 +6,13 @@
 namespace tavrix
 {
 
+qint64 silenceLimit(const QString& setting, int defaultSeconds)
+{
+    constexpr qint64 millisecondsPerSecond = 1000;
+    const int seconds = leadingInteger(prefRead(setting));
+    return (seconds > 0 ? seconds : defaultSeconds) * millisecondsPerSecond;
+}
+
 QStringList analysisFlags()
 {
     return {pref::analysisFfmpeg, pref::analysisFfmpegParse, pref::analysisFin};

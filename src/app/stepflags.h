@@ -27,6 +27,9 @@ inline const QString processEncDico = QString::fromLatin1(secondpass::record);
 inline const QString encDeb = QStringLiteral("encDeb");
 inline const QString encQtEnc = QStringLiteral("encQtEnc");
 inline const QString encFin = QStringLiteral("encFin");
+// The user's settings: seconds after which a tool that neither says nor does anything is ended.
+inline const QString silenceAnalysis = QStringLiteral("silenceAnalysis");
+inline const QString silenceEncode = QStringLiteral("silenceEncode");
 inline const QString replaceFilesCheck = QStringLiteral("replaceFilesCheck");
 } // namespace pref
 
@@ -36,6 +39,10 @@ inline const QString stepProcesses = QStringLiteral("encProcesses");
 
 // What a stop writes in the place of the current source.
 inline const QString cancelMark = QStringLiteral("cancel");
+
+// Milliseconds of silence that the setting allows; without one, or with one that is no number above 0, the seconds
+// given.
+[[nodiscard]] qint64 silenceLimit(const QString& setting, int defaultSeconds);
 
 // The steps of one source and of one row, in order. A stop deletes all but the first and the last.
 [[nodiscard]] QStringList analysisFlags();

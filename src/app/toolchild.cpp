@@ -3,6 +3,7 @@
 #include "app/face.h"
 #include "app/session.h"
 #include "base/log.h"
+#include "base/runloopgate.h"
 
 namespace tavrix
 {
@@ -51,6 +52,7 @@ bool ToolChild::launch(const QStringList& arguments, const std::function<void()>
     }
     launcher_.reset(maker_.make());
     launcher_->setEnvironment(environment);
+    silence_.begin();
     const int result = launcher_->launchTasksWithArguments(arguments);
     if (result == 0) {
         return true;
@@ -59,6 +61,16 @@ bool ToolChild::launch(const QStringList& arguments, const std::function<void()>
     session_.face().beep();
     logLine(QStringLiteral("Erreur au lancement = %d"), {result});
     return false;
+}
+
+bool ToolChild::isSilentAfter(qint64 milliseconds, qint64 limit)
+{
+    // What a child writes under a modal alert is not read: it may have to wait for that.
+    if (!launcher_ || !launcher_->isRunning() || launcher_->isSuspended() || RunLoopGate::instance().isClosed()) {
+        silence_.begin();
+        return false;
+    }
+    return silence_.pass(milliseconds, limit, [this] { return launcher_->activity(); });
 }
 
 void ToolChild::suspend()

@@ -2,6 +2,7 @@
 
 // The child processes of the machines.
 
+#include "process/silencewatch.h"
 #include "process/tasklauncher.h"
 
 #include <functional>
@@ -54,6 +55,10 @@ public:
     [[nodiscard]] taskLauncher* launcher() const { return launcher_.get(); }
     void suspend();
     void resume();
+    // The child has written something.
+    void heard() { silence_.heard(); }
+    // Time has passed. True when a child that runs, and is not paused, has been silent for that long.
+    [[nodiscard]] bool isSilentAfter(qint64 milliseconds, qint64 limit);
     // Kills it; it is still held, and its end is reported from within.
     void kill();
     // Lets go of it. That may be done inside its own callbacks.
@@ -70,6 +75,7 @@ private:
     const LauncherMaker& maker_;
     const char* forgottenLine_;
     std::unique_ptr<taskLauncher, Releaser> launcher_;
+    SilenceWatch silence_;
 };
 
 } // namespace tavrix

@@ -1,6 +1,7 @@
 #include "console/batchrunner.h"
 
 #include "base/filesizes.h"
+#include "base/format.h"
 #include "base/runloopgate.h"
 #include "console/consoletext.h"
 #include "encode/outputname.h"
@@ -20,6 +21,10 @@ void BatchRunner::connectController()
 {
     const BatchList& rows = controller_->model().encBatchArrayController;
     connect(controller_, &appDelegate::sourcesQueued, this, [this](int count) { reporter_->queued(count); });
+    connect(controller_, &appDelegate::leftOverDropped, this, [this](const QStringList& sources) {
+        reporter_->message(formatText(consoleText("Con_leftOver"), {qint64(sources.size()), sources.first()}),
+                           QString(), QString());
+    });
     connect(controller_, &appDelegate::analysisStarted, this,
             [this](const QString& path, int number, int total) { reporter_->analysing(path, number, total); });
     connect(controller_, &appDelegate::sourceAccepted, this,

@@ -35,6 +35,7 @@ public:
     void localise() override;
     void openPreferencesSheet() override;
     void closePreferencesSheet() override;
+    bool offersLeftOver() override { return true; }
     bool isHelpVisible() override;
     void showHelp() override;
     void hideHelp() override;

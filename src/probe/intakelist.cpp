@@ -10,6 +10,9 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <algorithm>
+#include <climits>
+
 namespace tavrix
 {
 
@@ -32,6 +35,7 @@ public:
     {
         const QString resolved = pathByResolvingAlias(path);
         if (isFolder(resolved)) {
+            roots_ << QFileInfo(resolved).canonicalFilePath() + u'/';
             addFolder(resolved);
             for (const QString& item : lsCocoaRecursive(resolved)) {
                 addFound(item);
@@ -42,18 +46,42 @@ public:
             skip(resolved, "Clip_otherExtension");
         }
     }
-    [[nodiscard]] IntakeList take() { return std::move(list_); }
+    [[nodiscard]] IntakeList take()
+    {
+        tellLinkedFolders();
+        return std::move(list_);
+    }
 
 private:
     void addFound(const QString& path)
     {
-        if (const QFileInfo info(path); info.isDir()) {
+        const bool clip = extensions_.contains(pathExtension(path));
+        if (nativePath(path).size() >= PATH_MAX) {
+            // Nobody can tell a folder from a file there.
+            if (clip || pathExtension(path).isEmpty()) {
+                skip(path, "Clip_tooDeep");
+            }
+        } else if (const QFileInfo info(path); info.isDir()) {
             // Links to folders are not entered.
-            if (!info.isSymLink()) {
+            if (info.isSymLink()) {
+                linkedFolders_ << path;
+            } else {
                 addFolder(path);
             }
-        } else if (extensions_.contains(pathExtension(path))) {
-            addFile(path);
+        } else if (clip) {
+            addFile(pathByResolvingAlias(path));
+        }
+    }
+
+    // One whose folder is listed anyway hides nothing.
+    void tellLinkedFolders()
+    {
+        for (const QString& link : linkedFolders_) {
+            const QString target = QFileInfo(link).canonicalFilePath() + u'/';
+            if (std::none_of(roots_.cbegin(), roots_.cend(),
+                             [&target](const QString& root) { return target.startsWith(root); })) {
+                skip(link, "Clip_linkedFolder");
+            }
         }
     }
 
@@ -90,6 +118,8 @@ private:
     void skip(const QString& path, const char* reason) { list_.skipped << SkippedSource{path, batchText(reason)}; }
 
     QSet<QString> extensions_ = acceptedExtensions();
+    QStringList roots_; // listed folders, without links in their paths, with a "/" at the end
+    QStringList linkedFolders_;
     IntakeList list_;
 };
 

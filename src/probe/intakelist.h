@@ -20,7 +20,8 @@ struct IntakeList {
 };
 
 // What is taken of the files and folders given: links to files become their targets, folders the files below them. A
-// file of another type inside a folder is passed over in silence; given by itself it is told.
+// file of another type inside a folder is passed over in silence; given by itself it is told. Links to folders inside a
+// folder are not entered, and told unless their folder is listed anyway.
 [[nodiscard]] IntakeList intakeList(const QStringList& paths);
 
 } // namespace tavrix

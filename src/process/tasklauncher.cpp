@@ -328,6 +328,15 @@ int taskLauncher::terminationStatus() const
     return d_->terminationStatus;
 }
 
+ChildActivity taskLauncher::activity() const
+{
+    std::vector<pid_t> groups;
+    for (const ChildProcess& task : d_->tasks) {
+        groups.push_back(task.pid());
+    }
+    return activityOfGroups(groups);
+}
+
 // The consumer stops before its producers.
 void taskLauncher::suspend()
 {

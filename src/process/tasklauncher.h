@@ -2,6 +2,8 @@
 
 // Long runs of tools that are listened to, paused and stopped.
 
+#include "process/childactivity.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QObject>
@@ -67,6 +69,9 @@ public:
     // Exit status of the last process (the signal's number when a signal ended it, 127 when it could not be started),
     // or statusInterrupted after a kill.
     [[nodiscard]] virtual int terminationStatus() const;
+
+    // What the chain's processes, and those that they have started, have done so far.
+    [[nodiscard]] virtual ChildActivity activity() const;
 
     // Stops the processes, last to first, and tells the delegate. Nothing happens to a chain that is paused or has
     // ended.

@@ -119,15 +119,51 @@ TEST_F(AnalysisQueue, QueueWithoutAZeroContinuesWithItsSmallestNumber)
     EXPECT_TEXTS(allSources(rows()), sources);
 }
 
-TEST_F(AnalysisQueue, LeftOverQueueOfAnEarlierRunIsResumedAtTheNextDrop)
+// The next run once converted a clip that it was not given, and hung again on one that had hung it before.
+TEST_F(AnalysisQueue, LeftOverOfAnEarlierRunIsDroppedByTheNextDropAndTold)
 {
     const QStringList sources = makeClips(3);
+    QStringList dropped;
+    QObject::connect(controller.get(), &appDelegate::leftOverDropped, controller.get(),
+                     [&dropped](const QStringList& left) { dropped += left; });
     prefWrite(pref::analysisSrcPathStr, sources.at(0));
     prefWriteDico(pref::analysisSrcPathesDico, QVariantMap({{QStringLiteral("0"), sources.at(1)}}));
-    controller->draggedFiles({sources.at(2), sources.at(0)});
-    EXPECT_TEXT(caption(), QStringLiteral("1/3"));
+    controller->draggedFiles({sources.at(2)});
+    EXPECT_TEXT(caption(), QStringLiteral("1/1"));
     ASSERT_TRUE(tools.finishAll(20));
-    EXPECT_TEXTS(allSources(rows()), QStringList({sources.at(0), sources.at(2)}));
+    EXPECT_TEXTS(allSources(rows()), QStringList(sources.at(2)));
+    EXPECT_TEXTS(dropped, QStringList({sources.at(0), sources.at(1)}));
+    expectIdle();
+}
+
+TEST_F(AnalysisQueue, LeftOverOfAnEarlierRunIsOfferedByAFaceThatCanAsk)
+{
+    const QStringList sources = makeClips(12);
+    QVariantMap queue;
+    for (int i = 1; i < 12; ++i) {
+        queue.insert(QString::number(i), sources.at(i));
+    }
+    const auto leave = [&] {
+        prefWrite(pref::analysisSrcPathStr, sources.at(0));
+        prefWriteDico(pref::analysisSrcPathesDico, queue);
+        makeController();
+        controller->applicationDidFinishLaunching();
+        settle();
+    };
+    leave();
+    EXPECT_TRUE(face.alerts.isEmpty()) << "a face that cannot ask";
+    face.offers = true;
+    face.answer(1);
+    leave();
+    ASSERT_EQ(face.alerts.size(), 1);
+    EXPECT_TRUE(face.alerts.first().text.contains(QStringLiteral("12 are left")))
+        << face.alerts.first().text.toStdString();
+    EXPECT_TRUE(tools.launches.isEmpty());
+    EXPECT_TRUE(prefRead(pref::analysisSrcPathStr).isEmpty());
+    face.answer(0);
+    leave();
+    ASSERT_TRUE(tools.finishAll());
+    EXPECT_TEXTS(allSources(rows()), sources);
     expectIdle();
 }
 

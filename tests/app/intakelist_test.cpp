@@ -70,6 +70,52 @@ TEST_F(SkippedSources, FifoLinkToNothingAndUnspeakableNameInAFolderAreTold)
     EXPECT_TEXT(list.skipped.at(2).reason, batchText("Clip_notFound"));
 }
 
+TEST_F(SkippedSources, LinksToFoldersAreToldUnlessTheirFolderIsListedAnyway)
+{
+    const QString good = clip(QStringLiteral("card/a.mts"));
+    const QString elsewhere = folder.makeFile(QStringLiteral("elsewhere/b.mts"), "b");
+    const QString out = folder.path(QStringLiteral("sources/out"));
+    ASSERT_EQ(::symlink(qPrintable(folder.path(QStringLiteral("elsewhere"))), qPrintable(out)), 0);
+    ASSERT_EQ(::symlink("card", qPrintable(folder.path(QStringLiteral("sources/in")))), 0);
+    const IntakeList list = intakeList({sources()});
+    EXPECT_TEXTS(list.accepted, QStringList(good));
+    EXPECT_TEXTS(pathsOf(list.skipped), QStringList(out));
+    EXPECT_TEXT(list.skipped.at(0).reason, batchText("Clip_linkedFolder"));
+    EXPECT_TRUE(intakeList({sources(), folder.path(QStringLiteral("elsewhere"))}).skipped.isEmpty());
+}
+
+TEST_F(SkippedSources, OneClipReachedTwiceIsOneRow)
+{
+    const QString good = clip(QStringLiteral("card/a.mts"));
+    const QString link = folder.path(QStringLiteral("link"));
+    ASSERT_EQ(::symlink(qPrintable(folder.path(QStringLiteral("sources/card"))), qPrintable(link)), 0);
+    ASSERT_EQ(::symlink("a.mts", qPrintable(folder.path(QStringLiteral("sources/card/z.mts")))), 0);
+    const QString through = link + QStringLiteral("/a.mts");
+    addRows({sources(), through, good});
+    EXPECT_EQ(rows().count(), 1);
+    addRows({through});
+    EXPECT_EQ(rows().count(), 1);
+}
+
+TEST_F(SkippedSources, WhatLiesTooDeepIsTold)
+{
+    // The folder is made step by step: no single path to its bottom is short enough.
+    clip(QStringLiteral("a.mts"));
+    int at = ::open(qPrintable(sources()), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    const std::string name(200, 'd');
+    for (int depth = 0; depth < 25; ++depth) {
+        ASSERT_EQ(::mkdirat(at, name.c_str(), 0700), 0);
+        const int next = ::openat(at, name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+        ::close(at);
+        at = next;
+    }
+    ::close(at);
+    const IntakeList list = intakeList({sources()});
+    EXPECT_EQ(list.accepted.size(), 1);
+    ASSERT_EQ(list.skipped.size(), 1);
+    EXPECT_TEXT(list.skipped.at(0).reason, batchText("Clip_tooDeep"));
+}
+
 TEST_F(SkippedSources, WhatMayNotBeReadIsTold)
 {
     const OrdinaryUser user;

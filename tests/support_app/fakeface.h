@@ -40,10 +40,12 @@ public:
     // The next answers of the folder chooser, then nothing.
     QStringList folders;
     bool helpVisible = false;
+    bool offers = false; // to go on with what an earlier run has left
     bool desktopWorks = true;
 
     QObject* window() override { return &window_; }
     QString selectFolder(const QString& title) override;
+    bool offersLeftOver() override { return offers; }
     void beep() override { events << QStringLiteral("beep"); }
     void ecran(const QString& side, float delta) override;
     void localise() override { events << QStringLiteral("localise"); }

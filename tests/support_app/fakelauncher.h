@@ -28,6 +28,9 @@ public:
     void suspend() override;
     void resume() override;
     void terminate() override;
+    [[nodiscard]] ChildActivity activity() const override { return did; }
+
+    ChildActivity did; // what the pretended chain has done so far
 
     // What the pretended chain does. Nothing happens after it has ended.
     void write(const QString& text);
