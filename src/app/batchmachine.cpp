@@ -211,7 +211,7 @@ bool BatchMachine::launch(const QStringList& arguments, float maximum, int parse
     }
     progress_.begin(maximum, parser);
     const auto missing = [this, &arguments] {
-        row_.childMissing(arguments.first());
+        row_.children().missing(arguments.first());
         Q_EMIT childGone(nullptr);
     };
     return child_.launch(arguments, missing, environment);
@@ -319,7 +319,7 @@ void BatchMachine::childDone(const taskLauncher* launcher, bool analysing)
         return;
     }
     if (launcher != nullptr) {
-        row_.childEnded(launcher->terminationStatus());
+        row_.children().ended(launcher->terminationStatus());
     }
     child_.release();
     progress_.fill();
@@ -331,7 +331,7 @@ void BatchMachine::passTime(qint64 milliseconds)
     const qint64 limit = silenceLimit(pref::silenceEncode, silentEncodeSeconds);
     if (child_.isSilentAfter(milliseconds, limit)) {
         logLine(QStringLiteral("task silent         :-( %d s"), {limit / 1000});
-        row_.childSilent(static_cast<int>(limit / 1000));
+        row_.children().silent(static_cast<int>(limit / 1000));
         child_.kill();
     }
 }

@@ -2,7 +2,6 @@
 
 #include "app/alerttext.h"
 #include "app/currentrow.h"
-#include "app/encodefailure.h"
 #include "app/logs.h"
 #include "app/session.h"
 #include "app/stepflags.h"
@@ -40,7 +39,6 @@ constexpr int replaceAlertSeconds = 60;
 constexpr int replaceButton = 0;
 constexpr int keepButton = 1;
 constexpr double smallestOutputKilobytes = 200;
-constexpr qsizetype transcriptTailLength = 4000;
 
 // A batch that was stopped under an alert goes on to the place where that is honoured; one that is no more does not.
 RowEncode::Next afterAlert(After after)
@@ -54,6 +52,14 @@ RowEncode::Next afterAlert(After after)
         break;
     }
     return RowEncode::Next::Wait;
+}
+
+// The tools publish what is all that a damaged source gives; the row says what is missing.
+void warn(BatchList& rows, int row, const std::optional<judge::Verdict>& verdict)
+{
+    if (verdict) {
+        rows.setWarning(row, verdictWords(*verdict), verdict->outcome == judge::Outcome::Incomplete);
+    }
 }
 
 bool hasSecondPass(int out)
@@ -95,9 +101,7 @@ void RowEncode::begin(int row)
     prefWrite(pref::encCurrentProcessingFile, rows().row(row).source());
     prefWriteDico(pref::processEncDico, rows().row(row).dico);
     setFlag(pref::encDeb);
-    verdict_.begin();
-    childStatus_.reset();
-    transcriptTail_ = QString();
+    children_.beginRow();
     guard_.beginRow();
 }
 
@@ -233,10 +237,7 @@ RowEncode::Next RowEncode::firstPass(int row, const QString& output)
 void RowEncode::launches(Pass pass)
 {
     pass_ = std::move(pass);
-    childStatus_.reset();
-    silence_ = QString();
-    transcriptTail_ = QString();
-    verdict_.beginPass();
+    children_.beginPass();
 }
 
 // Nothing when it has made a movie for the second pass. Half a recording replaces nothing, so that the second pass over
@@ -244,16 +245,17 @@ void RowEncode::launches(Pass pass)
 QString RowEncode::firstPassFailure(const QString& output) const
 {
     const bool made = guard_.hasMade(intermediateName(output));
-    if (!verdict_.isGood() || !made) {
-        return failureReason(made);
+    const RowVerdict& verdict = children_.verdict();
+    if (!verdict.isGood() || !made) {
+        return children_.failureReason(made);
     }
-    const bool incomplete = verdict_.verdict()->outcome == judge::Outcome::Incomplete;
-    return incomplete && guard_.isTaken() ? olderKept(*verdict_.verdict()) : QString();
+    const bool incomplete = verdict.verdict()->outcome == judge::Outcome::Incomplete;
+    return incomplete && guard_.isTaken() ? olderKept(*verdict.verdict()) : QString();
 }
 
 RowEncode::Next RowEncode::secondPass()
 {
-    verdict_.beginSecondPass();
+    children_.beginSecondPass();
     const QString output = currentValue(record::dstPathStr);
     prefWriteChildDico(pref::processEncDico, record::mainEncSrcPathStr, output);
     const float duration = currentNumber(record::w_duration);
@@ -330,8 +332,8 @@ void RowEncode::judge(int row, const QString& output)
 {
     const double kilobytes = poidsFile(output, QStringLiteral("k"));
     const bool made = guard_.hasMade(output);
-    if (!verdict_.isGood() || !made) {
-        fail(row, failureReason(made));
+    if (!children_.verdict().isGood() || !made) {
+        fail(row, children_.failureReason(made));
         guard_.removePartial(output);
     } else if (kilobytes > -1 && kilobytes < smallestOutputKilobytes) {
         fail(row, batchText("Enc_tooSmall"));
@@ -339,20 +341,12 @@ void RowEncode::judge(int row, const QString& output)
     } else {
         rows().setResultat(row, rowIcon::success);
         rows().setOutput(row, output);
-        warn(row);
+        warn(rows(), row, children_.verdict().verdict());
         guard_.keep(output);
         // Libraries sort by the file's date where they know no other one.
         if (const std::optional<qint64> recorded = recordingName(rows().row(row).source()).seconds) {
             setModificationTime(output, *recorded);
         }
-    }
-}
-
-// The tools publish what is all that a damaged source gives; the row says what is missing.
-void RowEncode::warn(int row)
-{
-    if (const std::optional<judge::Verdict>& verdict = verdict_.verdict()) {
-        rows().setWarning(row, verdictWords(*verdict), verdict->outcome == judge::Outcome::Incomplete);
     }
 }
 
@@ -372,41 +366,15 @@ void RowEncode::fail(int row, const QString& reason)
 
 void RowEncode::childWrote(const QString& text)
 {
-    verdict_.read(text);
-    if (const std::optional<FileIdentity>& file = verdict_.output(); isOpen() && file && guard_.noteOwn(*file)) {
+    children_.wrote(text);
+    if (const std::optional<FileIdentity>& file = children_.verdict().output();
+        isOpen() && file && guard_.noteOwn(*file)) {
         // Should the program be killed, its next start clears away the first pass's movie and no other file.
         prefWriteChildDico(pref::processEncDico, ownFile, QString::fromStdString(publication::replacesText(file)));
         if (isFlagSet(pref::encQtEnc)) {
             prefSynchronize();
         }
     }
-    transcriptTail_ = (transcriptTail_ + text).right(transcriptTailLength);
-}
-
-void RowEncode::childMissing(const QString& tool)
-{
-    transcriptTail_ = formatText(batchText("Enc_toolMissing"), {tool});
-}
-
-void RowEncode::childSilent(int seconds)
-{
-    silence_ = formatText(batchText("Enc_silent"), {seconds});
-}
-
-QString RowEncode::failureReason(bool made) const
-{
-    if (!silence_.isNull()) {
-        return silence_;
-    }
-    const std::optional<judge::Verdict>& verdict = verdict_.verdict();
-    if (verdict && verdict->outcome == judge::Outcome::Failed && !verdict->findings.empty()) {
-        return verdictWords(*verdict);
-    }
-    if (made && childStatus_ == 0 && !verdict_.isPassJudged()) {
-        return batchText("Enc_notJudged");
-    }
-    const QString line = failureLine(transcriptTail_);
-    return line.isNull() ? batchText("Enc_noOutput") : line;
 }
 
 } // namespace tavrix

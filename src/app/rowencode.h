@@ -3,7 +3,7 @@
 // The life of one row, from its preparation to its judgement.
 
 #include "app/outputguard.h"
-#include "app/rowverdict.h"
+#include "app/rowchildren.h"
 #include "app/session.h"
 #include "process/tasklauncher.h"
 
@@ -57,12 +57,9 @@ public:
     [[nodiscard]] bool isOpen() const { return state_ == State::Open; }
     void close() { state_ = State::None; }
 
-    // A child's text, its end with its status, and a child that could not be started.
+    // A child's text goes in here; its end and its absence, to the children.
     void childWrote(const QString& text);
-    void childEnded(int status) { childStatus_ = status; }
-    void childMissing(const QString& tool);
-    // It has said nothing for that long and is ended.
-    void childSilent(int seconds);
+    [[nodiscard]] RowChildren& children() { return children_; }
     // Marks the row as failed; an index out of range is ignored.
     void fail(int row, const QString& reason);
 
@@ -84,9 +81,6 @@ private:
     Next refuse(int row, const QString& reason);
     [[nodiscard]] bool writeClosingBlock(int row, float duration);
     void judge(int row, const QString& output);
-    void warn(int row);
-    // `made`: whether there is an output, believed or not.
-    [[nodiscard]] QString failureReason(bool made) const;
     [[nodiscard]] BatchList& rows() const;
 
     Session& session_;
@@ -94,10 +88,7 @@ private:
     Pass pass_;
     State state_ = State::None;
     qint64 startedAt_ = 0; // seconds since 1970
-    RowVerdict verdict_;
-    std::optional<int> childStatus_; // of the last child; nothing before its end
-    QString silence_;                // that the child had to be ended; nothing otherwise
-    QString transcriptTail_;         // last text of the row's children, for the reason of a failure
+    RowChildren children_;
     std::optional<int> replacePolicy_;
 };
 

@@ -1,0 +1,41 @@
+#pragma once
+
+// What the children of a row say, and how they end.
+
+#include "app/rowverdict.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace tavrix
+{
+
+class RowChildren
+{
+public:
+    // Before a row, before each of its children, and before the second of them besides.
+    void beginRow();
+    void beginPass();
+    void beginSecondPass() { verdict_.beginSecondPass(); }
+
+    // Any piece of a child's text.
+    void wrote(const QString& text);
+    void ended(int status) { status_ = status; }
+    // The tool could not be started.
+    void missing(const QString& tool);
+    // One has said nothing for that long and is ended.
+    void silent(int seconds);
+
+    [[nodiscard]] const RowVerdict& verdict() const { return verdict_; }
+    // Why the row has failed, localised. `made`: whether there is an output, believed or not.
+    [[nodiscard]] QString failureReason(bool made) const;
+
+private:
+    RowVerdict verdict_;
+    std::optional<int> status_; // of the last child; nothing before its end
+    QString silence_;           // that it was ended for its silence; nothing when it was not
+    QString transcriptTail_;    // its last text, for the reason of a failure
+};
+
+} // namespace tavrix
