@@ -7,6 +7,7 @@
 #include "app/windowmodel.h"
 #include "app/workfolder.h"
 #include "base/bundle.h"
+#include "base/filebeginnings.h"
 #include "base/filedelete.h"
 #include "base/filesizes.h"
 #include "base/format.h"

@@ -25,10 +25,6 @@ struct ClipVerdict {
 
 // Interlacing letter of a YUV4MPEG stream header: the character after " I", else the whole line.
 [[nodiscard]] QString interlacingLetter(const QString& headerLine);
-// First line of a file, at most 4096 bytes; nothing when the file cannot be read.
-[[nodiscard]] QString firstLineOfFile(const QString& path);
-// True when the file begins like a complete JPEG picture with a size.
-[[nodiscard]] bool isJpegFile(const QString& path);
 
 // One line that tells what a source is: codec, size, rate, duration.
 [[nodiscard]] QString clipDescription(const MediaInfoRecord& infos);

@@ -5,13 +5,6 @@
 namespace tavrix::movencoder
 {
 
-std::string avErrorText(int code)
-{
-    std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
-    av_strerror(code, text.data(), text.size());
-    return text.data();
-}
-
 #ifdef AV_FRAME_FLAG_INTERLACED
 
 Fields fieldsOf(const AVFrame& picture)

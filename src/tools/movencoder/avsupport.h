@@ -1,35 +1,29 @@
 #pragma once
 
-// Ownership of the FFmpeg libraries' objects, their error texts, and what differs between their versions.
+// Ownership of the FFmpeg libraries' objects, and what differs between their versions.
+
+#include "media/avowners.h"
 
 #include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
 
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/frame.h>
 #include <libswscale/swscale.h>
 }
 
 namespace tavrix::movencoder
 {
 
-struct AvDeleter {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-    void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+using media::avErrorText;
+using CodecPtr = media::CodecPointer;
+using FramePtr = media::FramePointer;
+using PacketPtr = media::PacketPointer;
+struct ScalerDeleter {
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
-using FramePtr = std::unique_ptr<AVFrame, AvDeleter>;
-using PacketPtr = std::unique_ptr<AVPacket, AvDeleter>;
-using CodecPtr = std::unique_ptr<AVCodecContext, AvDeleter>;
-using ScalerPtr = std::unique_ptr<SwsContext, AvDeleter>;
-
-[[nodiscard]] std::string avErrorText(int code);
+using ScalerPtr = std::unique_ptr<SwsContext, ScalerDeleter>;
 
 // How the lines of a picture belong to its fields.
 struct Fields {
