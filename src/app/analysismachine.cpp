@@ -21,6 +21,7 @@
 #include "probe/cameraclip.h"
 #include "probe/ffinfos.h"
 #include "probe/ffprobes.h"
+#include "probe/pictureobstacle.h"
 #include "probe/recordingname.h"
 
 #include <QRandomGenerator>
@@ -214,7 +215,13 @@ void AnalysisMachine::parse()
     const QString text = std::exchange(source_.incoming, QString());
     if (!text.isEmpty() && text != QLatin1String(" ")) {
         source_.retained = text;
-        if (!ffmpegSuccess(text)) {
+        const bool readable = ffmpegSuccess(text);
+        const Look look = readable ? Look::AtHeader : Look::AtPackets;
+        if (const QString obstacle = pictureObstacle(prefRead(pref::analysisSrcPathStr), look); !obstacle.isNull()) {
+            reject(obstacle);
+            return;
+        }
+        if (!readable) {
             setFlag(pref::analysisFin);
             step();
             return;

@@ -14,6 +14,7 @@
 #include "probe/ffinfos.h"
 #include "probe/ffprobes.h"
 #include "probe/intakelist.h"
+#include "probe/pictureobstacle.h"
 #include "probe/streamoffsets.h"
 #include "probe/vocabulary.h"
 #include "process/runners.h"
@@ -147,6 +148,10 @@ void Inspector::judge()
     }
     const QString code = inspection_.interlacing.isNull() ? interlacedYuvheaders2tvxStr({}) : inspection_.interlacing;
     inspection_.verdict = cameraClipVerdict(inspection_.infos, code);
+    const Look look = inspection_.verdict.accepted ? Look::AtHeader : Look::AtPackets;
+    if (const QString obstacle = pictureObstacle(file_, look); !obstacle.isNull()) {
+        inspection_.verdict = {false, obstacle};
+    }
 }
 
 void Inspector::lookThoroughly()

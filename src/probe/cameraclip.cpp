@@ -43,7 +43,8 @@ ClipVerdict cameraClipVerdict(const std::optional<MediaInfoRecord>& infos, const
     const int height = infos->value(record::v0_height).toInt();
     if (width > maximumWidth || height > maximumHeight) {
         const QString size = formatText(QStringLiteral("%dx%d"), {width, height});
-        return {false, formatText(batchText("Clip_tooLarge"), {size})};
+        const bool upright = height > width && width <= maximumWidth;
+        return {false, formatText(batchText(upright ? "Clip_upright" : "Clip_tooLarge"), {size})};
     }
     if (interlacing != localizedString(QStringLiteral("PFF"), QStringLiteral("NonLocalizable"))) {
         return {false, batchText("Clip_interlaced")};

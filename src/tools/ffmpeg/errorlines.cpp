@@ -162,6 +162,11 @@ std::optional<int> streamWithoutParameters(std::string_view line)
     return line.starts_with('[') ? numberBehind(line, "] Could not find codec parameters for stream ") : std::nullopt;
 }
 
+bool tellsMissingIndex(std::string_view line)
+{
+    return line.starts_with("[mov,") && line.ends_with("] moov atom not found");
+}
+
 bool tellsUndecodable(std::string_view line)
 {
     return line.starts_with("Cannot determine format of input ") ||

@@ -46,6 +46,9 @@ struct OpenFailure {
 // The number of the stream whose parameters were not found; nothing for other lines.
 [[nodiscard]] std::optional<int> streamWithoutParameters(std::string_view line);
 
+// A movie's header, which says where everything is, comes last: a recording that was not finished lacks it.
+[[nodiscard]] bool tellsMissingIndex(std::string_view line);
+
 // Whether a line tells that a stream ended without a picture or sound that could be decoded.
 [[nodiscard]] bool tellsUndecodable(std::string_view line);
 

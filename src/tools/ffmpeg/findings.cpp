@@ -18,6 +18,7 @@ void Findings::note(const std::string& line, const std::string& shown)
     framesCounted = framesCounted || countsFrames(line);
     nothingEncoded = nothingEncoded || tellsNothingEncoded(line);
     summaryEmpty = summaryEmpty || tellsNoContent(line);
+    indexMissing = indexMissing || tellsMissingIndex(line);
     undecodable = undecodable || tellsUndecodable(line);
     if (writeFailure.empty() && tellsWriteFailure(line)) {
         writeFailure = shown;

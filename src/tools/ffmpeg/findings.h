@@ -18,6 +18,7 @@ struct Findings {
     bool nothingEncoded = false;  // so ffmpeg says
     bool summaryEmpty = false;    // its summary names no content
     bool undecodable = false;     // not one picture came out of the decoder
+    bool indexMissing = false;    // the input is a movie without its header
     bool foreignFormat = false;   // the input is in a format that is not handled
     int decodeErrors = 0;         // lines that tell of frames refused or damaged
 

@@ -268,12 +268,15 @@ private:
     // The last line is the one that a person reads: ffmpeg's own often says only that it failed.
     void explain(const Findings& findings) const
     {
-        if (!source_) {
+        if (line_.inputs.empty()) {
             return;
         }
-        std::string reason = unusablePictures(source_->facts);
+        std::string reason = source_ ? unusablePictures(source_->facts) : std::string();
         if (reason.empty() && findings.undecodable) {
             reason = "none of its pictures can be decoded";
+        }
+        if (reason.empty() && findings.indexMissing) {
+            reason = "its index is missing: the recording was not finished, or the copy is cut";
         }
         if (!reason.empty()) {
             print(onOneLine(line_.inputs.front().name) + ": " + reason);

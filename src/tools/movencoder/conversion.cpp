@@ -10,7 +10,6 @@
 #include "tools/movencoder/progress.h"
 
 #include <optional>
-#include <utility>
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -77,7 +76,7 @@ public:
                 return Failure{taken.reason()};
             }
         }
-        if (auto finished = finish(fd); !finished) {
+        if (auto finished = finish(); !finished) {
             return Failure{finished.reason()};
         }
         return Conversion{reader_->packets(), reader_->decodedPictures(), reader_->damagedPictures(), written_,
@@ -132,30 +131,25 @@ private:
         return {};
     }
 
-    // Copying fragments that overlap in time leaves pictures in a movie that are there for decoding alone: no player
-    // shows what the next picture replaces at once. Which they are is known when that one has come.
+    // Copying fragments that overlap in time leaves pictures in a movie that are there for decoding alone, at once
+    // behind the one that is shown.
     Result<void> takePicture(int fd)
     {
         DecodedPicture picture = reader_->takePicture();
-        const auto ownTime = picture.time;
-        if (held_ && replacesHeld(ownTime)) {
-            picture.time = held_->time;
-            if (!picture.frame) {
-                picture.frame = std::move(held_->frame);
-            }
-            held_.reset();
+        const bool shown = !followsAtOnce(picture.time);
+        lastOwnTime_ = picture.time;
+        if (!shown) {
+            return {};
         }
-        std::optional<DecodedPicture> before = std::exchange(held_, std::move(picture));
-        heldTime_ = ownTime;
-        return before ? submit(fd, std::move(*before)) : Result<void>();
+        return submit(fd, std::move(picture));
     }
 
-    [[nodiscard]] bool replacesHeld(std::optional<std::int64_t> time) const
+    [[nodiscard]] bool followsAtOnce(std::optional<std::int64_t> time) const
     {
-        if (!reader_->isMovie() || !time || !heldTime_) {
+        if (!reader_->isMovie() || !time || !lastOwnTime_) {
             return false;
         }
-        const double seconds = static_cast<double>(*time - *heldTime_) * av_q2d(reader_->video()->time_base);
+        const double seconds = static_cast<double>(*time - *lastOwnTime_) * av_q2d(reader_->video()->time_base);
         return seconds >= 0 && seconds < media::shortestShown;
     }
 
@@ -220,13 +214,8 @@ private:
         return {};
     }
 
-    Result<void> finish(int fd)
+    Result<void> finish()
     {
-        if (held_) {
-            if (auto submitted = submit(fd, std::move(*held_)); !submitted) {
-                return submitted;
-            }
-        }
         ended_ = true;
         while (!pipeline_->empty()) {
             if (auto written = writeOldest(); !written) {
@@ -246,9 +235,8 @@ private:
     std::optional<PictureClock> clock_;
     std::optional<EncodePipeline> pipeline_;
     std::vector<PacketPtr> earlySounds_;
-    std::optional<DecodedPicture> held_;   // the last one that came
-    std::optional<std::int64_t> heldTime_; // its own time
-    std::int64_t lastTime_ = 0;            // of the last picture, in the source's time base
+    std::optional<std::int64_t> lastOwnTime_; // as the reader told it, of the last picture that came
+    std::int64_t lastTime_ = 0;               // of the last picture, in the source's time base
     std::int64_t lastDuration_ = 0;
     std::int64_t written_ = 0;
     bool ended_ = false;
