@@ -257,7 +257,9 @@ bool decodeFromKey(Decoder& decoder, int mostPackets)
     std::int64_t frames = 0;
     bool good = true;
     bool begun = false;
-    for (int packets = 0; good && packets <= mostPackets && decoder.feed(); packets += decoder.hidden() ? 0 : 1) {
+    // A decoder that does not know the order beforehand holds pictures back.
+    for (int packets = 0; good && (packets <= mostPackets || frames == 0) && decoder.feed();
+         packets += decoder.hidden() ? 0 : 1) {
         const std::int64_t time = decoder.packet().pts;
         key = begun ? key : time;
         begun = true;
