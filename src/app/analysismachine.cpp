@@ -1,6 +1,7 @@
 #include "app/analysismachine.h"
 
 #include "app/droparea.h"
+#include "app/encodefailure.h"
 #include "app/face.h"
 #include "app/session.h"
 #include "app/stepflags.h"
@@ -23,6 +24,7 @@
 #include "probe/ffprobes.h"
 #include "probe/pictureobstacle.h"
 #include "probe/recordingname.h"
+#include "process/childprocess.h"
 
 #include <QRandomGenerator>
 
@@ -213,6 +215,11 @@ void AnalysisMachine::parse()
         }
     }
     const QString text = std::exchange(source_.incoming, QString());
+    // What is wrong with the machine is no fault of the clip's.
+    if (const QString trouble = toolTrouble(text); !trouble.isNull()) {
+        reject(trouble);
+        return;
+    }
     if (!text.isEmpty() && text != QLatin1String(" ")) {
         source_.retained = text;
         const bool readable = ffmpegSuccess(text);
@@ -246,6 +253,15 @@ void AnalysisMachine::reject(const QString& reason)
     prefDelete(pref::analysisIStr);
     setFlag(pref::analysisFin);
     step();
+}
+
+QString AnalysisMachine::toolTrouble(const QString& text) const
+{
+    const taskLauncher* launcher = child_.launcher();
+    if (text.isEmpty() && launcher != nullptr && launcher->terminationStatus() == ChildProcess::statusNotStarted) {
+        return formatText(batchText("Enc_toolNotStarted"), {ffmpegTool()});
+    }
+    return machineTrouble(text);
 }
 
 void AnalysisMachine::makeThumbnail(const MediaInfoRecord& infos)

@@ -76,6 +76,8 @@ private:
     void decode();
     void parse();
     void reject(const QString& reason);
+    // Why the tool could say nothing of the source; nothing when it could.
+    [[nodiscard]] QString toolTrouble(const QString& text) const;
     void makeThumbnail(const MediaInfoRecord& infos);
     void finishSource();
     void addRow(MediaInfoRecord infos);

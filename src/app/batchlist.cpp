@@ -134,6 +134,14 @@ void BatchList::setReason(int index, const QString& reason)
     }
 }
 
+void BatchList::setKept(int index, bool kept)
+{
+    if (index >= 0 && index < count()) {
+        rows_[index].kept = kept;
+        noteChange(index);
+    }
+}
+
 void BatchList::setOutput(int index, const QString& path)
 {
     if (index >= 0 && index < count()) {

@@ -28,6 +28,7 @@ struct BatchRow {
     QString reason;       // why the row failed; nothing unless it did
     QString output;       // path of the finished output; nothing until then
     QString warning;      // what the finished output lacks, or what is odd about it; nothing when it is as it should be
+    bool kept = false;    // failed only because what stood under its output's name was to be kept
     bool incomplete = false; // the output holds all that could be read of a damaged source
 
     // Full path of the source; "" for a row without a record.
@@ -71,6 +72,7 @@ public:
     void keepOnly(int index); // removes every other row
     void setResultat(int index, const QString& iconName);
     void setReason(int index, const QString& reason);
+    void setKept(int index, bool kept);
     void setOutput(int index, const QString& path);
     void setWarning(int index, const QString& warning, bool incomplete);
     void setOut(int index, int out);

@@ -2,6 +2,7 @@
 
 #include "app/alerttext.h"
 #include "app/batchrows.h"
+#include "app/batchtally.h"
 #include "app/currentrow.h"
 #include "app/destination.h"
 #include "app/droparea.h"
@@ -63,6 +64,7 @@ void BatchMachine::start()
     for (int i = 0; i < rows.count(); ++i) {
         rows.setResultat(i, rowIcon::pending);
         rows.setReason(i, QString());
+        rows.setKept(i, false);
         rows.setOutput(i, QString());
         rows.setWarning(i, QString(), false);
     }
@@ -269,7 +271,7 @@ void BatchMachine::endStopped()
 
 void BatchMachine::tellEnd(bool stopped)
 {
-    session_.sheet(alertText("D_fin_GUI"));
+    session_.sheet(alertText("D_fin_GUI"), tallyText(tallyOf(session_.model().encBatchArrayController)));
     destination_.reveal(&session_.model().mainEncDstRevealBt);
     Q_EMIT batchEnded(stopped);
 }

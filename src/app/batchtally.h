@@ -10,12 +10,17 @@ namespace tavrix
 struct BatchTally {
     int converted = 0;
     int incomplete = 0; // converted as far as the damaged source could be read
-    int failed = 0;
+    int failed = 0;     // those that are kept included
+    int kept = 0;       // not converted, since what stood under the name was to be kept
+    int notBegun = 0;   // their turn has not come
 
     void count(const BatchRow& row)
     {
-        if (row.hasFailed()) {
+        if (row.resultat == rowIcon::pending) {
+            ++notBegun;
+        } else if (row.hasFailed()) {
             ++failed;
+            kept += row.kept ? 1 : 0;
         } else if (row.incomplete) {
             ++incomplete;
         } else {
@@ -23,5 +28,10 @@ struct BatchTally {
         }
     }
 };
+
+// Of all rows.
+[[nodiscard]] BatchTally tallyOf(const BatchList& rows);
+// "66 of 200 clips converted, 1 failed, 133 not begun", in the user's language; what there is none of is left out.
+[[nodiscard]] QString tallyText(const BatchTally& tally);
 
 } // namespace tavrix

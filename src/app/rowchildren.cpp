@@ -4,6 +4,7 @@
 #include "app/verdictwords.h"
 #include "base/format.h"
 #include "probe/batchtexts.h"
+#include "process/childprocess.h"
 
 namespace tavrix
 {
@@ -23,8 +24,9 @@ void RowChildren::beginRow()
     transcriptTail_ = QString();
 }
 
-void RowChildren::beginPass()
+void RowChildren::beginPass(const QString& tool)
 {
+    tool_ = tool;
     verdict_.beginPass();
     status_.reset();
     silence_ = QString();
@@ -60,7 +62,10 @@ QString RowChildren::failureReason(bool made) const
         return batchText("Enc_notJudged");
     }
     const QString line = failureLine(transcriptTail_);
-    return line.isNull() ? batchText("Enc_noOutput") : line;
+    if (line.isNull() && status_ == ChildProcess::statusNotStarted) {
+        return formatText(batchText("Enc_toolNotStarted"), {tool_});
+    }
+    return line.isNull() ? batchText("Enc_noOutput") : plainReason(line);
 }
 
 } // namespace tavrix

@@ -14,9 +14,9 @@ namespace tavrix
 class RowChildren
 {
 public:
-    // Before a row, before each of its children, and before the second of them besides.
+    // Before a row, before each of its children (the path of its tool), and before the second of them besides.
     void beginRow();
-    void beginPass();
+    void beginPass(const QString& tool);
     void beginSecondPass() { verdict_.beginSecondPass(); }
 
     // Any piece of a child's text.
@@ -33,6 +33,7 @@ public:
 
 private:
     RowVerdict verdict_;
+    QString tool_;              // of the last child
     std::optional<int> status_; // of the last child; nothing before its end
     QString silence_;           // that it was ended for its silence; nothing when it was not
     QString transcriptTail_;    // its last text, for the reason of a failure

@@ -21,7 +21,9 @@
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
 #include "encode/outputname.h"
+#include "encode/presets.h"
 #include "encode/progress.h"
+#include "encode/rowforecast.h"
 #include "probe/batchtexts.h"
 #include "probe/recordersources.h"
 #include "probe/recordingname.h"
@@ -65,6 +67,24 @@ void warn(BatchList& rows, int row, const std::optional<judge::Verdict>& verdict
 bool hasSecondPass(int out)
 {
     return (out == 4 && getAIC() != 0) || (out == 5 && getPRORES() != 0);
+}
+
+qint64 freeBytes(const QString& output)
+{
+    return qint64{espaceDiskDispo(stringByDeletingLastPathComponent(output))} * 1024 * 1024;
+}
+
+// In units of a million bytes, at least one.
+qint64 megabytes(qint64 bytes)
+{
+    constexpr qint64 million = 1000000;
+    return (bytes + million - 1) / million;
+}
+
+bool bringsPresets()
+{
+    return ffpresetParserFunction(QStringLiteral("presets"), QStringLiteral("libx264-0.ffpreset")).has_value() &&
+           ffpresetParserFunction(QStringLiteral("presets"), QStringLiteral("appleSd.ffpreset")).has_value();
 }
 
 // What the tool may replace and, when it is not the name among the arguments, where its output goes.
@@ -160,13 +180,19 @@ RowEncode::Next RowEncode::clearWay(int row, const QString& output)
             return afterAlert(answer.after);
         }
         if (answer.button == keepButton) {
+            rows().setKept(row, true);
             return refuse(row, batchText("Enc_kept"));
         }
     }
+    // The rule's own estimate knows nothing of rate and content; where it lets pass what cannot fit, this one does not.
+    const qint64 room = leastRoom(rows().row(row).dico, rows().row(row).out);
     if (!hasSpace(row, output)) {
         // The same words twice are no slip: there is nothing else to say.
         const After after = session_.tell(alertText("D_keep"), alertText("D_keep"));
         return after == After::GoOn ? refuse(row, batchText("Enc_noSpace")) : afterAlert(after);
+    }
+    if (const qint64 available = freeBytes(output); room > available) {
+        return refuse(row, formatText(batchText("Enc_noRoom"), {megabytes(room), megabytes(available)}));
     }
     return Next::Launch;
 }
@@ -205,6 +231,11 @@ bool RowEncode::hasSpace(int row, const QString& output)
 RowEncode::Next RowEncode::firstPass(int row, const QString& output)
 {
     const int out = rows().row(row).out;
+    constexpr int h264 = 1;
+    if (out == h264 && !bringsPresets()) {
+        // Without them the encode would silently be another one.
+        return refuse(row, formatText(batchText("Enc_noPresets"), {toolPath(QStringLiteral("presets"))}));
+    }
     const QString source = currentValue(record::mainEncSrcPathStr);
     startedAt_ = QDateTime::currentSecsSinceEpoch();
     logResume(formatText(QStringLiteral("\n----------\n\n"
@@ -237,7 +268,7 @@ RowEncode::Next RowEncode::firstPass(int row, const QString& output)
 void RowEncode::launches(Pass pass)
 {
     pass_ = std::move(pass);
-    children_.beginPass();
+    children_.beginPass(pass_.arguments.value(0));
 }
 
 // Nothing when it has made a movie for the second pass. Half a recording replaces nothing, so that the second pass over

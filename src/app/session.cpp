@@ -43,9 +43,9 @@ ChosenFolder Session::chooseFolder()
     return {after(), std::move(folder)};
 }
 
-void Session::sheet(const QString& title)
+void Session::sheet(const QString& title, const QString& text)
 {
-    displayAlertSheet(title, QString(), face_.window());
+    displayAlertSheet(title, text, face_.window());
 }
 
 } // namespace tavrix

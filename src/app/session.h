@@ -62,7 +62,7 @@ public:
     // The face's folder chooser, which is modal too.
     ChosenFolder chooseFolder();
     // A sheet on the window: it never waits for its answer.
-    void sheet(const QString& title);
+    void sheet(const QString& title, const QString& text = QString());
 
 private:
     After after() const;

@@ -1,5 +1,6 @@
 #include "console/batchrunner.h"
 
+#include "app/batchtally.h"
 #include "base/filesizes.h"
 #include "base/format.h"
 #include "base/runloopgate.h"
@@ -42,8 +43,10 @@ void BatchRunner::connectController()
         finish(exitSomeFailed);
     });
     connect(controller_, &appDelegate::analysisEnded, this, &BatchRunner::analysisOver);
-    connect(controller_, &appDelegate::rowStarted, this,
-            [this, &rows](int row) { reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src); });
+    connect(controller_, &appDelegate::rowStarted, this, [this, &rows](int row) {
+        batchBegan_ = true;
+        reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src);
+    });
     connect(controller_, &appDelegate::rowProgress, this,
             [this](int /*row*/, float value, float maximum) { reporter_->rowProgress(value, maximum); });
     connect(controller_, &appDelegate::rowFinished, this, &BatchRunner::noteRow);
@@ -89,6 +92,7 @@ void BatchRunner::noteRow(int row, bool success)
     }
     report.warning = finished.warning;
     report.incomplete = finished.incomplete;
+    report.kept = finished.kept;
     rows_ << report;
     reporter_->rowFinished(row + 1, rows.count(), report);
 }
@@ -101,7 +105,9 @@ void BatchRunner::finish(int exitCode)
     finished_ = true;
     face_->setExitCode(exitCode);
     const QString folder = eventsFolder(controller_->model().mainEncDstPathStr.stringValue());
-    reporter_->summary(rows_, leftOut_, folder, exitCode);
+    // Before a batch has begun no row is kept waiting by its end.
+    const int notBegun = batchBegan_ ? tallyOf(controller_->model().encBatchArrayController).notBegun : 0;
+    reporter_->summary(rows_, {leftOut_, notBegun}, folder, exitCode);
     // The controller is in the middle of a step: it is asked to quit from the event loop.
     RunLoopGate::instance().deliverLater([this] { controller_->quitWithoutQuestion(); });
 }

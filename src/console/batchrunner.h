@@ -44,6 +44,7 @@ private:
     Reporter* reporter_;
     QList<RowReport> rows_;
     int leftOut_ = 0;
+    bool batchBegan_ = false;
     bool interrupted_ = false;
     bool finished_ = false;
     bool pausedHere_ = false;

@@ -38,6 +38,9 @@ QJsonObject rowObject(const RowReport& row)
         }
     } else {
         object.insert(name("reason"), row.reason);
+        if (row.kept) {
+            object.insert(name("kept"), true);
+        }
     }
     return object;
 }
@@ -113,14 +116,18 @@ void JsonReporter::message(const QString& title, const QString& text, const QStr
     write("message", {{name("title"), title}, {name("text"), text}, {name("answer"), answer}});
 }
 
-void JsonReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode)
+void JsonReporter::summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
+                           int exitCode)
 {
     QJsonArray list;
     for (const RowReport& row : rows) {
         list.append(rowObject(row));
     }
-    write("end",
-          {{name("rows"), list}, {name("leftOut"), leftOut}, {name("folder"), folder}, {name("exitCode"), exitCode}});
+    write("end", {{name("rows"), list},
+                  {name("leftOut"), others.leftOut},
+                  {name("notBegun"), others.notBegun},
+                  {name("folder"), folder},
+                  {name("exitCode"), exitCode}});
 }
 
 } // namespace tavrix

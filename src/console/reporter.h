@@ -17,7 +17,16 @@ struct RowReport {
     qint64 bytes = 0;
     bool success = false;
     QString warning = {};    // what the output lacks, or what is odd about it; nothing otherwise
+    bool kept = false;       // failed only because what stood under its name was to be kept
     bool incomplete = false; // it holds all that could be read of a damaged source
+};
+
+// What never became a finished row.
+struct NotConverted {
+    NotConverted(int leftOutCount = 0, int notBegunCount = 0) : leftOut(leftOutCount), notBegun(notBegunCount) {}
+
+    int leftOut;  // no row
+    int notBegun; // rows whose turn has not come
 };
 
 // Tells a person or a program what happens. Every call is made on the main thread, in order.
@@ -38,8 +47,9 @@ public:
     virtual void rowFinished(int number, int total, const RowReport& row) = 0;
     // A message that the window would show as an alert; `answer` is what was answered for the user, or nothing.
     virtual void message(const QString& title, const QString& text, const QString& answer) = 0;
-    // The last call. `leftOut` counts what was no row; the folder is the one of the outputs.
-    virtual void summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode) = 0;
+    // The last call. The folder is the one of the outputs.
+    virtual void summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
+                         int exitCode) = 0;
 };
 
 } // namespace tavrix

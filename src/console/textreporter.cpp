@@ -84,6 +84,7 @@ void TextReporter::analysing(const QString& path, int number, int total)
 
 void TextReporter::accepted(const QString& path, const QVariantMap& infos)
 {
+    ++names_[lastPathComponent(path)];
     const QString what = clipDescription(infos);
     line(formatText(QStringLiteral("%@ %@: %@"),
                     {place(), shownName(path), what.isEmpty() ? consoleText("Con_unreadable") : what}));
@@ -129,7 +130,7 @@ void TextReporter::rowFinished(int number, int total, const RowReport& row)
             line(QStringLiteral("  ") + shownText(row.warning));
         }
     } else {
-        line(formatText(consoleText("Con_rowFailed"), {number, total, shownName(row.source), shownText(row.reason)}));
+        line(formatText(consoleText("Con_rowFailed"), {number, total, failedName(row.source), shownText(row.reason)}));
     }
 }
 
@@ -145,17 +146,36 @@ void TextReporter::message(const QString& title, const QString& text, const QStr
     line(shown);
 }
 
-void TextReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int /*exitCode*/)
+QString TextReporter::failedName(const QString& path) const
 {
-    if (rows.isEmpty() && leftOut == 0) {
+    const QString name = lastPathComponent(path);
+    if (names_.value(name) < 2) {
+        return shownName(path);
+    }
+    return elided(lastPathComponent(stringByDeletingLastPathComponent(path)) + u'/' + name, widestShownName);
+}
+
+void TextReporter::summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
+                           int /*exitCode*/)
+{
+    if (rows.isEmpty() && others.leftOut == 0) {
         return;
     }
     const auto done = std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.success; });
     const auto incomplete =
         std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.incomplete; });
     line(QString());
-    line(formatText(consoleText("Con_summary"), {qint64(done) - qint64(incomplete), qint64(incomplete),
-                                                 qint64(rows.size()) - qint64(done), leftOut}));
+    const auto kept = std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.kept; });
+    QString counts =
+        formatText(consoleText("Con_summary"), {qint64(done) - qint64(incomplete), qint64(incomplete),
+                                                qint64(rows.size()) - qint64(done) - qint64(kept), others.leftOut});
+    if (kept > 0) {
+        counts += formatText(consoleText("Con_summaryKept"), {qint64(kept)});
+    }
+    if (others.notBegun > 0) {
+        counts += formatText(consoleText("Con_summaryNotBegun"), {others.notBegun});
+    }
+    line(counts);
     for (const RowReport& row : rows) {
         if (row.success) {
             line(formatText(QStringLiteral("  %@  %@"), {shownText(row.output), sizeText(row.bytes)}));
@@ -163,7 +183,7 @@ void TextReporter::summary(const QList<RowReport>& rows, int leftOut, const QStr
                 line(QStringLiteral("    ") + shownText(row.warning));
             }
         } else {
-            line(formatText(consoleText("Con_summaryFailed"), {shownName(row.source), shownText(row.reason)}));
+            line(formatText(consoleText("Con_summaryFailed"), {failedName(row.source), shownText(row.reason)}));
         }
     }
     if (done > 0) {

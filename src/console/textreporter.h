@@ -4,6 +4,7 @@
 #include "console/reporter.h"
 
 #include <QElapsedTimer>
+#include <QHash>
 
 namespace tavrix
 {
@@ -23,7 +24,8 @@ public:
     void rowProgress(float value, float maximum) override;
     void rowFinished(int number, int total, const RowReport& row) override;
     void message(const QString& title, const QString& text, const QString& answer) override;
-    void summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode) override;
+    void summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
+                 int exitCode) override;
 
 private:
     void line(const QString& text);
@@ -31,10 +33,13 @@ private:
     void clearDrawn();
     [[nodiscard]] int terminalWidth() const;
     [[nodiscard]] QString place() const;
+    // With its folder where another clip has the same name.
+    [[nodiscard]] QString failedName(const QString& path) const;
 
     std::FILE* stream_;
     bool terminal_;
     bool drawn_ = false;
+    QHash<QString, int> names_; // how many rows bear each
     int analysisNumber_ = 0;
     int analysisTotal_ = 0;
     ProgressState state_;

@@ -4,6 +4,7 @@
 #include "base/shownname.h"
 #include "encode/encoderarguments.h"
 #include "encode/outputname.h"
+#include "encode/rowforecast.h"
 #include "gui/windowtext.h"
 #include "probe/cameraclip.h"
 #include "probe/recordersources.h"
@@ -25,7 +26,10 @@ QString estimateWords(const BatchRow& row, double megabytes)
         return QStringLiteral("");
     }
     const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
-    const auto estimate = static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out));
+    constexpr double bytesPerMegabyte = 1024.0 * 1024;
+    const qint64 forecast = outputForecast(row.dico, row.out);
+    const double estimate = forecast > 0 ? static_cast<double>(forecast) / bytesPerMegabyte
+                                         : static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out));
     if (estimate >= 1024) {
         return windowText("Win_gigabytes", {fixedText(estimate / 1024, 1)});
     }

@@ -1,5 +1,10 @@
 #include "app/encodefailure.h"
-#include "support/qtprinters.h"
+
+#include "base/filesizes.h"
+#include "base/localisation.h"
+#include "base/settings.h"
+#include "controllertest.h"
+#include "testresources.h"
 
 using namespace tavrix;
 using namespace tavrix::test;
@@ -45,3 +50,112 @@ TEST_P(Reason, IsTheLastTellingLine)
 }
 
 INSTANTIATE_TEST_SUITE_P(EncodeFailure, Reason, testing::ValuesIn(reasonRows), rowName<ReasonRow>);
+
+namespace
+{
+
+class PlainReason : public ControllerTest
+{
+};
+
+TEST_F(PlainReason, StandsBeforeTheToolsOwnWords)
+{
+    EXPECT_TEXT(plainReason(QStringLiteral("/d/out.mov: No space left on device")),
+                QStringLiteral("the disk is full: make room or choose another destination "
+                               "(/d/out.mov: No space left on device)"));
+    EXPECT_TRUE(plainReason(QStringLiteral("ffmpeg: no installed ffmpeg was found in PATH"))
+                    .startsWith(QStringLiteral("ffmpeg is not installed: ")));
+    EXPECT_TRUE(plainReason(QStringLiteral("/d/a?.mov: Invalid argument"))
+                    .startsWith(QStringLiteral("the disk does not take this name: ")));
+    const QString unknown = QStringLiteral("Error while opening encoder: Invalid argument");
+    EXPECT_TEXT(plainReason(unknown), unknown);
+}
+
+TEST_F(PlainReason, IsInTheUsersLanguage)
+{
+    setLanguage(QStringLiteral("fr"));
+    EXPECT_TRUE(plainReason(QStringLiteral("x: Read-only file system")).startsWith(QStringLiteral("ce disque est en")));
+}
+
+TEST_F(PlainReason, OfTheMachineIsFoundAmongOtherLines)
+{
+    EXPECT_TRUE(machineTrouble(QStringLiteral("FFmpeg version x\nffmpeg: error while loading shared libraries: "
+                                              "libavcodec.so.59: cannot open\n"))
+                    .startsWith(QStringLiteral("ffmpeg lacks one of its libraries")));
+    EXPECT_TRUE(machineTrouble(QStringLiteral("a.mts: Permission denied\n")).isNull()) << "that is the clip's";
+    EXPECT_TRUE(machineTrouble(QString()).isNull());
+}
+
+// Every clip once had "no video that can be read".
+TEST_F(PlainReason, OfAMissingFfmpegIsToldOfEachClip)
+{
+    QStringList reasons;
+    QObject::connect(controller.get(), &appDelegate::sourceRejected, controller.get(),
+                     [&reasons](const QString&, const QString& reason) { reasons << reason; });
+    const QString source = clip(QStringLiteral("a.mts"));
+    tools.clips[source].letter = QString();
+    tools.clips[source].text =
+        QStringLiteral("ffmpeg: no installed ffmpeg was found in PATH, /usr/bin or /usr/local/bin\n");
+    controller->draggedFiles({source});
+    ASSERT_TRUE(tools.finish(ToolKind::Decode, 127));
+    ASSERT_EQ(reasons.size(), 1);
+    EXPECT_TRUE(reasons.first().startsWith(QStringLiteral("ffmpeg is not installed: install the package ffmpeg (")));
+    expectIdle();
+}
+
+TEST_F(PlainReason, OfAToolThatCannotBeStartedNamesIt)
+{
+    const QString source = clip(QStringLiteral("a.mts"));
+    tools.clips[source].kilobytes = -1;
+    addRows({source});
+    pressStart();
+    ASSERT_TRUE(tools.finish(ToolKind::Encode, 127));
+    EXPECT_TRUE(rows().row(0).reason.endsWith(
+        QStringLiteral("/tools/ffmpeg: this tool cannot be started; reinstall the program")))
+        << rows().row(0).reason.toStdString();
+}
+
+TEST_F(PlainReason, OfTheSecondPassNeedsItsTrueRoom)
+{
+    setPRORES(1);
+    addRows(makeClips(1));
+    rows().setOut(0, 5);
+    // The rule asks for 3 megabytes; half a minute of this picture takes more than a hundred.
+    setFreeSpaceForTests(20);
+    runBatch();
+    EXPECT_EQ(tools.count(ToolKind::Encode), 0);
+    EXPECT_TRUE(rows().row(0).reason.startsWith(QStringLiteral("not enough free space in the destination: at least ")))
+        << rows().row(0).reason.toStdString();
+    EXPECT_TRUE(rows().row(0).reason.endsWith(QStringLiteral("21 MB are free")));
+}
+
+TEST_F(PlainReason, OfMissingPresetsIsNoOtherEncode)
+{
+    const TestResources resources;
+    makeController();
+    addRows(makeClips(1));
+    rows().setOut(0, 1);
+    runBatch();
+    EXPECT_EQ(tools.count(ToolKind::Encode), 0);
+    EXPECT_TRUE(rows().row(0).reason.endsWith(
+        QStringLiteral("/tools/presets: the settings of this format are missing; reinstall the program")))
+        << rows().row(0).reason.toStdString();
+}
+
+TEST_F(PlainReason, OfAnEndedBatchIsItsTally)
+{
+    const QStringList sources = makeClips(4);
+    addRows(sources);
+    tools.clips[sources.at(0)].verdict = judge::Verdict{judge::Outcome::Incomplete, {{.cause = judge::Cause::CutOff}}};
+    folder.makeFolder(QStringLiteral("destination/Tavrix events"));
+    ASSERT_TRUE(makeSparseFile(outputOf(sources.at(1)), 300));
+    controller->setReplacePolicy(0);
+    pressStart();
+    ASSERT_TRUE(tools.finish(ToolKind::Encode));
+    EXPECT_TEXT(rows().row(2).resultat, rowIcon::current);
+    pressStop();
+    EXPECT_TEXT(face.alerts.last().text,
+                QStringLiteral("0 of 4 clips converted, 1 incomplete, 1 failed, 1 kept as they were, 1 not begun"));
+}
+
+} // namespace

@@ -136,10 +136,10 @@ TEST_F(Encoding, FailureReasonStandsOnALineOfItsOwnInTheSummaryLog)
     tools.clips[source].kilobytes = -1;
     addRows({source});
     pressStart();
-    tools.running().last().launcher->write(QStringLiteral("frame=1 time=1.00\na.mts: Permission denied\n"));
+    tools.running().last().launcher->write(QStringLiteral("frame=1 time=1.00\na.mts: Unknown encoder\n"));
     ASSERT_TRUE(tools.finish(ToolKind::Encode, 1));
-    EXPECT_TEXT(rows().row(0).reason, QStringLiteral("a.mts: Permission denied"));
-    EXPECT_TRUE(resumeLog().endsWith(QLatin1String("\nfailure             : a.mts: Permission denied\n")))
+    EXPECT_TEXT(rows().row(0).reason, QStringLiteral("a.mts: Unknown encoder"));
+    EXPECT_TRUE(resumeLog().endsWith(QLatin1String("\nfailure             : a.mts: Unknown encoder\n")))
         << resumeLog().toStdString();
 }
 

@@ -114,10 +114,13 @@ TEST_F(Encoding, NotEnoughSpaceFailsTheRow)
 
 TEST_F(Encoding, ExactlyEnoughSpaceIsEnough)
 {
-    const QString source = clip(QStringLiteral("a.mts"));
-    tools.clips[source].duration = QStringLiteral("00:01:00.00");
-    addRows({source});
-    rows().setOut(0, 4);
+    // Of this clip nothing is known that a truer estimate could be made of.
+    BatchRow row;
+    row.out = 4;
+    row.dico = {{record::mainEncSrcPathStr, clip(QStringLiteral("a.mts"))},
+                {record::v0_codec, QStringLiteral("h264")},
+                {record::w_duration, 60}};
+    rows().append(row);
     setFreeSpaceForTests(6);
     pressStart();
     EXPECT_EQ(tools.running().size(), 1);

@@ -73,11 +73,12 @@ void NotingReporter::message(const QString& title, const QString& text, const QS
     notes << QStringLiteral("message ") + QStringList{title, text, answer}.join(u'|');
 }
 
-void NotingReporter::summary(const QList<RowReport>& rows, int leftOut, const QString& outputFolder, int exitCode)
+void NotingReporter::summary(const QList<RowReport>& rows, const NotConverted& others, const QString& outputFolder,
+                             int exitCode)
 {
     folder = outputFolder;
     notes << formatText(QStringLiteral("summary of %d, %d left out, status %d"),
-                        {qint64(rows.size()), leftOut, exitCode});
+                        {qint64(rows.size()), others.leftOut, exitCode});
 }
 
 } // namespace tavrix::test

@@ -73,7 +73,8 @@ public:
     void rowProgress(float value, float maximum) override;
     void rowFinished(int number, int total, const RowReport& row) override;
     void message(const QString& title, const QString& text, const QString& answer) override;
-    void summary(const QList<RowReport>& rows, int leftOut, const QString& folder, int exitCode) override;
+    void summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
+                 int exitCode) override;
 };
 
 } // namespace tavrix::test

@@ -30,6 +30,27 @@ QVariantMap clipRecord()
 
 using TextReporterTest = ConsoleTest;
 
+TEST_F(TextReporterTest, tellsClipsOfOneNameApartAndCountsWhatWasKeptAndNotBegun)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    for (const char* path : {"/one/00001.MTS", "/two/00001.MTS", "/one/00002.MTS"}) {
+        reporter.accepted(text(path), clipRecord());
+    }
+    RowReport twin = failedRow();
+    twin.source = text("/two/00001.MTS");
+    reporter.rowFinished(1, 3, twin);
+    RowReport kept = failedRow();
+    kept.reason = text("kept");
+    kept.kept = true;
+    reporter.summary({doneRow(), twin, kept}, {4, 133}, text("/d"), 1);
+    const QStringList lines = stream.lines();
+    EXPECT_TRUE(lines.contains(text("FAILED 1/3: two/00001.MTS: No space left on device")));
+    EXPECT_TRUE(lines.contains(text("1 done, 0 incomplete, 1 failed, 4 left out, 1 kept as they were, 133 not begun")));
+    EXPECT_TRUE(lines.contains(text("  FAILED two/00001.MTS: No space left on device")));
+    EXPECT_TRUE(lines.contains(text("  FAILED 00002.MTS: kept")));
+}
+
 TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
 {
     TextStream stream;
@@ -211,7 +232,7 @@ TEST_F(JsonReporterTest, steersNoTerminalAndKeepsNames)
 TEST_F(JsonReporterTest, endsWithAllRows)
 {
     reporter.summary({doneRow(), failedRow()}, 2, text("/d/Tavrix events"), 1);
-    EXPECT_EQ(last(), object(R"({"event":"end","leftOut":2,"folder":"/d/Tavrix events","exitCode":1,"rows":[
+    EXPECT_EQ(last(), object(R"({"event":"end","leftOut":2,"notBegun":0,"folder":"/d/Tavrix events","exitCode":1,"rows":[
         {"source":"/c/00001.MTS","success":true,"output":"/d/Tavrix events/2010-07-14.mov","bytes":12345678},
         {"source":"/c/00002.MTS","success":false,"reason":"No space left on device"}]})"));
 }

@@ -224,7 +224,7 @@ TEST_F(OnATerminal, aPipeInThePlaceOfTheOutputIsKept)
     ASSERT_EQ(::mkfifo(path.constData(), 0600), 0);
     ASSERT_TRUE(start(3, {text("--existing=replace")}));
     EXPECT_EQ(terminal.finish(), 1);
-    EXPECT_TRUE(terminal.shown().contains(text("an output of that name exists and was kept")));
+    EXPECT_TRUE(terminal.shown().contains(text("is no ordinary file")));
 }
 
 struct CommandCase {

@@ -1,0 +1,39 @@
+#include "app/batchtally.h"
+
+#include "base/format.h"
+#include "probe/batchtexts.h"
+
+#include <QStringList>
+
+#include <initializer_list>
+#include <utility>
+
+namespace tavrix
+{
+
+BatchTally tallyOf(const BatchList& rows)
+{
+    BatchTally tally;
+    for (int i = 0; i < rows.count(); ++i) {
+        tally.count(rows.row(i));
+    }
+    return tally;
+}
+
+QString tallyText(const BatchTally& tally)
+{
+    const int all = tally.converted + tally.incomplete + tally.failed + tally.notBegun;
+    QStringList parts = {formatText(batchText("Tally_converted"), {tally.converted, all})};
+    const std::initializer_list<std::pair<const char*, int>> others = {{"Tally_incomplete", tally.incomplete},
+                                                                       {"Tally_failed", tally.failed - tally.kept},
+                                                                       {"Tally_kept", tally.kept},
+                                                                       {"Tally_notBegun", tally.notBegun}};
+    for (const auto& [key, number] : others) {
+        if (number > 0) {
+            parts << formatText(batchText(key), {number});
+        }
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+} // namespace tavrix
