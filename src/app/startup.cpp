@@ -31,6 +31,8 @@
 
 #include <QDir>
 
+#include <csignal>
+
 namespace tavrix
 {
 
@@ -55,6 +57,8 @@ StartUp::~StartUp() = default;
 
 bool StartUp::run()
 {
+    // A file that would become larger than the system allows is told by the call that writes it.
+    std::signal(SIGXFSZ, SIG_IGN);
     if (!mayRun()) {
         return false;
     }

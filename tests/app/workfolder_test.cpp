@@ -123,6 +123,15 @@ TEST_F(WorkFolderTest, ThatIsMissingIsToldAtTheStart)
     EXPECT_TRUE(text.contains(QStringLiteral("/Tavrix/: File too large\n"))) << text.toStdString();
 }
 
+TEST_F(WorkFolderTest, ALimitOfTheSystemDoesNotKillTheStart)
+{
+    const FileSizeLimit limit(1024 * 1024);
+    std::signal(SIGXFSZ, SIG_DFL);
+    setDEBUGDEVForTests(1);
+    EXPECT_FALSE(controller->awakeFromNib());
+    EXPECT_EQ(face.count(alertEvent("D_noTemporary_1")), 1);
+}
+
 // A full temporary folder switched the interlace test off, and an interlaced clip was taken for progressive.
 TEST_F(WorkFolderTest, WithoutRoomAcceptsNoClip)
 {
