@@ -150,4 +150,75 @@ TEST_P(Sync, PicturesAndSoundKeepTheirTimes)
 INSTANTIATE_TEST_SUITE_P(Rates, Sync, ::testing::ValuesIn(rows),
                          [](const auto& row) { return std::string(row.param.name); });
 
+// Clips whose pictures come at uneven times, or do not begin with the sound.
+struct UnevenRow {
+    const char* name;
+    const char* extension;
+    const char* pictureFilter;
+    const char* options; // of the output
+};
+
+std::ostream& operator<<(std::ostream& out, const UnevenRow& row)
+{
+    return out << row.name;
+}
+
+const UnevenRow unevenRows[] = {
+    {"everyThirdAndFifth", "mov", "select='not(mod(n,3)*mod(n,5))'", ""},
+    {"tick90k", "mov", "settb=1/90000,setpts='N*3600+mod(N*7919,997)'",
+     "-enc_time_base 1/90000 -video_track_timescale 90000"},
+    {"pictureLate", "MTS", "setpts=PTS+0.37/TB", ""},
+    {"soundLateMovie", "mov", "null", "-af asetpts=PTS+0.23/TB"},
+    {"clockLate", "MTS", "null", "-output_ts_offset 1000"},
+};
+
+class UnevenSync : public ::testing::TestWithParam<UnevenRow>
+{
+protected:
+    TempFolder folder;
+};
+
+// Each picture from when it first appears: where the source rests, the output repeats.
+std::vector<ShownPicture> firstAppearances(const std::vector<ShownPicture>& shown)
+{
+    std::vector<ShownPicture> first;
+    for (const ShownPicture& picture : shown) {
+        if (first.empty() || first.back().number != picture.number) {
+            first.push_back(picture);
+        }
+    }
+    return first;
+}
+
+TEST_P(UnevenSync, PicturesAppearWithinHalfAnOutputPicture)
+{
+    const UnevenRow& row = GetParam();
+    NumberedClip clip;
+    clip.pictures = 50;
+    clip.pictureFilter = {text("-vf"), text(row.pictureFilter), text("-vsync"), text("passthrough")};
+    clip.codecs = codecsFor(row.extension) + text(row.options).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QString source = folder.path(text("clip.") + text(row.extension));
+    ASSERT_TRUE(makeNumberedClip(source, clip));
+    const SourceTimes times = timesOf(source);
+    ASSERT_GE(times.pictures.size(), 25U);
+    for (const int format : {0, 1}) {
+        const Converted converted = convertClip(source, folder.path(), format);
+        ASSERT_TRUE(converted.ok) << converted.transcript.toStdString();
+        const QString rate = streamOf(probed(converted.output), text("video")).value(text("r_frame_rate")).toString();
+        const double half = 0.5 / valueOf(rate.toLatin1().constData());
+        const std::vector<ShownPicture> shown = firstAppearances(shownPictures(converted.output));
+        // Two source pictures within one output picture leave one of them out.
+        EXPECT_GE(shown.size(), times.pictures.size() * 9 / 10) << "format " << format;
+        for (const ShownPicture& picture : shown) {
+            const auto known = times.pictures.find(picture.number);
+            ASSERT_NE(known, times.pictures.end()) << "format " << format << " picture " << picture.number;
+            EXPECT_NEAR(picture.time, known->second, half + 0.001) << "format " << format << " " << picture.number;
+        }
+        EXPECT_NEAR(shownSound(converted.output).onset(), times.sound, 0.005) << "format " << format;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Clips, UnevenSync, ::testing::ValuesIn(unevenRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 } // namespace
