@@ -30,14 +30,27 @@ QByteArray procFile(int pid, const char* name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-bool hasSameHome(int pid)
+// Null when the process has no such variable.
+QByteArray environmentValue(int pid, const QByteArray& name)
 {
     for (const QByteArray& entry : procFile(pid, "environ").split('\0')) {
-        if (entry.startsWith("HOME=")) {
-            return entry.mid(5) == nativePath(homeFolder());
+        if (entry.startsWith(name + '=')) {
+            return entry.mid(name.size() + 1);
         }
     }
-    return false;
+    return {};
+}
+
+bool hasSameHome(int pid)
+{
+    return environmentValue(pid, "HOME") == nativePath(homeFolder());
+}
+
+// Started by a run of the program that is no more. Whoever runs a tool by hand gives it no such variable.
+bool isOrphan(int pid)
+{
+    const int program = environmentValue(pid, ownerVariable).toInt();
+    return program > 0 && (::kill(program, 0) != 0 && errno == ESRCH);
 }
 
 // The tool itself, or the installed ffmpeg that bears the tool's path as its first argument.
@@ -82,7 +95,7 @@ QList<int> leftOverToolPids(const QString& tool)
     for (const QString& line : linesToArray(taskWithStr(command))) {
         const int pid = leadingInteger(line);
         // The listing also shows processes that merely have the path among their arguments.
-        if (pid > 0 && pid != ::getpid() && pid != ::getppid() && isOwn(pid) && hasSameHome(pid) &&
+        if (pid > 0 && pid != ::getpid() && pid != ::getppid() && isOwn(pid) && hasSameHome(pid) && isOrphan(pid) &&
             runsTool(pid, toolPath(tool))) {
             pids << pid;
         }

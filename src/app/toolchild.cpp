@@ -1,9 +1,12 @@
 #include "app/toolchild.h"
 
 #include "app/face.h"
+#include "app/oldtools.h"
 #include "app/session.h"
 #include "base/log.h"
 #include "base/runloopgate.h"
+
+#include <QCoreApplication>
 
 namespace tavrix
 {
@@ -51,7 +54,9 @@ bool ToolChild::launch(const QStringList& arguments, const std::function<void()>
         logLine(QLatin1String(forgottenLine_));
     }
     launcher_.reset(maker_.make());
-    launcher_->setEnvironment(environment);
+    launcher_->setEnvironment(environment +
+                              taskLauncher::Environment{{QString::fromLatin1(ownerVariable),
+                                                         QString::number(QCoreApplication::applicationPid())}});
     silence_.begin();
     const int result = launcher_->launchTasksWithArguments(arguments);
     if (result == 0) {

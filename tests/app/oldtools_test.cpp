@@ -4,6 +4,7 @@
 #include "support/waituntil.h"
 #include "testresources.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -67,6 +68,24 @@ protected:
         }));
     }
 
+    // As the program that had that process id has started it.
+    static void ownedBy(QProcess& process, qint64 program)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(ownerVariable), QString::number(program));
+        process.setProcessEnvironment(environment);
+    }
+
+    // The id of a process that has ended.
+    static qint64 endedProgram()
+    {
+        QProcess program;
+        program.start(QStringLiteral("/bin/true"), {});
+        const qint64 pid = program.processId();
+        program.waitForFinished();
+        return pid;
+    }
+
     static void finish(QProcess& process)
     {
         process.kill();
@@ -92,6 +111,7 @@ TEST_F(LeftOver, ToolIsFoundAndKilled)
 {
     makeToolAProgram();
     QProcess process;
+    ownedBy(process, endedProgram());
     start(process, tool, {longTime});
     const int pid = static_cast<int>(process.processId());
     EXPECT_EQ(leftOverToolPids(QStringLiteral("ffmpeg")), QList<int>{pid});
@@ -102,10 +122,31 @@ TEST_F(LeftOver, ToolIsFoundAndKilled)
     EXPECT_TRUE(leftOverToolPids(QStringLiteral("ffmpeg")).isEmpty());
 }
 
+// Whoever ran the second pass's tool in a terminal lost it when the program was started.
+TEST_F(LeftOver, ToolThatIsRunByHandIsSpared)
+{
+    makeToolAProgram();
+    QProcess process;
+    start(process, tool, {longTime});
+    EXPECT_TRUE(leftOverToolPids(QStringLiteral("ffmpeg")).isEmpty());
+    finish(process);
+}
+
+TEST_F(LeftOver, ToolOfAProgramThatRunsIsSpared)
+{
+    makeToolAProgram();
+    QProcess process;
+    ownedBy(process, QCoreApplication::applicationPid());
+    start(process, tool, {longTime});
+    EXPECT_TRUE(leftOverToolPids(QStringLiteral("ffmpeg")).isEmpty());
+    finish(process);
+}
+
 TEST_F(LeftOver, ProcessThatMerelyNamesTheToolIsSpared)
 {
     makeToolAProgram();
     QProcess process;
+    ownedBy(process, endedProgram());
     start(process, QFileInfo(QStringLiteral("/bin/sh")).canonicalFilePath(),
           {QStringLiteral("-c"), QStringLiteral("read x"), tool});
     EXPECT_TRUE(leftOverToolPids(QStringLiteral("ffmpeg")).isEmpty());
@@ -118,6 +159,7 @@ TEST_F(LeftOver, ToolOfAnotherHomeIsSpared)
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), QStringLiteral("/home/another"));
+    environment.insert(QString::fromLatin1(ownerVariable), QString::number(endedProgram()));
     process.setProcessEnvironment(environment);
     start(process, tool, {longTime});
     EXPECT_TRUE(leftOverToolPids(QStringLiteral("ffmpeg")).isEmpty());
