@@ -53,7 +53,7 @@ class ClipTable : public testing::Test
 {
 protected:
     // All rows by scripts/clip-table; a few of them here, since a row takes a second.
-    static std::size_t step() { return std::getenv("TAVRIX_WHOLE_TABLE") != nullptr ? 1 : 16; }
+    static std::size_t step() { return std::getenv("TAVRIX_WHOLE_TABLE") != nullptr ? 1 : 48; }
 
     [[nodiscard]] std::string sourceOf(const SourceRow& row) const
     {
