@@ -22,7 +22,7 @@ _tavrix_batch() {
             ;;
     esac
     if [[ $current == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--format --output --existing --json --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "--format --output --existing --json --system --help --version" -- "$current")
     else
         compopt -o filenames -o default
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -9,7 +9,7 @@ _tavrix_inspect() {
     if [[ $option == --export ]]; then
         mapfile -t COMPREPLY < <(compgen -W "wav" -- "$current")
     elif [[ $current == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--json --thorough --export --output --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "--json --thorough --export --output --system --full-paths --help --version" -- "$current")
     else
         compopt -o filenames -o default
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -11,6 +11,7 @@
 #include "console/options.h"
 #include "console/textreporter.h"
 #include "console/unixsignals.h"
+#include "inspect/problemreport.h"
 #include "platform/desktop.h"
 
 #include <QCoreApplication>
@@ -169,6 +170,16 @@ int convert(QCoreApplication& application, const ConsoleOptions& options)
     return status;
 }
 
+// The diagnostics of the program's parts belong in no report.
+int printReport()
+{
+    if (!dropStream(stderr)) {
+        return exitSomeFailed;
+    }
+    std::fputs(problemReport().toUtf8().constData(), stdout);
+    return std::ferror(stdout) != 0 || std::fflush(stdout) != 0 ? exitSomeFailed : exitAllDone;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -186,6 +197,8 @@ int main(int argc, char** argv)
     case ConsoleOptions::Mode::Version:
         std::printf("tavrix-batch %s\n", bundleVersion().toUtf8().constData());
         return exitAllDone;
+    case ConsoleOptions::Mode::System:
+        return printReport();
     case ConsoleOptions::Mode::Wrong:
         return wrongUsage(options.error);
     case ConsoleOptions::Mode::Convert:

@@ -75,6 +75,8 @@ void takeFlagWord(ConsoleOptions& options, const QString& word)
 {
     if (word == QLatin1String("--json")) {
         options.json = true;
+    } else if (word == QLatin1String("--system")) {
+        options.mode = ConsoleOptions::Mode::System;
     } else if (word == QLatin1String("--help") || word == QLatin1String("-h")) {
         options.mode = ConsoleOptions::Mode::Help;
     } else if (word == QLatin1String("--version")) {

@@ -10,7 +10,7 @@ enum class ExistingPolicy { Default, Replace, Keep, Ask };
 
 // What the command line asks for.
 struct ConsoleOptions {
-    enum class Mode { Convert, Help, Version, Wrong };
+    enum class Mode { Convert, System, Help, Version, Wrong };
     Mode mode = Mode::Convert;
     QString error;   // what is wrong, for Mode::Wrong
     int format = -1; // output format 0 to 5, -1 = the one of the preferences

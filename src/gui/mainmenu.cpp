@@ -183,8 +183,7 @@ void MainMenu::buildHelpMenu(QMenuBar* bar)
     menu->addSeparator();
     buildLogItems(menu);
     menu->addSeparator();
-    addBound(menu, model.menuBugreport, "@@Win_menuBugreport", {},
-             [this, &model] { controller_.iba_mail(&model.menuBugreport); });
+    addBound(menu, model.menuBugreport, "@@Win_menuBugreport", {}, [this] { window_.showReport(); });
     addBound(menu, model.menuContact, "@@Win_menuContact", {},
              [this, &model] { controller_.iba_mail(&model.menuContact); });
 }

@@ -17,6 +17,7 @@
 #include "gui/mainmenu.h"
 #include "gui/pickers.h"
 #include "gui/preferencessheet.h"
+#include "gui/reportwindow.h"
 #include "gui/theme.h"
 #include "gui/toolwindow.h"
 #include "gui/treelocaliser.h"
@@ -155,6 +156,15 @@ void MainWindow::showInformation()
     }
     information->setWindowTitle(windowText("Win_informationTitle", {rows.row(selected).src}));
     information->showOutput(QStringLiteral("tavrix-inspect"), {QStringLiteral("--"), rows.row(selected).source()});
+}
+
+void MainWindow::showReport()
+{
+    auto* report = findChild<ReportWindow*>();
+    if (report == nullptr) {
+        report = new ReportWindow([this] { controller_.iba_mail(&controller_.model().menuBugreport); }, this);
+    }
+    report->showReport();
 }
 
 void MainWindow::takeDrops()

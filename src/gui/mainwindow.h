@@ -33,6 +33,8 @@ public:
     void showAbout();
     // All that is known of the selected clip, in a window of its own; nothing without a selection.
     void showInformation();
+    // The report of a problem; its mail button sends it on the way of the controller.
+    void showReport();
     // Grows toward a side by delta + 50 and stays on the screen; a maximised window keeps its size.
     void growToward(const QString& side, float delta);
     [[nodiscard]] PreferencesSheet& preferences() const { return *preferences_; }

@@ -7,6 +7,7 @@
 #include "inspect/describe.h"
 #include "inspect/inspectjson.h"
 #include "inspect/inspector.h"
+#include "inspect/problemreport.h"
 #include "inspect/soundexport.h"
 #include "inspect/words.h"
 #include "inspecttool/options.h"
@@ -151,8 +152,14 @@ int run(const InspectOptions& options)
         std::perror("tavrix-inspect");
         return exitSomeFailed;
     }
-    const int status =
-        options.mode == InspectOptions::Mode::Export ? exportWave(options, errors) : Describer(options).run();
+    int status = exitDone;
+    if (options.mode == InspectOptions::Mode::System) {
+        ReportWish wish;
+        wish.fullPaths = options.fullPaths;
+        print(stdout, problemReport(wish));
+    } else {
+        status = options.mode == InspectOptions::Mode::Export ? exportWave(options, errors) : Describer(options).run();
+    }
     std::fclose(errors);
     return std::ferror(stdout) != 0 || std::fflush(stdout) != 0 ? exitSomeFailed : status;
 }
@@ -180,6 +187,7 @@ int main(int argc, char** argv)
         return exitWrongUsage;
     case InspectOptions::Mode::Describe:
     case InspectOptions::Mode::Export:
+    case InspectOptions::Mode::System:
         break;
     }
     return run(options);

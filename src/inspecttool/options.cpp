@@ -50,6 +50,10 @@ void takeFlag(InspectOptions& options, const QString& word)
         options.json = true;
     } else if (word == QLatin1String("--thorough")) {
         options.thorough = true;
+    } else if (word == QLatin1String("--system")) {
+        setMode(options, Mode::System);
+    } else if (word == QLatin1String("--full-paths")) {
+        options.fullPaths = true;
     } else if (word == QLatin1String("--help") || word == QLatin1String("-h")) {
         setMode(options, Mode::Help);
     } else if (word == QLatin1String("--version")) {
@@ -71,6 +75,12 @@ void takeFile(InspectOptions& options, const QString& word)
 
 void checkWhole(InspectOptions& options)
 {
+    if (options.fullPaths && (options.mode == Mode::Describe || options.mode == Mode::Export)) {
+        setWrong(options, inspectText("Ins_pathsAlone"));
+    }
+    if (options.mode == Mode::System && !options.files.isEmpty()) {
+        setWrong(options, inspectText("Ins_systemAlone"));
+    }
     if (options.mode != Mode::Describe && options.mode != Mode::Export) {
         return;
     }

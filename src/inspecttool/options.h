@@ -9,10 +9,11 @@ namespace tavrix
 {
 
 struct InspectOptions {
-    enum class Mode { Describe, Export, Help, Version, Wrong };
+    enum class Mode { Describe, Export, System, Help, Version, Wrong };
     Mode mode = Mode::Describe;
     bool json = false;
     bool thorough = false;
+    bool fullPaths = false; // of the system report
     QStringList files;
     QString output; // of an export; nothing chooses it by the file's name
     QString error;  // of a wrong command line, for people

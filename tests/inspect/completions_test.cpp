@@ -36,7 +36,7 @@ TEST_P(Completions, KnowEveryOptionOfTheHelp)
     const QString zsh = completion(QLatin1Char('_') + program);
     const QString fish = completion(program + QStringLiteral(".fish"));
     const QString help = localizedString(text(GetParam().key), text(GetParam().table));
-    static const QRegularExpression option(QStringLiteral("--([a-z]+)"));
+    static const QRegularExpression option(QStringLiteral("--([a-z][a-z-]*)"));
     int count = 0;
     for (auto match = option.globalMatch(help); match.hasNext(); ++count) {
         const QString name = match.next().captured(1);

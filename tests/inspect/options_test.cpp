@@ -29,6 +29,15 @@ TEST_F(InspectWords, AskForADescription)
     EXPECT_FALSE(parsed("a.mov").json);
 }
 
+TEST_F(InspectWords, AskForTheSystem)
+{
+    EXPECT_EQ(parsed("--system").mode, Mode::System);
+    EXPECT_FALSE(parsed("--system").fullPaths);
+    EXPECT_TRUE(parsed("--full-paths --system").fullPaths);
+    EXPECT_EQ(parsed("--system a.mov").mode, Mode::Wrong);
+    EXPECT_EQ(parsed("--full-paths a.mov").mode, Mode::Wrong);
+}
+
 TEST_F(InspectWords, AskForAnExport)
 {
     for (const char* words :

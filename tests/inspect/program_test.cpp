@@ -162,4 +162,17 @@ TEST_F(InspectProgram, AnInterruptedExportLeavesNothingBehind)
                  QStringList{QStringLiteral("long.mov")});
 }
 
+TEST_F(InspectProgram, PrintsTheSystemAndTheLogs)
+{
+    folder.makeFile(QStringLiteral("Library/Logs/Tavrix/Resume.log"), "source : /home/ann/a.mov\n");
+    const Answer cut = run({QStringLiteral("--system")});
+    EXPECT_EQ(cut.exitCode, 0);
+    EXPECT_TRUE(cut.errors.isEmpty()) << cut.errors.toStdString();
+    EXPECT_TRUE(cut.output.startsWith(QStringLiteral("Program "))) << cut.output.toStdString();
+    EXPECT_TRUE(cut.output.contains(QStringLiteral("source : .../a.mov\n")));
+    EXPECT_FALSE(cut.output.contains(QStringLiteral("/home/ann")));
+    EXPECT_TRUE(run({QStringLiteral("--system"), QStringLiteral("--full-paths")})
+                    .output.contains(QStringLiteral("source : /home/ann/a.mov\n")));
+}
+
 } // namespace

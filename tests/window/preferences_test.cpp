@@ -265,6 +265,7 @@ TEST_F(PreferencesAndMenus, HelpMenuShowsHelpLogsAndMail)
     EXPECT_TRUE(desktop_.revealed.isEmpty());
     robot_->press(QStringLiteral("alertButton0"));
     trigger("menuBugreport");
+    click("reportMailBt");
     ASSERT_EQ(desktop_.opened.size(), 5);
     EXPECT_TRUE(desktop_.opened.at(4).toString().startsWith(QStringLiteral("mailto:bugreport@")));
     EXPECT_EQ(desktop_.revealed.size(), 1);
