@@ -126,9 +126,22 @@ void SleepInhibitor::release(const Service& service, quint32 cookie)
     bus_.send(message);
 }
 
-DesktopNotifier::DesktopNotifier(const QDBusConnection& bus, QObject* parent) : QObject(parent), bus_(bus) {}
+DesktopNotifier::DesktopNotifier(const QDBusConnection& bus, QObject* parent) : QObject(parent), bus_(bus)
+{
+    const QString service = QStringLiteral("org.freedesktop.Notifications");
+    bus_.connect(service, QStringLiteral("/org/freedesktop/Notifications"), service, QStringLiteral("ActionInvoked"),
+                 this, SLOT(takeAction(quint32, QString)));
+}
 
-void DesktopNotifier::notify(const QString& title, const QString& text)
+void DesktopNotifier::takeAction(quint32 id, const QString& word)
+{
+    // Other programs' notifications are told to everybody too.
+    if (id == last_ && id != 0) {
+        Q_EMIT pressed(word);
+    }
+}
+
+void DesktopNotifier::notify(const QString& title, const QString& text, const QList<Button>& buttons)
 {
     if (!bus_.isConnected()) {
         return;
@@ -137,8 +150,12 @@ void DesktopNotifier::notify(const QString& title, const QString& text)
         call(QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
              QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
     message.setAutoStartService(true);
+    QStringList actions;
+    for (const Button& button : buttons) {
+        actions << button.first << button.second;
+    }
     // Notification servers read the body as markup.
-    message << bundleName() << last_ << QStringLiteral("tavrix") << title << text.toHtmlEscaped() << QStringList()
+    message << bundleName() << last_ << QStringLiteral("tavrix") << title << text.toHtmlEscaped() << actions
             << QVariantMap{{QStringLiteral("desktop-entry"), QStringLiteral("tavrix")}} << -1;
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, replyMilliseconds), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* done) {

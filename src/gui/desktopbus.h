@@ -7,6 +7,7 @@
 #include <QObject>
 
 #include <memory>
+#include <utility>
 
 // The desktop's services on the message bus. Every call is sent without waiting for its answer; a missing service is no
 // error.
@@ -65,8 +66,16 @@ class DesktopNotifier : public QObject
     Q_OBJECT
 public:
     explicit DesktopNotifier(const QDBusConnection& bus, QObject* parent = nullptr);
+    // A word that comes back when the button is pressed, and the button's title.
+    using Button = std::pair<QString, QString>;
     // Both texts are plain text.
-    void notify(const QString& title, const QString& text);
+    void notify(const QString& title, const QString& text, const QList<Button>& buttons = {});
+
+Q_SIGNALS:
+    void pressed(const QString& word);
+
+private Q_SLOTS:
+    void takeAction(quint32 id, const QString& word);
 
 private:
     QDBusConnection bus_;

@@ -2,9 +2,11 @@
 
 #include "app/appdelegate.h"
 #include "base/runloopgate.h"
+#include "gui/buscontrol.h"
 #include "gui/encodingpresence.h"
 #include "gui/mainwindow.h"
 #include "gui/pickers.h"
+#include "gui/sleeppause.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -30,7 +32,10 @@ WindowProgram::~WindowProgram()
 {
     controller_->applicationWillTerminate();
     face_.closeWindows();
+    sleepPause_.reset();
+    busControl_.reset();
     presence_.reset();
+    commands_.reset();
     presenter_.setWindow(nullptr);
     face_.setWindow(nullptr);
     setPickerWindow(nullptr);
@@ -61,13 +66,16 @@ bool WindowProgram::start()
 
 void WindowProgram::connectDesktop()
 {
+    commands_ = std::make_unique<RunCommands>(*controller_);
+    sleepPause_ = std::make_unique<SleepPause>(*controller_, *commands_, QDBusConnection::systemBus());
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;
     }
     desktop_ = std::make_unique<BusDesktopServices>(bus);
     setDesktopServices(desktop_.get());
-    presence_ = std::make_unique<EncodingPresence>(*controller_, *window_, bus);
+    presence_ = std::make_unique<EncodingPresence>(*controller_, *window_, *commands_, bus);
+    busControl_ = std::make_unique<BusControl>(*controller_, bus);
 }
 
 void WindowProgram::openFiles(const QStringList& paths)

@@ -13,9 +13,12 @@ namespace tavrix
 {
 
 class appDelegate;
+class BusControl;
 class BusDesktopServices;
 class EncodingPresence;
 class MainWindow;
+class RunCommands;
+class SleepPause;
 
 // The desktop program put together: face, alerts, controller, window, desktop services. The application object must
 // exist.
@@ -51,7 +54,10 @@ private:
     std::unique_ptr<appDelegate> controller_;
     std::unique_ptr<MainWindow> window_;
     std::unique_ptr<BusDesktopServices> desktop_;
+    std::unique_ptr<RunCommands> commands_;
     std::unique_ptr<EncodingPresence> presence_;
+    std::unique_ptr<BusControl> busControl_;
+    std::unique_ptr<SleepPause> sleepPause_;
 };
 
 } // namespace tavrix

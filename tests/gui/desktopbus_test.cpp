@@ -2,12 +2,10 @@
 
 #include "progresslistener.h"
 #include "support/qtprinters.h"
-#include "support/waituntil.h"
+#include "testbus.h"
 
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
-#include <QProcess>
-#include <QStandardPaths>
 
 #include <algorithm>
 #include <optional>
@@ -68,29 +66,16 @@ class Bus : public testing::Test
 protected:
     void SetUp() override
     {
-        const QString program = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
-        if (program.isEmpty()) {
+        if (TestBus::program().isEmpty()) {
             GTEST_SKIP() << "dbus-daemon is not installed";
         }
-        daemon_.start(program, {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                QStringLiteral("--print-address"), QStringLiteral("--nopidfile")});
-        ASSERT_TRUE(daemon_.waitForStarted());
-        ASSERT_TRUE(waitUntil([this] { return daemon_.canReadLine(); }));
-        const QString address = QString::fromUtf8(daemon_.readLine()).trimmed();
-        server_.emplace(QDBusConnection::connectToBus(address, QStringLiteral("server")));
-        client_.emplace(QDBusConnection::connectToBus(address, QStringLiteral("client")));
-        ASSERT_TRUE(server_->isConnected());
+        bus_.emplace();
+        ASSERT_TRUE(bus_->start());
+        server_ = &bus_->server();
+        client_ = &bus_->client();
         ASSERT_TRUE(server_->registerVirtualObject(QStringLiteral("/"), &services_, QDBusConnection::SubPath));
     }
-    void TearDown() override
-    {
-        server_.reset();
-        client_.reset();
-        QDBusConnection::disconnectFromBus(QStringLiteral("server"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("client"));
-        daemon_.terminate();
-        daemon_.waitForFinished();
-    }
+    void TearDown() override { bus_.reset(); }
     void offer(const char* service) { ASSERT_TRUE(server_->registerService(QLatin1String(service))); }
     bool called(const QString& member)
     {
@@ -98,10 +83,10 @@ protected:
     }
     std::unique_ptr<DesktopServices> fallback() { return std::make_unique<FallbackDesktop>(asked_); }
 
-    QProcess daemon_;
     FakeServices services_;
-    std::optional<QDBusConnection> server_;
-    std::optional<QDBusConnection> client_;
+    std::optional<TestBus> bus_;
+    QDBusConnection* server_ = nullptr;
+    QDBusConnection* client_ = nullptr;
     QStringList asked_;
 };
 
