@@ -72,6 +72,21 @@ INSTANTIATE_TEST_SUITE_P(
                     PreviewRow{"prores", 5, 1280, 720, 59.94, "clip-2012-05-01 12;34;56-00001.mov"}),
     rowName<PreviewRow>);
 
+// A phone's clip of 10.5 pictures a second, told as 90 because its times are that fine, was said to become 6 times as
+// large as it did.
+TEST_F(InspectTest, UnevenPicturesAreCountedInWhatIsKept)
+{
+    Inspection clip = describedClip();
+    clip.infos.insert(record::v0_fps, 90.0F);
+    const qint64 even = formatPreviews(clip, clip.path).at(5).bytes;
+    clip.shown->streams.front().meanRate = {21, 2};
+    const QList<FormatPreview> previews = formatPreviews(clip, clip.path);
+    EXPECT_DOUBLE_EQ(previews.at(5).rate, 10.5);
+    EXPECT_DOUBLE_EQ(previews.at(3).rate, 10.5);
+    EXPECT_NEAR(previews.at(1).rate, 29.97, 0.01);
+    EXPECT_LT(previews.at(5).bytes, even / 6);
+}
+
 TEST_F(InspectTest, NoFormatIsPreviewedForAClipThatIsLeftOut)
 {
     Inspection clip = describedClip();

@@ -8,6 +8,7 @@
 
 #include <QDBusMessage>
 #include <QDBusPendingCall>
+#include <QDBusVariant>
 #include <QDBusVirtualObject>
 
 namespace tavrix::test

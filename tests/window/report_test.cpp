@@ -1,5 +1,6 @@
 #include "windowharness.h"
 
+#include "app/logs.h"
 #include "gui/reportwindow.h"
 
 #include <QCheckBox>
@@ -19,6 +20,7 @@ protected:
     void openReport()
     {
         startProgram();
+        logResume(QStringLiteral("source : ") + QDir::homePath() + QStringLiteral("/a.mov\n"));
         trigger("menuBugreport");
         ASSERT_NE(report(), nullptr);
         ASSERT_TRUE(waitFor([this] { return !report()->isWaiting(); }));
@@ -47,6 +49,7 @@ TEST_F(Report, IsShownBeforeAnythingLeaves)
     EXPECT_TRUE(report()->text().startsWith(QStringLiteral("Program "))) << report()->text().toStdString();
     EXPECT_TRUE(report()->text().contains(QStringLiteral("---- Resume.log ----")));
     EXPECT_TRUE(report()->text().contains(QStringLiteral("start date")));
+    EXPECT_TRUE(report()->text().contains(QStringLiteral("source : .../a.mov\n")));
     EXPECT_FALSE(report()->text().contains(QDir::homePath()));
     EXPECT_TRUE(desktop_.opened.isEmpty());
     robot_->press(QStringLiteral("alertButton0"));
