@@ -232,7 +232,8 @@ TEST_F(JsonReporterTest, steersNoTerminalAndKeepsNames)
 TEST_F(JsonReporterTest, endsWithAllRows)
 {
     reporter.summary({doneRow(), failedRow()}, 2, text("/d/Tavrix events"), 1);
-    EXPECT_EQ(last(), object(R"({"event":"end","leftOut":2,"notBegun":0,"folder":"/d/Tavrix events","exitCode":1,"rows":[
+    EXPECT_EQ(last(),
+              object(R"({"event":"end","leftOut":2,"notBegun":0,"folder":"/d/Tavrix events","exitCode":1,"rows":[
         {"source":"/c/00001.MTS","success":true,"output":"/d/Tavrix events/2010-07-14.mov","bytes":12345678},
         {"source":"/c/00002.MTS","success":false,"reason":"No space left on device"}]})"));
 }
