@@ -2,7 +2,7 @@
 
 #include "progresslistener.h"
 #include "support/qtprinters.h"
-#include "testbus.h"
+#include "support/testbus.h"
 
 #include <QDBusMessage>
 #include <QDBusVirtualObject>

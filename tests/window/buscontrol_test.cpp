@@ -1,5 +1,5 @@
 #include "buslistener.h"
-#include "gui/testbus.h"
+#include "support/testbus.h"
 #include "windowharness.h"
 
 #include "gui/buscontrol.h"
