@@ -77,6 +77,7 @@ void appDelegate::connectMachines()
 
     connect(&batch, &BatchMachine::rowStarted, this, &appDelegate::rowStarted);
     connect(&batch, &BatchMachine::rowProgress, this, &appDelegate::rowProgress);
+    connect(&batch, &BatchMachine::rowStep, this, &appDelegate::rowStep);
     connect(&batch, &BatchMachine::rowFinished, this, &appDelegate::rowFinished);
     connect(&batch, &BatchMachine::rowVanished, this, &appDelegate::rowVanished);
     connect(&batch, &BatchMachine::batchEnded, this, &appDelegate::batchEnded);
@@ -219,6 +220,20 @@ void appDelegate::encBatchRemove(Control* sender)
 void appDelegate::encBatchRemoveAll(Control* sender)
 {
     machines_->rows.removeAll(sender);
+}
+
+void appDelegate::removeConverted()
+{
+    machines_->rows.removeConverted();
+}
+
+void appDelegate::goOnWithTheRest()
+{
+    // A press that was on its way when the batch began must not begin another one.
+    if (model_.batchEncGoBt.state() == 0 && model_.batchEncGoBt.isEnabled()) {
+        removeConverted();
+        iba_batchEncGoBt();
+    }
 }
 
 int appDelegate::encBatchInprogressRowIdentification() const

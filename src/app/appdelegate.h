@@ -81,6 +81,10 @@ public:
     // The sender is the remove button, or null for an internal call.
     void encBatchRemove(Control* sender);
     void encBatchRemoveAll(Control* sender);
+    // Takes the converted clips off the list.
+    void removeConverted();
+    // The same, and starts the batch with what is left.
+    void goOnWithTheRest();
     // Index of the row being encoded; -1 when none is.
     [[nodiscard]] int encBatchInprogressRowIdentification() const;
     // Empties the display of analysis and encode.
@@ -100,6 +104,10 @@ public:
     void iba_menuPrefClose();
     // Shows the words of the selected output format.
     void prefCheckCaptions();
+    // Makes the format the one of new clips, now and at the next start; 0 to 5, anything else is ignored.
+    void chooseFormat(int out);
+    // Makes the destination typed now the one of every start, or of this one only.
+    void useDestinationEveryTime(bool every);
     // Stores the selected colour and shows its image.
     void iba_setColor();
     void iba_drawerToggle();
@@ -144,6 +152,8 @@ Q_SIGNALS:
     void analysisStalled(const QString& path);
     void rowStarted(int row);
     void rowProgress(int row, float value, float maximum);
+    // How much of a pass is done, 0 to 1, by what its tool says of itself; passes count from 1.
+    void rowStep(int row, int pass, int passes, double fraction);
     void rowFinished(int row, bool success);
     void rowVanished(const QString& path);
     void batchEnded(bool stopped);

@@ -69,6 +69,28 @@ void appDelegate::prefCheckCaptions()
     model_.showFormatCaption();
 }
 
+void appDelegate::chooseFormat(int out)
+{
+    if (out < 0 || out >= outputFormatCount) {
+        return;
+    }
+    model_.prefCheckMatrix.setSelectedSegment(out);
+    prefCheckCaptions();
+    prefWrite(pref::prefCheckMatrix, out);
+}
+
+void appDelegate::useDestinationEveryTime(bool every)
+{
+    const QString folder = model_.mainEncDstPathStr.stringValue();
+    if (every && !folder.isEmpty()) {
+        prefWrite(pref::prefDefautDstPathStr, folder);
+        model_.prefDefautDstPathStr.setStringValue(folder);
+    } else {
+        prefDelete(pref::prefDefautDstPathStr);
+        model_.prefDefautDstPathStr.setStringValue(QString());
+    }
+}
+
 void appDelegate::iba_setColor()
 {
     prefWrite(pref::prefColor, model_.prefColor.selectedSegment());

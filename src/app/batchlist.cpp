@@ -1,5 +1,9 @@
 #include "app/batchlist.h"
 
+#include <QSet>
+
+#include <algorithm>
+
 namespace tavrix
 {
 
@@ -23,6 +27,8 @@ QVariant BatchList::data(const QModelIndex& index, int role) const
     case Qt::DisplayRole:
     case SrcRole:
         return row.src;
+    case Qt::AccessibleTextRole:
+        return rowWords_ ? rowWords_(index.row()) : row.src;
     case OrderRole:
         return row.order;
     case OutRole:
@@ -69,19 +75,35 @@ void BatchList::append(const BatchRow& row)
 
 void BatchList::removeRow(int index)
 {
-    if (index < 0 || index >= count()) {
+    removeRange(index, index);
+}
+
+void BatchList::removeRange(int first, int last)
+{
+    if (first < 0 || last < first || last >= count()) {
         return;
     }
-    beginRemoveRows({}, index, index);
-    rows_.removeAt(index);
+    beginRemoveRows({}, first, last);
+    rows_.remove(first, last - first + 1);
     reindex();
     endRemoveRows();
-    if (count() > index) {
-        Q_EMIT dataChanged(this->index(index), this->index(count() - 1), {OrderRole});
+    noteOrder(first);
+    deselectRemoved(first, last);
+}
+
+// Of selected rows that have all gone, the one that takes their place is selected; else the others stay.
+void BatchList::deselectRemoved(int first, int last)
+{
+    QList<int> left;
+    for (const int row : selected_) {
+        if (row < first || row > last) {
+            left << (row > last ? row - (last - first + 1) : row);
+        }
     }
-    if (selected_ >= count()) {
-        setSelectedRow(-1);
+    if (left.isEmpty() && !selected_.isEmpty()) {
+        left << first;
     }
+    setSelectedRows(left);
 }
 
 void BatchList::clear()
@@ -167,12 +189,75 @@ void BatchList::setOut(int index, int out)
     }
 }
 
+int BatchList::firstMovableRow() const
+{
+    const auto running =
+        std::find_if(rows_.cbegin(), rows_.cend(), [](const BatchRow& row) { return row.isCurrent(); });
+    return running == rows_.cend() ? 0 : static_cast<int>(running - rows_.cbegin()) + 1;
+}
+
+Qt::ItemFlags BatchList::flags(const QModelIndex& index) const
+{
+    const Qt::ItemFlags flags = QAbstractListModel::flags(index);
+    if (!index.isValid()) {
+        return flags | Qt::ItemIsDropEnabled;
+    }
+    return index.row() >= firstMovableRow() ? flags | Qt::ItemIsDragEnabled : flags;
+}
+
+bool BatchList::moveRows(const QModelIndex& from, int first, int count, const QModelIndex& to, int before)
+{
+    const int movable = firstMovableRow();
+    if (first < movable || before < movable || count <= 0 || first > this->count() - count || before > this->count() ||
+        !beginMoveRows(from, first, first + count - 1, to, before)) {
+        return false;
+    }
+    const int target = before > first ? before - count : before;
+    const auto begin = rows_.begin();
+    if (before > first) {
+        std::rotate(begin + first, begin + first + count, begin + before);
+    } else {
+        std::rotate(begin + before, begin + first, begin + first + count);
+    }
+    for (int& row : selected_) {
+        if (row >= first && row < first + count) {
+            row += target - first;
+        } else if (row >= qMin(first, before) && row < qMax(first + count, before)) {
+            row += before > first ? -count : count;
+        }
+    }
+    reindex();
+    endMoveRows();
+    noteOrder(qMin(first, before));
+    Q_EMIT selectionChanged();
+    return true;
+}
+
 void BatchList::setSelectedRow(int index)
 {
-    const int wanted = index >= 0 && index < count() ? index : -1;
+    setSelectedRows({index});
+}
+
+void BatchList::setSelectedRows(const QList<int>& rows)
+{
+    QList<int> wanted;
+    QSet<int> met;
+    for (const int row : rows) {
+        if (row >= 0 && row < count() && !met.contains(row)) {
+            met << row;
+            wanted << row;
+        }
+    }
     if (wanted != selected_) {
         selected_ = wanted;
         Q_EMIT selectionChanged();
+    }
+}
+
+void BatchList::noteOrder(int first)
+{
+    if (first < count()) {
+        Q_EMIT dataChanged(index(first), index(count() - 1), {OrderRole});
     }
 }
 

@@ -5,6 +5,8 @@
 #include <QAbstractListModel>
 #include <QList>
 
+#include <functional>
+
 namespace tavrix
 {
 
@@ -33,9 +35,11 @@ struct BatchRow {
 
     // Full path of the source; "" for a row without a record.
     [[nodiscard]] QString source() const { return dico.value(record::mainEncSrcPathStr).toString(); }
-    // Being encoded; failed, skipped or stopped. The icon's name is where a row's state is kept.
+    // Being encoded; failed, skipped or stopped; done; not begun. The icon's name is where a row's state is kept.
     [[nodiscard]] bool isCurrent() const { return resultat == rowIcon::current; }
     [[nodiscard]] bool hasFailed() const { return resultat == rowIcon::failure; }
+    [[nodiscard]] bool isConverted() const { return resultat == rowIcon::success; }
+    [[nodiscard]] bool isWaiting() const { return resultat == rowIcon::pending; }
 };
 
 // The batch list, in encoding order. Indices out of range are ignored by the setters.
@@ -68,6 +72,7 @@ public:
 
     void append(const BatchRow& row);
     void removeRow(int index); // renumbers the rows after it
+    void removeRange(int first, int last);
     void clear();
     void keepOnly(int index); // removes every other row
     void setResultat(int index, const QString& iconName);
@@ -77,20 +82,37 @@ public:
     void setWarning(int index, const QString& warning, bool incomplete);
     void setOut(int index, int out);
 
-    // Row that the user has selected; -1 when none.
-    [[nodiscard]] int selectedRow() const { return selected_; }
+    // Rows are dragged to another place. Only those behind the one being encoded can be moved, and stay behind it: what
+    // runs next is found by its place.
+    [[nodiscard]] int firstMovableRow() const;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
+    [[nodiscard]] Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
+    // As in QAbstractItemModel: the rows go before row `before` as it is counted now. False where they cannot.
+    bool moveRows(const QModelIndex& from, int first, int count, const QModelIndex& to, int before) override;
+
+    // What assistive technology says of a row; a face knows the words. Without it that is the clip's name.
+    void setRowWords(std::function<QString(int row)> words) { rowWords_ = std::move(words); }
+
+    // Row that the user has selected, of many the one that was met first; -1 when none.
+    [[nodiscard]] int selectedRow() const { return selected_.value(0, -1); }
     void setSelectedRow(int index);
+    // All of them, in the order in which they were given.
+    [[nodiscard]] const QList<int>& selectedRows() const { return selected_; }
+    void setSelectedRows(const QList<int>& rows);
 
 Q_SIGNALS:
     void selectionChanged();
 
 private:
     void noteChange(int index);
+    void noteOrder(int first);
     void reindex();
+    void deselectRemoved(int first, int last);
 
     QList<BatchRow> rows_;
     QHash<QString, int> sources_; // source path to index of its first row
-    int selected_ = -1;
+    QList<int> selected_;
+    std::function<QString(int)> rowWords_;
 };
 
 } // namespace tavrix

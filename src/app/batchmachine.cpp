@@ -15,6 +15,7 @@
 #include "base/log.h"
 #include "base/preferences.h"
 #include "encode/outputname.h"
+#include "encode/progress.h"
 #include "probe/batchtexts.h"
 
 namespace tavrix
@@ -155,8 +156,7 @@ void BatchMachine::skipVanishedRow(int index)
     if (index > 0) {
         prefWrite(pref::encCurrentProcessingFile, rows.row(index - 1).source());
     }
-    rows.setSelectedRow(index);
-    batchRows_.remove(nullptr);
+    batchRows_.removeRow(index);
     Q_EMIT rowVanished(source);
     // A batch that was stopped meanwhile ends like any other one: there is no next row.
     if (answer.after == After::GoOn) {
@@ -189,6 +189,10 @@ void BatchMachine::takeRowStep()
         tellRowOver(currentRowIndex(session_.model().encBatchArrayController), false);
         send(stepBatch);
         break;
+    case Next::Stop:
+        stop();
+        send(stepBatch);
+        break;
     case Next::NextRow:
         send(stepBatch);
         break;
@@ -202,7 +206,18 @@ void BatchMachine::launchPass()
         finishRow();
         return;
     }
-    launch(pass.arguments, pass.maximum, pass.parser, pass.environment);
+    const bool second = pass.parser == parseMovencoder;
+    const bool secondFollows = !prefRead(pref::encQtEnc).isEmpty();
+    progress_.setPass(second ? 2 : 1, second || secondFollows ? 2 : 1);
+    if (launch(pass.arguments, pass.maximum, pass.parser, pass.environment)) {
+        tellStep(0);
+    }
+}
+
+void BatchMachine::tellStep(double fraction)
+{
+    Q_EMIT rowStep(currentRowIndex(session_.model().encBatchArrayController), progress_.pass(), progress_.passes(),
+                   fraction);
 }
 
 bool BatchMachine::launch(const QStringList& arguments, float maximum, int parser,
@@ -304,6 +319,9 @@ void BatchMachine::childWrote(const QString& text, bool analysing)
     row_.childWrote(text);
     if (analysing) {
         return;
+    }
+    if (const std::optional<double> fraction = progress_.fraction(text)) {
+        tellStep(*fraction);
     }
     if (const std::optional<float> value = progress_.show(text)) {
         Q_EMIT rowProgress(currentRowIndex(session_.model().encBatchArrayController), *value, progress_.maximum());

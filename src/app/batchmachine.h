@@ -55,6 +55,8 @@ public:
 Q_SIGNALS:
     void rowStarted(int row);
     void rowProgress(int row, float value, float maximum);
+    // How much of a pass is done, 0 to 1, by what its tool says of itself; passes count from 1.
+    void rowStep(int row, int pass, int passes, double fraction);
     void rowFinished(int row, bool success);
     void rowVanished(const QString& path);
     void batchEnded(bool stopped);
@@ -72,6 +74,7 @@ private:
     void skipVanishedRow(int index);
     void takeRowStep();
     void launchPass();
+    void tellStep(double fraction);
     void finishRow();
     void tellRowOver(int row, bool success);
     void end();

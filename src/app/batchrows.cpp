@@ -8,6 +8,9 @@
 #include "base/log.h"
 #include "base/settings.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace tavrix
 {
 
@@ -29,26 +32,66 @@ void BatchRows::removeThumbnail(int row)
 
 void BatchRows::remove(const Control* sender)
 {
-    WindowModel& model = session_.model();
-    BatchList& rows = model.encBatchArrayController;
-    int index = rows.selectedRow();
-    if (index < 0) {
+    BatchList& rows = session_.model().encBatchArrayController;
+    QList<int> chosen = rows.selectedRows();
+    if (chosen.isEmpty()) {
         if (sender != nullptr || rows.count() == 0) {
             return;
         }
-        index = 0;
+        chosen << 0;
     }
-    if (sender != nullptr && index == currentRowIndex(rows)) {
+    std::sort(chosen.begin(), chosen.end(), std::greater<>());
+    const bool spared = sender != nullptr && chosen.removeAll(currentRowIndex(rows)) > 0;
+    removeRows(chosen);
+    if (spared) {
         session_.sheet(alertText("D_batch_1"));
-        return;
+    } else if (chosen.size() > 1) {
+        // Another Delete goes on where this one was.
+        rows.setSelectedRow(qMin(chosen.last(), rows.count() - 1));
     }
-    removeThumbnail(index);
-    rows.removeRow(index);
+}
+
+// Neighbours go together: a view follows each removal.
+void BatchRows::removeRows(const QList<int>& descending)
+{
+    WindowModel& model = session_.model();
+    BatchList& rows = model.encBatchArrayController;
+    for (qsizetype i = 0; i < descending.size();) {
+        const int last = descending.at(i);
+        int first = last;
+        removeThumbnail(last);
+        for (++i; i < descending.size() && descending.at(i) == first - 1; ++i) {
+            --first;
+            removeThumbnail(first);
+        }
+        rows.removeRange(first, last);
+    }
     if (rows.count() == 0) {
         model.batchEncGoBt.setEnabled(false);
         if (model.drawer.isOpen()) {
             model.drawer.close();
         }
+    }
+}
+
+void BatchRows::removeRow(int row)
+{
+    if (row >= 0 && row < session_.model().encBatchArrayController.count()) {
+        removeRows({row});
+    }
+}
+
+void BatchRows::removeConverted()
+{
+    const BatchList& rows = session_.model().encBatchArrayController;
+    QList<int> converted;
+    for (int row = rows.count() - 1; row >= 0; --row) {
+        if (rows.row(row).isConverted()) {
+            converted << row;
+        }
+    }
+    if (!converted.isEmpty()) {
+        removeRows(converted);
     }
 }
 

@@ -4,7 +4,9 @@
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
+#include "base/fileops.h"
 #include "base/filesizes.h"
+#include "base/format.h"
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "encode/outputname.h"
@@ -15,6 +17,10 @@ namespace tavrix
 
 namespace
 {
+
+constexpr int makeButton = 0;
+constexpr int chooseButton = 1;
+constexpr int cancelButton = 2;
 
 // A folder can be typed with a tilde.
 bool isTypedFolder(const QString& text)
@@ -69,7 +75,8 @@ bool Destination::settle()
     if (isTypedFolder(typed()) || takePreferred()) {
         return true;
     }
-    const Asked asked = askForFolder("D_go_dossier_destination2");
+    const bool fullPath = stringByExpandingTildeInPath(typed()).startsWith(QLatin1Char('/'));
+    const Asked asked = fullPath ? offerToMake() : askForFolder("D_go_dossier_destination2");
     // The preference may have been set while the question was open.
     return asked == Asked::Chosen || (asked == Asked::Cancelled && takePreferred());
 }
@@ -90,7 +97,35 @@ Destination::Asked Destination::askForFolder(const char* titleKey)
     if (session_.tell(alertText(titleKey), alertText("D_go_dossier_destination3")) != After::GoOn) {
         return Asked::WorkOver;
     }
+    return chosen();
+}
+
+Destination::Asked Destination::chosen()
+{
     choose(&session_.model().mainEncDstSelectBt);
+    return isTypedFolder(typed()) ? Asked::Chosen : Asked::Cancelled;
+}
+
+Destination::Asked Destination::offerToMake()
+{
+    const QString folder = stringByExpandingTildeInPath(typed());
+    const Answer answer =
+        session_.ask({alertText("D_go_dossier_destination2"),
+                      formatText(alertText("D_makeFolder_2"), {folder}),
+                      {alertText("D_makeFolder"), alertText("D_chooseFolder"), alertText("D_Annuler")},
+                      cancelButton,
+                      0,
+                      {}});
+    if (answer.after != After::GoOn) {
+        return Asked::WorkOver;
+    }
+    if (answer.button == makeButton && !mkdirCocoa(folder) && !isFolder(folder)) {
+        const After after = session_.tell(formatText(alertText("D_makeFolder_3"), {folder}));
+        return after == After::GoOn ? Asked::Cancelled : Asked::WorkOver;
+    }
+    if (answer.button == chooseButton) {
+        return chosen();
+    }
     return isTypedFolder(typed()) ? Asked::Chosen : Asked::Cancelled;
 }
 

@@ -28,6 +28,9 @@ private:
     enum class Asked { Chosen, Cancelled, WorkOver };
 
     [[nodiscard]] Asked askForFolder(const char* titleKey);
+    // For a full path of a folder that does not exist yet.
+    [[nodiscard]] Asked offerToMake();
+    [[nodiscard]] Asked chosen();
     // Puts the folder of the preferences into the field; false when it does not exist.
     bool takePreferred();
 

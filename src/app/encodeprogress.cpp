@@ -7,6 +7,13 @@
 namespace tavrix
 {
 
+namespace
+{
+
+constexpr float wholePercents = 100;
+
+} // namespace
+
 void EncodeProgress::begin(float maximum, int parser)
 {
     SegmentedControl& control = controls_.encStopBt;
@@ -38,6 +45,23 @@ std::optional<float> EncodeProgress::show(const QString& text)
     logDebug(QStringLiteral("progress str        : %.0f"), {percent});
     previous_ = value;
     return value;
+}
+
+std::optional<double> EncodeProgress::fraction(const QString& text) const
+{
+    const bool percents = parser_ == parseMovencoder;
+    const float whole = percents ? wholePercents : maximum_;
+    const float value = progressValue(parser_, text);
+    if (whole <= 0 || !progressAccepted(value, progressSentinel / 2)) {
+        return std::nullopt;
+    }
+    return qMin(1.0, static_cast<double>(value / whole));
+}
+
+void EncodeProgress::setPass(int pass, int passes)
+{
+    pass_ = pass;
+    passes_ = passes;
 }
 
 void EncodeProgress::fill()

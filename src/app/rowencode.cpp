@@ -40,6 +40,7 @@ namespace
 constexpr int replaceAlertSeconds = 60;
 constexpr int replaceButton = 0;
 constexpr int keepButton = 1;
+constexpr int stopButton = 2;
 constexpr double smallestOutputKilobytes = 200;
 
 // A batch that was stopped under an alert goes on to the place where that is honoured; one that is no more does not.
@@ -62,6 +63,22 @@ void warn(BatchList& rows, int row, const std::optional<judge::Verdict>& verdict
     if (verdict) {
         rows.setWarning(row, verdictWords(*verdict), verdict->outcome == judge::Outcome::Incomplete);
     }
+}
+
+// Size and date of a file, on one line.
+QString fileWords(const char* key, const QString& path)
+{
+    const QString date = dateCreation(path);
+    return formatText(alertText(key),
+                      {shownText(lastPathComponent(path)), fixedText(poidsFile(path, QStringLiteral("m")), 1),
+                       date.isNull() ? QStringLiteral("?") : date});
+}
+
+// What stands there, and what the new one would be made of.
+QString replaceWords(const QString& source, const QString& output)
+{
+    return alertText("D_go_dossier_destination4Bis") + QLatin1Char('\n') + fileWords("D_replaceOld", output) +
+           QLatin1Char('\n') + fileWords("D_replaceNew", source);
 }
 
 bool hasSecondPass(int out)
@@ -179,6 +196,9 @@ RowEncode::Next RowEncode::clearWay(int row, const QString& output)
         if (answer.after != After::GoOn) {
             return afterAlert(answer.after);
         }
+        if (answer.button == stopButton) {
+            return Next::Stop;
+        }
         if (answer.button == keepButton) {
             rows().setKept(row, true);
             return refuse(row, batchText("Enc_kept"));
@@ -208,12 +228,12 @@ Answer RowEncode::replaceAnswer(const QString& output)
         return {After::GoOn, *replacePolicy_ == 1 ? replaceButton : keepButton};
     }
     const Answer answer = session_.ask({lastPathComponent(output),
-                                        alertText("D_go_dossier_destination4Bis"),
-                                        {alertText("D_replace"), alertText("D_keep")},
+                                        replaceWords(currentValue(record::mainEncSrcPathStr), output),
+                                        {alertText("D_replace"), alertText("D_keep"), alertText("D_stopBatch")},
                                         keepButton,
                                         replaceAlertSeconds,
                                         alertText("D_applyToAll")});
-    if (answer.after == After::GoOn && answer.checked) {
+    if (answer.after == After::GoOn && answer.checked && answer.button != stopButton) {
         prefWrite(pref::replaceFilesCheck, answer.button == replaceButton ? 1 : 0);
     }
     return answer;

@@ -27,6 +27,7 @@ public:
         Launch,  // the child of pass()
         Finish,  // the finish step
         Refused, // the row is over: it has failed before a child was launched
+        Stop,    // the whole batch
         NextRow, // the choice of the next row, where a stop is honoured
     };
     enum class Outcome {

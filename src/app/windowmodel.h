@@ -17,7 +17,7 @@ inline const QString stop = QStringLiteral("btStop");
 } // namespace controlImage
 
 inline constexpr int outputFormatCount = 6;
-inline constexpr int colorThemeCount = 4;
+inline constexpr int colorThemeCount = 6;
 // What an output format is for, in a line; the key itself for a number out of range.
 [[nodiscard]] QString formatCaption(int out);
 // Side segments of encStopBt: the first toggles pause and play, the second stops.

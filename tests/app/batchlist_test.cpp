@@ -125,6 +125,45 @@ TEST_F(Rows, SelectionIsReportedWhenItChanges)
     EXPECT_EQ(selectionChanges, 2);
 }
 
+TEST_F(Rows, ManyAreSelected)
+{
+    list.setSelectedRows({2, 0, 2, 9, -1});
+    EXPECT_EQ(list.selectedRows(), QList<int>({2, 0}));
+    EXPECT_EQ(list.selectedRow(), 2);
+    list.removeRow(1);
+    EXPECT_EQ(list.selectedRows(), QList<int>({1, 0}));
+    list.removeRange(0, 1);
+    EXPECT_EQ(list.selectedRows(), QList<int>({0}));
+    EXPECT_TEXT(described(), QStringLiteral("1/d"));
+}
+
+TEST_F(Rows, MoveWithTheirSelectionAndNumbers)
+{
+    list.setSelectedRows({3, 0});
+    EXPECT_TRUE(list.moveRows({}, 3, 1, {}, 1));
+    EXPECT_TEXT(described(), QStringLiteral("1/a 2/d 3/b 4/c"));
+    EXPECT_EQ(list.selectedRows(), QList<int>({1, 0}));
+    EXPECT_EQ(list.indexOfSource(QStringLiteral("/d")), 1);
+    EXPECT_TRUE(list.moveRows({}, 0, 2, {}, 4));
+    EXPECT_TEXT(described(), QStringLiteral("1/b 2/c 3/a 4/d"));
+    EXPECT_EQ(list.selectedRows(), QList<int>({3, 2}));
+    EXPECT_FALSE(list.moveRows({}, 1, 1, {}, 2)) << "it stands there";
+    EXPECT_FALSE(list.moveRows({}, 3, 2, {}, 0));
+    EXPECT_FALSE(list.moveRows({}, 0, 1, {}, 5));
+    EXPECT_TEXT(described(), QStringLiteral("1/b 2/c 3/a 4/d"));
+}
+
+TEST_F(Rows, NothingMovesBeforeTheRunningOne)
+{
+    EXPECT_EQ(list.firstMovableRow(), 0);
+    list.setResultat(1, rowIcon::current);
+    EXPECT_EQ(list.firstMovableRow(), 2);
+    EXPECT_FALSE(list.moveRows({}, 3, 1, {}, 1));
+    EXPECT_FALSE(list.moveRows({}, 0, 1, {}, 4));
+    EXPECT_TRUE(list.moveRows({}, 3, 1, {}, 2));
+    EXPECT_TEXT(described(), QStringLiteral("1/a 2/b 3/d 4/c"));
+}
+
 TEST_F(Rows, RolesShowTheRow)
 {
     list.setResultat(1, rowIcon::success);

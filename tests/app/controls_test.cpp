@@ -96,7 +96,7 @@ TEST(Controls, ColoursHaveAnImageEach)
         names << model.prefColor.imageName(i);
     }
     EXPECT_TEXTS(names, QStringList({QStringLiteral("color0"), QStringLiteral("color1"), QStringLiteral("color2"),
-                                     QStringLiteral("color3")}));
+                                     QStringLiteral("color3"), QStringLiteral("color4"), QStringLiteral("color5")}));
 }
 
 TEST(Controls, ProgressAdvances)

@@ -176,12 +176,32 @@ TEST_F(Encoding, MissingDestinationWithoutDefaultAsks)
     addRows(makeClips(1));
     model().mainEncDstPathStr.setStringValue(folder.path(QStringLiteral("gone")));
     face.events.clear();
+    constexpr int chooseAnother = 1;
+    face.answer(chooseAnother);
     pressStart();
     EXPECT_TEXTS(face.events, QStringList({alertEvent("D_go_dossier_destination2"), QStringLiteral("choose")}));
     EXPECT_TEXT(model().mainEncDstPathStr.stringValue(), folder.path(QStringLiteral("gone")));
     EXPECT_FALSE(itemExists(folder.path(QStringLiteral("gone"))));
     EXPECT_TRUE(tools.running().isEmpty());
     EXPECT_TRUE(model().batchEncGoBt.isEnabled());
+}
+
+TEST_F(Encoding, MissingDestinationIsMadeWhenThatIsWished)
+{
+    addRows(makeClips(1));
+    const QString wished = folder.path(QStringLiteral("new/deep"));
+    model().mainEncDstPathStr.setStringValue(wished);
+    constexpr int cancel = 2;
+    face.answer(cancel);
+    pressStart();
+    EXPECT_FALSE(itemExists(wished));
+    EXPECT_TEXT(model().mainEncDstPathStr.stringValue(), wished);
+    EXPECT_TRUE(tools.running().isEmpty());
+    constexpr int makeIt = 0;
+    face.answer(makeIt);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess"));
+    EXPECT_TRUE(itemExists(wished + QStringLiteral("/Tavrix events")));
 }
 
 TEST_F(Encoding, DestinationTypedWithATildeIsInTheHomeFolder)

@@ -72,8 +72,16 @@ TEST_F(ExistingOutput, QuestionIsPlainTimedAndNamesTheFile)
     runBatch();
     const AlertRequest& alert = face.alerts.first();
     EXPECT_TEXT(alert.title, outputOf(sources.at(0)).mid(events.size() + 1));
-    EXPECT_TEXT(alert.text, QStringLiteral("A converted clip of this name already exists. Do you want to replace it?"));
-    EXPECT_TEXTS(alert.buttons, QStringList({QStringLiteral("Replace"), QStringLiteral("Keep")}));
+    const QStringList lines = alert.text.split(QLatin1Char('\n'));
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_TEXT(lines.at(0),
+                QStringLiteral("A converted clip of this name already exists. Do you want to replace it?"));
+    EXPECT_TRUE(lines.at(1).startsWith(QStringLiteral("There: ") + alert.title + QStringLiteral(", 0.8 MB, 2")))
+        << lines.at(1).toStdString();
+    EXPECT_TRUE(lines.at(2).startsWith(QStringLiteral("New, from: clip01.mts, 0.0 MB, 2")))
+        << lines.at(2).toStdString();
+    EXPECT_TEXTS(alert.buttons,
+                 QStringList({QStringLiteral("Replace"), QStringLiteral("Keep"), QStringLiteral("Stop the batch")}));
     EXPECT_TRUE(alert.hasCheckBox);
     EXPECT_TEXT(alert.checkBoxTitle, QStringLiteral("Apply to all clips of this batch"));
     EXPECT_EQ(alert.seconds, 60);
@@ -94,6 +102,21 @@ TEST_F(ExistingOutput, TheOutputHasTheDateOfTheRecording)
     EXPECT_EQ(QFileInfo(source).lastModified().toSecsSinceEpoch(), shot);
 }
 
+TEST_F(ExistingOutput, TheBatchIsStoppedFromTheQuestion)
+{
+    prepare(3);
+    QFile::remove(outputOf(sources.at(0)));
+    constexpr int stopButton = 2;
+    face.answer(stopButton, true);
+    runBatch();
+    EXPECT_TEXT(icons(), QStringLiteral("puceSuccess puceFailure puce"));
+    EXPECT_EQ(questions(), 1);
+    EXPECT_TRUE(isOld(1));
+    EXPECT_TRUE(isOld(2));
+    EXPECT_EQ(model().batchEncGoBt.state(), 0);
+    expectIdle();
+}
+
 TEST_F(ExistingOutput, KeptWithTheBoxTickedIsKeptWithoutAskingFromThenOn)
 {
     prepare(3);
@@ -104,7 +127,7 @@ TEST_F(ExistingOutput, KeptWithTheBoxTickedIsKeptWithoutAskingFromThenOn)
     EXPECT_EQ(questions(), 1);
     EXPECT_TRUE(isOld(1));
     EXPECT_TRUE(isOld(2));
-    EXPECT_TEXT(rows().row(1).reason, QStringLiteral("an output of that name exists and was kept"));
+    EXPECT_TEXT(rows().row(1).reason, QStringLiteral("a file with this name already existed and was kept"));
     EXPECT_FALSE(resumeLog().contains(sources.at(1)));
     expectIdle();
 }
