@@ -1,6 +1,7 @@
 #include "gui/alertdialog.h"
 
 #include "base/bundle.h"
+#include "base/localisation.h"
 #include "base/shownname.h"
 #include "gui/images.h"
 #include "gui/windowtext.h"
@@ -22,6 +23,18 @@ constexpr int ticksPerSecond = 10;
 constexpr int criticalStyle = 2;
 constexpr int textWidth = 340;
 constexpr int iconSide = 48;
+
+// What will be done when nobody answers, by the key of the default button's title.
+const char* countdownKey(const QString& defaultButton)
+{
+    if (defaultButton == localizedString(QStringLiteral("D_replace"))) {
+        return "Win_countdownReplace";
+    }
+    if (defaultButton == localizedString(QStringLiteral("D_Annuler"))) {
+        return "Win_countdownStay";
+    }
+    return "Win_countdown";
+}
 
 constexpr int longestWord = 28;
 constexpr int pieceOfWord = 14;
@@ -179,7 +192,7 @@ void AlertDialog::tick()
 void AlertDialog::showRemaining()
 {
     const int seconds = qMax(0, request_.seconds - ticks_ / ticksPerSecond);
-    countdown_->setText(windowText("Win_countdown", {seconds}));
+    countdown_->setText(windowText(countdownKey(request_.buttons.value(0)), {seconds}));
 }
 
 void AlertDialog::answer(int button)

@@ -1,7 +1,6 @@
 #include "gui/batchdelegate.h"
 
-#include "app/batchlist.h"
-#include "base/localisation.h"
+#include "app/windowmodel.h"
 #include "base/shownname.h"
 #include "gui/images.h"
 #include "gui/rowdetails.h"
@@ -24,23 +23,35 @@ constexpr int thumbnailHeight = 54;
 constexpr int margin = 7;
 constexpr int iconSide = 22;
 
-// A row that is done but lacks something does not look like the others that are done.
-QString rowImage(const BatchRow& row)
-{
-    return row.incomplete ? QStringLiteral("puceIncomplete") : row.resultat;
-}
-
 } // namespace
 
-BatchDelegate::BatchDelegate(BatchList& rows, RowDetails& details, QObject* parent)
-    : QStyledItemDelegate(parent), rows_(rows), details_(details)
+BatchDelegate::BatchDelegate(const WindowModel& model, RowDetails& details, QObject* parent)
+    : QStyledItemDelegate(parent), model_(model), rows_(model.encBatchArrayController), details_(details)
 {
 }
 
-QString BatchDelegate::stateWords(const QString& iconName)
+bool BatchDelegate::isPaused(const BatchRow& row) const
 {
-    return iconName.isEmpty() ? QStringLiteral("")
-                              : localizedString(QStringLiteral("Win_image_") + iconName, QStringLiteral("Window"));
+    return row.isCurrent() && model_.encStopBt.imageName(encStopSegmentPause) == controlImage::play;
+}
+
+QString BatchDelegate::mark(const BatchRow& row) const
+{
+    return isPaused(row) ? QStringLiteral("pucePaused") : stateImage(row);
+}
+
+// At the right end of a row: how far it is, else what has become of it.
+QString BatchDelegate::state(int row) const
+{
+    const BatchRow& shown = rows_.row(row);
+    if (isPaused(shown)) {
+        return windowText("Win_paused");
+    }
+    if (const QString step = details_.stepWords(row); !step.isEmpty()) {
+        return step;
+    }
+    const QString size = details_.outputSize(shown);
+    return size.isEmpty() ? stateWords(shown) : windowText("Win_stateAndSize", {stateWords(shown), size});
 }
 
 QSize BatchDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& /*index*/) const
@@ -68,10 +79,10 @@ void BatchDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const QRect thumbnail(inside.left(), frame.center().y() - thumbnailHeight / 2, thumbnailWidth, thumbnailHeight);
     paintThumbnail(painter, thumbnail, row);
     const QRect icon(inside.right() - iconSide, frame.center().y() - iconSide / 2, iconSide, iconSide);
-    painter->drawPixmap(icon.topLeft(), imagePixmap(rowImage(row), iconSide, painter->device()->devicePixelRatioF()));
+    painter->drawPixmap(icon.topLeft(), imagePixmap(mark(row), iconSide, painter->device()->devicePixelRatioF()));
     painter->setFont(option.font);
     paintWords(painter, QRect(QPoint(thumbnail.right() + 12, frame.top()), QPoint(icon.left() - 10, frame.bottom())),
-               row);
+               index.row());
     painter->restore();
 }
 
@@ -91,7 +102,7 @@ void BatchDelegate::paintThumbnail(QPainter* painter, const QRect& place, const 
 QString BatchDelegate::thirdLine(const BatchRow& row) const
 {
     QStringList parts{formatName(row.out)};
-    if (const QString size = details_.estimatedSize(row); !size.isEmpty()) {
+    if (const QString size = details_.estimatedSize(row); !size.isEmpty() && row.output.isEmpty()) {
         parts << windowText("Win_about", {size});
     }
     if (const QString name = details_.outputName(row); !name.isEmpty()) {
@@ -100,8 +111,9 @@ QString BatchDelegate::thirdLine(const BatchRow& row) const
     return parts.join(QStringLiteral("  ·  "));
 }
 
-void BatchDelegate::paintWords(QPainter* painter, const QRect& place, const BatchRow& row) const
+void BatchDelegate::paintWords(QPainter* painter, const QRect& place, int index) const
 {
+    const BatchRow& row = rows_.row(index);
     const Theme& theme = currentTheme();
     const QFont plain = painter->font();
     QFont bold = plain;
@@ -109,21 +121,26 @@ void BatchDelegate::paintWords(QPainter* painter, const QRect& place, const Batc
     const int height = QFontMetrics(plain).lineSpacing();
     QRect line(place.left(), place.center().y() - height * 3 / 2, place.width(), height);
     const auto write = [painter, &line, height](const QFont& font, const QColor& color, const QString& text,
-                                                Qt::TextElideMode elide = Qt::ElideRight) {
+                                                Qt::TextElideMode elide, int room) {
         painter->setFont(font);
         painter->setPen(color);
-        const QString shown = QFontMetrics(font).elidedText(text, elide, line.width());
+        const QString shown = QFontMetrics(font).elidedText(text, elide, room);
         painter->drawText(line, static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter) | Qt::TextSingleLine, shown);
         line.translate(0, height);
     };
-    write(bold, theme.text, formatText(QStringLiteral("%d.  %@"), {row.order, shownText(row.src)}), Qt::ElideMiddle);
-    write(plain, theme.secondaryText, RowDetails::description(row));
+    const QString end = state(index);
+    painter->setPen(row.hasFailed() ? theme.warning : theme.text);
+    painter->drawText(line, static_cast<int>(Qt::AlignRight | Qt::AlignVCenter) | Qt::TextSingleLine, end);
+    const int nameRoom = line.width() - QFontMetrics(plain).horizontalAdvance(end) - 2 * margin;
+    write(bold, theme.text, formatText(QStringLiteral("%d  %@"), {row.order, shownText(row.src)}), Qt::ElideMiddle,
+          nameRoom);
+    write(plain, theme.secondaryText, RowDetails::description(row), Qt::ElideRight, line.width());
     const QString words = shownText(row.reason.isEmpty() ? row.warning : row.reason);
     if (words.isEmpty()) {
-        write(plain, theme.secondaryText, thirdLine(row));
+        write(plain, theme.secondaryText, thirdLine(row), Qt::ElideMiddle, line.width());
     } else {
         // The words that matter may stand behind a long path.
-        write(plain, theme.warning, words, Qt::ElideMiddle);
+        write(plain, theme.warning, words, Qt::ElideMiddle, line.width());
     }
 }
 
@@ -134,11 +151,8 @@ bool BatchDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const 
         return false;
     }
     const BatchRow& row = rows_.row(index.row());
-    const QStringList lines{stateWords(rowImage(row)), details_.summary(row)};
-    // Escaped: a file name may look like markup.
-    QString text = lines.join(QLatin1Char('\n')).toHtmlEscaped();
-    text.replace(QLatin1Char('\n'), QStringLiteral("<br>"));
-    QToolTip::showText(event->globalPos(), QStringLiteral("<p style='white-space:pre'>") + text, view);
+    const QString state = isPaused(row) ? windowText("Win_paused") : stateWords(row);
+    QToolTip::showText(event->globalPos(), wrappedTip(state + QLatin1Char('\n') + details_.summary(row)), view);
     return true;
 }
 

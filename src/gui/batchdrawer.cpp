@@ -2,16 +2,16 @@
 
 #include "app/appdelegate.h"
 #include "gui/batchdelegate.h"
+#include "gui/batchview.h"
 #include "gui/binding.h"
 #include "gui/rowdetails.h"
 #include "gui/windowtext.h"
+#include "platform/desktop.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
-#include <QListView>
 #include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -19,12 +19,20 @@
 namespace tavrix
 {
 
+BatchDrawer::~BatchDrawer()
+{
+    // The list outlives its view.
+    controller_.model().encBatchArrayController.setRowWords({});
+}
+
 BatchDrawer::BatchDrawer(appDelegate& controller, QWidget* parent)
     : QWidget(parent), controller_(controller),
-      details_(new RowDetails(controller.model().encBatchArrayController, this)), list_(new QListView(this))
+      details_(new RowDetails(controller.model().encBatchArrayController, this)),
+      list_(new BatchView(controller.model().encBatchArrayController, this))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(6);
     auto* head = new QHBoxLayout;
     buildHead(head);
     layout->addLayout(head);
@@ -38,13 +46,17 @@ BatchDrawer::BatchDrawer(appDelegate& controller, QWidget* parent)
     setObjectName(drawer.objectName());
     follow(drawer, this, [this, &drawer] { setVisible(drawer.isOpen()); });
     BatchList& rows = controller_.model().encBatchArrayController;
-    for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
-        connect(&rows, signal, this, &BatchDrawer::refreshHead);
-    }
-    connect(&rows, &QAbstractItemModel::modelReset, this, &BatchDrawer::refreshHead);
-    connect(&rows, &QAbstractItemModel::dataChanged, this, &BatchDrawer::refreshHead);
-    connect(&rows, &BatchList::selectionChanged, this, &BatchDrawer::showSelection);
+    followRows(rows, this, [this] {
+        refreshHead();
+        refreshButtons();
+    });
+    connect(&rows, &BatchList::selectionChanged, this, [this] {
+        refreshHead();
+        refreshButtons();
+    });
+    connect(&controller_, &appDelegate::rowStarted, this, &BatchDrawer::refreshHead);
     refreshHead();
+    refreshButtons();
 }
 
 void BatchDrawer::buildHead(QHBoxLayout* line)
@@ -59,14 +71,13 @@ void BatchDrawer::buildHead(QHBoxLayout* line)
     format_ = new QComboBox(this);
     format_->setObjectName(QStringLiteral("rowFormatBt"));
     format_->setAccessibleName(QStringLiteral("@@Win_acc_rowFormat"));
+    format_->setToolTip(QStringLiteral("@@Win_tip_rowFormat"));
     format_->setPlaceholderText(QStringLiteral("@@Win_rowFormatNone"));
     for (int out = 0; out < outputFormatCount; ++out) {
         format_->addItem(formatText(QStringLiteral("@@Win_format%d"), {out}));
+        format_->setItemData(out, wrappedTip(formatCaption(out)), Qt::ToolTipRole);
     }
-    connect(format_, &QComboBox::activated, this, [this](int out) {
-        BatchList& rows = controller_.model().encBatchArrayController;
-        rows.setOut(rows.selectedRow(), out);
-    });
+    connect(format_, &QComboBox::activated, this, &BatchDrawer::setFormat);
     caption->setBuddy(format_);
     line->addWidget(format_);
 }
@@ -76,49 +87,62 @@ void BatchDrawer::buildList()
     BatchList& rows = controller_.model().encBatchArrayController;
     list_->setObjectName(rows.objectName());
     list_->setAccessibleName(QStringLiteral("@@Win_acc_batch"));
-    list_->setModel(&rows);
-    list_->setItemDelegate(new BatchDelegate(rows, *details_, list_));
-    // Without these every row would be measured whenever one is added.
-    list_->setUniformItemSizes(true);
-    list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list_->setSelectionMode(QAbstractItemView::SingleSelection);
-    list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list_->setContextMenuPolicy(Qt::CustomContextMenu);
-    list_->setMinimumHeight(90);
-    list_->installEventFilter(this);
-    connect(list_->selectionModel(), &QItemSelectionModel::selectionChanged, this, &BatchDrawer::takeSelection);
+    list_->setItemDelegate(new BatchDelegate(controller_.model(), *details_, list_));
+    rows.setRowWords([this](int row) { return details_->spokenWords(row); });
+    connect(list_, &BatchView::previewWished, this, &BatchDrawer::previewSelected);
+    connect(list_, &BatchView::removalWished, this, &BatchDrawer::removeSelected);
     connect(list_, &QListView::doubleClicked, this, [this] { previewSelected(); });
     connect(list_, &QListView::customContextMenuRequested, this, &BatchDrawer::showMenu);
     connect(&controller_, &appDelegate::rowStarted, this, &BatchDrawer::followRow);
-    connect(details_, &RowDetails::changed, list_->viewport(), qOverload<>(&QWidget::update));
+    const auto redraw = [this] {
+        list_->viewport()->update();
+    };
+    connect(details_, &RowDetails::changed, list_, redraw);
+    connect(&controller_.model().encStopBt, &Control::changed, list_, redraw);
+    connect(&controller_, &appDelegate::rowStep, this, [this](int row, int pass, int passes, double fraction) {
+        details_->setStep({row, pass, passes, fraction});
+    });
+    connect(&controller_, &appDelegate::rowFinished, this, [this] { details_->setStep({}); });
+}
+
+QPushButton* BatchDrawer::addButton(QHBoxLayout* line, const char* name, const char* text, const char* tip)
+{
+    auto* button = new QPushButton(QLatin1String(text), this);
+    button->setObjectName(QLatin1String(name));
+    button->setToolTip(QLatin1String(tip));
+    line->addWidget(button);
+    return button;
 }
 
 void BatchDrawer::buildButtons(QHBoxLayout* line)
 {
     WindowModel& model = controller_.model();
-    preview_ = new QPushButton(QStringLiteral("@@Win_preview"), this);
-    preview_->setAccessibleName(QStringLiteral("@@Win_acc_preview"));
+    preview_ = addButton(line, "", "@@Win_preview", "@@Win_acc_preview");
     bindControl(preview_, model.previewBt);
     connect(preview_, &QPushButton::clicked, this, &BatchDrawer::previewSelected);
-    line->addWidget(preview_);
+    show_ = addButton(line, "showOutputBt", "@@Win_showOutput", "@@Win_tip_showOutput");
+    connect(show_, &QPushButton::clicked, this, &BatchDrawer::showOutputOfSelected);
     line->addStretch(1);
-    remove_ = new QPushButton(QStringLiteral("@@Win_remove"), this);
-    remove_->setAccessibleName(QStringLiteral("@@Win_acc_remove"));
+    remove_ = addButton(line, "", "@@Win_remove", "@@Win_acc_remove");
     bindControl(remove_, model.batchEncRemoveBt);
     connect(remove_, &QPushButton::clicked, this, &BatchDrawer::removeSelected);
-    line->addWidget(remove_);
-    removeAll_ = new QPushButton(QStringLiteral("@@Win_removeAll"), this);
-    removeAll_->setAccessibleName(QStringLiteral("@@Win_acc_removeAll"));
+    removeConverted_ = addButton(line, "removeConvertedBt", "@@Win_removeConverted", "@@Win_tip_removeConverted");
+    connect(removeConverted_, &QPushButton::clicked, this, [this] { controller_.removeConverted(); });
+    removeAll_ = addButton(line, "", "@@Win_removeAll", "@@Win_acc_removeAll");
     bindControl(removeAll_, model.batchEncRemoveAllBt);
     connect(removeAll_, &QPushButton::clicked, this,
             [this, &model] { controller_.encBatchRemoveAll(&model.batchEncRemoveAllBt); });
-    line->addWidget(removeAll_);
 }
 
 QList<QWidget*> BatchDrawer::tabOrder() const
 {
-    return {format_, list_, preview_, remove_, removeAll_};
+    return {format_, list_, preview_, show_, remove_, removeConverted_, removeAll_};
+}
+
+void BatchDrawer::showTexts()
+{
+    list_->setEmptyWords(windowText("Win_listEmpty"));
+    refreshHead();
 }
 
 void BatchDrawer::removeSelected()
@@ -131,16 +155,23 @@ void BatchDrawer::previewSelected()
     controller_.iba_preview(controller_.model().encBatchArrayController.selectedRow());
 }
 
-void BatchDrawer::showSelection()
+void BatchDrawer::showOutputOfSelected()
 {
     const BatchList& rows = controller_.model().encBatchArrayController;
-    const QModelIndex wanted = rows.index(rows.selectedRow());
-    if (wanted.isValid()) {
-        list_->setCurrentIndex(wanted);
-    } else {
-        list_->clearSelection();
+    if (const int row = rows.selectedRow(); row >= 0 && !rows.row(row).output.isEmpty()) {
+        revealInFinder(rows.row(row).output);
     }
-    refreshHead();
+}
+
+// The row being encoded keeps the format that its output is made in.
+void BatchDrawer::setFormat(int out)
+{
+    BatchList& rows = controller_.model().encBatchArrayController;
+    for (const int row : rows.selectedRows()) {
+        if (!rows.row(row).isCurrent()) {
+            rows.setOut(row, out);
+        }
+    }
 }
 
 // The list goes along with the batch, unless the user has scrolled to another place.
@@ -153,21 +184,48 @@ void BatchDrawer::followRow(int row)
     }
 }
 
-void BatchDrawer::takeSelection()
+QString BatchDrawer::countWords() const
 {
-    const QModelIndexList selected = list_->selectionModel()->selectedIndexes();
-    controller_.model().encBatchArrayController.setSelectedRow(selected.isEmpty() ? -1 : selected.first().row());
+    const BatchList& rows = controller_.model().encBatchArrayController;
+    double seconds = 0;
+    for (int i = 0; i < rows.count(); ++i) {
+        seconds += rows.row(i).dico.value(record::w_duration).toInt();
+    }
+    const QString clips = rows.count() == 1 ? windowText("Win_oneClip") : windowText("Win_clips", {rows.count()});
+    return rows.count() == 0 ? clips : windowText("Win_clipsAndLength", {clips, durationWords(seconds)});
 }
 
 void BatchDrawer::refreshHead()
 {
     const BatchList& rows = controller_.model().encBatchArrayController;
-    count_->setText(rows.count() == 1 ? windowText("Win_oneClip") : windowText("Win_clips", {rows.count()}));
+    count_->setText(countWords());
+    int common = -1;
+    bool any = false;
+    bool several = false;
+    for (const int row : rows.selectedRows()) {
+        if (row < rows.count() && !rows.row(row).isCurrent()) {
+            several = several || (any && rows.row(row).out != common);
+            common = rows.row(row).out;
+            any = true;
+        }
+    }
     const int selected = rows.selectedRow();
-    const bool any = selected >= 0 && selected < rows.count();
-    const bool running = any && rows.row(selected).isCurrent();
-    format_->setEnabled(any && !running);
-    format_->setCurrentIndex(any ? rows.row(selected).out : -1);
+    const bool running = !any && selected >= 0 && selected < rows.count();
+    format_->setEnabled(any);
+    format_->setPlaceholderText(windowText(several ? "Win_rowFormatSeveral" : "Win_rowFormatNone"));
+    format_->setCurrentIndex(running ? rows.row(selected).out : several ? -1 : common);
+}
+
+void BatchDrawer::refreshButtons()
+{
+    const BatchList& rows = controller_.model().encBatchArrayController;
+    const int selected = rows.selectedRow();
+    show_->setEnabled(selected >= 0 && selected < rows.count() && !rows.row(selected).output.isEmpty());
+    bool converted = false;
+    for (int i = 0; i < rows.count() && !converted; ++i) {
+        converted = rows.row(i).isConverted();
+    }
+    removeConverted_->setEnabled(converted);
 }
 
 void BatchDrawer::showMenu(const QPoint& place)
@@ -177,44 +235,31 @@ void BatchDrawer::showMenu(const QPoint& place)
     if (row < 0) {
         return;
     }
-    rows.setSelectedRow(row);
+    if (!rows.selectedRows().contains(row)) {
+        rows.setSelectedRow(row);
+    }
     auto* menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("rowMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(windowText("Win_preview"), this, &BatchDrawer::previewSelected);
     menu->addAction(window()->findChild<QAction*>(QStringLiteral("menuInformation")));
+    menu->addAction(windowText("Win_showOutput"), this, &BatchDrawer::showOutputOfSelected)
+        ->setEnabled(show_->isEnabled());
     menu->addAction(windowText("Win_remove"), this, &BatchDrawer::removeSelected);
-    QMenu* formats = menu->addMenu(windowText("Win_rowFormat"));
-    for (int out = 0; out < outputFormatCount; ++out) {
-        QAction* action = formats->addAction(formatName(out), this, [&rows, row, out] { rows.setOut(row, out); });
-        action->setCheckable(true);
-        action->setChecked(rows.row(row).out == out);
-    }
-    formats->setEnabled(!rows.row(row).isCurrent());
+    menu->addAction(windowText("Win_removeConverted"), this, [this] { controller_.removeConverted(); })
+        ->setEnabled(removeConverted_->isEnabled());
+    addFormats(menu->addMenu(windowText("Win_rowFormatMenu")));
     menu->popup(list_->viewport()->mapToGlobal(place));
 }
 
-bool BatchDrawer::eventFilter(QObject* watched, QEvent* event)
+void BatchDrawer::addFormats(QMenu* menu)
 {
-    BatchList& rows = controller_.model().encBatchArrayController;
-    if (watched == list_ && event->type() == QEvent::FocusIn && rows.selectedRow() < 0 && rows.count() > 0) {
-        // The arrow keys cannot select the only row of a list: there is no way to move to it.
-        const QModelIndex last = list_->currentIndex();
-        const QModelIndex seen = last.isValid() ? last : list_->indexAt(list_->viewport()->rect().center());
-        rows.setSelectedRow(qMax(0, seen.row()));
+    for (int out = 0; out < outputFormatCount; ++out) {
+        QAction* action = menu->addAction(formatName(out), this, [this, out] { setFormat(out); });
+        action->setCheckable(true);
+        action->setChecked(format_->currentIndex() == out);
     }
-    if (watched == list_ && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter) {
-            previewSelected();
-            return true;
-        }
-        if (key == Qt::Key_Delete || key == Qt::Key_Backspace) {
-            removeSelected();
-            return true;
-        }
-    }
-    return QWidget::eventFilter(watched, event);
+    menu->setEnabled(format_->isEnabled());
 }
 
 } // namespace tavrix

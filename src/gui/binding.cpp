@@ -4,9 +4,11 @@
 #include "gui/segmentedview.h"
 #include "gui/wheelview.h"
 
+#include <QAbstractItemModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
+#include <QTimer>
 
 namespace tavrix
 {
@@ -19,14 +21,30 @@ constexpr int progressSteps = 1000;
 
 } // namespace
 
-void bindControl(QWidget* widget, Control& control)
+void followRows(const QAbstractItemModel& rows, QObject* context, std::function<void()> function)
+{
+    auto* soon = new QTimer(context);
+    soon->setSingleShot(true);
+    QObject::connect(soon, &QTimer::timeout, context, std::move(function));
+    const auto start = [soon] {
+        soon->start(0);
+    };
+    QObject::connect(&rows, &QAbstractItemModel::rowsInserted, soon, start);
+    QObject::connect(&rows, &QAbstractItemModel::rowsRemoved, soon, start);
+    QObject::connect(&rows, &QAbstractItemModel::rowsMoved, soon, start);
+    QObject::connect(&rows, &QAbstractItemModel::modelReset, soon, start);
+    QObject::connect(&rows, &QAbstractItemModel::dataChanged, soon, start);
+    start();
+}
+
+void bindControl(QWidget* widget, Control& control, const std::function<bool()>& shownToo)
 {
     widget->setObjectName(control.objectName());
     QSizePolicy policy = widget->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     widget->setSizePolicy(policy);
-    follow(control, widget, [widget, &control] {
-        widget->setVisible(!control.isHidden());
+    follow(control, widget, [widget, &control, shownToo] {
+        widget->setVisible(!control.isHidden() || (shownToo && shownToo()));
         widget->setEnabled(control.isEnabled());
     });
 }
@@ -73,12 +91,17 @@ void bindProgress(QProgressBar* bar, ProgressBar& control)
 void bindWheel(WheelView* wheel, SpinningIndicator& control)
 {
     bindControl(wheel, control);
-    follow(control, wheel, [wheel, &control] { wheel->setSpinning(control.isAnimating()); });
+    // A wheel that stands still is nothing to tell of either.
+    follow(control, wheel, [wheel, &control] {
+        wheel->setSpinning(control.isAnimating());
+        wheel->setVisible(control.isAnimating() && !control.isHidden());
+    });
 }
 
-void bindSegments(SegmentedView* view, SegmentedControl& control, std::function<void()> action)
+void bindSegments(SegmentedView* view, SegmentedControl& control, std::function<void()> action,
+                  const std::function<bool()>& shownToo)
 {
-    bindControl(view, control);
+    bindControl(view, control, shownToo);
     view->nameSegments(control.objectName());
     follow(control, view, [view, &control] {
         for (int i = 0; i < control.segmentCount(); ++i) {

@@ -2,7 +2,6 @@
 
 #include "app/appdelegate.h"
 #include "gui/dropmanners.h"
-#include "gui/images.h"
 #include "gui/theme.h"
 
 #include <QDropEvent>
@@ -13,7 +12,7 @@
 namespace tavrix
 {
 
-dragNDropView::dragNDropView(QWidget* parent) : QWidget(parent)
+dragNDropView::dragNDropView(QWidget* parent) : QAbstractButton(parent)
 {
     DropManners::allow(this);
     setFocusPolicy(Qt::StrongFocus);
@@ -33,7 +32,7 @@ void dragNDropView::setDelegate(appDelegate* delegate)
 void dragNDropView::setImageName(const QString& imageName)
 {
     imageName_ = imageName;
-    update();
+    Q_EMIT imageChanged();
 }
 
 bool dragNDropView::acceptClips(QDropEvent* event)
@@ -88,25 +87,15 @@ void dragNDropView::paintEvent(QPaintEvent* /*event*/)
     painter.setPen(pen);
     painter.setBrush(hovered_ ? theme.border : theme.panel);
     painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), 12, 12);
-    constexpr int side = 84;
-    const QPixmap image = imagePixmap(imageName_, side, devicePixelRatioF());
-    painter.drawPixmap((width() - side) / 2, qMax(8, height() / 2 - side), image);
-}
-
-void dragNDropView::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) {
-        Q_EMIT activated();
-    }
 }
 
 void dragNDropView::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        Q_EMIT activated();
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        click();
         return;
     }
-    QWidget::keyPressEvent(event);
+    QAbstractButton::keyPressEvent(event);
 }
 
 } // namespace tavrix

@@ -1,16 +1,17 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QPointer>
 #include <QString>
-#include <QWidget>
 
 namespace tavrix
 {
 
 class appDelegate;
 
-// The drop area: takes files from other programs and hands them to its delegate. It can also be clicked or pressed.
-class dragNDropView : public QWidget
+// The drop area: takes files from other programs and hands them to its delegate. It is a button too: who has no mouse,
+// or nothing to drag, presses it to choose files.
+class dragNDropView : public QAbstractButton
 {
     Q_OBJECT
 public:
@@ -24,8 +25,7 @@ public:
     [[nodiscard]] QString imageName() const { return imageName_; }
 
 Q_SIGNALS:
-    // Clicked or pressed: the user wants to choose files instead of dropping them.
-    void activated();
+    void imageChanged();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -33,7 +33,6 @@ protected:
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

@@ -3,39 +3,65 @@
 #include "app/appdelegate.h"
 #include "gui/binding.h"
 #include "gui/dragndropview.h"
+#include "gui/images.h"
+#include "gui/leftoutbutton.h"
 #include "gui/segmentedview.h"
 #include "gui/wheelview.h"
 #include "gui/windowtext.h"
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QPushButton>
+#include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 namespace tavrix
 {
 
+namespace
+{
+
+constexpr int largeImage = 84;
+constexpr int smallImage = 26;
+constexpr int largeHeight = 190;
+
+// A style sheet looks at properties when a widget is polished.
+void setRole(QWidget* widget, const char* role)
+{
+    widget->setProperty("role", QLatin1String(role));
+    widget->style()->unpolish(widget);
+    widget->style()->polish(widget);
+}
+
+} // namespace
+
 DropPanel::DropPanel(appDelegate& controller, QWidget* parent)
-    : QWidget(parent), controller_(controller), view_(new dragNDropView(this))
+    : QWidget(parent), controller_(controller), view_(new dragNDropView(this)),
+      layout_(new QBoxLayout(QBoxLayout::TopToBottom, view_)), image_(new QLabel(view_))
 {
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(0, 0, 0, 0);
     outer->addWidget(view_);
-    view_->setMinimumSize(250, 200);
-    view_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     view_->setAccessibleName(QStringLiteral("@@Win_acc_drop"));
     WindowModel& model = controller_.model();
     view_->setObjectName(model.dragndropImgView.objectName());
     follow(model.dragndropImgView, view_, [this, &model] { view_->setImageName(model.dragndropImgView.imageName()); });
+    connect(view_, &dragNDropView::imageChanged, this, &DropPanel::showImage);
+    connect(view_, &dragNDropView::clicked, this, &DropPanel::askWhat);
 
-    auto* layout = new QVBoxLayout(view_);
-    layout->setContentsMargins(14, 10, 14, 12);
-    layout->addStretch(1);
+    layout_->addStretch(1);
+    image_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    image_->setAlignment(Qt::AlignCenter);
+    layout_->addWidget(image_);
     buildWords();
+    buildButtons();
+    layout_->addStretch(1);
     buildAnalysisLine();
-    connect(view_, &dragNDropView::activated, this, &DropPanel::askWhat);
+    setCompact(false);
 }
 
 void DropPanel::buildWords()
@@ -44,33 +70,44 @@ void DropPanel::buildWords()
     auto* words = new QWidget(view_);
     auto* grid = new QGridLayout(words);
     grid->setContentsMargins(0, 0, 0, 0);
-    auto* caption = new QLabel(QStringLiteral("@@Win_dropCaption"), words);
-    caption->setProperty("role", QStringLiteral("title"));
-    caption->setAlignment(Qt::AlignCenter);
-    caption->setWordWrap(true);
-    bindText(caption, model.dragndropCaptionStr, true);
+    caption_ = new QLabel(QStringLiteral("@@Win_dropCaption"), words);
+    bindText(caption_, model.dragndropCaptionStr, true);
     // Both texts share one place: the caption while the area takes drops, the action while it does not.
-    auto* action = new QLabel(QStringLiteral("@@Win_dropAction"), words);
-    action->setProperty("role", QStringLiteral("title"));
-    action->setAlignment(Qt::AlignCenter);
-    action->setWordWrap(true);
-    bindText(action, model.dragndropActionStr, true);
-    grid->addWidget(caption, 0, 0);
-    grid->addWidget(action, 0, 0);
-    auto* hint = new QLabel(QStringLiteral("@@Win_dropHint"), words);
-    hint->setProperty("role", QStringLiteral("caption"));
-    hint->setAlignment(Qt::AlignCenter);
-    QSizePolicy policy = hint->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    hint->setSizePolicy(policy);
-    grid->addWidget(hint, 1, 0);
-    follow(model.dragndropCaptionStr, hint,
-           [hint, &model] { hint->setVisible(!model.dragndropCaptionStr.isHidden()); });
-    for (QLabel* label : {caption, action, hint}) {
-        label->setAttribute(Qt::WA_TransparentForMouseEvents);
-    }
+    action_ = new QLabel(QStringLiteral("@@Win_dropAction"), words);
+    bindText(action_, model.dragndropActionStr, true);
+    grid->addWidget(caption_, 0, 0);
+    grid->addWidget(action_, 0, 0);
     words->setAttribute(Qt::WA_TransparentForMouseEvents);
-    view_->layout()->addWidget(words);
+    layout_->addWidget(words);
+}
+
+void DropPanel::buildButtons()
+{
+    auto* line = new QHBoxLayout;
+    line->addStretch(1);
+    const auto button = [this, line](const char* text, const char* name) {
+        auto* made = new QPushButton(QLatin1String(text), view_);
+        made->setObjectName(QLatin1String(name));
+        made->setCursor(Qt::ArrowCursor);
+        line->addWidget(made);
+        return made;
+    };
+    addClips_ = button("@@Win_addClips", "addClipsBt");
+    addClips_->setToolTip(QStringLiteral("@@Win_tip_addClips"));
+    connect(addClips_, &QPushButton::clicked, this, &DropPanel::chooseFiles);
+    addFolder_ = button("@@Win_addFolder", "addFolderBt");
+    addFolder_->setToolTip(QStringLiteral("@@Win_tip_addFolder"));
+    connect(addFolder_, &QPushButton::clicked, this, &DropPanel::chooseFolder);
+    line->addStretch(1);
+    layout_->addLayout(line);
+    hint_ = new QLabel(QStringLiteral("@@Win_dropHint"), view_);
+    hint_->setObjectName(QStringLiteral("dropHintStr"));
+    hint_->setProperty("role", QStringLiteral("caption"));
+    hint_->setAlignment(Qt::AlignCenter);
+    hint_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    layout_->addWidget(hint_);
+    leftOut_ = new LeftOutButton(controller_, view_);
+    layout_->addWidget(leftOut_, 0, Qt::AlignCenter);
 }
 
 void DropPanel::buildAnalysisLine()
@@ -86,7 +123,11 @@ void DropPanel::buildAnalysisLine()
     bindText(number, model.analyseCaptionStr);
     number->setMinimumWidth(number->fontMetrics().horizontalAdvance(QStringLiteral("0000/0000")));
     number->setAlignment(Qt::AlignCenter);
-    number->setAccessibleName(QStringLiteral("@@Win_acc_analysisNumber"));
+    follow(model.analyseCaptionStr, number, [number, &model] {
+        const QString place = model.analyseCaptionStr.stringValue();
+        number->setVisible(!model.analyseCaptionStr.isHidden() && !place.isEmpty());
+        number->setAccessibleName(place.isEmpty() ? QString() : windowText("Win_acc_analysisNumber", {place}));
+    });
     line->addWidget(number);
     stop_ = new SegmentedView(model.analyseStopBt.segmentCount(), view_);
     bindSegments(stop_, model.analyseStopBt, [this] { controller_.iba_analysisStopBt(); });
@@ -94,12 +135,55 @@ void DropPanel::buildAnalysisLine()
     stop_->setCursor(Qt::ArrowCursor);
     line->addWidget(stop_);
     line->addStretch(1);
-    static_cast<QVBoxLayout*>(view_->layout())->addLayout(line);
+    layout_->addLayout(line);
 }
 
 QList<QWidget*> DropPanel::tabOrder() const
 {
-    return {view_, stop_->segment(0)};
+    return {view_, addClips_, addFolder_, leftOut_, stop_->segment(0)};
+}
+
+void DropPanel::setCompact(bool compact)
+{
+    compact_ = compact;
+    layout_->setDirection(compact ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    layout_->setStretch(0, compact ? 0 : 1);
+    layout_->setContentsMargins(compact ? QMargins(12, 5, 8, 5) : QMargins(16, 12, 16, 12));
+    layout_->setSpacing(compact ? 10 : 8);
+    for (QLabel* label : {caption_, action_}) {
+        label->setAlignment(compact ? Qt::AlignLeft | Qt::AlignVCenter : Qt::Alignment(Qt::AlignCenter));
+        label->setWordWrap(!compact);
+        setRole(label, compact ? "step" : "title");
+    }
+    hint_->setVisible(!compact);
+    view_->setMinimumSize(250, compact ? 0 : largeHeight);
+    const QSizePolicy::Policy height = compact ? QSizePolicy::Fixed : QSizePolicy::Expanding;
+    view_->setSizePolicy(QSizePolicy::Expanding, height);
+    setSizePolicy(QSizePolicy::Expanding, height);
+    showImage();
+    showTexts();
+}
+
+void DropPanel::showTexts()
+{
+    // Before the first localisation the marked text stands there.
+    if (!caption_->text().startsWith(QLatin1String("@@"))) {
+        caption_->setText(windowText(compact_ ? "Win_dropMore" : "Win_dropCaption"));
+    }
+}
+
+// Images are light or dark, as the theme is.
+void DropPanel::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::StyleChange) {
+        showImage();
+    }
+    QWidget::changeEvent(event);
+}
+
+void DropPanel::showImage()
+{
+    image_->setPixmap(imagePixmap(view_->imageName(), compact_ ? smallImage : largeImage, devicePixelRatioF()));
 }
 
 void DropPanel::askWhat()

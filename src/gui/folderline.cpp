@@ -1,9 +1,9 @@
 #include "gui/folderline.h"
 
 #include "app/appdelegate.h"
-#include "base/shownname.h"
 #include "gui/binding.h"
 #include "gui/folderedit.h"
+#include "gui/windowtext.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -12,7 +12,7 @@ namespace tavrix
 {
 
 FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& select, StateButton& reveal,
-                       QWidget* parent)
+                       const char* name, QWidget* parent)
     : QWidget(parent)
 {
     auto* layout = new QHBoxLayout(this);
@@ -20,20 +20,22 @@ FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& s
     layout->setSpacing(6);
     auto* edit = new FolderEdit(this);
     edit->setPlaceholderText(QStringLiteral("@@Win_folderPlaceholder"));
-    edit->setAccessibleName(QStringLiteral("@@Win_acc_folder"));
+    edit->setAccessibleName(QLatin1String(name));
     edit->setMinimumWidth(150);
     bindText(edit, field);
-    follow(field, edit, [edit, &field] { edit->setToolTip(shownText(field.stringValue()).toHtmlEscaped()); });
+    follow(field, edit, [edit, &field] { edit->setToolTip(wrappedTip(field.stringValue())); });
     layout->addWidget(edit, 1);
 
     auto* choose = new QPushButton(QStringLiteral("@@Win_choose"), this);
     choose->setAccessibleName(QStringLiteral("@@Win_acc_choose"));
+    choose->setToolTip(QStringLiteral("@@Win_acc_choose"));
     bindControl(choose, select);
     connect(choose, &QPushButton::clicked, this, [&controller, &select] { controller.iba_selectFolderBt(&select); });
     layout->addWidget(choose);
 
     auto* show = new QPushButton(QStringLiteral("@@Win_reveal"), this);
     show->setAccessibleName(QStringLiteral("@@Win_acc_reveal"));
+    show->setToolTip(QStringLiteral("@@Win_acc_reveal"));
     bindControl(show, reveal);
     connect(show, &QPushButton::clicked, this, [&controller, &reveal] { controller.iba_OpenFolder(&reveal); });
     layout->addWidget(show);

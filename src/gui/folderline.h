@@ -14,7 +14,8 @@ class FolderLine : public QWidget
 {
     Q_OBJECT
 public:
-    FolderLine(appDelegate& controller, TextField& field, StateButton& select, StateButton& reveal,
+    // The name is that of the field for assistive technology, a marked text.
+    FolderLine(appDelegate& controller, TextField& field, StateButton& select, StateButton& reveal, const char* name,
                QWidget* parent = nullptr);
 
     // The widgets that take the focus, in the order of the Tab key.

@@ -1,6 +1,7 @@
 #include "gui/images.h"
 
 #include "base/bundle.h"
+#include "gui/theme.h"
 
 #include <QPainter>
 #include <QSvgRenderer>
@@ -13,7 +14,14 @@ namespace tavrix
 
 QString imagePath(const QString& name)
 {
-    return name.isEmpty() ? QString() : pathForResource(QStringLiteral("images/") + name, QStringLiteral("svg"));
+    if (name.isEmpty()) {
+        return {};
+    }
+    const auto path = [](const QString& of) {
+        return pathForResource(QStringLiteral("images/") + of, QStringLiteral("svg"));
+    };
+    const QString light = currentTheme().light ? path(name + QStringLiteral("Light")) : QString();
+    return light.isEmpty() ? path(name) : light;
 }
 
 QIcon imageNamed(const QString& name)

@@ -1,6 +1,7 @@
 #include "base/bundle.h"
 #include "gui/clipplayer.h"
 #include "gui/endsignals.h"
+#include "gui/handover.h"
 #include "gui/windowprogram.h"
 
 #include <QApplication>
@@ -102,6 +103,9 @@ int main(int argc, char** argv)
     // Relative names must not find anything in the folder that the program was started in.
     QDir::setCurrent(QStringLiteral("/"));
 
+    if (!files->isEmpty() && tavrix::Handover::handOver(*files)) {
+        return 0;
+    }
     const int status = runProgram(application, *files);
     if (tavrix::ClipPlayer::hasGivenUpSound()) {
         std::fflush(nullptr);

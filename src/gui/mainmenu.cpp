@@ -1,7 +1,11 @@
 #include "gui/mainmenu.h"
 
 #include "app/appdelegate.h"
+#include "base/bundle.h"
+#include "base/format.h"
 #include "base/runloopgate.h"
+#include "gui/batchdrawer.h"
+#include "gui/batchview.h"
 #include "gui/binding.h"
 #include "gui/mainwindow.h"
 
@@ -13,6 +17,17 @@
 
 namespace tavrix
 {
+
+namespace
+{
+
+// A name that is reserved for examples leads nowhere.
+bool isReachable(const char* addressKey)
+{
+    return !textOf(infoValue(QLatin1String(addressKey))).contains(QLatin1String(".example"));
+}
+
+} // namespace
 
 template <class Function>
 QAction* MainMenu::add(QMenu* menu, const char* name, const char* text, const QKeySequence& shortcut, Function function)
@@ -99,6 +114,15 @@ void MainMenu::sendToField(const char* slot)
     }
 }
 
+void MainMenu::selectAll()
+{
+    if (qobject_cast<QLineEdit*>(QApplication::focusWidget()) != nullptr) {
+        sendToField("selectAll");
+    } else {
+        window_.batchDrawer().view().selectAll();
+    }
+}
+
 void MainMenu::buildEditMenu(QMenuBar* bar)
 {
     QMenu* menu = bar->addMenu(QStringLiteral("@@Win_menuEdit"));
@@ -107,8 +131,7 @@ void MainMenu::buildEditMenu(QMenuBar* bar)
     add(menu, "menuCut", "@@Win_menuCut", QKeySequence(Qt::CTRL | Qt::Key_X), [this] { sendToField("cut"); });
     add(menu, "menuCopy", "@@Win_menuCopy", QKeySequence(Qt::CTRL | Qt::Key_C), [this] { sendToField("copy"); });
     add(menu, "menuPaste", "@@Win_menuPaste", QKeySequence(Qt::CTRL | Qt::Key_V), [this] { sendToField("paste"); });
-    add(menu, "menuSelectAll", "@@Win_menuSelectAll", QKeySequence(Qt::CTRL | Qt::Key_A),
-        [this] { sendToField("selectAll"); });
+    add(menu, "menuSelectAll", "@@Win_menuSelectAll", QKeySequence(Qt::CTRL | Qt::Key_A), [this] { selectAll(); });
 }
 
 void MainMenu::buildBatchMenu(QMenuBar* bar)
@@ -149,6 +172,15 @@ void MainMenu::buildRowItems(QMenu* menu)
                                [this] { window_.showInformation(); });
     QAction* remove = add(menu, "menuRemove", "@@Win_menuRemove", QKeySequence(Qt::CTRL | Qt::Key_Delete),
                           [this, &model] { controller_.encBatchRemove(&model.batchEncRemoveBt); });
+    QAction* show = add(menu, "menuShowOutput", "@@Win_menuShowOutput", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E),
+                        [this] { window_.batchDrawer().showOutputOfSelected(); });
+    add(menu, "menuMoveUp", "@@Win_menuMoveUp", QKeySequence(Qt::ALT | Qt::Key_Up),
+        [this] { window_.batchDrawer().view().moveSelection(-1); });
+    add(menu, "menuMoveDown", "@@Win_menuMoveDown", QKeySequence(Qt::ALT | Qt::Key_Down),
+        [this] { window_.batchDrawer().view().moveSelection(1); });
+    menu->addSeparator();
+    QAction* removeConverted =
+        add(menu, "menuRemoveConverted", "@@Win_menuRemoveConverted", {}, [this] { controller_.removeConverted(); });
     QAction* removeAll =
         add(menu, "menuRemoveAll", "@@Win_menuRemoveAll", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Delete),
             [this, &model] { controller_.encBatchRemoveAll(&model.batchEncRemoveAllBt); });
@@ -159,6 +191,17 @@ void MainMenu::buildRowItems(QMenu* menu)
     bindEnabled(information, model.previewBt);
     bindEnabled(remove, model.batchEncRemoveBt);
     bindEnabled(removeAll, model.batchEncRemoveAllBt);
+    const auto follows = [show, removeConverted, &rows] {
+        const int selected = rows.selectedRow();
+        show->setEnabled(selected >= 0 && selected < rows.count() && !rows.row(selected).output.isEmpty());
+        bool converted = false;
+        for (int i = 0; i < rows.count() && !converted; ++i) {
+            converted = rows.row(i).isConverted();
+        }
+        removeConverted->setEnabled(converted);
+    };
+    followRows(rows, this, follows);
+    connect(&rows, &BatchList::selectionChanged, show, follows);
 }
 
 void MainMenu::buildWindowMenu(QMenuBar* bar)
@@ -179,13 +222,16 @@ void MainMenu::buildHelpMenu(QMenuBar* bar)
     QMenu* menu = bar->addMenu(QStringLiteral("@@Win_menuHelp"));
     add(menu, "menuHelp", "@@Win_menuShowHelp", QKeySequence(Qt::Key_F1),
         [this, &model] { controller_.iba_menuHelp(&model.versionStr); });
-    add(menu, "menuWebSite", "@@Win_menuWebSite", {}, [this] { controller_.iba_openUrl(); });
+    add(menu, "menuWebSite", "@@Win_menuWebSite", {}, [this] {
+        controller_.iba_openUrl();
+    })->setVisible(isReachable("TVXWebSite"));
     menu->addSeparator();
     buildLogItems(menu);
     menu->addSeparator();
     addBound(menu, model.menuBugreport, "@@Win_menuBugreport", {}, [this] { window_.showReport(); });
     addBound(menu, model.menuContact, "@@Win_menuContact", {},
              [this, &model] { controller_.iba_mail(&model.menuContact); });
+    model.menuContact.setHidden(!isReachable("TVXMailDomain"));
 }
 
 void MainMenu::buildLogItems(QMenu* menu)

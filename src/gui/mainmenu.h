@@ -37,6 +37,8 @@ private:
                       Function function);
     // Sends an edit command to the text field that has the focus.
     void sendToField(const char* slot);
+    // Of the field that has the focus, else of the list.
+    void selectAll();
 
     appDelegate& controller_;
     MainWindow& window_;

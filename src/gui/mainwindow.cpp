@@ -6,6 +6,7 @@
 #include "base/localisation.h"
 #include "base/runloopgate.h"
 #include "gui/batchdrawer.h"
+#include "gui/batchview.h"
 #include "gui/binding.h"
 #include "gui/dragndropview.h"
 #include "gui/dropmanners.h"
@@ -13,11 +14,11 @@
 #include "gui/ecran.h"
 #include "gui/encodepanel.h"
 #include "gui/images.h"
-#include "gui/leftoutbar.h"
 #include "gui/mainmenu.h"
 #include "gui/pickers.h"
 #include "gui/preferencessheet.h"
 #include "gui/reportwindow.h"
+#include "gui/runpanel.h"
 #include "gui/theme.h"
 #include "gui/toolwindow.h"
 #include "gui/treelocaliser.h"
@@ -25,7 +26,7 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QHBoxLayout>
+#include <QFrame>
 #include <QLabel>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -39,7 +40,7 @@ namespace tavrix
 namespace
 {
 
-constexpr QSize startSize(760, 350);
+constexpr QSize startSize(880, 400);
 
 } // namespace
 
@@ -62,40 +63,37 @@ MainWindow::MainWindow(appDelegate& controller) : controller_(controller)
 void MainWindow::build()
 {
     auto* middle = new QWidget(this);
-    auto* layout = new QVBoxLayout(middle);
-    layout->setContentsMargins(16, 10, 16, 10);
-    layout->setSpacing(8);
-    layout->addLayout(buildUpper(), 1);
-    drawer_ = new BatchDrawer(controller_, middle);
-    layout->addWidget(drawer_, 2);
-    layout->addLayout(buildFoot());
-    setCentralWidget(middle);
-}
-
-QHBoxLayout* MainWindow::buildUpper()
-{
-    auto* upper = new QHBoxLayout;
-    upper->setSpacing(18);
-    drop_ = new DropPanel(controller_, this);
+    layout_ = new QVBoxLayout(middle);
+    layout_->setContentsMargins(14, 10, 14, 10);
+    layout_->setSpacing(8);
+    drop_ = new DropPanel(controller_, middle);
     connect(drop_, &DropPanel::chooseFiles, this, &MainWindow::chooseFiles);
     connect(drop_, &DropPanel::chooseFolder, this, &MainWindow::chooseFolder);
-    upper->addWidget(drop_, 4);
-    encode_ = new EncodePanel(controller_, this);
-    upper->addWidget(encode_, 5);
-    return upper;
-}
+    layout_->addWidget(drop_, 1);
+    drawer_ = new BatchDrawer(controller_, middle);
+    layout_->addWidget(drawer_, 1);
+    auto* line = new QFrame(middle);
+    line->setObjectName(QStringLiteral("barLine"));
+    line->setFrameShape(QFrame::HLine);
+    layout_->addWidget(line);
+    encode_ = new EncodePanel(controller_, middle);
+    connect(&encode_->run(), &RunPanel::pauseLeaves, this, [this] { drawer_->view().setFocus(Qt::OtherFocusReason); });
+    layout_->addWidget(encode_);
+    setCentralWidget(middle);
 
-QHBoxLayout* MainWindow::buildFoot()
-{
-    auto* line = new QHBoxLayout;
-    foot_ = new LeftOutBar(controller_, this);
-    line->addWidget(foot_, 1);
     auto* version = new QLabel(this);
     version->setProperty("role", QStringLiteral("caption"));
-    version->setAccessibleName(QStringLiteral("@@Win_acc_version"));
+    version->setContentsMargins(0, 4, 12, 0);
     bindText(version, controller_.model().versionStr);
-    line->addWidget(version);
-    return line;
+    menuBar()->setCornerWidget(version);
+}
+
+// The list is the window, and the drop area a line of it; without the list the drop area is the window.
+void MainWindow::showDrawer(bool open)
+{
+    layout_->setStretchFactor(drop_, open ? 0 : 1);
+    drop_->setCompact(open);
+    encode_->setClipsShown(open);
 }
 
 // Opening makes room below (the controller asks for it); closing gives that room back.
@@ -103,7 +101,9 @@ void MainWindow::watchDrawer()
 {
     Drawer& drawer = controller_.model().drawer;
     drawerWasOpen_ = drawer.isOpen();
+    showDrawer(drawer.isOpen());
     connect(&drawer, &Control::changed, this, [this, &drawer] {
+        showDrawer(drawer.isOpen());
         if (!drawerWasOpen_ && drawer.isOpen()) {
             heightOpen_ = height();
         } else if (drawerWasOpen_ && !drawer.isOpen() && !isMaximized() && !isFullScreen()) {
@@ -135,7 +135,7 @@ void MainWindow::watchTheme()
 
 void MainWindow::setOrder()
 {
-    const QList<QWidget*> order = drop_->tabOrder() + encode_->tabOrder() + drawer_->tabOrder() + foot_->tabOrder();
+    const QList<QWidget*> order = drop_->tabOrder() + drawer_->tabOrder() + encode_->tabOrder();
     for (qsizetype i = 1; i < order.size(); ++i) {
         setTabOrder(order.at(i - 1), order.at(i));
     }
@@ -193,10 +193,23 @@ void MainWindow::localise()
     FVAutoLocalizeSetName(QStringLiteral("Window"));
     FVAutoLocalizeWindow(this);
     FVAutoLocalizeMenu(menuBar());
+    wrapTips();
+    drop_->showTexts();
+    drawer_->showTexts();
     // The toolkit's own texts, such as those of the file choosers.
     if (toolkitTexts_.load(QLocale(currentLanguage()), QStringLiteral("qtbase"), QStringLiteral("_"),
                            QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         QCoreApplication::installTranslator(&toolkitTexts_);
+    }
+}
+
+// The toolkit breaks only what is markup into lines.
+void MainWindow::wrapTips()
+{
+    for (auto* widget : findChildren<QWidget*>()) {
+        if (!widget->toolTip().startsWith(QLatin1Char('<'))) {
+            widget->setToolTip(wrappedTip(widget->toolTip()));
+        }
     }
 }
 

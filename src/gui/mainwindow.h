@@ -3,7 +3,6 @@
 #include <QMainWindow>
 #include <QTranslator>
 
-class QHBoxLayout;
 class QVBoxLayout;
 
 namespace tavrix
@@ -13,10 +12,10 @@ class appDelegate;
 class BatchDrawer;
 class DropPanel;
 class EncodePanel;
-class LeftOutBar;
 class PreferencesSheet;
 
-// The main window on the controller's model: drop area, destination, start and progress above, the drawer below.
+// The main window on the controller's model: the drop area, or a line of it above the list; below the bar with the
+// destination, the format, the start and the running encode.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -47,18 +46,18 @@ protected:
 
 private:
     void build();
-    QHBoxLayout* buildUpper();
-    QHBoxLayout* buildFoot();
+    void showDrawer(bool open);
     void watchDrawer();
     void watchTheme();
     void setOrder();
+    void wrapTips();
     void openPaths(const QStringList& paths);
 
     appDelegate& controller_;
+    QVBoxLayout* layout_ = nullptr;
     DropPanel* drop_ = nullptr;
     EncodePanel* encode_ = nullptr;
     BatchDrawer* drawer_ = nullptr;
-    LeftOutBar* foot_ = nullptr;
     PreferencesSheet* preferences_ = nullptr;
     bool drawerWasOpen_ = false;
     int heightBefore_ = 0; // of the window before it grew for the drawer

@@ -140,10 +140,16 @@ QString selectFile(const QString& /*unused*/, const QStringList& types)
     return path;
 }
 
-QString selectFolder(const QString& title)
+QString selectFolder(const QString& title, const std::function<void(const QString& folder)>& refused)
 {
     const QStringList paths = chosenFolder(title.isNull() ? QStringLiteral("Select a Folder") : title, homeFolder());
-    return paths.isEmpty() || !droitsAcces(paths.first()) ? QString() : paths.first();
+    if (paths.isEmpty() || droitsAcces(paths.first())) {
+        return paths.value(0);
+    }
+    if (refused) {
+        refused(paths.first());
+    }
+    return {};
 }
 
 std::optional<QStringList> selectFileFolder(const QString& title)

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class QWidget;
@@ -21,8 +22,10 @@ void cancelPickers();
 [[nodiscard]] QString selectFile(const QString& unused, const QStringList& types);
 // Name patterns that selectFile accepts: for "avi" "*.avi", "*.AVI", "*.Avi".
 [[nodiscard]] QStringList selectFilePatterns(const QStringList& types);
-// One folder, only when it is writable; nothing when cancelled or not writable. Without a title "Select a Folder".
-[[nodiscard]] QString selectFolder(const QString& title);
+// One folder, only when it is writable; nothing when cancelled or not writable. Without a title "Select a Folder". A
+// folder that was chosen but cannot be written is told to `refused`.
+[[nodiscard]] QString selectFolder(const QString& title,
+                                   const std::function<void(const QString& folder)>& refused = {});
 // One file or folder; no value when cancelled. Without a title "Select a File or a Folder".
 [[nodiscard]] std::optional<QStringList> selectFileFolder(const QString& title);
 // Any number of existing files of the document types of the program; empty when cancelled.

@@ -61,7 +61,7 @@ void PreferencesSheet::buildDestination(QVBoxLayout* layout)
     WindowModel& model = controller_.model();
     layout->addWidget(stepLabel("@@Win_defaultDestination", this));
     layout->addWidget(new FolderLine(controller_, model.prefDefautDstPathStr, model.prefDefautDstSelectBt,
-                                     model.prefDefautDstRevealBt, this));
+                                     model.prefDefautDstRevealBt, "@@Win_defaultDestination", this));
 }
 
 void PreferencesSheet::buildColor(QVBoxLayout* layout)

@@ -6,7 +6,6 @@
 #include "encode/outputname.h"
 #include "encode/rowforecast.h"
 #include "gui/windowtext.h"
-#include "probe/cameraclip.h"
 #include "probe/recordersources.h"
 #include "probe/recordingname.h"
 
@@ -19,6 +18,7 @@ namespace
 {
 
 constexpr qsizetype maximumWanted = 64;
+constexpr int lastFormatOfOnePass = 3;
 
 QString estimateWords(const BatchRow& row, double megabytes)
 {
@@ -27,13 +27,22 @@ QString estimateWords(const BatchRow& row, double megabytes)
     }
     const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
     constexpr double bytesPerMegabyte = 1024.0 * 1024;
-    const qint64 forecast = outputForecast(row.dico, row.out);
-    const double estimate = forecast > 0 ? static_cast<double>(forecast) / bytesPerMegabyte
-                                         : static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out));
-    if (estimate >= 1024) {
-        return windowText("Win_gigabytes", {fixedText(estimate / 1024, 1)});
+    if (const qint64 forecast = outputForecast(row.dico, row.out); forecast > 0) {
+        return sizeWords(static_cast<double>(forecast) / bytesPerMegabyte);
     }
-    return windowText("Win_megabytes", {fixedText(estimate, estimate < 10 ? 1 : 0)});
+    // The rule's estimate counts the first pass only: what a second one makes is many times as large.
+    if (row.out > lastFormatOfOnePass) {
+        return QStringLiteral("");
+    }
+    return sizeWords(static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out)));
+}
+
+// As people write it, where the name is known.
+QString codecWords(const QString& codec)
+{
+    static const QHash<QString, QString> names{{QStringLiteral("h264"), QStringLiteral("H.264")},
+                                               {QStringLiteral("mjpeg"), QStringLiteral("Motion-JPEG")}};
+    return names.value(codec, codec);
 }
 
 QString dateSourceWords(const QString& source)
@@ -126,15 +135,91 @@ QString RowDetails::estimatedSize(const BatchRow& row)
 
 QString RowDetails::description(const BatchRow& row)
 {
-    const QString words = clipDescription(row.dico);
-    return words.isEmpty() ? windowText("Win_unknownClip") : words;
+    const MediaInfoRecord& infos = row.dico;
+    QStringList parts;
+    if (infos.contains(record::v0_codec)) {
+        parts << shownText(codecWords(infos.value(record::v0_codec).toString()));
+    }
+    if (infos.contains(record::v0_width) && infos.contains(record::v0_height)) {
+        parts << formatText(QStringLiteral("%d × %d"),
+                            {infos.value(record::v0_width).toInt(), infos.value(record::v0_height).toInt()});
+    }
+    if (infos.contains(record::v0_fps)) {
+        const double rate = infos.value(record::v0_fps).toDouble();
+        const bool whole = qAbs(rate - qRound(rate)) < 0.005;
+        parts << windowText("Win_rate", {shownNumber(rate, whole ? 0 : 2)});
+    }
+    if (infos.contains(record::w_duration)) {
+        parts << durationWords(infos.value(record::w_duration).toInt());
+    }
+    return parts.isEmpty() ? windowText("Win_unknownClip") : parts.join(QStringLiteral(" · "));
+}
+
+QString RowDetails::outputSize(const BatchRow& row)
+{
+    if (row.output.isEmpty()) {
+        return QStringLiteral("");
+    }
+    const auto known = outputSizes_.constFind(row.output);
+    if (known != outputSizes_.constEnd()) {
+        return *known;
+    }
+    const double megabytes = poidsFile(row.output, QStringLiteral("m"));
+    QString words = megabytes < 0 ? QStringLiteral("") : sizeWords(megabytes);
+    outputSizes_.insert(row.output, words);
+    return words;
+}
+
+void RowDetails::setStep(const RowStep& step)
+{
+    step_ = step;
+    if (step.row < 0) {
+        // The output of a row that ran again has another size.
+        outputSizes_.clear();
+    }
+    Q_EMIT changed();
+}
+
+QString RowDetails::stepWords(int row) const
+{
+    if (row < 0 || row != step_.row || row >= rows_.count()) {
+        return QStringLiteral("");
+    }
+    const int percent = wholePercents(step_.fraction);
+    if (step_.passes == 1) {
+        return windowText("Win_percent", {percent});
+    }
+    return windowText(
+        "Win_stepOfWithPart",
+        {step_.pass, step_.passes, windowText(step_.pass == 1 ? "Win_firstStep" : "Win_secondStep"), percent});
+}
+
+QString RowDetails::spokenWords(int row) const
+{
+    const BatchRow& shown = rows_.row(row);
+    QStringList parts{formatText(QStringLiteral("%d. %@"), {shown.order, shownText(shown.src)}), stateWords(shown)};
+    if (const QString step = stepWords(row); !step.isEmpty()) {
+        parts << step;
+    }
+    for (const QString& words : {shown.reason, shown.warning}) {
+        if (!words.isEmpty()) {
+            parts << shownText(words);
+        }
+    }
+    parts << formatName(shown.out);
+    if (shown.dico.contains(record::w_duration)) {
+        parts << durationWords(shown.dico.value(record::w_duration).toInt());
+    }
+    return parts.join(QStringLiteral(", "));
 }
 
 QString RowDetails::summary(const BatchRow& row)
 {
     QStringList lines{shownText(row.source()), description(row), windowText("Win_lineFormat", {formatName(row.out)})};
-    if (const QString size = estimatedSize(row); !size.isEmpty()) {
-        lines << windowText("Win_lineSize", {size});
+    if (const QString size = outputSize(row); !size.isEmpty()) {
+        lines << windowText("Win_lineOutputSize", {size});
+    } else if (const QString expected = estimatedSize(row); !expected.isEmpty()) {
+        lines << windowText("Win_lineSize", {expected});
     }
     if (const QString name = outputName(row); !name.isEmpty()) {
         lines << windowText("Win_lineName", {name});

@@ -13,6 +13,14 @@ namespace tavrix
 
 // What the drawer shows of a row besides the row itself: thumbnails and facts that cost something to find out. Each is
 // found out once and kept until the row goes.
+// How far the row being encoded is.
+struct RowStep {
+    int row = -1; // none
+    int pass = 1; // from 1
+    int passes = 1;
+    double fraction = 0; // of the pass, 0 to 1
+};
+
 class RowDetails : public QObject
 {
     Q_OBJECT
@@ -27,6 +35,13 @@ public:
     [[nodiscard]] QString estimatedSize(const BatchRow& row);
     // Codec, size, rate, duration; says so when nothing is known.
     [[nodiscard]] static QString description(const BatchRow& row);
+    // Size of the finished output; "" when there is none.
+    [[nodiscard]] QString outputSize(const BatchRow& row);
+    // How far a row is that is being encoded, else "".
+    [[nodiscard]] QString stepWords(int row) const;
+    void setStep(const RowStep& step);
+    // One sentence for a screen reader: number, name, state with its reason, format, length.
+    [[nodiscard]] QString spokenWords(int row) const;
     // Everything about a row, one fact per line, as plain text.
     [[nodiscard]] QString summary(const BatchRow& row);
 
@@ -47,9 +62,11 @@ private:
 
     BatchList& rows_;
     QHash<QString, QPixmap> thumbnails_;
-    QHash<QString, QString> names_; // source path to the output's base name
-    QHash<QString, Size> sizes_;    // by source path
-    QStringList wanted_;            // sources whose date is still to be looked up
+    QHash<QString, QString> names_;       // source path to the output's base name
+    QHash<QString, Size> sizes_;          // by source path
+    QHash<QString, QString> outputSizes_; // by output path
+    RowStep step_;
+    QStringList wanted_; // sources whose date is still to be looked up
     QTimer lookUp_;
     int thumbnailLoads_ = 0;
 };

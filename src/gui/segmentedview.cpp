@@ -3,6 +3,7 @@
 #include "base/localisation.h"
 #include "gui/images.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QToolButton>
@@ -76,6 +77,19 @@ void SegmentedView::nameSegments(const QString& name)
     for (int i = 0; i < segmentCount(); ++i) {
         buttons_.at(i)->setObjectName(name + QLatin1Char('.') + QString::number(i));
     }
+}
+
+// Images are light or dark, as the theme is.
+void SegmentedView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::StyleChange) {
+        for (int i = 0; i < segmentCount(); ++i) {
+            if (!imageNames_.at(i).isEmpty()) {
+                buttons_.at(i)->setIcon(imageNamed(imageNames_.at(i)));
+            }
+        }
+    }
+    QWidget::changeEvent(event);
 }
 
 void SegmentedView::keyPressEvent(QKeyEvent* event)

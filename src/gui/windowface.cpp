@@ -1,5 +1,6 @@
 #include "gui/windowface.h"
 
+#include "base/alerts.h"
 #include "gui/helpwindow.h"
 #include "gui/mainwindow.h"
 #include "gui/pickers.h"
@@ -28,7 +29,10 @@ QObject* WindowFace::window()
 
 QString WindowFace::selectFolder(const QString& title)
 {
-    return tavrix::selectFolder(title.isNull() ? windowText("Win_chooseDestination") : title);
+    return tavrix::selectFolder(
+        title.isNull() ? windowText("Win_chooseDestination") : title, [](const QString& folder) {
+            displayAlert(windowText("Win_folderClosed"), windowText("Win_folderClosedWords", {folder}), 0, nullptr);
+        });
 }
 
 void WindowFace::beep()

@@ -3,6 +3,7 @@
 #include "app/appdelegate.h"
 #include "base/runloopgate.h"
 #include "gui/buscontrol.h"
+#include "gui/desktopscheme.h"
 #include "gui/encodingpresence.h"
 #include "gui/mainwindow.h"
 #include "gui/pickers.h"
@@ -57,6 +58,8 @@ bool WindowProgram::start()
         return false;
     }
     controller_->applicationDidFinishLaunching();
+    connect(&handover_, &Handover::arrived, this, &WindowProgram::takeOver);
+    (void)handover_.listen(); // where it cannot, another start says that this copy runs
     window_->takeDrops();
     window_->show();
     // Connecting to the message bus can take a moment; the window is shown first.
@@ -72,10 +75,21 @@ void WindowProgram::connectDesktop()
     if (!bus.isConnected()) {
         return;
     }
+    scheme_ = std::make_unique<DesktopScheme>(bus);
     desktop_ = std::make_unique<BusDesktopServices>(bus);
     setDesktopServices(desktop_.get());
     presence_ = std::make_unique<EncodingPresence>(*controller_, *window_, *commands_, bus);
     busControl_ = std::make_unique<BusControl>(*controller_, bus);
+}
+
+// The files of another start, which has brought its user here.
+void WindowProgram::takeOver(const QStringList& paths)
+{
+    window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+    openFiles(paths);
 }
 
 void WindowProgram::openFiles(const QStringList& paths)

@@ -2,6 +2,7 @@
 
 #include "gui/dialogpresenter.h"
 #include "gui/dropmanners.h"
+#include "gui/handover.h"
 #include "gui/windowface.h"
 
 #include <QObject>
@@ -15,6 +16,7 @@ namespace tavrix
 class appDelegate;
 class BusControl;
 class BusDesktopServices;
+class DesktopScheme;
 class EncodingPresence;
 class MainWindow;
 class RunCommands;
@@ -46,6 +48,7 @@ public:
 
 private:
     void connectDesktop();
+    void takeOver(const QStringList& paths);
 
     bool ended_ = false;
     DropManners dropManners_; // before the first window
@@ -53,6 +56,8 @@ private:
     WindowFace face_;
     std::unique_ptr<appDelegate> controller_;
     std::unique_ptr<MainWindow> window_;
+    Handover handover_;
+    std::unique_ptr<DesktopScheme> scheme_;
     std::unique_ptr<BusDesktopServices> desktop_;
     std::unique_ptr<RunCommands> commands_;
     std::unique_ptr<EncodingPresence> presence_;

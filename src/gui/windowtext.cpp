@@ -4,21 +4,44 @@
 #include "base/localisation.h"
 #include "base/shownname.h"
 
+#include <QLocale>
+
+#include <cmath>
+
 namespace tavrix
 {
 
+namespace
+{
+
+constexpr double megabytesInGigabyte = 1024;
+
+QString tableText(const QString& key)
+{
+    return localizedString(key, QStringLiteral("Window"));
+}
+
+bool isFormat(int out)
+{
+    return out >= 0 && out < outputFormatCount;
+}
+
+} // namespace
+
 QString windowText(const char* key, std::initializer_list<FormatArg> arguments)
 {
-    const QString text = localizedString(QString::fromLatin1(key), QStringLiteral("Window"));
+    const QString text = tableText(QString::fromLatin1(key));
     return arguments.size() == 0 ? text : shownText(formatText(text, arguments));
 }
 
 QString formatName(int out)
 {
-    if (out < 0 || out >= outputFormatCount) {
-        return QStringLiteral("");
-    }
-    return localizedString(formatText(QStringLiteral("Win_format%d"), {out}), QStringLiteral("Window"));
+    return isFormat(out) ? tableText(formatText(QStringLiteral("Win_format%d"), {out})) : QStringLiteral("");
+}
+
+QString formatNameAndUse(int out)
+{
+    return isFormat(out) ? tableText(formatText(QStringLiteral("Win_formatUse%d"), {out})) : QStringLiteral("");
 }
 
 QString tallyWords(const BatchTally& tally)
@@ -27,6 +50,57 @@ QString tallyWords(const BatchTally& tally)
         return windowText("Win_batchDone", {tally.converted, tally.failed});
     }
     return windowText("Win_batchDoneIncomplete", {tally.converted, tally.incomplete, tally.failed});
+}
+
+QString stateWords(const BatchRow& row)
+{
+    const QString image = stateImage(row);
+    return image.isEmpty() ? QStringLiteral("") : tableText(QStringLiteral("Win_image_") + image);
+}
+
+// A row that is done but lacks something does not look like the others that are done.
+QString stateImage(const BatchRow& row)
+{
+    return row.incomplete ? QStringLiteral("puceIncomplete") : row.resultat;
+}
+
+QString shownNumber(double value, int decimals)
+{
+    return fixedText(value, decimals).replace(QLatin1Char('.'), QLocale(currentLanguage()).decimalPoint());
+}
+
+int wholePercents(double part)
+{
+    // What a 32-bit number could not hold exactly is not a percent less.
+    constexpr double rounding = 0.001;
+    return static_cast<int>(part * 100 + rounding);
+}
+
+QString sizeWords(double megabytes)
+{
+    if (megabytes >= megabytesInGigabyte) {
+        return windowText("Win_gigabytes", {shownNumber(megabytes / megabytesInGigabyte, 1)});
+    }
+    return windowText("Win_megabytes", {shownNumber(megabytes, megabytes < 10 ? 1 : 0)});
+}
+
+QString durationWords(double seconds)
+{
+    const int whole = static_cast<int>(std::lround(qMax(0.0, seconds)));
+    if (whole >= 3600) {
+        return formatText(QStringLiteral("%d:%02d:%02d"), {whole / 3600, whole / 60 % 60, whole % 60});
+    }
+    return formatText(QStringLiteral("%d:%02d"), {whole / 60, whole % 60});
+}
+
+QString wrappedTip(const QString& text)
+{
+    if (text.isEmpty()) {
+        return {};
+    }
+    // Escaped: a file name may look like markup. Markup is what the toolkit breaks into lines.
+    QString tip = shownLines(text).toHtmlEscaped();
+    return QStringLiteral("<p>") + tip.replace(QLatin1Char('\n'), QStringLiteral("<br>")) + QStringLiteral("</p>");
 }
 
 } // namespace tavrix

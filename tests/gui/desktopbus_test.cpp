@@ -1,4 +1,5 @@
 #include "gui/desktopbus.h"
+#include "gui/desktopscheme.h"
 
 #include "progresslistener.h"
 #include "support/qtprinters.h"
@@ -187,6 +188,18 @@ TEST_F(Bus, ProgressIsBroadcastInSteps)
     EXPECT_EQ(listener.updates.at(0).value(QStringLiteral("progress")).toDouble(), 0.25);
     EXPECT_EQ(listener.updates.at(1).value(QStringLiteral("progress")).toDouble(), 0.5);
     EXPECT_FALSE(listener.updates.at(2).value(QStringLiteral("progress-visible")).toBool());
+}
+
+// The value comes wrapped once or twice, by the portal's version.
+TEST(DesktopWish, IsReadFromThePortalsAnswer)
+{
+    const QVariant dark = QVariant::fromValue(quint32(1));
+    EXPECT_EQ(darkWished(dark), true);
+    EXPECT_EQ(darkWished(QVariant::fromValue(QDBusVariant(dark))), true);
+    EXPECT_EQ(darkWished(QVariant::fromValue(QDBusVariant(QVariant::fromValue(QDBusVariant(quint32(2)))))), false);
+    EXPECT_EQ(darkWished(QVariant::fromValue(quint32(0))), std::nullopt);
+    EXPECT_EQ(darkWished(QVariant(QStringLiteral("dark"))), std::nullopt);
+    EXPECT_EQ(darkWished(QVariant()), std::nullopt);
 }
 
 } // namespace tavrix::test

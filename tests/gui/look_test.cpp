@@ -84,8 +84,9 @@ TEST_F(Look, MenuImageReplacesTheSelectedTitle)
 TEST_F(Look, EveryNamedImageIsThereAndSharpAtAnyScale)
 {
     for (const char* name :
-         {"dnd", "dndOff", "puce", "puceCurrent", "puceSuccess", "puceFailure", "puceIncomplete", "btPause", "btPlay",
-          "chevron", "btStop", "color0", "color1", "color2", "color3", "alertCritical", "tavrix"}) {
+         {"dnd",     "dndOff", "puce",    "puceCurrent", "puceSuccess",   "puceFailure", "puceIncomplete",
+          "btPause", "btPlay", "chevron", "btStop",      "color0",        "color1",      "color2",
+          "color3",  "color4", "color5",  "pucePaused",  "alertCritical", "tavrix"}) {
         const QString image = QString::fromLatin1(name);
         ASSERT_FALSE(imagePath(image).isNull()) << name;
         EXPECT_TRUE(QSvgRenderer(imagePath(image)).isValid()) << name;
@@ -103,20 +104,21 @@ TEST_F(Look, EveryNamedImageIsThereAndSharpAtAnyScale)
 TEST_F(Look, TextIsReadableInEveryTheme)
 {
     constexpr double readable = 4.5;
-    for (int i = 0; i < 4; ++i) {
+    constexpr double visible = 3;
+    for (int i = 0; i <= lightTheme; ++i) {
         const Theme& theme = themeAt(i);
         for (const QColor& back : {theme.windowTop, theme.windowBottom, theme.panel, theme.field}) {
+            EXPECT_GE(contrastRatio(theme.border, back), visible)
+                << "theme " << i << ": border on " << qPrintable(back.name());
             for (const QColor& front : {theme.text, theme.secondaryText, theme.accent, theme.warning}) {
                 EXPECT_GE(contrastRatio(front, back), readable)
                     << "theme " << i << ": " << qPrintable(front.name()) << " on " << qPrintable(back.name());
             }
         }
         EXPECT_GE(contrastRatio(theme.accentText, theme.accent), readable) << i;
-        EXPECT_GE(contrastRatio(theme.text, theme.border), readable) << i;
+        EXPECT_GE(contrastRatio(theme.text, theme.line), readable) << i;
+        EXPECT_GE(contrastRatio(theme.text, theme.control), readable) << i;
     }
-    // Buttons have colours of their own in the style sheet.
-    EXPECT_GE(contrastRatio(QColor(0xF7, 0xF8, 0xFA), QColor(0x4B, 0x53, 0x5F)), readable);
-    EXPECT_GE(contrastRatio(QColor(0xA4, 0xAB, 0xB6), QColor(0x2B, 0x30, 0x38)), readable);
     EXPECT_NEAR(contrastRatio(Qt::black, Qt::white), 21, 0.01);
 }
 
@@ -126,8 +128,21 @@ TEST_F(Look, ThemesAreChosenByTheirImage)
     EXPECT_EQ(themeIndexOfImage(QStringLiteral("color9")), 0);
     EXPECT_EQ(themeIndexOfImage(QString()), 0);
     EXPECT_EQ(&themeAt(-1), &themeAt(0));
-    EXPECT_EQ(&themeAt(4), &themeAt(0));
+    EXPECT_EQ(&themeAt(6), &themeAt(0));
     EXPECT_FALSE(themeStyleSheet(themeAt(1)).contains(QLatin1Char('%')));
+}
+
+TEST_F(Look, OneThemeFollowsTheDesktop)
+{
+    setDesktopDark(true);
+    EXPECT_EQ(&themeAt(desktopTheme), &themeAt(0));
+    applyTheme(desktopTheme);
+    EXPECT_FALSE(imagePath(QStringLiteral("btStop")).contains(QStringLiteral("Light")));
+    setDesktopDark(false);
+    EXPECT_EQ(&currentTheme(), &themeAt(lightTheme));
+    EXPECT_TRUE(imagePath(QStringLiteral("btStop")).contains(QStringLiteral("Light")));
+    EXPECT_FALSE(imagePath(QStringLiteral("tavrix")).isNull());
+    applyTheme(0);
 }
 
 TEST_F(Look, HelpSlidesAreDrawableInEveryLanguage)
@@ -149,7 +164,7 @@ TEST_F(Look, HelpSlidesAreDrawableInEveryLanguage)
 
 TEST_F(Look, TheHelpMovieOfTheBuildCanBeFound)
 {
-    for (const char* language : {"en", "fr"}) {
+    for (const char* language : {"en", "fr", "de"}) {
         EXPECT_FALSE(
             pathForResource(QStringLiteral("help/help-") + QLatin1String(language), QStringLiteral("webm")).isNull())
             << language;

@@ -73,17 +73,34 @@ class StringTables : public testing::TestWithParam<const char*>
 
 } // namespace
 
-TEST_P(StringTables, BothLanguagesHoldTheSameKeysAndPlaceholders)
+TEST_P(StringTables, AllLanguagesHoldTheSameKeysAndPlaceholders)
 {
     const QString name = QString::fromLatin1(GetParam());
     const QMap<QString, QString> english = table(QStringLiteral("en"), name);
-    const QMap<QString, QString> french = table(QStringLiteral("fr"), name);
     ASSERT_FALSE(english.isEmpty());
-    EXPECT_TEXTS(french.keys(), english.keys());
-    for (auto entry = english.cbegin(); entry != english.cend(); ++entry) {
-        EXPECT_FALSE(entry.value().isEmpty()) << entry.key().toStdString();
-        EXPECT_FALSE(french.value(entry.key()).isEmpty()) << entry.key().toStdString();
-        EXPECT_EQ(placeholders(french.value(entry.key())), placeholders(entry.value())) << entry.key().toStdString();
+    for (const char* language : {"fr", "de"}) {
+        SCOPED_TRACE(language);
+        const QMap<QString, QString> other = table(QLatin1String(language), name);
+        EXPECT_TEXTS(other.keys(), english.keys());
+        for (auto entry = english.cbegin(); entry != english.cend(); ++entry) {
+            EXPECT_FALSE(entry.value().isEmpty()) << entry.key().toStdString();
+            EXPECT_FALSE(other.value(entry.key()).isEmpty()) << entry.key().toStdString();
+            EXPECT_EQ(placeholders(other.value(entry.key())), placeholders(entry.value())) << entry.key().toStdString();
+        }
+    }
+}
+
+// French has its own apostrophe and quotation marks, and a space that does not break before a double sign.
+TEST_P(StringTables, FrenchIsSetAsItIsWritten)
+{
+    static const QRegularExpression wrong(QStringLiteral("'|\"| [;?!»]| :(?:\\s|$)|« "));
+    const QMap<QString, QString> french = table(QStringLiteral("fr"), QString::fromLatin1(GetParam()));
+    for (auto entry = french.cbegin(); entry != french.cend(); ++entry) {
+        // The usage shows what is typed, and stands in columns.
+        if (entry.key() != QStringLiteral("Con_usage")) {
+            EXPECT_FALSE(wrong.match(entry.value()).hasMatch())
+                << entry.key().toStdString() << ": " << entry.value().toStdString();
+        }
     }
 }
 

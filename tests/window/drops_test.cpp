@@ -22,26 +22,23 @@ protected:
     static Qt::DropAction dropOn(QWidget* part, const QList<QUrl>& urls, Qt::DropActions offered = anyAction(),
                                  Qt::DropAction proposed = Qt::MoveAction)
     {
-        while (part != nullptr && !part->acceptDrops()) {
-            part = part->isWindow() ? nullptr : part->parentWidget();
-        }
-        if (part == nullptr) {
-            return Qt::IgnoreAction;
-        }
         QMimeData data;
         data.setUrls(urls);
-        QDragEnterEvent enter(part->rect().center(), offered, &data, Qt::LeftButton, Qt::NoModifier);
-        enter.setDropAction(proposed);
-        QCoreApplication::sendEvent(part, &enter);
-        if (!enter.isAccepted()) {
-            QDragLeaveEvent leave;
-            QCoreApplication::sendEvent(part, &leave);
-            return Qt::IgnoreAction;
+        for (; part != nullptr; part = part->isWindow() ? nullptr : part->parentWidget()) {
+            if (!part->acceptDrops()) {
+                continue;
+            }
+            QDragEnterEvent enter(part->rect().center(), offered, &data, Qt::LeftButton, Qt::NoModifier);
+            enter.setDropAction(proposed);
+            QCoreApplication::sendEvent(part, &enter);
+            if (enter.isAccepted()) {
+                QDropEvent event(part->rect().center(), offered, &data, Qt::LeftButton, Qt::NoModifier);
+                event.setDropAction(proposed);
+                QCoreApplication::sendEvent(part, &event);
+                return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+            }
         }
-        QDropEvent event(part->rect().center(), offered, &data, Qt::LeftButton, Qt::NoModifier);
-        event.setDropAction(proposed);
-        QCoreApplication::sendEvent(part, &event);
-        return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+        return Qt::IgnoreAction;
     }
     // What a part would do with a drag that proposes a move.
     static Qt::DropAction enter(QWidget* part, const QList<QUrl>& urls)

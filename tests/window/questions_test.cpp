@@ -4,6 +4,7 @@
 #include "base/preferences.h"
 #include "support/qtprinters.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QListView>
 
@@ -66,7 +67,7 @@ TEST_F(Questions, ReplaceQuestionTimesOutToItsDefault)
     });
     robot_->waitForTimeOut();
     runBatch();
-    EXPECT_TRUE(countdown.startsWith(QStringLiteral("Closes by itself in "))) << countdown.toStdString();
+    EXPECT_TRUE(countdown.startsWith(QStringLiteral("Replaces by itself in "))) << countdown.toStdString();
     EXPECT_TEXTS(states(), QStringList({rowIcon::success}));
     EXPECT_EQ(tools_.count(ToolKind::Encode), launchesBefore_ + 1);
 }
@@ -159,6 +160,7 @@ TEST_F(Questions, TheOnlyRowIsSelectedWhenTheListGetsTheFocus)
     analysedClips(1);
     EXPECT_EQ(rows().selectedRow(), -1);
     window().activateWindow();
+    ASSERT_TRUE(waitFor([this] { return QApplication::activeWindow() == &window(); }));
     find<QListView>("encBatchArrayController")->setFocus(Qt::TabFocusReason);
     ASSERT_TRUE(waitFor([this] { return rows().selectedRow() == 0; }));
     EXPECT_TRUE(find<QAbstractButton>("batchEncRemoveBt")->isEnabled());

@@ -1,3 +1,5 @@
+#include "sizes.h"
+
 #include "app/appdelegate.h"
 #include "base/alerts.h"
 #include "base/bundle.h"
@@ -24,7 +26,8 @@
 #include <clocale>
 #include <cstdio>
 
-// Makes the pictures of the window in its states, with real clips and the real tools: tavrix_screenshots FOLDER
+// Makes the pictures of the window in its states, with real clips and the real tools: tavrix_screenshots FOLDER. Its
+// sizes, with rows that are only pretended: tavrix_screenshots FOLDER --sizes PREFIX.
 namespace
 {
 
@@ -213,8 +216,9 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setQuitOnLastWindowClosed(false);
-    if (argc != 2) {
-        std::fputs("Usage: tavrix_screenshots FOLDER\n", stderr);
+    const bool onlySizes = argc == 4 && qstrcmp(argv[2], "--sizes") == 0;
+    if (argc != 2 && !onlySizes) {
+        std::fputs("Usage: tavrix_screenshots FOLDER [--sizes PREFIX]\n", stderr);
         return 2;
     }
     const QString pictures = QFileInfo(QString::fromLocal8Bit(argv[1])).absoluteFilePath() + QLatin1Char('/');
@@ -222,11 +226,15 @@ int main(int argc, char** argv)
     tavrix::setResourcePath(QStringLiteral(TAVRIX_BUILD_RESOURCES));
     QuietDesktop desktop;
     tavrix::setDesktopServices(&desktop);
+    if (onlySizes) {
+        const bool saved = QDir().mkpath(pictures) && savePicturesOfSizes(pictures, QString::fromLocal8Bit(argv[3]));
+        return saved ? 0 : 1;
+    }
     if (!QDir().mkpath(pictures) || !QDir().mkpath(clips) || !makeClips(clips)) {
         std::fputs("The clips cannot be made: is ffmpeg installed?\n", stderr);
         return 1;
     }
-    for (const auto& [language, theme] : {std::pair("en", 0), std::pair("fr", 2)}) {
+    for (const auto& [language, theme] : {std::pair("en", 0), std::pair("fr", 4)}) {
         const QString prefix = QStringLiteral("%1-theme%2-").arg(QLatin1String(language)).arg(theme);
         Session session(clips, pictures, prefix);
         if (!session.run(QLatin1String(language), theme)) {

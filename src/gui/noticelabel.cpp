@@ -1,0 +1,54 @@
+#include "gui/noticelabel.h"
+
+#include "app/appdelegate.h"
+#include "base/paths.h"
+#include "gui/spokenwords.h"
+#include "gui/windowtext.h"
+
+namespace tavrix
+{
+
+NoticeLabel::NoticeLabel(appDelegate& controller, QWidget* parent) : ElidedLabel(parent), controller_(controller)
+{
+    setObjectName(QStringLiteral("noticeStr"));
+    setProperty("role", QStringLiteral("caption"));
+    setTextFormat(Qt::PlainText);
+    listen();
+    setText(QStringLiteral("@@Win_welcome"));
+}
+
+void NoticeLabel::listen()
+{
+    connect(&controller_, &appDelegate::intakeBegan, this, [this] { showNotice(QString()); });
+    connect(&controller_, &appDelegate::nothingToAnalyse, this, [this] { showNotice(windowText("Win_nothingNew")); });
+    connect(&controller_, &appDelegate::intakeRefused, this, [this] { showNotice(windowText("Win_stillReading")); });
+    connect(&controller_, &appDelegate::analysisStalled, this,
+            [this](const QString& path) { showNotice(windowText("Win_stalled", {lastPathComponent(path)})); });
+    connect(&controller_, &appDelegate::rowStarted, this, [this](int row) {
+        if (row == 0) {
+            tally_ = {};
+            showNotice(QString());
+        }
+    });
+    connect(&controller_, &appDelegate::rowFinished, this, [this](int row) {
+        const BatchRow& over = controller_.model().encBatchArrayController.row(row);
+        tally_.count(over);
+        showNotice(windowText("Win_rowOver", {over.src, stateWords(over)}));
+    });
+    connect(&controller_, &appDelegate::batchEnded, this, &NoticeLabel::sumUp);
+}
+
+void NoticeLabel::sumUp(bool stopped)
+{
+    showNotice(stopped ? windowText("Win_batchStopped") : tallyWords(tally_));
+    tally_ = {};
+}
+
+void NoticeLabel::showNotice(const QString& text)
+{
+    setText(text);
+    setToolTip(wrappedTip(text));
+    announce(this, text);
+}
+
+} // namespace tavrix

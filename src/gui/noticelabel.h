@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/batchtally.h"
+#include "gui/elidedlabel.h"
+
+namespace tavrix
+{
+
+class appDelegate;
+
+// One line that tells what has just happened.
+class NoticeLabel : public ElidedLabel
+{
+    Q_OBJECT
+public:
+    explicit NoticeLabel(appDelegate& controller, QWidget* parent = nullptr);
+
+    // Nothing clears the line.
+    void showNotice(const QString& text);
+
+private:
+    void listen();
+    void sumUp(bool stopped);
+
+    appDelegate& controller_;
+    BatchTally tally_;
+};
+
+} // namespace tavrix
