@@ -149,7 +149,7 @@ TEST_F(BatchRunnerTest, endsWhenThereIsNoFileOfAKnownType)
     ASSERT_TRUE(runToTheEnd());
     EXPECT_EQ(face.exitCode(), exitNothingAccepted);
     EXPECT_TEXTS(reporter.notes,
-                 QStringList({text("rejected letter.txt: this type of file is not among those of camera clips"),
+                 QStringList({text("rejected letter.txt: not a camera clip"),
                               text("message Nothing to convert: no file of a known type among the sources||"),
                               text("summary of 0, 1 left out, status 3")}));
 }

@@ -123,7 +123,7 @@ TEST_F(OnATerminal, anExistingOutputIsKeptWhenTheAnswerIsTwo)
     terminal.type("2\n");
     EXPECT_EQ(terminal.finish(), 1);
     EXPECT_EQ(outputBytes(), "precious");
-    EXPECT_TRUE(terminal.shown().contains(text("an output of that name exists and was kept")));
+    EXPECT_TRUE(terminal.shown().contains(text("a file with this name already existed and was kept")));
 }
 
 TEST_F(OnATerminal, anExistingOutputIsReplacedWhenTheAnswerIsOne)
