@@ -24,7 +24,9 @@ case " $* " in *" -max_error_rate "*) kind=encode ;; *) kind=analysis ;; esac
 BODY
 exec "$real" "$@"
 """
-WITHOUT_LAST = 'count=$#; while [ $count -gt 1 ]; do first=$1; shift; set -- "$@" "$first"; count=$((count - 1)); done; shift'
+WITHOUT_LAST = """count=$#
+while [ $count -gt 1 ]; do first=$1; shift; set -- "$@" "$first"; count=$((count - 1)); done
+shift"""
 
 
 def encode_lies(words):
@@ -51,6 +53,10 @@ class Fault:
 
 def ffmpeg_body(body):
     return lambda case: case.fake_ffmpeg(body)
+
+
+def flooding(kind):
+    return ffmpeg_body(f'[ $kind = {kind} ] && yes "$(printf %080d 0)" | head -c 50000000 >&2')
 
 
 def hanging(kind):
@@ -228,7 +234,7 @@ FAULTS = [
     Fault("ffmpeg is silent: exit 0, nothing said", "analysis", ffmpeg_body("[ $kind = analysis ] && exit 0"),
           (REFUSED, FAILED)),
     Fault("ffmpeg floods with 50 MB of messages", "analysis",
-          ffmpeg_body("[ $kind = analysis ] && yes | head -c 50000000 >&2"), (DONE,)),
+          flooding("analysis"), (DONE,)),
     Fault("ffmpeg prints 20 MB without a line end", "analysis",
           ffmpeg_body("[ $kind = analysis ] && head -c 20000000 /dev/zero | tr '\\0' x >&2"), (DONE, REFUSED)),
     Fault("ffmpeg hangs", "analysis", hanging("analysis"), (REFUSED, FAILED)),
@@ -245,7 +251,7 @@ FAULTS = [
           NOT_WHOLE, ALL),
     Fault("exit 0, the output is half as long", "first pass", ffmpeg_body(encode_lies("-t 1.4")), NOT_WHOLE, ALL,
           short=True),
-    Fault("exit 0, the output is one picture short", "first pass", ffmpeg_body(encode_lies("-frames:v 70")), NOT_WHOLE,
+    Fault("exit 0, the output is five pictures short", "first pass", ffmpeg_body(encode_lies("-frames:v 70")), NOT_WHOLE,
           ALL),
     Fault("exit 0, the output has sound only", "first pass", ffmpeg_body(encode_lies("-vn")), NOT_WHOLE, ALL),
     Fault("exit 0, the output has pictures only", "first pass", ffmpeg_body(encode_lies("-an")), NOT_WHOLE, ALL),
@@ -256,7 +262,7 @@ FAULTS = [
           short=True),
     Fault("ffmpeg hangs", "first pass", hanging("encode"), NOT_WHOLE, (1, 3)),
     Fault("ffmpeg floods with 50 MB of messages", "first pass",
-          ffmpeg_body("[ $kind = encode ] && yes | head -c 50000000 >&2"), (DONE,), (3,)),
+          flooding("encode"), (DONE,), (3,)),
     # movencoder.
     Fault("movencoder is missing", "second pass", remove_tool("movencoder"), NOT_WHOLE, MASTER, next_row=NOT_WHOLE),
     Fault("movencoder is not executable", "second pass", unstartable_tool("movencoder"), NOT_WHOLE, MASTER,
