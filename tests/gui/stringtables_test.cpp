@@ -97,7 +97,7 @@ TEST_P(StringTables, FrenchIsSetAsItIsWritten)
     const QMap<QString, QString> french = table(QStringLiteral("fr"), QString::fromLatin1(GetParam()));
     for (auto entry = french.cbegin(); entry != french.cend(); ++entry) {
         // The usage shows what is typed, and stands in columns.
-        if (entry.key() != QStringLiteral("Con_usage")) {
+        if (!entry.key().endsWith(QStringLiteral("_usage"))) {
             EXPECT_FALSE(wrong.match(entry.value()).hasMatch())
                 << entry.key().toStdString() << ": " << entry.value().toStdString();
         }

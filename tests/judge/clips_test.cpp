@@ -1,12 +1,12 @@
 // Damaged and harmless sources through the formats: the table of what each is judged to be.
 #include "judge/judge.h"
 
-#include "judge/damage.h"
-#include "judge/sources.h"
 #include "judge/verdictline.h"
 #include "media/headerchange.h"
 #include "support/clipmaker.h"
 #include "support/temphome.h"
+#include "support_clips/damage.h"
+#include "support_clips/sources.h"
 #include "sys/descriptor.h"
 
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
 // Damaged and harmless sources through both tools, as a row of the program runs them: formats 1, 2, 4 and 5. What the
 // plain formats make of them is the table of the judge's own tests.
 #include "app/rowverdict.h"
-#include "judge/damage.h"
-#include "judge/sources.h"
 #include "pipeline/convert.h"
 #include "support/clipmaker.h"
 #include "support/temphome.h"
+#include "support_clips/damage.h"
+#include "support_clips/sources.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "judge/sources.h"
+#include "support_clips/sources.h"
 
-#include "judge/damage.h"
+#include "support_clips/damage.h"
 
 #include <array>
 

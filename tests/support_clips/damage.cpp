@@ -1,4 +1,4 @@
-#include "judge/damage.h"
+#include "support_clips/damage.h"
 
 #include <algorithm>
 #include <random>

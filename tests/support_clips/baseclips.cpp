@@ -1,4 +1,4 @@
-#include "judge/sources.h"
+#include "support_clips/sources.h"
 
 #include "support/clipmaker.h"
 
