@@ -2,6 +2,7 @@
 
 #include "app/instancelock.h"
 #include "app/logs.h"
+#include "app/oldtools.h"
 #include "app/outputguard.h"
 #include "base/bundle.h"
 #include "base/conversions.h"
@@ -229,7 +230,14 @@ TEST_F(StartUp, ToolsOfAnEarlierRunAreKilled)
     const QString tool = resources.root() + QStringLiteral("/tools/ffmpeg");
     ASSERT_TRUE(QFile::copy(QStringLiteral("/usr/bin/sleep"), tool));
     ASSERT_TRUE(QFile::setPermissions(tool, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+    QProcess ended;
+    ended.start(QStringLiteral("/usr/bin/true"), {});
+    const qint64 earlierRun = ended.processId();
+    ASSERT_TRUE(ended.waitForFinished());
     QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QString::fromLatin1(ownerVariable), QString::number(earlierRun));
+    process.setProcessEnvironment(environment);
     process.start(tool, {QStringLiteral("1000")});
     ASSERT_TRUE(process.waitForStarted());
     const qint64 pid = process.processId();
