@@ -163,9 +163,9 @@ void Encoder::encode(const Picture& picture, int quantiser, std::vector<std::uin
     writeHeader(frame, quantiser, picture.interlaced);
 }
 
-int Encoder::encodeToSize(const Picture& picture, std::size_t limit, std::vector<std::uint8_t>& frame)
+// A quarter of the rows finds the neighbourhood.
+int Encoder::roughQuantiser(const Picture& picture, std::size_t limit)
 {
-    // A quarter of the rows finds the neighbourhood; whole frames then settle the exact step.
     const int rowStep = geometry_.macroblockRows >= 8 ? 4 : 1;
     int low = finestQuantiser;
     int high = coarsestQuantiser;
@@ -177,18 +177,27 @@ int Encoder::encodeToSize(const Picture& picture, std::size_t limit, std::vector
             low = middle + 1;
         }
     }
-    int quantiser = low;
+    return low;
+}
+
+int Encoder::encodeToSize(const Picture& picture, std::size_t limit, std::vector<std::uint8_t>& frame)
+{
+    // Pictures resemble the one before: mostly its quantiser is right, and a look at the next finer one shows that.
+    int quantiser = lastQuantiser_ > 0 ? lastQuantiser_ : roughQuantiser(picture, limit);
+    int tooFine = finestQuantiser - 1;
     encode(picture, quantiser, frame);
-    if (frame.size() > limit) {
-        while (frame.size() > limit && quantiser < coarsestQuantiser) {
-            encode(picture, ++quantiser, frame);
-        }
-        return quantiser;
+    while (frame.size() > limit && quantiser < coarsestQuantiser) {
+        tooFine = quantiser;
+        encode(picture, ++quantiser, frame);
     }
-    while (quantiser > finestQuantiser && measure(picture, quantiser - 1, 1) <= limit) {
+    const int coded = quantiser;
+    while (quantiser - 1 > tooFine && measure(picture, quantiser - 1, 1) <= limit) {
         --quantiser;
     }
-    encode(picture, quantiser, frame);
+    if (quantiser != coded) {
+        encode(picture, quantiser, frame);
+    }
+    lastQuantiser_ = quantiser;
     return quantiser;
 }
 

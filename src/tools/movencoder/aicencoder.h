@@ -40,6 +40,8 @@ private:
     void collectMacroblock(const Picture& picture, int row, int column);
     // Size of the frame at a quantiser, estimated from every `rowStep`-th macroblock row (1: exact).
     std::size_t measure(const Picture& picture, int quantiser, int rowStep);
+    // About where a picture of that size comes out.
+    int roughQuantiser(const Picture& picture, std::size_t limit);
     void useQuantiser(int quantiser);
     void writeHeader(std::vector<std::uint8_t>& frame, int quantiser, bool interlaced) const;
     [[nodiscard]] std::size_t firstSliceOffset() const;
@@ -48,6 +50,7 @@ private:
     int height_;
     Geometry geometry_;
     int quantiser_ = 0;
+    int lastQuantiser_ = 0; // that met the limit of the last picture coded to a size; 0: none yet
     Transform transform_ = bestTransform();
     LevelFactors factors_{};
     std::array<CodingOrder, 2> orders_; // progressive, interlaced
