@@ -14,10 +14,9 @@ namespace tavrix
 class RowChildren
 {
 public:
-    // Before a row, before each of its children (the path of its tool), and before the second of them besides.
+    // Before a row, and before each of its children (the path of its tool).
     void beginRow();
     void beginPass(const QString& tool);
-    void beginSecondPass() { verdict_.beginSecondPass(); }
 
     // Any piece of a child's text.
     void wrote(const QString& text);

@@ -306,7 +306,6 @@ QString RowEncode::firstPassFailure(const QString& output) const
 
 RowEncode::Next RowEncode::secondPass()
 {
-    children_.beginSecondPass();
     const QString output = currentValue(record::dstPathStr);
     prefWriteChildDico(pref::processEncDico, record::mainEncSrcPathStr, output);
     const float duration = currentNumber(record::w_duration);

@@ -51,14 +51,6 @@ bool RowVerdict::isGood() const
     return passJudged_ && verdict_->outcome != judge::Outcome::Failed;
 }
 
-void RowVerdict::beginSecondPass()
-{
-    if (verdict_) {
-        std::erase_if(verdict_->findings,
-                      [](const judge::Finding& finding) { return finding.cause == judge::Cause::HiddenShown; });
-    }
-}
-
 void RowVerdict::read(const QString& text)
 {
     for (const QChar character : text) {

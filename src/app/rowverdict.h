@@ -20,8 +20,6 @@ public:
     void begin();
     // The next child of the same row.
     void beginPass();
-    // Before the second child begins: what the first pass, a copy, could not hide is left out by the second.
-    void beginSecondPass();
     // Any piece of a child's text; a line may come in two.
     void read(const QString& text);
     // Nothing when no tool has judged.

@@ -43,7 +43,9 @@ Expected expectedOfPackets(const StreamReading& source, Way way)
     expected.least = expected.most - (copied ? source.packetsBeforeKey : source.picturesBeforeKey);
     expected.longest = span(source);
     expected.shortest = std::max(0.0, source.end - std::max(source.first, source.firstKey));
-    expected.least -= copied ? source.broken.count : source.followingAtOnce;
+    if (copied) {
+        expected.least -= source.broken.count;
+    }
     return expected;
 }
 
@@ -54,7 +56,7 @@ Expected expectedOfDecoded(const StreamReading& source, const media::DecodedPict
     Expected expected;
     expected.most =
         std::max(source.pictures, decoded.shown + decoded.shownBefore + decoded.lost.count + decoded.lostBefore);
-    expected.least = std::max<std::int64_t>(0, decoded.shown - decoded.damaged.count - source.followingAtOnce);
+    expected.least = std::max<std::int64_t>(0, decoded.shown - decoded.damaged.count);
     expected.shortest = std::max(0.0, decoded.lastWhole + last - decoded.first);
     if (source.facts.edits.pieces > 1) {
         // The decoder's times are libavformat's, which are not exact at the joints.

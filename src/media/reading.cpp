@@ -114,9 +114,6 @@ private:
             return;
         }
         reading_.longestGap = *std::ranges::max_element(gaps);
-        if (isMovie_ && reading_.facts.kind == Kind::Picture && reading_.facts.edits.pieces < 2) {
-            reading_.followingAtOnce = std::ranges::count_if(gaps, [](double gap) { return gap < shortestShown; });
-        }
         const auto middle = gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() / 2);
         std::ranges::nth_element(gaps, middle);
         reading_.interval = *middle;

@@ -12,9 +12,6 @@
 namespace tavrix::media
 {
 
-// Seconds: what stands closer behind another picture of a movie is there for decoding alone.
-inline constexpr double shortestShown = 0.0005;
-
 // A number of places, and when the first of them is shown, in seconds of the clip's timeline.
 struct Flaws {
     std::int64_t count = 0;
@@ -27,10 +24,9 @@ struct Flaws {
 // recordings, the later part is put behind the earlier one, as ffmpeg does.
 struct StreamReading {
     StreamFacts facts;
-    std::int64_t packets = 0;         // that could be read and hold something; hidden ones are not counted
-    std::int64_t hidden = 0;          // by the edit list
-    std::int64_t pictures = 0;        // as packets, but two fields in packets of their own are one picture
-    std::int64_t followingAtOnce = 0; // of a movie's pictures, those within `shortestShown` of the one before
+    std::int64_t packets = 0;  // that could be read and hold something; hidden ones are not counted
+    std::int64_t hidden = 0;   // by the edit list
+    std::int64_t pictures = 0; // as packets, but two fields in packets of their own are one picture
     // Stored or shown before the first picture that can be decoded by itself, and for that reason not always decodable.
     std::int64_t packetsBeforeKey = 0;
     std::int64_t picturesBeforeKey = 0;

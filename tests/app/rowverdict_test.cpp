@@ -55,16 +55,6 @@ TEST(RowVerdict, KeepsTheWorseOfBothPasses)
     EXPECT_FALSE(verdict.verdict());
 }
 
-TEST(RowVerdict, DropsWhatTheSecondPassHasLeftOut)
-{
-    const Verdict hidden{Outcome::Whole, {{.cause = Cause::HiddenShown, .count = 12}}};
-    RowVerdict verdict;
-    verdict.read(lineOf(hidden));
-    EXPECT_EQ(*verdict.verdict(), hidden);
-    verdict.beginSecondPass();
-    EXPECT_EQ(*verdict.verdict(), whole);
-}
-
 TEST(RowVerdict, IsNothingWhereNoToolHasJudged)
 {
     RowVerdict verdict;

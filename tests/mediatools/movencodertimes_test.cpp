@@ -196,30 +196,4 @@ TEST_F(MovencoderTimes, PiecesOfAnEditListComeOutAsAPlayerShowsThem)
     EXPECT_GE(psnr(output(), pieces, QStringLiteral("[0:v][1:v]psnr")), 38.0);
 }
 
-// A copy of fragments that overlap in time: twelve pictures stand there for decoding alone, a tick apart.
-TEST_F(MovencoderTimes, PicturesThatFollowAtOnceDoNotComeOut)
-{
-    const QString clip = path("a.mov");
-    ASSERT_TRUE(makeClip(
-        clip, QStringLiteral("25"), QStringLiteral("3"),
-        {QStringLiteral("-vf"),
-         QStringLiteral(
-             "trim=end_frame=75,settb=1/90000,setpts='if(between(N,20,31),72000+N-20,if(lt(N,20),N,N-11)*3600)'"),
-         QStringLiteral("-vsync"), QStringLiteral("passthrough"), QStringLiteral("-enc_time_base"),
-         QStringLiteral("1/90000"), QStringLiteral("-video_track_timescale"), QStringLiteral("90000"),
-         QStringLiteral("-bf"), QStringLiteral("0"), QStringLiteral("-an")}));
-    ASSERT_EQ(probe(clip).value(QStringLiteral("nb_read_frames")), QStringLiteral("75"));
-    ASSERT_EQ(movencode(settings(), QString(), clip, output()).status, 0);
-    const QList<double> times = numbersOf(output(), QStringLiteral("v"), QStringLiteral("frame=pts_time"));
-    ASSERT_EQ(times.size(), 64);
-    for (int i = 0; i < times.size(); ++i) {
-        EXPECT_NEAR(times.at(i), i / 25.0, 0.0005) << i;
-    }
-    // What is shown there is the first of them.
-    EXPECT_GE(
-        psnr(output(), clip,
-             QStringLiteral("[1:v]select='lte(n,20)+gte(n,32)',setpts=N/25/TB[s];[0:v]setpts=N/25/TB[o];[o][s]psnr")),
-        38.0);
-}
-
 } // namespace

@@ -1,6 +1,5 @@
 #include "tools/movencoder/conversion.h"
 
-#include "media/reading.h"
 #include "tools/movencoder/encodepipeline.h"
 #include "tools/movencoder/moviereader.h"
 #include "tools/movencoder/moviewriter.h"
@@ -131,30 +130,9 @@ private:
         return {};
     }
 
-    // Copying fragments that overlap in time leaves pictures in a movie that are there for decoding alone, at once
-    // behind the one that is shown.
     Result<void> takePicture(int fd)
     {
         DecodedPicture picture = reader_->takePicture();
-        const bool shown = !followsAtOnce(picture.time);
-        lastOwnTime_ = picture.time;
-        if (!shown) {
-            return {};
-        }
-        return submit(fd, std::move(picture));
-    }
-
-    [[nodiscard]] bool followsAtOnce(std::optional<std::int64_t> time) const
-    {
-        if (!reader_->isMovie() || !time || !lastOwnTime_) {
-            return false;
-        }
-        const double seconds = static_cast<double>(*time - *lastOwnTime_) * av_q2d(reader_->video()->time_base);
-        return seconds >= 0 && seconds < media::shortestShown;
-    }
-
-    Result<void> submit(int fd, DecodedPicture picture)
-    {
         if (!pipeline_ && picture.frame) {
             if (auto started = start(fd, *picture.frame); !started) {
                 return started;
@@ -235,8 +213,7 @@ private:
     std::optional<PictureClock> clock_;
     std::optional<EncodePipeline> pipeline_;
     std::vector<PacketPtr> earlySounds_;
-    std::optional<std::int64_t> lastOwnTime_; // as the reader told it, of the last picture that came
-    std::int64_t lastTime_ = 0;               // of the last picture, in the source's time base
+    std::int64_t lastTime_ = 0; // of the last picture, in the source's time base
     std::int64_t lastDuration_ = 0;
     std::int64_t written_ = 0;
     bool ended_ = false;
