@@ -74,6 +74,9 @@ void BatchProgram::start(const QStringList& arguments)
     environment.insert(QStringLiteral("HOME"), home_.path());
     environment.insert(QStringLiteral("TMPDIR"), temporary);
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home_.path(QStringLiteral("data")));
+    for (auto it = variables_.cbegin(); it != variables_.cend(); ++it) {
+        environment.insert(it.key(), it.value());
+    }
     process_->setProcessEnvironment(environment);
     process_->setStandardInputFile(QProcess::nullDevice());
     process_->setStandardErrorFile(QProcess::nullDevice());

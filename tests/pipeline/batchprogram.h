@@ -4,6 +4,7 @@
 
 #include <QJsonObject>
 #include <QList>
+#include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -34,6 +35,8 @@ public:
     BatchProgram(const BatchProgram&) = delete;
     BatchProgram& operator=(const BatchProgram&) = delete;
 
+    // A variable of the next starts.
+    void setVariable(const QString& name, const QString& value) { variables_.insert(name, value); }
     void start(const QStringList& arguments);
     // Reads events until one satisfies the condition; false when the program ended before or the time is up.
     bool readUntil(const std::function<bool(const QJsonObject&)>& condition);
@@ -53,6 +56,7 @@ private:
     void takeLines();
 
     TempFolder home_;
+    QMap<QString, QString> variables_;
     std::unique_ptr<QProcess> process_;
     BatchResult result_;
     QByteArray pending_;
