@@ -113,10 +113,16 @@ class Run:
         return "; ".join(word.strip() for word in said if word.strip())
 
 
+def end_on_request(*_):
+    raise SystemExit(1)  # by way of the clearing away
+
+
 class World:
     """A home, a temporary folder, a destination and clips, all gone at the end."""
 
     def __init__(self, batch=BATCH, folder=None):
+        if threading.current_thread() is threading.main_thread():
+            signal.signal(signal.SIGTERM, end_on_request)
         self.root = tempfile.mkdtemp(prefix="tavrix-trial-", dir=folder)
         self.batch = os.path.abspath(batch)
         self.home = self.folder("home")
