@@ -102,13 +102,14 @@ def filling_destination(spare_kilobytes):
 
 def full_temporary(case):
     mount_small(case, case.world.temporary, 64)
-    with open(os.path.join(case.world.temporary, "filler"), "wb") as file:
-        try:
-            while True:
-                file.write(b"x" * 4096)
-                file.flush()
-        except OSError:
+    file = os.open(os.path.join(case.world.temporary, "filler"), os.O_WRONLY | os.O_CREAT, 0o600)
+    try:
+        while os.write(file, b"x" * 4096) > 0:
             pass
+    except OSError:
+        pass  # full
+    finally:
+        os.close(file)
 
 
 def read_only(name):
