@@ -1,6 +1,7 @@
 #include "gui/encodingpresence.h"
 
 #include "app/appdelegate.h"
+#include "app/batchtally.h"
 #include "gui/runcommands.h"
 #include "gui/windowtext.h"
 
@@ -18,8 +19,6 @@ EncodingPresence::EncodingPresence(appDelegate& controller, QWidget& window, Run
 {
     connect(&controller, &appDelegate::rowStarted, this, &EncodingPresence::begin);
     connect(&controller, &appDelegate::rowProgress, this, &EncodingPresence::showProgress);
-    connect(&controller, &appDelegate::rowFinished, this,
-            [this](int row) { tally_.count(controller_.model().encBatchArrayController.row(row)); });
     connect(&controller, &appDelegate::batchEnded, this, &EncodingPresence::end);
     connect(&notifier_, &DesktopNotifier::pressed, this, &EncodingPresence::obey);
     connect(&controller.model().encStopBt, &Control::changed, this, [this] {
@@ -74,9 +73,9 @@ void EncodingPresence::end(bool stopped)
     hasButtons_ = false;
     taskbar_.show(0, false);
     if (!stopped && !window_.isActiveWindow()) {
-        notifier_.notify(windowText("Win_batchDoneTitle"), tallyWords(tally_));
+        notifier_.notify(windowText("Win_batchDoneTitle"),
+                         tallyText(tallyOf(controller_.model().encBatchArrayController)));
     }
-    tally_ = {};
 }
 
 } // namespace tavrix

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/batchtally.h"
 #include "gui/desktopbus.h"
 
 class QWidget;
@@ -33,7 +32,6 @@ private:
     SleepInhibitor inhibitor_;
     DesktopNotifier notifier_;
     TaskbarProgress taskbar_;
-    BatchTally tally_;
     bool runs_ = false;
     bool hasButtons_ = false; // a notification with buttons is shown
     bool shownPaused_ = false;

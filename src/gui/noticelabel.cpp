@@ -1,6 +1,7 @@
 #include "gui/noticelabel.h"
 
 #include "app/appdelegate.h"
+#include "app/batchtally.h"
 #include "base/paths.h"
 #include "gui/spokenwords.h"
 #include "gui/windowtext.h"
@@ -26,13 +27,11 @@ void NoticeLabel::listen()
             [this](const QString& path) { showNotice(windowText("Win_stalled", {lastPathComponent(path)})); });
     connect(&controller_, &appDelegate::rowStarted, this, [this](int row) {
         if (row == 0) {
-            tally_ = {};
             showNotice(QString());
         }
     });
     connect(&controller_, &appDelegate::rowFinished, this, [this](int row) {
         const BatchRow& over = controller_.model().encBatchArrayController.row(row);
-        tally_.count(over);
         showNotice(windowText("Win_rowOver", {over.src, stateWords(over)}));
     });
     connect(&controller_, &appDelegate::batchEnded, this, &NoticeLabel::sumUp);
@@ -40,8 +39,8 @@ void NoticeLabel::listen()
 
 void NoticeLabel::sumUp(bool stopped)
 {
-    showNotice(stopped ? windowText("Win_batchStopped") : tallyWords(tally_));
-    tally_ = {};
+    const QString tally = tallyText(tallyOf(controller_.model().encBatchArrayController));
+    showNotice(stopped ? windowText("Win_rowOver", {windowText("Win_batchStopped"), tally}) : tally);
 }
 
 void NoticeLabel::showNotice(const QString& text)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/batchtally.h"
 #include "gui/elidedlabel.h"
 
 namespace tavrix
@@ -23,7 +22,6 @@ private:
     void sumUp(bool stopped);
 
     appDelegate& controller_;
-    BatchTally tally_;
 };
 
 } // namespace tavrix

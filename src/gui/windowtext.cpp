@@ -44,14 +44,6 @@ QString formatNameAndUse(int out)
     return isFormat(out) ? tableText(formatText(QStringLiteral("Win_formatUse%d"), {out})) : QStringLiteral("");
 }
 
-QString tallyWords(const BatchTally& tally)
-{
-    if (tally.incomplete == 0) {
-        return windowText("Win_batchDone", {tally.converted, tally.failed});
-    }
-    return windowText("Win_batchDoneIncomplete", {tally.converted, tally.incomplete, tally.failed});
-}
-
 QString stateWords(const BatchRow& row)
 {
     const QString image = stateImage(row);

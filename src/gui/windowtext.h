@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/batchlist.h"
-#include "app/batchtally.h"
 #include "base/format.h"
 
 #include <initializer_list>
@@ -15,8 +14,6 @@ namespace tavrix
 [[nodiscard]] QString formatName(int out);
 // The same with what the format is good for.
 [[nodiscard]] QString formatNameAndUse(int out);
-// "Converted: 3. Failed: 1."
-[[nodiscard]] QString tallyWords(const BatchTally& tally);
 // What has become of a row so far: "Done", "Failed"; "" for an unknown mark.
 [[nodiscard]] QString stateWords(const BatchRow& row);
 // Name of the image for that.

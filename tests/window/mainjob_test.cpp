@@ -94,7 +94,7 @@ TEST_F(MainJob, ThreeDroppedClipsAreConverted)
     EXPECT_EQ(desktop_.opened.first().toLocalFile(), events);
     click("mainEncDstRevealBt");
     EXPECT_EQ(desktop_.opened.size(), 2);
-    EXPECT_EQ(find<QLabel>("noticeStr")->text(), QStringLiteral("Converted: 3. Failed: 0."));
+    EXPECT_EQ(find<QLabel>("noticeStr")->text(), QStringLiteral("3 of 3 clips converted"));
 }
 
 TEST_F(MainJob, ProgressIsShown)
