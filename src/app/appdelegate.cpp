@@ -1,14 +1,11 @@
 #include "app/appdelegate.h"
 
-#include "app/alerttext.h"
 #include "app/currentrow.h"
 #include "app/face.h"
 #include "app/machines.h"
 #include "app/stepflags.h"
-#include "base/format.h"
 #include "base/log.h"
 #include "base/runloopgate.h"
-#include "base/shownname.h"
 
 namespace tavrix
 {
@@ -21,13 +18,13 @@ appDelegate* applicationDelegate = nullptr;
 } // namespace
 
 appDelegate::appDelegate(ApplicationFace* face, QObject* parent)
-    : QObject(parent), session_(model_, *face), machines_(std::make_unique<Machines>(session_, *this))
+    : QObject(parent), session_(model_, *face), machines_(std::make_unique<Machines>(session_, *this)),
+      beat_([this](qint64 milliseconds) { passTime(milliseconds); })
 {
     applicationDelegate = this;
     model_.encStopBt.setHidden(true);
     model_.analyseStopBt.setHidden(true);
     connectMachines();
-    startClock();
 }
 
 appDelegate::~appDelegate()
@@ -35,15 +32,6 @@ appDelegate::~appDelegate()
     if (applicationDelegate == this) {
         applicationDelegate = nullptr;
     }
-}
-
-// A program that was stopped, or a machine that slept, has missed beats: that time was nobody's silence.
-void appDelegate::startClock()
-{
-    constexpr int beat = 1000;
-    connect(&tick_, &QTimer::timeout, this, [this] { passTime(qMin<qint64>(sinceTick_.restart(), 2 * beat)); });
-    sinceTick_.start();
-    tick_.start(beat);
 }
 
 void appDelegate::passTime(qint64 milliseconds)
@@ -103,29 +91,6 @@ void appDelegate::ac_iba_menuQuit()
 {
     if (applicationDelegate != nullptr) {
         applicationDelegate->iba_menuQuit();
-    }
-}
-
-void appDelegate::offerLeftOver()
-{
-    const QStringList sources = machines_->analysis.leftOver();
-    if (sources.isEmpty() || !session_.face().offersLeftOver()) {
-        return;
-    }
-    constexpr int forget = 1;
-    const QString text = formatText(alertText("D_leftOver_2"), {qint64(sources.size()), shownText(sources.first())});
-    const Answer answer = session_.ask({alertText("D_leftOver_1"),
-                                        text,
-                                        {alertText("D_leftOver_goOn"), alertText("D_leftOver_forget")},
-                                        forget,
-                                        0,
-                                        {}});
-    if (answer.after == After::Ending) {
-        return;
-    }
-    machines_->analysis.dropLeftOver();
-    if (answer.button != forget) {
-        draggedFiles(sources);
     }
 }
 

@@ -2,13 +2,12 @@
 
 // The application controller: every name that a face or a launcher calls.
 
+#include "app/beat.h"
 #include "app/session.h"
 #include "app/windowmodel.h"
 #include "process/tasklauncher.h"
 
-#include <QElapsedTimer>
 #include <QStringList>
-#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -162,16 +161,12 @@ private:
     // Does the work unless the program ends.
     template <typename Work> void drive(Work work);
     void connectMachines();
-    void startClock();
-    // Asks whether to go on with what an earlier run has left, where the face can ask.
-    void offerLeftOver();
     [[nodiscard]] bool isAnalysisSender(const taskLauncher* launcher) const;
 
     WindowModel model_;
     Session session_;
     std::unique_ptr<Machines> machines_;
-    QTimer tick_;
-    QElapsedTimer sinceTick_;
+    Beat beat_;
 };
 
 template <typename Work> void appDelegate::drive(Work work)

@@ -2,6 +2,7 @@
 
 #include "app/alerttext.h"
 #include "app/face.h"
+#include "app/leftover.h"
 #include "app/logs.h"
 #include "app/machines.h"
 #include "app/mailaddress.h"
@@ -40,7 +41,12 @@ void appDelegate::applicationDidFinishLaunching()
     // The window is there first; a program that ends at once has no controller any more.
     RunLoopGate::instance().deliverLater([controller = QPointer<appDelegate>(this)] {
         if (controller) {
-            controller->drive([&] { controller->offerLeftOver(); });
+            controller->drive([&] {
+                const QStringList sources = leftOverToGoOnWith(controller->session_, controller->machines_->analysis);
+                if (!sources.isEmpty()) {
+                    controller->draggedFiles(sources);
+                }
+            });
         }
     });
 }
