@@ -27,7 +27,7 @@ namespace
 
 constexpr int largeImage = 84;
 constexpr int smallImage = 26;
-constexpr int largeHeight = 190;
+constexpr int largeHeight = 236;
 
 // A style sheet looks at properties when a widget is polished.
 void setRole(QWidget* widget, const char* role)

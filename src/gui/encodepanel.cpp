@@ -81,7 +81,7 @@ void EncodePanel::buildFormat(QVBoxLayout* layout)
     format_->setObjectName(QStringLiteral("formatBt"));
     format_->setAccessibleName(QStringLiteral("@@Win_acc_format"));
     format_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    format_->setMinimumContentsLength(28);
+    format_->setMinimumContentsLength(34);
     for (int out = 0; out < outputFormatCount; ++out) {
         format_->addItem(formatText(QStringLiteral("@@Win_formatUse%d"), {out}));
         format_->setItemData(out, wrappedTip(formatCaption(out)), Qt::ToolTipRole);
