@@ -4,6 +4,7 @@
 #include "tools/ffmpeg/filters.h"
 #include "tools/ffmpeg/muxers.h"
 #include "tools/ffmpeg/optionrules.h"
+#include "tools/ffmpeg/picturefilters.h"
 #include "tools/ffmpeg/textpieces.h"
 
 #include <gtest/gtest.h>
@@ -190,6 +191,19 @@ TEST(ClassicArguments, TheEncodersOwnOptionsOfAPresetLineGetTheirEqualsSigns)
         parseCommandLine({"-i", "X", "-x264opts", "keyint 250:open-gop", "-vcodec", "libx264", "-g", "25", "O.m4v"});
     EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {}, {})),
               "-nostdin -v info -y GUARD -i <X> -f ipod -x264opts keyint=250:open-gop -vcodec libx264 -g 25 <O.m4v>");
+}
+
+// FFmpeg 7 gives the encoder the time base of the last filter, and MPEG-4 refuses one of 1/720000.
+TEST(ArgumentsForAClip, OfSeveralPiecesEndsWithATimeBaseThatEveryEncoderCanStore)
+{
+    media::StreamFacts picture;
+    picture.edits.pieces = 2;
+    picture.nominalRate = {25, 1};
+    picture.shownPackets = 50;
+    picture.duration = 2.0;
+    picture.start = 0;
+    EXPECT_EQ(respacedFilters(picture, 0, true), "settb=1/720000,setpts=0+N*720000*1/25,settb=1/25");
+    EXPECT_EQ(respacedFilters(picture, 0, false), "settb=1/720000,setpts=0+N*720000*1/25");
 }
 
 TEST(ArgumentsForAClip, SoundKeepsItsLevel)

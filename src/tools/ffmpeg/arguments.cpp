@@ -150,7 +150,7 @@ std::string pictureFilters(const Conversion& conversion, const std::optional<std
     }
     const std::string mirror = conversion.dialect.mirrors ? "" : forgottenMirror(picture->turning);
     const std::string times =
-        joinedFilters(respacedFilters(*picture, startOf(conversion.source->facts)), rate.value_or(""));
+        joinedFilters(respacedFilters(*picture, startOf(conversion.source->facts), !rate), rate.value_or(""));
     return joinedFilters(times, joinedFilters(mirror, fittedFilters(filters, *picture)));
 }
 

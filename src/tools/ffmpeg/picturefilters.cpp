@@ -80,7 +80,7 @@ std::optional<std::string> nearestPictureFilters(const std::string& rate, const 
     return "settb=1/720000,setpts=PTS-" + std::to_string(shift) + ",fps=fps=" + rate + ":round=up";
 }
 
-std::string respacedFilters(const media::StreamFacts& picture, double clipStart)
+std::string respacedFilters(const media::StreamFacts& picture, double clipStart, bool isLast)
 {
     const double rate = steadyRate(&picture);
     if (picture.edits.pieces < 2 || rate <= 0 || !picture.shownPackets || !picture.duration) {
@@ -92,8 +92,10 @@ std::string respacedFilters(const media::StreamFacts& picture, double clipStart)
     }
     const media::Ratio& nominal = picture.nominalRate;
     const auto start = std::lround((picture.start.value_or(0) - clipStart) * fineScale);
-    return "settb=1/720000,setpts=" + std::to_string(start) + "+N*720000*" + std::to_string(nominal.den) + '/' +
-           std::to_string(nominal.num);
+    const std::string interval = std::to_string(nominal.den) + '/' + std::to_string(nominal.num);
+    const std::string respaced = "settb=1/720000,setpts=" + std::to_string(start) + "+N*720000*" + interval;
+    // A later ffmpeg hands the filters' time base to the encoder, and MPEG-4 has no place for such a fine one.
+    return isLast ? respaced + ",settb=" + interval : respaced;
 }
 
 std::string fittedFilters(const std::string& filters, const media::StreamFacts& picture)

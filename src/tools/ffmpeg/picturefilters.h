@@ -16,8 +16,9 @@ namespace tavrix::front
                                                                const media::StreamFacts* picture);
 
 // For a source in several pieces, evenly spaced: each picture at its place in the row. libavformat gives the first ones
-// of a piece the times of the last ones of the piece before, so that some would be dropped. "" for other sources.
-[[nodiscard]] std::string respacedFilters(const media::StreamFacts& picture, double clipStart);
+// of a piece the times of the last ones of the piece before, so that some would be dropped. `isLast`: no filter behind
+// it gives the pictures other times. "" for other sources.
+[[nodiscard]] std::string respacedFilters(const media::StreamFacts& picture, double clipStart, bool isLast);
 
 // The filters of an upright picture in a frame that was chosen for the stored one ("scale=640:368,setdar=16/9"): the
 // picture keeps its own shape, with black at the sides. Anything else comes back as it is.

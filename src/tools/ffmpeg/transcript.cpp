@@ -186,7 +186,8 @@ std::string Transcript::nameFailure(const std::string& line) const
 void Transcript::keepRemark(const std::string& line)
 {
     const bool message = !line.empty() && line.front() != ' ' && description_.section() == Description::Section::None &&
-                         !isProgressLine(line) && !classicSummaryLine(line) && !line.starts_with("Press [q]");
+                         !isProgressLine(line) && !classicSummaryLine(line) && !line.starts_with("Press [q]") &&
+                         line.find("Qavg:") == std::string::npos;
     if (message) {
         remark_ = line.substr(messageStart(line));
     }
