@@ -56,7 +56,7 @@ def ffmpeg_body(body):
 
 
 def flooding(kind):
-    return ffmpeg_body(f'[ $kind = {kind} ] && yes "$(printf %080d 0)" | head -c 50000000 >&2')
+    return ffmpeg_body(f'[ $kind = {kind} ] && yes "$(printf %080d 0)" | head -c 5000000 >&2')
 
 
 def hanging(kind):
@@ -236,7 +236,7 @@ FAULTS = [
     Fault("ffmpeg crashes", "analysis", ffmpeg_body("[ $kind = analysis ] && kill -SEGV $$"), (REFUSED, FAILED)),
     Fault("ffmpeg is silent: exit 0, nothing said", "analysis", ffmpeg_body("[ $kind = analysis ] && exit 0"),
           (REFUSED, FAILED)),
-    Fault("ffmpeg floods with 50 MB of messages", "analysis",
+    Fault("ffmpeg floods with 5 MB of messages", "analysis",
           flooding("analysis"), (DONE,)),
     Fault("ffmpeg prints 20 MB without a line end", "analysis",
           ffmpeg_body("[ $kind = analysis ] && head -c 20000000 /dev/zero | tr '\\0' x >&2"), (DONE, REFUSED)),
@@ -254,17 +254,17 @@ FAULTS = [
           NOT_WHOLE, ALL),
     Fault("exit 0, the output is half as long", "first pass", ffmpeg_body(encode_lies("-t 1.4")), NOT_WHOLE, ALL,
           short=True),
-    Fault("exit 0, the output is five pictures short", "first pass", ffmpeg_body(encode_lies("-frames:v 70")), NOT_WHOLE,
-          ALL),
+    Fault("exit 0, the output is five pictures short", "first pass", ffmpeg_body(encode_lies("-frames:v 70")),
+          NOT_WHOLE, ALL),
     Fault("exit 0, the output has sound only", "first pass", ffmpeg_body(encode_lies("-vn")), NOT_WHOLE, ALL),
     Fault("exit 0, the output has pictures only", "first pass", ffmpeg_body(encode_lies("-an")), NOT_WHOLE, ALL),
     Fault("exit 0, the output is empty", "first pass", ffmpeg_body("[ $kind = encode ] && exit 0"), NOT_WHOLE, ALL,
           short=True),
     Fault("exit 0, the output is noise", "first pass",
-          ffmpeg_body('[ $kind = encode ] && { head -c 900000 /dev/urandom >"${last#file:}"; exit 0; }'), NOT_WHOLE, ALL,
-          short=True),
+          ffmpeg_body('[ $kind = encode ] && { head -c 900000 /dev/urandom >"${last#file:}"; exit 0; }'), NOT_WHOLE,
+          ALL, short=True),
     Fault("ffmpeg hangs", "first pass", hanging("encode"), NOT_WHOLE, (1, 3)),
-    Fault("ffmpeg floods with 50 MB of messages", "first pass",
+    Fault("ffmpeg floods with 5 MB of messages", "first pass",
           flooding("encode"), (DONE,), (3,)),
     # movencoder.
     Fault("movencoder is missing", "second pass", remove_tool("movencoder"), NOT_WHOLE, MASTER, next_row=NOT_WHOLE),
@@ -285,8 +285,8 @@ FAULTS = [
           next_row=NOT_WHOLE, needs_root=True),
     Fault("the destination fills during the second pass", "second pass", filling_destination(4000), NOT_WHOLE, MASTER,
           next_row=NOT_WHOLE, needs_root=True),
-    Fault("no file may become larger than 150 kB", "first pass", file_limit(150), NOT_WHOLE, ALL, next_row=NOT_WHOLE),
-    Fault("no file may become larger than 3 MB", "second pass", file_limit(3000), NOT_WHOLE, MASTER,
+    Fault("no file may become larger than 150 kB", "start", file_limit(150), (REFUSED_ALL,), next_row=(REFUSED_ALL,)),
+    Fault("no file may become larger than 9 MB", "second pass", file_limit(9000), NOT_WHOLE, MASTER,
           next_row=NOT_WHOLE),
     Fault("the temporary folder is full", "analysis", full_temporary, (REFUSED, FAILED, REFUSED_ALL, DONE),
           next_row=(REFUSED, FAILED, REFUSED_ALL, DONE), needs_root=True),

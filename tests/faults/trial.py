@@ -29,6 +29,9 @@ def make_clip(path, seconds=2, size="640x360", noise=12):
 
 
 def digest(path):
+    """Nothing for what is no regular file: a pipe would never end."""
+    if not os.path.isfile(path):
+        return None
     try:
         with open(path, "rb") as file:
             return hashlib.sha256(file.read()).hexdigest()
@@ -154,9 +157,10 @@ class World:
         log = os.path.join(self.root, f"log{self.count}")
         with open(log, "wb") as errors:
             process = subprocess.Popen(
-                [*prefix, self.batch, "--json", "--existing", existing, "--format", str(form), "--output", self.destination,
-                 *(sources or [self.clips])],
-                env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors, preexec_fn=limits,
+                [*prefix, self.batch, "--json", "--existing", existing, "--format", str(form), "--output",
+                 self.destination, *(sources or [self.clips])],
+                env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors,
+                preexec_fn=limits,
             )
         return Run(process, log, watcher)
 
