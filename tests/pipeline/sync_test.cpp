@@ -200,7 +200,7 @@ TEST_P(UnevenSync, PicturesAppearWithinHalfAnOutputPicture)
     const QString source = folder.path(text("clip.") + text(row.extension));
     ASSERT_TRUE(makeNumberedClip(source, clip));
     const SourceTimes times = timesOf(source);
-    ASSERT_GE(times.pictures.size(), 25U);
+    ASSERT_GE(times.pictures.size(), 20U);
     for (const int format : {0, 1}) {
         const Converted converted = convertClip(source, folder.path(), format);
         ASSERT_TRUE(converted.ok) << converted.transcript.toStdString();
