@@ -156,7 +156,8 @@ void DropPanel::setCompact(bool compact)
         setRole(label, compact ? "step" : "title");
     }
     hint_->setVisible(!compact);
-    view_->setMinimumSize(250, compact ? 0 : largeHeight);
+    // No width of its own: what stands in it is never narrower than its words.
+    view_->setMinimumHeight(compact ? 0 : largeHeight);
     const QSizePolicy::Policy height = compact ? QSizePolicy::Fixed : QSizePolicy::Expanding;
     view_->setSizePolicy(QSizePolicy::Expanding, height);
     setSizePolicy(QSizePolicy::Expanding, height);

@@ -99,6 +99,13 @@ TEST_P(Layout, NothingIsClippedUnnamedOrUntranslated)
     rows().setSelectedRow(0);
     settle();
     EXPECT_TEXTS(clippedTexts(window()), QStringList());
+    drop({folder_.makeFile(QStringLiteral("notes.txt")), folder_.makeFile(QStringLiteral("other.txt"))});
+    settle();
+    window().resize(window().minimumSizeHint());
+    settle();
+    EXPECT_TRUE(find<QWidget>("leftOutBt")->isVisible());
+    EXPECT_TEXTS(clippedTexts(window()), QStringList());
+    EXPECT_LE(window().width(), 1024);
     EXPECT_TEXTS(markedTexts(window()), QStringList());
     EXPECT_TEXTS(unnamedControls(window()), QStringList());
     trigger("menuPref");
