@@ -24,7 +24,7 @@ Failure(const char*)->Failure<std::string>;
 template <typename Value, typename Reason = std::string> class [[nodiscard]] Result
 {
 public:
-    template <typename Given>
+    template <typename Given> // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): it is constrained
     requires std::is_convertible_v<Given, Value> Result(Given&& value) : value_(std::forward<Given>(value)) {}
     template <typename Given>
     requires std::is_convertible_v<Given, Reason> Result(Failure<Given> failure) : reason_(std::move(failure.reason)) {}

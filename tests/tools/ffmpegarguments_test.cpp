@@ -202,7 +202,7 @@ TEST(ArgumentsForAClip, OfSeveralPiecesEndsWithATimeBaseThatEveryEncoderCanStore
     picture.shownPackets = 50;
     picture.duration = 2.0;
     picture.start = 0;
-    EXPECT_EQ(respacedFilters(picture, 0, true), "settb=1/720000,setpts=0+N*720000*1/25,settb=1/25");
+    EXPECT_EQ(respacedFilters(picture, 0, true), "settb=1/720000,setpts=0+N*720000*1/25,fps=fps=25/1");
     EXPECT_EQ(respacedFilters(picture, 0, false), "settb=1/720000,setpts=0+N*720000*1/25");
 }
 

@@ -82,11 +82,11 @@ std::optional<std::string> nearestPictureFilters(const std::string& rate, const 
 
 std::string respacedFilters(const media::StreamFacts& picture, double clipStart, bool isLast)
 {
-    const double rate = steadyRate(&picture);
-    if (picture.edits.pieces < 2 || rate <= 0 || !picture.shownPackets || !picture.duration) {
+    const double steady = steadyRate(&picture);
+    if (picture.edits.pieces < 2 || steady <= 0 || !picture.shownPackets || !picture.duration) {
         return {};
     }
-    const bool gapless = std::fabs(double(*picture.shownPackets) / rate - *picture.duration) < 2 / rate;
+    const bool gapless = std::fabs(double(*picture.shownPackets) / steady - *picture.duration) < 2 / steady;
     if (!gapless) {
         return {};
     }
@@ -94,8 +94,10 @@ std::string respacedFilters(const media::StreamFacts& picture, double clipStart,
     const auto start = std::lround((picture.start.value_or(0) - clipStart) * fineScale);
     const std::string interval = std::to_string(nominal.den) + '/' + std::to_string(nominal.num);
     const std::string respaced = "settb=1/720000,setpts=" + std::to_string(start) + "+N*720000*" + interval;
-    // A later ffmpeg hands the filters' time base to the encoder, and MPEG-4 has no place for such a fine one.
-    return isLast ? respaced + ",settb=" + interval : respaced;
+    const std::string rate = std::to_string(nominal.num) + '/' + std::to_string(nominal.den);
+    // A later ffmpeg hands the filters' time base to the encoder, and MPEG-4 has no place for such a fine one. It also
+    // forgets how long a picture is that "setpts" has moved, and the file would end before its last one.
+    return isLast ? respaced + ",fps=fps=" + rate : respaced;
 }
 
 std::string fittedFilters(const std::string& filters, const media::StreamFacts& picture)
