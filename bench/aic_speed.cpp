@@ -1,6 +1,6 @@
 // Prints how many pictures a second the Apple Intermediate encoder and the two ProRes encoders of the FFmpeg libraries
 // make of the same pictures, on one core and on all, and the ratios.
-#include "tools/movencoder/aicencoder.h"
+#include "aic/encoder.h"
 #include "tools/movencoder/avsupport.h"
 
 #include <algorithm>

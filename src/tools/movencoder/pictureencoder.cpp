@@ -1,6 +1,6 @@
 #include "tools/movencoder/pictureencoder.h"
 
-#include "tools/movencoder/aicencoder.h"
+#include "aic/encoder.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #include "tools/movencoder/settings.h"
 
+#include "aic/encoder.h"
 #include "sys/transfer.h"
-#include "tools/movencoder/aicencoder.h"
 #include "tools/movencoder/plistreader.h"
 
 #include <array>

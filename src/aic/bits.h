@@ -1,12 +1,13 @@
 #pragma once
 
+// The bit level of the Apple Intermediate Codec: a writer, most significant bit first, and its variable-length codes.
+
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-// The bit level of the Apple Intermediate Codec: a writer, most significant bit first, and its variable-length codes.
 namespace tavrix::aic
 {
 

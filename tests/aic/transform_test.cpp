@@ -1,7 +1,7 @@
-#include "tools/movencoder/aicdct.h"
+#include "aic/transform.h"
 
+#include "aic/widetransform.h"
 #include "steadyrandom.h"
-#include "tools/movencoder/aicdctwide.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "tools/movencoder/aicdctwide.h"
+#include "aic/widetransform.h"
 
-#include "tools/movencoder/aicdctlanes.h"
+#include "aic/transformlanes.h"
 
 #ifdef __AVX2__
 

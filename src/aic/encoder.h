@@ -1,14 +1,22 @@
 #pragma once
 
-#include "tools/movencoder/aicdct.h"
-#include "tools/movencoder/aicslice.h"
-#include "tools/movencoder/aictables.h"
+// Encoder for the Apple Intermediate Codec ("icod"): every frame by itself, 8 bit, 4:2:0. Picture in, packet out; it
+// stands on nothing but the standard library.
+//
+//     aic::Encoder encoder(1280, 720);
+//     std::vector<std::uint8_t> packet;
+//     encoder.encode({{y, cb, cr}, {1280, 640, 640}, false}, 12, packet);
+//
+// A QuickTime movie holds the packets as they are, in a track of the type "icod".
+
+#include "aic/slice.h"
+#include "aic/tables.h"
+#include "aic/transform.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-// Encoder for the Apple Intermediate Codec ("icod"): every frame by itself, 8 bit, 4:2:0.
 namespace tavrix::aic
 {
 
@@ -26,7 +34,7 @@ struct Picture {
 class Encoder
 {
 public:
-    // The size must satisfy sizeAllowed().
+    // The size in pixels must satisfy sizeAllowed().
     Encoder(int width, int height);
 
     // Replaces `frame` by the picture coded at quantiser 1 (finest) to 255.

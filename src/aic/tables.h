@@ -1,10 +1,11 @@
 #pragma once
 
+// The fixed tables of the Apple Intermediate Codec: how a frame is cut into slices and in which order the coefficients
+// of a macroblock are coded.
+
 #include <array>
 #include <cstdint>
 
-// The fixed tables of the Apple Intermediate Codec: how a frame is cut into slices and in which order the coefficients
-// of a macroblock are coded.
 namespace tavrix::aic
 {
 

@@ -1,8 +1,8 @@
-#include "tools/movencoder/aicdct.h"
+#include "aic/transform.h"
 
-#include "tools/movencoder/aicdctlanes.h"
-#include "tools/movencoder/aicdctwide.h"
-#include "tools/movencoder/aictables.h"
+#include "aic/tables.h"
+#include "aic/transformlanes.h"
+#include "aic/widetransform.h"
 
 #include <bit>
 #include <cstring>

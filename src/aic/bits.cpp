@@ -1,4 +1,4 @@
-#include "tools/movencoder/aicbits.h"
+#include "aic/bits.h"
 
 namespace tavrix::aic
 {

@@ -8,7 +8,7 @@
 namespace tavrix::aic
 {
 
-// Like transformBlock(); only where the processor has AVX2, and null where it is not compiled for such processors.
+// Like plainTransform(); only where the processor has AVX2, and null where it is not compiled for such processors.
 using WideTransform = void (*)(const std::uint8_t* samples, std::ptrdiff_t stride, const float* factors,
                                std::int32_t* levels);
 [[nodiscard]] WideTransform wideTransform();

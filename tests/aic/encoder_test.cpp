@@ -1,4 +1,4 @@
-#include "tools/movencoder/aicencoder.h"
+#include "aic/encoder.h"
 
 #include "steadyrandom.h"
 

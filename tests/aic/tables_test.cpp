@@ -1,5 +1,5 @@
-#include "tools/movencoder/aicbits.h"
-#include "tools/movencoder/aictables.h"
+#include "aic/bits.h"
+#include "aic/tables.h"
 
 #include "steadyrandom.h"
 

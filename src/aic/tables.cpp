@@ -1,4 +1,4 @@
-#include "tools/movencoder/aictables.h"
+#include "aic/tables.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "tools/movencoder/aicslice.h"
+#include "aic/slice.h"
 
 #include <algorithm>
 #include <limits>

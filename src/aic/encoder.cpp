@@ -1,6 +1,6 @@
-#include "tools/movencoder/aicencoder.h"
+#include "aic/encoder.h"
 
-#include "tools/movencoder/aicdct.h"
+#include "aic/transform.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "tools/movencoder/aicbits.h"
-#include "tools/movencoder/aictables.h"
+// Entropy coding of one slice.
+
+#include "aic/bits.h"
+#include "aic/tables.h"
 
 #include <array>
 #include <cstddef>
@@ -11,7 +13,7 @@
 namespace tavrix::aic
 {
 
-// Entropy coding of one slice. Macroblocks are collected as runs and levels; then the cheapest codes of each band are
+// Macroblocks are collected as runs and levels; then the cheapest codes of each band are
 // chosen, which also tells the exact size; then the slice is written. One object serves any number of slices in turn.
 class SliceCoder
 {
