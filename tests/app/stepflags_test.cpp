@@ -3,6 +3,7 @@
 #include "base/preferences.h"
 #include "support/qtprinters.h"
 
+using namespace Qt::StringLiterals;
 using namespace tavrix;
 using namespace tavrix::test;
 
@@ -20,11 +21,9 @@ class Flag : public testing::TestWithParam<FlagRow>
 };
 
 const FlagRow flagRows[] = {
-    {"Missing", {}, false},       {"One", 1, true},
-    {"Zero", 0, false},           {"Two", 2, false},
-    {"TextOne", u"1"_qs, true},   {"TextOneAndMore", u"1x"_qs, true},
-    {"EmptyText", u""_qs, false}, {"Word", u"yes"_qs, false},
-    {"True", true, true},
+    {"Missing", {}, false},      {"One", 1, true},          {"Zero", 0, false},
+    {"Two", 2, false},           {"TextOne", u"1"_s, true}, {"TextOneAndMore", u"1x"_s, true},
+    {"EmptyText", u""_s, false}, {"Word", u"yes"_s, false}, {"True", true, true},
 };
 
 const QString key = QStringLiteral("flagOfTheTest");

@@ -25,6 +25,8 @@
 namespace tavrix
 {
 
+using namespace Qt::StringLiterals;
+
 namespace
 {
 
@@ -218,12 +220,12 @@ protected:
     }
     void expectContainer(const QJsonObject& format)
     {
-        EXPECT_EQ(record_.value(u"wrapper"_qs).toString(), format.value(u"format_name").toString());
+        EXPECT_EQ(record_.value(u"wrapper"_s).toString(), format.value(u"format_name").toString());
         const double duration = format.value(u"duration").toString().toDouble();
         const int shown = static_cast<int>(std::round(duration * 100) / 100); // the transcript tells hundredths
-        EXPECT_EQ(record_.value(u"w_duration"_qs).toInt(), shown);
-        EXPECT_NEAR(record_.value(u"w_offset"_qs).toDouble(), format.value(u"start_time").toString().toDouble(), 1e-4);
-        EXPECT_EQ(record_.value(u"w_bitrate"_qs).toInt(), format.value(u"bit_rate").toString().toInt() / 1000);
+        EXPECT_EQ(record_.value(u"w_duration"_s).toInt(), shown);
+        EXPECT_NEAR(record_.value(u"w_offset"_s).toDouble(), format.value(u"start_time").toString().toDouble(), 1e-4);
+        EXPECT_EQ(record_.value(u"w_bitrate"_s).toInt(), format.value(u"bit_rate").toString().toInt() / 1000);
     }
 
     MediaInfoRecord record_;
@@ -245,14 +247,14 @@ TEST_P(RecordedClip, IsReadAsFfprobeReadsIt)
         const QString type = stream.value(u"codec_type").toString();
         SCOPED_TRACE(type.toStdString() + " stream");
         if (type == u"video") {
-            expectVideo(u"v"_qs + QString::number(video++) + u'_', stream);
+            expectVideo(u"v"_s + QString::number(video++) + u'_', stream);
         } else if (type == u"audio") {
-            expectAudio(u"a"_qs + QString::number(audio) + u'_', stream, audio == 0);
+            expectAudio(u"a"_s + QString::number(audio) + u'_', stream, audio == 0);
             ++audio;
         }
     }
-    EXPECT_FALSE(record_.contains(u"v"_qs + QString::number(video) + u"_codec"_qs));
-    EXPECT_FALSE(record_.contains(u"a"_qs + QString::number(audio) + u"_codec"_qs));
+    EXPECT_FALSE(record_.contains(u"v"_s + QString::number(video) + u"_codec"_s));
+    EXPECT_FALSE(record_.contains(u"a"_s + QString::number(audio) + u"_codec"_s));
 }
 
 INSTANTIATE_TEST_SUITE_P(Clips, RecordedClip, testing::ValuesIn(ofEachVersion(clips())), testName);
@@ -277,10 +279,10 @@ TEST(RecordedTranscripts, LanguagesAreReadFromATransportStream)
         const std::string transcript = contents(dataPath(version, "languages.MTS.classic"));
         const auto record = ffInfos(QString(), QString::fromStdString(transcript));
         ASSERT_TRUE(record.has_value());
-        EXPECT_EQ(record->value(u"a0_lang"_qs).toString(), u"eng");
-        EXPECT_EQ(record->value(u"a1_lang"_qs).toString(), u"fre");
-        EXPECT_EQ(record->value(u"a2_lang"_qs).toString(), u"deu");
-        EXPECT_EQ(record->value(u"a0_channels"_qs).toInt(), 6);
+        EXPECT_EQ(record->value(u"a0_lang"_s).toString(), u"eng");
+        EXPECT_EQ(record->value(u"a1_lang"_s).toString(), u"fre");
+        EXPECT_EQ(record->value(u"a2_lang"_s).toString(), u"deu");
+        EXPECT_EQ(record->value(u"a0_channels"_s).toInt(), 6);
     }
 }
 
