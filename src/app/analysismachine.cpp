@@ -36,7 +36,6 @@ namespace tavrix
 namespace
 {
 
-constexpr int silentAnalysisSeconds = 60;
 constexpr qint64 silentStopMilliseconds = 3000;
 
 QString existingFile(const QString& path)
@@ -345,7 +344,7 @@ void AnalysisMachine::addRow(MediaInfoRecord infos)
 void AnalysisMachine::passTime(qint64 milliseconds)
 {
     const bool stopping = session_.model().analysisStopInt.intValue() != 0;
-    const qint64 limit = stopping ? silentStopMilliseconds : silenceLimit(pref::silenceAnalysis, silentAnalysisSeconds);
+    const qint64 limit = stopping ? silentStopMilliseconds : silenceLimit(pref::silenceAnalysis);
     if (!child_.isSilentAfter(milliseconds, limit)) {
         return;
     }

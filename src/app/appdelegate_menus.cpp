@@ -77,7 +77,7 @@ void appDelegate::prefCheckCaptions()
 
 void appDelegate::chooseFormat(int out)
 {
-    if (out < 0 || out >= outputFormatCount) {
+    if (!isOutputFormat(out)) {
         return;
     }
     model_.prefCheckMatrix.setSelectedSegment(out);

@@ -25,7 +25,6 @@ namespace
 {
 
 constexpr int missingSourceAlertSeconds = 10;
-constexpr int silentEncodeSeconds = 600;
 
 // Of the current row's steps.
 void leaveOnlyTheFinish()
@@ -348,7 +347,7 @@ void BatchMachine::childDone(const taskLauncher* launcher, bool analysing)
 
 void BatchMachine::passTime(qint64 milliseconds)
 {
-    const qint64 limit = silenceLimit(pref::silenceEncode, silentEncodeSeconds);
+    const qint64 limit = silenceLimit(pref::silenceEncode);
     if (child_.isSilentAfter(milliseconds, limit)) {
         logLine(QStringLiteral("task silent         :-( %d s"), {limit / 1000});
         row_.children().silent(static_cast<int>(limit / 1000));

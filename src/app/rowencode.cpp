@@ -15,11 +15,11 @@
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/preferences.h"
-#include "base/settings.h"
 #include "base/shownname.h"
 #include "base/text.h"
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
+#include "encode/outputformats.h"
 #include "encode/outputname.h"
 #include "encode/presets.h"
 #include "encode/progress.h"
@@ -79,11 +79,6 @@ QString replaceWords(const QString& source, const QString& output)
 {
     return alertText("D_go_dossier_destination4Bis") + QLatin1Char('\n') + fileWords("D_replaceOld", output) +
            QLatin1Char('\n') + fileWords("D_replaceNew", source);
-}
-
-bool hasSecondPass(int out)
-{
-    return (out == 4 && getAIC() != 0) || (out == 5 && getPRORES() != 0);
 }
 
 qint64 freeBytes(const QString& output)

@@ -10,6 +10,7 @@
 #include "app/outputguard.h"
 #include "app/privatefiles.h"
 #include "app/session.h"
+#include "app/settingstable.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
 #include "app/workfolder.h"
@@ -23,7 +24,6 @@
 #include "base/preferences.h"
 #include "base/settings.h"
 #include "base/shownname.h"
-#include "base/text.h"
 #include "encode/outputname.h"
 #include "platform/systeminfo.h"
 #include "quicktime/codecinventory.h"
@@ -35,21 +35,6 @@
 
 namespace tavrix
 {
-
-namespace
-{
-
-constexpr int defaultOutputFormat = 3;
-
-bool isKeptAtStart(const QString& key)
-{
-    static const QStringList kept = {pref::prefCheckMatrix,       pref::prefDefautDstPathStr, pref::prefColor,
-                                     pref::analysisSrcPathesDico, pref::analysisSrcPathStr,   pref::silenceAnalysis,
-                                     pref::silenceEncode};
-    return kept.contains(key) || key.startsWith(QLatin1String("NSNav"));
-}
-
-} // namespace
 
 StartUp::StartUp(Session& session, DropArea& dropArea) : session_(session), dropArea_(dropArea) {}
 
@@ -198,14 +183,12 @@ void StartUp::restorePreferences()
         }
     }
     WindowModel& model = session_.model();
-    const QString format = prefRead(pref::prefCheckMatrix);
+    // What is out of range is not taken, and the default stays.
     model.prefCheckMatrix.setSelectedSegment(defaultOutputFormat);
-    if (!format.isEmpty()) {
-        model.prefCheckMatrix.setSelectedSegment(leadingInteger(format));
-    }
+    model.prefCheckMatrix.setSelectedSegment(storedNumber(pref::prefCheckMatrix));
     model.showFormatCaption();
     model.prefColor.setSelectedSegment(0);
-    model.prefColor.setSelectedSegment(leadingInteger(prefRead(pref::prefColor)));
+    model.prefColor.setSelectedSegment(storedNumber(pref::prefColor));
     model.showColorImage();
     const QString folder = prefRead(pref::prefDefautDstPathStr);
     if (isFolder(stringByExpandingTildeInPath(folder))) {

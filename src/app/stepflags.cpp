@@ -1,16 +1,16 @@
 #include "app/stepflags.h"
 
+#include "app/settingstable.h"
 #include "base/preferences.h"
 #include "base/text.h"
 
 namespace tavrix
 {
 
-qint64 silenceLimit(const QString& setting, int defaultSeconds)
+qint64 silenceLimit(const QString& setting)
 {
     constexpr qint64 millisecondsPerSecond = 1000;
-    const int seconds = leadingInteger(prefRead(setting));
-    return (seconds > 0 ? seconds : defaultSeconds) * millisecondsPerSecond;
+    return storedNumber(setting) * millisecondsPerSecond;
 }
 
 QStringList analysisFlags()

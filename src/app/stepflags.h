@@ -40,9 +40,8 @@ inline const QString stepProcesses = QStringLiteral("encProcesses");
 // What a stop writes in the place of the current source.
 inline const QString cancelMark = QStringLiteral("cancel");
 
-// Milliseconds of silence that the setting allows; without one, or with one that is no number above 0, the seconds
-// given.
-[[nodiscard]] qint64 silenceLimit(const QString& setting, int defaultSeconds);
+// Milliseconds of silence that the setting allows.
+[[nodiscard]] qint64 silenceLimit(const QString& setting);
 
 // The steps of one source and of one row, in order. A stop deletes all but the first and the last.
 [[nodiscard]] QStringList analysisFlags();

@@ -4,6 +4,7 @@
 
 #include "app/batchlist.h"
 #include "app/controls.h"
+#include "encode/outputformats.h"
 
 namespace tavrix
 {
@@ -16,7 +17,6 @@ inline const QString play = QStringLiteral("btPlay");
 inline const QString stop = QStringLiteral("btStop");
 } // namespace controlImage
 
-inline constexpr int outputFormatCount = 6;
 inline constexpr int colorThemeCount = 6;
 // What an output format is for, in a line; the key itself for a number out of range.
 [[nodiscard]] QString formatCaption(int out);

@@ -22,7 +22,7 @@ void takeFormat(ConsoleOptions& options, const QString& value)
 {
     bool ok = false;
     const int format = value.toInt(&ok);
-    if (!ok || format < 0 || format >= outputFormatCount) {
+    if (!ok || !isOutputFormat(format)) {
         setWrong(options, formatText(consoleText("Con_badFormat"), {value, outputFormatCount - 1}));
         return;
     }

@@ -1,6 +1,7 @@
 #include "encode/rowforecast.h"
 
 #include "encode/encoderarguments.h"
+#include "encode/outputformats.h"
 #include "encode/sizeforecast.h"
 
 #include <algorithm>
@@ -11,8 +12,8 @@ namespace tavrix
 namespace
 {
 
-constexpr int movieCopy = 3;
-constexpr int intermediateFormat = 4;
+// What the first pass of two writes: the copy into a movie.
+constexpr int firstPassFormat = 3;
 // The picture of the settings that the program brings for both second passes.
 constexpr int secondPassWidth = 1280;
 constexpr int secondPassHeight = 720;
@@ -47,10 +48,10 @@ qint64 outputForecast(const MediaInfoRecord& infos, int out)
 qint64 leastRoom(const MediaInfoRecord& infos, int out)
 {
     const qint64 output = std::max<qint64>(0, outputForecast(infos, out));
-    if (out < intermediateFormat) {
+    if (!isTwoPassFormat(out)) {
         return output;
     }
-    return output / 2 + std::max<qint64>(0, outputForecast(infos, movieCopy));
+    return output / 2 + std::max<qint64>(0, outputForecast(infos, firstPassFormat));
 }
 
 } // namespace tavrix

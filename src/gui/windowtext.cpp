@@ -21,11 +21,6 @@ QString tableText(const QString& key)
     return localizedString(key, QStringLiteral("Window"));
 }
 
-bool isFormat(int out)
-{
-    return out >= 0 && out < outputFormatCount;
-}
-
 } // namespace
 
 QString windowText(const char* key, std::initializer_list<FormatArg> arguments)
@@ -36,12 +31,12 @@ QString windowText(const char* key, std::initializer_list<FormatArg> arguments)
 
 QString formatName(int out)
 {
-    return isFormat(out) ? tableText(formatText(QStringLiteral("Win_format%d"), {out})) : QStringLiteral("");
+    return isOutputFormat(out) ? tableText(formatText(QStringLiteral("Win_format%d"), {out})) : QStringLiteral("");
 }
 
 QString formatNameAndUse(int out)
 {
-    return isFormat(out) ? tableText(formatText(QStringLiteral("Win_formatUse%d"), {out})) : QStringLiteral("");
+    return isOutputFormat(out) ? tableText(formatText(QStringLiteral("Win_formatUse%d"), {out})) : QStringLiteral("");
 }
 
 QString stateWords(const BatchRow& row)

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
+#include "encode/outputformats.h"
 #include "encode/outputname.h"
 #include "encode/sizeforecast.h"
 
@@ -17,8 +18,6 @@ namespace tavrix
 namespace
 {
 
-constexpr int formatCount = 6;
-constexpr int firstOfSecondPass = 4;
 constexpr qint64 settingsLimit = 65536;
 
 // "30000/1001" or "25".
@@ -66,7 +65,7 @@ FormatPreview preview(const Inspection& inspection, const QString& file, int out
     result.name = outputName(inspection.recording.name, out, codec);
     AskedPicture asked =
         askedPicture(encodage(file, result.name, wrapper, codec, rate, out, aspect).value_or(QStringList()));
-    if (out >= firstOfSecondPass) {
+    if (isTwoPassFormat(out)) {
         const QString folder = stringByAppendingPathComponent(resourcePath(), QStringLiteral("presets"));
         asked = secondPassPicture(stringByAppendingPathComponent(folder, movencoderSettingsName(aspect)), out);
     }
@@ -118,7 +117,7 @@ QList<FormatPreview> formatPreviews(const Inspection& inspection, const QString&
     if (!inspection.verdict.accepted) {
         return previews;
     }
-    for (int out = 0; out < formatCount; ++out) {
+    for (int out = 0; out < outputFormatCount; ++out) {
         previews << preview(inspection, file, out);
     }
     return previews;
