@@ -19,20 +19,25 @@ bool isMountPointAt(int folder, const QByteArray& name)
     if (::statx(folder, name.constData(), AT_SYMLINK_NOFOLLOW, STATX_TYPE, &status) != 0) {
         return false;
     }
-    if ((status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0) {
-        return (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    const bool isTold = (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
+    if (isTold && (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0) {
+        return true;
     }
     if (!S_ISDIR(status.stx_mode)) {
         return false;
     }
-    // Kernels that do not tell: a folder on another device than its parent is a mounted volume.
     struct stat own {
     };
     struct stat parent {
     };
-    return ::fstatat(folder, name.constData(), &own, AT_SYMLINK_NOFOLLOW) == 0 &&
-           ::fstatat(folder, (name + "/..").constData(), &parent, 0) == 0 &&
-           (own.st_dev != parent.st_dev || own.st_ino == parent.st_ino);
+    if (::fstatat(folder, name.constData(), &own, AT_SYMLINK_NOFOLLOW) != 0 ||
+        ::fstatat(folder, (name + "/..").constData(), &parent, 0) != 0) {
+        return false;
+    }
+    // The root is its own parent, also where it is a folder that the process was confined to.
+    const bool isRoot = own.st_dev == parent.st_dev && own.st_ino == parent.st_ino;
+    // Kernels that do not tell: a folder on another device than its parent is a mounted volume.
+    return isRoot || (!isTold && own.st_dev != parent.st_dev);
 }
 
 bool removeAt(int parent, const QByteArray& name)

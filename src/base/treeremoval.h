@@ -7,7 +7,8 @@
 namespace tavrix
 {
 
-// True when another volume (or a bind mount) is mounted on the item; links are not followed.
+// True when another volume (or a bind mount) is mounted on the item, or it is the root; links are not
+// followed.
 [[nodiscard]] bool isMountPoint(const QByteArray& path);
 
 // Removes the item for good, a folder with all it holds. False when something stays (errno tells why); a mounted volume
