@@ -1,7 +1,7 @@
 #pragma once
 
 // The output formats, a row each: what differs from one to the other stands here, and in the texts of the format
-// ("prefCaptionN" in Localizable; "Win_formatN" and "Win_formatUseN" in Window).
+// (prefCaptionN in Localizable, Win_formatN and Win_formatUseN in Window).
 
 #include <QStringList>
 

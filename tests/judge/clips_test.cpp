@@ -191,7 +191,7 @@ protected:
             seconds += piece.length;
         }
         std::string output = folder() + "/encoded.mp4";
-        EXPECT_TRUE(runFfmpeg({"-i", source_, "-vf", "setpts=N/25/TB", "-vsync", "vfr", "-an", "-c:v", "mpeg4",
+        EXPECT_TRUE(runFfmpeg({"-i", source_, "-vf", "setpts=N/25/TB,fps=25", "-vsync", "vfr", "-an", "-c:v", "mpeg4",
                                "-frames:v", std::to_string(std::llround(seconds * 25) - fewer), output}));
         return output;
     }

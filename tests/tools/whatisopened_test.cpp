@@ -76,7 +76,7 @@ TEST_F(WhatIsOpened, APictureOrANumberedListUnderAClipsNameIsNoClip)
     fs::copy_file(name("p001.jpg"), name("clip.mov"));
     for (const char* input : {"clip.mov", "p001.jpg", "p%03d.jpg"}) {
         const ToolEnd end = runTool({"-v", "2", "-i", name(input), "-y", name("out.mov")});
-        EXPECT_EQ(end.code, 1) << input;
+        EXPECT_NE(end.code, 0) << input;
         EXPECT_FALSE(fs::exists(name("out.mov"))) << input;
     }
 }
