@@ -30,9 +30,10 @@ foreach(program tavrix-batch tavrix-inspect)
 endforeach()
 install(TARGETS tool_ffmpeg tool_gettimestamps tool_movencoder tool_atompatch
   RUNTIME DESTINATION ${tavrix_resource_folder}/tools)
+install(TARGETS tool_ffmpeg_media LIBRARY DESTINATION ${tavrix_resource_folder}/tools)
 # The build tree's own resource folder, because parts of it are made by the build.
 install(DIRECTORY ${CMAKE_BINARY_DIR}/resources/ DESTINATION ${tavrix_resource_folder}
-  REGEX "/tools/(ffmpeg|gettimestamps|movencoder|atompatch)$" EXCLUDE
+  REGEX "/tools/(ffmpeg|ffmpeg-media\\.so|gettimestamps|movencoder|atompatch)$" EXCLUDE
   REGEX "/(CMakeFiles|cmake_install\\.cmake|CTestTestfile\\.cmake|Makefile)$" EXCLUDE)
 install(FILES ${CMAKE_CURRENT_LIST_DIR}/copyright ${packaging_folder}/changelog.gz ${CMAKE_SOURCE_DIR}/README.md
   ${CMAKE_SOURCE_DIR}/docs/console.md ${CMAKE_SOURCE_DIR}/docs/inspect.md ${CMAKE_SOURCE_DIR}/docs/window.md

@@ -25,6 +25,7 @@
 #include "probe/pictureobstacle.h"
 #include "probe/recordingname.h"
 #include "process/childprocess.h"
+#include "sys/keepfolder.h"
 
 #include <QRandomGenerator>
 
@@ -399,7 +400,9 @@ bool AnalysisMachine::launch(const QStringList& arguments)
         return false;
     }
     source_.incoming = QStringLiteral("");
-    return child_.launch(arguments, [this] { Q_EMIT childGone(nullptr); });
+    // The picture is made beside the frames, and the tool need not look at the clip a second time.
+    return child_.launch(arguments, [this] { Q_EMIT childGone(nullptr); },
+                         {{QString::fromLatin1(keepVariable), getTMPFOLDER()}});
 }
 
 void AnalysisMachine::childWrote(const QString& text)

@@ -178,4 +178,9 @@ bool tellsForeignFormat(std::string_view line)
     return line.starts_with('[') && contains(line, "] Format not on whitelist ");
 }
 
+bool tellsOldPixelFormat(std::string_view line)
+{
+    return line.starts_with("[swscaler @ ") && contains(line, "] deprecated pixel format used");
+}
+
 } // namespace tavrix::front

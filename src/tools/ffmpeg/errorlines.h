@@ -55,4 +55,7 @@ struct OpenFailure {
 // Whether a line tells that the input's format is none of those handled.
 [[nodiscard]] bool tellsForeignFormat(std::string_view line);
 
+// Whether a line is the scaler's remark on the pixel formats of JPEG pictures, one for each of its threads.
+[[nodiscard]] bool tellsOldPixelFormat(std::string_view line);
+
 } // namespace tavrix::front

@@ -2,25 +2,24 @@
 
 #include "judge/publication.h"
 #include "judge/verdictline.h"
-#include "sys/errortext.h"
 #include "sys/publication.h"
-#include "sys/transfer.h"
 #include "tools/common/childprocess.h"
+#include "tools/ffmpeg/analysis.h"
+#include "tools/ffmpeg/analysisdelivery.h"
 #include "tools/ffmpeg/arguments.h"
 #include "tools/ffmpeg/banner.h"
+#include "tools/ffmpeg/errorstream.h"
 #include "tools/ffmpeg/files.h"
+#include "tools/ffmpeg/installedlibraries.h"
 #include "tools/ffmpeg/judgement.h"
 #include "tools/ffmpeg/linesplitter.h"
-#include "tools/ffmpeg/locate.h"
+#include "tools/ffmpeg/start.h"
 #include "tools/ffmpeg/textpieces.h"
 #include "tools/ffmpeg/transcript.h"
 
-#include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <optional>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace tavrix::front
@@ -28,24 +27,6 @@ namespace tavrix::front
 
 namespace
 {
-
-constexpr std::size_t atomicWrite = 4096; // PIPE_BUF
-constexpr int notInstalled = 127;
-// The files of this tool that already stand in the chain: two copies in PATH would start each other for ever.
-constexpr const char* chainVariable = "TAVRIX_FFMPEG_FRONT";
-
-// Errors are not looked at: a caller that reads no messages is none of the encode's business. It does not hold up an
-// end on request either.
-void print(const std::string& text, char end = '\n')
-{
-    std::string line = text;
-    line += end;
-    for (const std::string_view piece : writablePieces(line, atomicWrite)) {
-        if (!writeUnless([] { return interruptingSignal() != 0; }, STDERR_FILENO, piece)) {
-            return;
-        }
-    }
-}
 
 // Prints lines, or keeps them while another start of ffmpeg may still replace them.
 class Printer
@@ -57,7 +38,7 @@ public:
             if (holding_) {
                 held_.push_back(line);
             } else {
-                print(line.text, line.end);
+                printLine(line.text, line.end);
             }
         }
     }
@@ -83,17 +64,21 @@ struct Attempt {
 class Run
 {
 public:
-    Run(std::string program, std::string self, std::string chain, CommandLine line)
-        : program_(std::move(program)), self_(std::move(self)), chain_(std::move(chain)), line_(std::move(line))
+    explicit Run(StartedRun started)
+        : program_(std::move(started.program)), self_(std::move(started.self)), chain_(std::move(started.chain)),
+          line_(std::move(started.line)), task_(std::move(started.task)), kept_(std::move(started.kept))
     {
     }
 
     int execute()
     {
         if (const auto opened = files_.open(line_, terms_); !opened) {
-            print(classicBanner());
-            print(opened.reason());
+            printLine(classicBanner());
+            printLine(opened.reason());
             return 1;
+        }
+        if (const auto status = analyseHere()) {
+            return *status;
         }
         announceOutput();
         watchForInterruption();
@@ -109,13 +94,36 @@ public:
     }
 
 private:
+    // The exit status of an analysis that needs no other program.
+    std::optional<int> analyseHere()
+    {
+        const bool hasOutput = !line_.outputs.empty();
+        const auto banner = kept_ && canDeliver(files_, task_->source, hasOutput) ? kept_->banner() : std::nullopt;
+        if (!banner || !standsOnOwnLibraries(program_, *banner)) {
+            return std::nullopt;
+        }
+        const std::string before = KeptAnswers::stateOf(*task_);
+        auto answers = analyse(*task_, files_.urls().inputs.front());
+        if (!answers || before != KeptAnswers::stateOf(*task_)) {
+            return std::nullopt;
+        }
+        const auto delivery = [&](AnalysisAnswer& answer) {
+            return AnalysisDelivery{*banner + answer.said, std::move(answer.saidBehindName), std::move(answer.bytes),
+                                    answer.status};
+        };
+        if (answers->thumbnail) {
+            kept_->storeThumbnail(*answers->thumbnailTask, before, delivery(*answers->thumbnail));
+        }
+        return deliver(files_, delivery(answers->asked));
+    }
+
     // Before anything can have a name: the program that has given the terms deletes nothing but this file.
     void announceOutput() const
     {
         const auto output = files_.outputDescriptor(0);
         struct stat status = {};
         if (terms_.given && output && fstat(*output, &status) == 0) {
-            print(publication::outputLine(status));
+            printLine(publication::outputLine(status));
         }
     }
 
@@ -165,6 +173,9 @@ private:
         printer.hold();
         const bool first = dialect == Dialect();
         LineSplitter splitter([&](std::string_view line, char end) {
+            if (kept_) {
+                kept_->hear(line);
+            }
             printer.add(transcript.translate(line, end));
             const Findings& findings = transcript.findings();
             if (first && dialectAfter(findings) != dialect) {
@@ -196,7 +207,7 @@ private:
             return 128 + interruptingSignal();
         }
         if (!attempt.end) {
-            print(program_ + ": " + attempt.error);
+            printLine(program_ + ": " + attempt.error);
             return notInstalled;
         }
         if (attempt.end->bySignal) {
@@ -207,12 +218,12 @@ private:
             return attempt.end->code;
         }
         if (const auto unfit = publishable(attempt.findings); !unfit) {
-            print(unfit.reason());
+            printLine(unfit.reason());
             explain(attempt.findings);
             return 1;
         }
         if (const auto finished = finish(); !finished) {
-            print(finished.reason());
+            printLine(finished.reason());
             return 1;
         }
         return judgeAndPublish(attempt.findings);
@@ -242,10 +253,10 @@ private:
             verdict = judge::notPublished(std::move(*verdict), files_.finalPath(), done.reason(), terms_);
         }
         if (verdict) {
-            print(judge::verdictLine(*verdict));
+            printLine(judge::verdictLine(*verdict));
         }
         if (!done) {
-            print(done.reason());
+            printLine(done.reason());
         }
         return done ? 0 : 1;
     }
@@ -279,7 +290,7 @@ private:
             reason = "its index is missing: the recording was not finished, or the copy is cut";
         }
         if (!reason.empty()) {
-            print(onOneLine(line_.inputs.front().name) + ": " + reason);
+            printLine(onOneLine(line_.inputs.front().name) + ": " + reason);
         }
     }
 
@@ -315,73 +326,23 @@ private:
     std::string self_;
     std::string chain_;
     CommandLine line_;
+    std::optional<AnalysisTask> task_;
+    std::optional<KeptAnswers> kept_;
     publication::Terms terms_ = publication::termsFromEnvironment();
     RunFiles files_;
     std::optional<OutputJob> job_;
     Source source_;
 };
 
-// Becomes the installed ffmpeg, for what needs no bridge.
-int becomeInstalled(const std::string& program, const std::string& self, const std::vector<std::string>& words)
-{
-    std::vector<char*> arguments = {const_cast<char*>(self.c_str())};
-    for (const std::string& word : words) {
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    }
-    arguments.push_back(nullptr);
-    execv(program.c_str(), arguments.data());
-    print(program + ": " + errorText(errno));
-    return notInstalled;
-}
-
-std::string wrongUsage(const CommandLine& line)
-{
-    if (!line.missingValueFor.empty()) {
-        return "ffmpeg: missing argument for option '-" + line.missingValueFor + "'";
-    }
-    if (line.inputs.empty()) {
-        return line.outputs.empty() ? "At least one output file must be specified"
-                                    : "At least one input file must be specified";
-    }
-    return {};
-}
-
 } // namespace
 
 int runTool(const std::string& startedAs, const std::vector<std::string>& words)
 {
-    if (words.empty()) {
-        for (const std::string& line : usageLines()) {
-            print(line);
-        }
-        return 1;
+    Start start = startRun(startedAs, words);
+    if (const int* const status = std::get_if<int>(&start)) {
+        return *status;
     }
-    if (words.front() == "--help") {
-        return writeAll(STDOUT_FILENO, helpText()) ? 0 : 1;
-    }
-    const std::string self = ownPath(startedAs);
-    const char* const path = std::getenv("PATH");
-    const char* const before = std::getenv(chainVariable);
-    const std::string ownIdentity = fileIdentity("/proc/self/exe");
-    const std::string chain = before == nullptr ? ownIdentity : ownIdentity + ' ' + before;
-    const auto program = installedFfmpeg(path == nullptr ? "" : path, chain);
-    if (!program || ownIdentity.empty()) {
-        print(classicBanner());
-        print("ffmpeg: no installed ffmpeg was found in PATH, /usr/bin or /usr/local/bin");
-        return notInstalled;
-    }
-    CommandLine line = parseCommandLine(words);
-    if (line.reportOnly || before != nullptr) {
-        setenv(chainVariable, chain.c_str(), 1);
-        return becomeInstalled(*program, self, words);
-    }
-    const std::string error = wrongUsage(line);
-    if (!error.empty()) {
-        print(classicBanner());
-        print(error);
-        return 1;
-    }
-    return Run(*program, self, chain, std::move(line)).execute();
+    return Run(std::move(std::get<StartedRun>(start))).execute();
 }
 
 } // namespace tavrix::front

@@ -34,11 +34,11 @@ std::string classicPacketLine(std::string line)
     return line;
 }
 
-// Remarks on the words that this tool itself chose for an option.
+// Remarks on the words that this tool itself chose for an option, and on formats that bore these names then.
 bool concernsOwnSpelling(std::string_view line)
 {
-    return tellsForeignFormat(line) || contains(line, "-vsync is deprecated") || contains(line, "Use -fps_mode") ||
-           contains(line, "Press [q] to stop");
+    return tellsForeignFormat(line) || tellsOldPixelFormat(line) || contains(line, "-vsync is deprecated") ||
+           contains(line, "Use -fps_mode") || contains(line, "Press [q] to stop");
 }
 
 // Where the message begins behind the components that print it: "[vist#0:0/h264 @ 0x55] [dec:h264 @ 0x55] message".

@@ -1,0 +1,106 @@
+#include "tools/ffmpeg/start.h"
+
+#include "sys/errortext.h"
+#include "sys/publication.h"
+#include "sys/transfer.h"
+#include "tools/ffmpeg/analysisdelivery.h"
+#include "tools/ffmpeg/banner.h"
+#include "tools/ffmpeg/errorstream.h"
+#include "tools/ffmpeg/files.h"
+#include "tools/ffmpeg/locate.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <unistd.h>
+#include <utility>
+
+namespace tavrix::front
+{
+
+namespace
+{
+
+// Becomes the installed ffmpeg, for what needs no bridge.
+int becomeInstalled(const std::string& program, const std::string& self, const std::vector<std::string>& words)
+{
+    std::vector<char*> arguments = {const_cast<char*>(self.c_str())};
+    for (const std::string& word : words) {
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    }
+    arguments.push_back(nullptr);
+    execv(program.c_str(), arguments.data());
+    printLine(program + ": " + errorText(errno));
+    return notInstalled;
+}
+
+std::string wrongUsage(const CommandLine& line)
+{
+    if (!line.missingValueFor.empty()) {
+        return "ffmpeg: missing argument for option '-" + line.missingValueFor + "'";
+    }
+    if (line.inputs.empty()) {
+        return line.outputs.empty() ? "At least one output file must be specified"
+                                    : "At least one input file must be specified";
+    }
+    return {};
+}
+
+// The picture that the run before has left.
+std::optional<int> deliverKept(const StartedRun& run)
+{
+    auto answer = run.kept ? run.kept->thumbnail(*run.task) : std::nullopt;
+    RunFiles files;
+    if (!answer || !files.open(run.line) || !canDeliver(files, run.task->source, true)) {
+        return std::nullopt;
+    }
+    return deliver(files, *answer);
+}
+
+} // namespace
+
+Start startRun(const std::string& startedAs, const std::vector<std::string>& words)
+{
+    if (words.empty()) {
+        for (const std::string& line : usageLines()) {
+            printLine(line);
+        }
+        return 1;
+    }
+    if (words.front() == "--help") {
+        return writeAll(STDOUT_FILENO, helpText()) ? 0 : 1;
+    }
+    const char* const path = std::getenv("PATH");
+    const char* const before = std::getenv(chainVariable);
+    const std::string ownIdentity = fileIdentity("/proc/self/exe");
+    StartedRun run;
+    run.self = ownPath(startedAs);
+    run.chain = before == nullptr ? ownIdentity : ownIdentity + ' ' + before;
+    const auto program = installedFfmpeg(path == nullptr ? "" : path, run.chain);
+    if (!program || ownIdentity.empty()) {
+        printLine(classicBanner());
+        printLine("ffmpeg: no installed ffmpeg was found in PATH, /usr/bin or /usr/local/bin");
+        return notInstalled;
+    }
+    run.program = *program;
+    run.line = parseCommandLine(words);
+    if (run.line.reportOnly || before != nullptr) {
+        setenv(chainVariable, run.chain.c_str(), 1);
+        return becomeInstalled(run.program, run.self, words);
+    }
+    if (const std::string error = wrongUsage(run.line); !error.empty()) {
+        printLine(classicBanner());
+        printLine(error);
+        return 1;
+    }
+    run.task = analysisTask(words);
+    auto keep = run.task && !publication::termsFromEnvironment().given ? AnalysisKeep::fromEnvironment() : std::nullopt;
+    if (keep) {
+        run.kept.emplace(std::move(*keep), run.program);
+    }
+    if (const auto status = deliverKept(run)) {
+        return *status;
+    }
+    return run;
+}
+
+} // namespace tavrix::front
