@@ -7,7 +7,8 @@ build_packages="g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev qt6-mu
     libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libplist-dev"
 window_packages="libqt6svg6 libqt6multimediawidgets6 qt6-qpa-plugins
     qt6-translations-l10n fonts-dejavu-core"
-test_packages="libgtest-dev libgmock-dev python3 git clang-format clang-tidy shellcheck appstream desktop-file-utils mandoc"
+test_packages="libgtest-dev libgmock-dev python3 git dbus-daemon clang-format clang-tidy
+    shellcheck appstream desktop-file-utils mandoc"
 
 # install_missing PACKAGE...: installs what dpkg does not know as installed, saying what; fails when it cannot.
 install_missing() {

@@ -4,27 +4,39 @@
 #include "base/paths.h"
 #include "base/posixfile.h"
 #include "base/text.h"
-
-#include <QDir>
-#include <QFile>
+#include "sys/foldernames.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
+#include <fcntl.h>
+#include <string>
+#include <vector>
 
 namespace tavrix
 {
 namespace
 {
 
+// As the file system has them, in no order. Not by QDir: from Qt 6.8 on it stops at a name that is no UTF-8, and would
+// hide the clips behind it.
+std::vector<std::string> rawNames(const QString& folder)
+{
+    const QByteArray path = systemPath(folder);
+    if (path.isEmpty()) {
+        return {};
+    }
+    const Descriptor opened = openFileAt(AT_FDCWD, path.constData(), O_RDONLY | O_DIRECTORY);
+    return opened.isOpen() ? namesIn(opened).value_or(std::vector<std::string>()) : std::vector<std::string>();
+}
+
 // Sorted, because the order in which a file system returns its entries is arbitrary and "the first entry" must not be.
 QStringList sortedNames(const QString& folder)
 {
-    if (systemPath(folder).isEmpty()) {
-        return {};
+    QStringList names;
+    for (const std::string& name : rawNames(folder)) {
+        if (const QString decoded = decodedUtf8(QByteArray::fromStdString(name)); !decoded.isNull()) {
+            names << decoded;
+        }
     }
-    QStringList names =
-        QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Unsorted);
     std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
         const int order = QString::compare(a, b, Qt::CaseInsensitive);
         return order != 0 ? order < 0 : a < b;
@@ -95,11 +107,8 @@ QStringList lsCocoaRecursive(const QString& folder)
 QStringList unspeakableEntries(const QString& folder)
 {
     QStringList entries;
-    const QByteArray bytes = systemPath(folder);
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(bytes.toStdString(), failure);
-    for (; !bytes.isEmpty() && !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const QByteArray name = QByteArray::fromStdString(entry->path().filename().string());
+    for (const std::string& each : rawNames(folder)) {
+        const QByteArray name = QByteArray::fromStdString(each);
         if (decodedUtf8(name).isNull()) {
             entries.append(stringByAppendingPathComponent(folder, QString::fromUtf8(name)));
         }

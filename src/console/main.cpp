@@ -5,6 +5,7 @@
 #include "base/format.h"
 #include "base/shownname.h"
 #include "base/standardstreams.h"
+#include "base/utf8locale.h"
 #include "console/batchrunner.h"
 #include "console/consoletext.h"
 #include "console/jsonreporter.h"
@@ -187,6 +188,7 @@ int main(int argc, char** argv)
     if (!fillStandardStreams()) {
         return exitSomeFailed;
     }
+    useUtf8Locale();
     QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     const ConsoleOptions options = parseConsoleOptions(QCoreApplication::arguments().mid(1));

@@ -3,14 +3,52 @@
 #include "base/bundle.h"
 #include "gui/theme.h"
 
+#include <QApplication>
+#include <QIconEngine>
 #include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
 #include <QSvgRenderer>
 
 #include <map>
 #include <tuple>
+#include <utility>
 
 namespace tavrix
 {
+
+namespace
+{
+
+// Qt's own engine for such files is a plugin, and some distributions put it into a package of its own.
+class DrawnIcon : public QIconEngine
+{
+public:
+    explicit DrawnIcon(QString path) : path_(std::move(path)) {}
+
+    void paint(QPainter* painter, const QRect& place, QIcon::Mode /*mode*/, QIcon::State /*state*/) override
+    {
+        QSvgRenderer renderer(path_);
+        renderer.setAspectRatioMode(Qt::KeepAspectRatio);
+        renderer.render(painter, place);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
+    {
+        QPixmap drawn(size);
+        drawn.fill(Qt::transparent);
+        QPainter painter(&drawn);
+        paint(&painter, drawn.rect(), mode, state);
+        painter.end();
+        const QStyleOption option;
+        return mode == QIcon::Normal ? drawn : QApplication::style()->generatedIconPixmap(mode, drawn, &option);
+    }
+    [[nodiscard]] QIconEngine* clone() const override { return new DrawnIcon(path_); }
+
+private:
+    QString path_;
+};
+
+} // namespace
 
 QString imagePath(const QString& name)
 {
@@ -27,7 +65,7 @@ QString imagePath(const QString& name)
 QIcon imageNamed(const QString& name)
 {
     const QString path = imagePath(name);
-    return path.isEmpty() ? QIcon() : QIcon(path);
+    return path.isEmpty() ? QIcon() : QIcon(new DrawnIcon(path));
 }
 
 QPixmap imagePixmap(const QString& name, int side, qreal scale)

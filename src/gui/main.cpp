@@ -1,4 +1,5 @@
 #include "base/bundle.h"
+#include "base/utf8locale.h"
 #include "gui/clipplayer.h"
 #include "gui/endsignals.h"
 #include "gui/handover.h"
@@ -86,6 +87,7 @@ int runProgram(QApplication& application, const QStringList& files)
 
 int main(int argc, char** argv)
 {
+    tavrix::useUtf8Locale();
     if (const std::optional<int> status = answeredAtOnce(argc, argv)) {
         return *status;
     }

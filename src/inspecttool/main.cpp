@@ -4,6 +4,7 @@
 #include "base/paths.h"
 #include "base/shownname.h"
 #include "base/standardstreams.h"
+#include "base/utf8locale.h"
 #include "inspect/describe.h"
 #include "inspect/inspectjson.h"
 #include "inspect/inspector.h"
@@ -171,6 +172,7 @@ int main(int argc, char** argv)
     if (!fillStandardStreams()) {
         return exitSomeFailed;
     }
+    useUtf8Locale();
     QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
     const InspectOptions options = parseInspectOptions(QCoreApplication::arguments().mid(1));

@@ -96,6 +96,13 @@ TEST_F(Look, EveryNamedImageIsThereAndSharpAtAnyScale)
             EXPECT_EQ(pixmap.devicePixelRatio(), scale) << name;
         }
     }
+    // An icon shows the image, greyed where its button is disabled, without any plugin of Qt's.
+    const QIcon icon = imageNamed(QStringLiteral("puceSuccess"));
+    const QImage shown = icon.pixmap(QSize(32, 32), 1.0).toImage();
+    const QImage disabled = icon.pixmap(QSize(32, 32), 1.0, QIcon::Disabled).toImage();
+    EXPECT_EQ(shown.pixelColor(0, 0).alpha(), 0);
+    EXPECT_EQ(shown.pixelColor(16, 16).alpha(), 255);
+    EXPECT_NE(shown, disabled);
     EXPECT_TRUE(imageNamed(QStringLiteral("no such image")).isNull());
     EXPECT_TRUE(imageNamed(QString()).isNull());
     EXPECT_TRUE(imagePixmap(QStringLiteral("no such image"), 32, 1).isNull());

@@ -96,6 +96,7 @@ TEST_F(Inspecting, AMovieTellsItsSampleTables)
     const QString path = made(QStringLiteral("a.mov"),
                               QStringLiteral("-f lavfi -i testsrc2=size=320x240:rate=25:duration=2 -f lavfi -i "
                                              "sine=sample_rate=48000:duration=2 -c:v libx264 -preset ultrafast "
+                                             "-vf setparams=color_primaries=bt709:color_trc=bt709:colorspace=bt709 "
                                              "-colorspace bt709 -color_primaries bt709 -color_trc bt709 -c:a pcm_s16le "
                                              "-f mov"));
     const Inspection clip = inspected(path);

@@ -88,14 +88,21 @@ bool makeCameraMovie(const QString& path, int pictures, bool sound)
 {
     const QString recording = path + QStringLiteral(".mts");
     const QString seconds = QString::number(pictures * 1001.0 / 60000.0, 'f', 6);
-    QStringList record{
-        QStringLiteral("-f"),        QStringLiteral("lavfi"),
-        QStringLiteral("-i"),        QStringLiteral("mandelbrot=s=1280x720:r=60000/1001:start_scale=0.8:end_pts=400"),
-        QStringLiteral("-f"),        QStringLiteral("lavfi"),
-        QStringLiteral("-i"),        QStringLiteral("sine=440:r=48000"),
-        QStringLiteral("-vf"),       QStringLiteral("scroll=h=0.004:v=0.002,noise=alls=10:allf=t+u"),
-        QStringLiteral("-frames:v"), QString::number(pictures),
-        QStringLiteral("-t"),        seconds};
+    QStringList record{QStringLiteral("-f"),
+                       QStringLiteral("lavfi"),
+                       QStringLiteral("-i"),
+                       QStringLiteral("mandelbrot=s=1280x720:r=60000/1001:start_scale=0.8:end_pts=400"),
+                       QStringLiteral("-f"),
+                       QStringLiteral("lavfi"),
+                       QStringLiteral("-i"),
+                       QStringLiteral("sine=440:r=48000"),
+                       QStringLiteral("-vf"),
+                       QStringLiteral("scroll=h=0.004:v=0.002,noise=alls=10:allf=t+u,"
+                                      "setparams=color_primaries=bt709:color_trc=bt709:colorspace=bt709"),
+                       QStringLiteral("-frames:v"),
+                       QString::number(pictures),
+                       QStringLiteral("-t"),
+                       seconds};
     record << QStringLiteral("-pix_fmt") << QStringLiteral("yuv420p") << QStringLiteral("-c:v")
            << QStringLiteral("libx264") << QStringLiteral("-preset") << QStringLiteral("veryfast")
            << QStringLiteral("-b:v") << QStringLiteral("24M") << QStringLiteral("-bf") << QStringLiteral("2")

@@ -54,7 +54,7 @@ TEST_P(Lures, AreRefusedUnderEveryClipsName)
         const std::string lure = name(std::string("clip.") + extension);
         writeFile(lure, GetParam().content);
         const ToolEnd end = runTool({"-v", "1", "-i", lure, "-vcodec", "copy", "-an", "-y", name("out.mov")});
-        EXPECT_EQ(end.code, 1) << extension;
+        EXPECT_NE(end.code, 0) << extension;
         EXPECT_TRUE(contains(end.err, lure + ": Unknown format\n")) << end.err;
         EXPECT_FALSE(contains(end.err, "other.ts")) << end.err;
         EXPECT_FALSE(contains(end.err, "Connection")) << end.err;
