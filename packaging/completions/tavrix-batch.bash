@@ -7,22 +7,22 @@ _tavrix_batch() {
         current=
     fi
     case $option in
-        --format)
+        --format | -f)
             mapfile -t COMPREPLY < <(compgen -W "0 1 2 3 4 5" -- "$current")
             return
             ;;
         --existing)
-            mapfile -t COMPREPLY < <(compgen -W "replace keep ask" -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W "replace keep skip ask" -- "$current")
             return
             ;;
-        --output)
+        --output | -o)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             return
             ;;
     esac
     if [[ $current == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--format --output --existing --json --system --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "--format --output --existing --dry-run --quiet --verbose --json --system --help --version -f -o -n -q -v -h" -- "$current")
     else
         compopt -o filenames -o default
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

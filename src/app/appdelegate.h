@@ -151,7 +151,7 @@ Q_SIGNALS:
     void analysisStalled(const QString& path);
     void rowStarted(int row);
     void rowProgress(int row, float value, float maximum);
-    // How much of a pass is done, 0 to 1, by what its tool says of itself; passes count from 1.
+    // How much of a pass is done, 0 to 1, by what its tool says of itself; passes count from 1. It follows rowProgress.
     void rowStep(int row, int pass, int passes, double fraction);
     void rowFinished(int row, bool success);
     void rowVanished(const QString& path);

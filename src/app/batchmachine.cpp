@@ -319,11 +319,11 @@ void BatchMachine::childWrote(const QString& text, bool analysing)
     if (analysing) {
         return;
     }
-    if (const std::optional<double> fraction = progress_.fraction(text)) {
-        tellStep(*fraction);
-    }
     if (const std::optional<float> value = progress_.show(text)) {
         Q_EMIT rowProgress(currentRowIndex(session_.model().encBatchArrayController), *value, progress_.maximum());
+    }
+    if (const std::optional<double> fraction = progress_.fraction(text)) {
+        tellStep(*fraction);
     }
 }
 

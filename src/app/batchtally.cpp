@@ -1,6 +1,7 @@
 #include "app/batchtally.h"
 
 #include "base/format.h"
+#include "base/plurals.h"
 #include "probe/batchtexts.h"
 
 #include <QStringList>
@@ -23,7 +24,8 @@ BatchTally tallyOf(const BatchList& rows)
 QString tallyText(const BatchTally& tally)
 {
     const int all = tally.converted + tally.incomplete + tally.failed + tally.notBegun;
-    QStringList parts = {formatText(batchText("Tally_converted"), {tally.converted, all})};
+    QStringList parts = {
+        formatText(countedText("Tally_converted", all, QStringLiteral("Batch")), {tally.converted, all})};
     const std::initializer_list<std::pair<const char*, int>> others = {{"Tally_incomplete", tally.incomplete},
                                                                        {"Tally_failed", tally.failed - tally.kept},
                                                                        {"Tally_kept", tally.kept},

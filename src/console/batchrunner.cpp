@@ -3,19 +3,28 @@
 #include "app/batchtally.h"
 #include "base/filesizes.h"
 #include "base/format.h"
+#include "base/plurals.h"
 #include "base/runloopgate.h"
 #include "console/consoletext.h"
 #include "encode/outputname.h"
+#include "encode/rowforecast.h"
+#include "probe/recordersources.h"
+
+#include <QFileInfo>
+#include <QSet>
 
 #include <algorithm>
 
 namespace tavrix
 {
 
-BatchRunner::BatchRunner(appDelegate* controller, ConsoleFace* face, Reporter* reporter, QObject* parent)
-    : QObject(parent), controller_(controller), face_(face), reporter_(reporter)
+BatchRunner::BatchRunner(appDelegate* controller, ConsoleFace* face, Reporter* reporter, const Wishes& wishes,
+                         QObject* parent)
+    : QObject(parent), controller_(controller), face_(face), reporter_(reporter), wishes_(wishes)
 {
+    clock_.start();
     connectController();
+    connectRows();
 }
 
 void BatchRunner::connectController()
@@ -23,7 +32,8 @@ void BatchRunner::connectController()
     const BatchList& rows = controller_->model().encBatchArrayController;
     connect(controller_, &appDelegate::sourcesQueued, this, [this](int count) { reporter_->queued(count); });
     connect(controller_, &appDelegate::leftOverDropped, this, [this](const QStringList& sources) {
-        reporter_->message(formatText(consoleText("Con_leftOver"), {qint64(sources.size()), sources.first()}),
+        reporter_->message(formatText(countedText("Con_leftOver", sources.size(), QStringLiteral("Console")),
+                                      {qint64(sources.size()), sources.first()}),
                            QString(), QString());
     });
     connect(controller_, &appDelegate::analysisStarted, this,
@@ -43,21 +53,53 @@ void BatchRunner::connectController()
         finish(exitSomeFailed);
     });
     connect(controller_, &appDelegate::analysisEnded, this, &BatchRunner::analysisOver);
+}
+
+void BatchRunner::connectRows()
+{
+    const BatchList& rows = controller_->model().encBatchArrayController;
     connect(controller_, &appDelegate::rowStarted, this, [this, &rows](int row) {
         batchBegan_ = true;
+        progress_ = RowProgress();
         reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src);
     });
-    connect(controller_, &appDelegate::rowProgress, this,
-            [this](int /*row*/, float value, float maximum) { reporter_->rowProgress(value, maximum); });
+    connect(controller_, &appDelegate::rowProgress, this, [this](int /*row*/, float value, float maximum) {
+        progress_.value = value;
+        progress_.maximum = maximum;
+    });
+    connect(controller_, &appDelegate::rowStep, this, &BatchRunner::noteStep);
     connect(controller_, &appDelegate::rowFinished, this, &BatchRunner::noteRow);
     connect(controller_, &appDelegate::rowVanished, this, [this](const QString& path) {
         rows_ << RowReport{path, {}, consoleText("Con_vanished"), 0, false};
     });
     connect(controller_, &appDelegate::batchEnded, this, [this](bool stopped) {
-        const bool failed = std::any_of(rows_.cbegin(), rows_.cend(),
-                                        [](const RowReport& row) { return !row.success || row.incomplete; });
-        finish(stopped || failed ? exitSomeFailed : exitAllDone);
+        const bool trouble =
+            std::any_of(rows_.cbegin(), rows_.cend(), [this](const RowReport& row) { return isTrouble(row); });
+        finish(stopped || trouble ? exitSomeFailed : exitAllDone);
     });
+}
+
+bool BatchRunner::isTrouble(const RowReport& row) const
+{
+    return row.incomplete || (!row.success && (!row.kept || wishes_.keptIsFailed));
+}
+
+// A tool's line of progress becomes the value first and the step then: the step tells both.
+void BatchRunner::noteStep(int row, int pass, int passes, double fraction)
+{
+    const BatchRow& current = controller_->model().encBatchArrayController.row(row);
+    if (fraction <= 0 || pass != progress_.pass) {
+        const double seconds = current.dico.value(record::w_duration).toDouble();
+        progress_.value = 0;
+        estimate_.beginPass(clock_.elapsed(), {seconds, current.out}, pass, passes);
+    }
+    progress_.pass = pass;
+    progress_.passes = passes;
+    progress_.fraction = fraction;
+    estimate_.progress(clock_.elapsed(), fraction);
+    progress_.speed = estimate_.speed(clock_.elapsed());
+    progress_.left = estimate_.clipLeft(clock_.elapsed());
+    reporter_->rowProgress(progress_);
 }
 
 void BatchRunner::start(const QStringList& sources)
@@ -73,6 +115,8 @@ void BatchRunner::analysisOver()
     } else if (accepted == 0) {
         reporter_->message(consoleText("Con_noClip"), QString(), QString());
         finish(exitNothingAccepted);
+    } else if (wishes_.dryRun) {
+        finish(exitAllDone);
     } else {
         RunLoopGate::instance().deliverLater([this] {
             if (!finished_) {
@@ -94,7 +138,33 @@ void BatchRunner::noteRow(int row, bool success)
     report.incomplete = finished.incomplete;
     report.kept = finished.kept;
     rows_ << report;
+    estimate_.endClip(clock_.elapsed(), success);
     reporter_->rowFinished(row + 1, rows.count(), report);
+}
+
+QList<PlannedRow> BatchRunner::plannedRows() const
+{
+    const BatchList& rows = controller_->model().encBatchArrayController;
+    const QString destination = controller_->model().mainEncDstPathStr.stringValue();
+    QList<PlannedRow> planned;
+    QSet<QString> names;
+    for (int i = 0; i < rows.count(); ++i) {
+        const BatchRow& row = rows.row(i);
+        const QString codec = row.dico.value(record::v0_codec).toString();
+        PlannedRow one;
+        one.number = i + 1;
+        one.total = rows.count();
+        one.source = row.source();
+        one.out = row.out;
+        one.output = outputPath(destination, dateCreation2iMovieName(one.source), row.out, codec);
+        one.bytes = outputForecast(row.dico, row.out);
+        one.exists = QFileInfo::exists(one.output) || QFileInfo(one.output).isSymLink();
+        one.sameName = names.contains(one.output);
+        one.readable = !codec.isEmpty();
+        names << one.output;
+        planned << one;
+    }
+    return planned;
 }
 
 void BatchRunner::finish(int exitCode)
@@ -107,7 +177,11 @@ void BatchRunner::finish(int exitCode)
     const QString folder = eventsFolder(controller_->model().mainEncDstPathStr.stringValue());
     // Before a batch has begun no row is kept waiting by its end.
     const int notBegun = batchBegan_ ? tallyOf(controller_->model().encBatchArrayController).notBegun : 0;
-    reporter_->summary(rows_, {leftOut_, notBegun}, folder, exitCode);
+    if (wishes_.dryRun && exitCode == exitAllDone) {
+        reporter_->plan(plannedRows(), leftOut_, folder, exitCode);
+    } else {
+        reporter_->summary(rows_, {leftOut_, notBegun}, folder, exitCode);
+    }
     // The controller is in the middle of a step: it is asked to quit from the event loop.
     RunLoopGate::instance().deliverLater([this] { controller_->quitWithoutQuestion(); });
 }
@@ -143,6 +217,7 @@ void BatchRunner::suspend()
     SegmentedControl& control = controller_->model().encStopBt;
     if (controller_->isEncoding() && control.imageName(encStopSegmentPause) == controlImage::pause) {
         pausedHere_ = true;
+        estimate_.setPaused(clock_.elapsed(), true);
         control.setSelectedSegment(encStopSegmentPause);
         controller_->iba_encStopBt(&control);
     }
@@ -154,6 +229,7 @@ void BatchRunner::resume()
     if (pausedHere_ && control.imageName(encStopSegmentPause) == controlImage::play) {
         control.setSelectedSegment(encStopSegmentPause);
         controller_->iba_encStopBt(&control);
+        estimate_.setPaused(clock_.elapsed(), false);
     }
     pausedHere_ = false;
 }

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "app/appdelegate.h"
+#include "app/runestimate.h"
 #include "console/consoleface.h"
 #include "console/reporter.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 namespace tavrix
@@ -20,8 +22,14 @@ class BatchRunner : public QObject
 {
     Q_OBJECT
 public:
+    struct Wishes {
+        bool dryRun = false;      // analyse, tell what would be made, end
+        bool keptIsFailed = true; // whether a row whose output existed already spoils the exit status
+    };
+
     // Nothing is owned.
-    BatchRunner(appDelegate* controller, ConsoleFace* face, Reporter* reporter, QObject* parent = nullptr);
+    BatchRunner(appDelegate* controller, ConsoleFace* face, Reporter* reporter, const Wishes& wishes,
+                QObject* parent = nullptr);
 
     // Sources are absolute paths.
     void start(const QStringList& sources);
@@ -35,13 +43,21 @@ public:
 
 private:
     void connectController();
+    void connectRows();
     void analysisOver();
     void finish(int exitCode);
     void noteRow(int row, bool success);
+    void noteStep(int row, int pass, int passes, double fraction);
+    [[nodiscard]] QList<PlannedRow> plannedRows() const;
+    [[nodiscard]] bool isTrouble(const RowReport& row) const;
 
     appDelegate* controller_;
     ConsoleFace* face_;
     Reporter* reporter_;
+    Wishes wishes_;
+    RowProgress progress_;
+    RunEstimate estimate_;
+    QElapsedTimer clock_;
     QList<RowReport> rows_;
     int leftOut_ = 0;
     bool batchBegan_ = false;

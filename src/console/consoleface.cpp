@@ -131,7 +131,7 @@ AlertOutcome ConsoleFace::ask(const AlertRequest& request)
 
 void ConsoleFace::showSheet(const AlertRequest& request, QObject* /*window*/, std::function<void(AlertOutcome)> done)
 {
-    reporter_->message(request.title, request.text, QString());
+    reporter_->notice(request.title, request.text);
     if (done) {
         done({});
     }

@@ -2,6 +2,7 @@
 
 // The words of the console.
 
+#include "base/format.h"
 #include "base/localisation.h"
 
 namespace tavrix
@@ -11,6 +12,12 @@ namespace tavrix
 [[nodiscard]] inline QString consoleText(const char* key)
 {
     return localizedString(QLatin1String(key), QStringLiteral("Console"));
+}
+
+// Short name of an output format, 0 to 5: the window's.
+[[nodiscard]] inline QString shortFormatName(int out)
+{
+    return localizedString(formatText(QStringLiteral("Win_format%d"), {out}), QStringLiteral("Window"));
 }
 
 } // namespace tavrix

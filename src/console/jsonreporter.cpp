@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 
 #include <array>
+#include <cmath>
 
 namespace tavrix
 {
@@ -54,6 +55,12 @@ QJsonValue jsonValue(const QVariant& value)
     return QJsonValue::fromVariant(value);
 }
 
+// To that part of one: no longer tail of digits than means anything.
+double rounded(double value, int part)
+{
+    return std::round(value * part) / part;
+}
+
 } // namespace
 
 JsonReporter::JsonReporter(std::FILE* stream) : stream_(stream) {}
@@ -98,9 +105,25 @@ void JsonReporter::rowStarted(int number, int total, const QString& source)
     write("row-started", {{name("row"), number}, {name("total"), total}, {name("source"), source}});
 }
 
-void JsonReporter::rowProgress(float value, float maximum)
+void JsonReporter::rowProgress(const RowProgress& progress)
 {
-    write("progress", {{name("row"), row_}, {name("value"), jsonValue(value)}, {name("maximum"), jsonValue(maximum)}});
+    // Before the tool has said anything there is nothing to divide by.
+    if (progress.maximum <= 0) {
+        return;
+    }
+    QJsonObject object{{name("row"), row_},
+                       {name("value"), jsonValue(progress.value)},
+                       {name("maximum"), jsonValue(progress.maximum)},
+                       {name("pass"), progress.pass},
+                       {name("passes"), progress.passes},
+                       {name("fraction"), rounded(progress.fraction, 10000)}};
+    if (progress.speed > 0) {
+        object.insert(name("speed"), rounded(progress.speed, 100));
+    }
+    if (progress.left) {
+        object.insert(name("left"), rounded(*progress.left, 1));
+    }
+    write("progress", object);
 }
 
 void JsonReporter::rowFinished(int number, int total, const RowReport& row)
@@ -114,6 +137,26 @@ void JsonReporter::rowFinished(int number, int total, const RowReport& row)
 void JsonReporter::message(const QString& title, const QString& text, const QString& answer)
 {
     write("message", {{name("title"), title}, {name("text"), text}, {name("answer"), answer}});
+}
+
+void JsonReporter::notice(const QString& title, const QString& text)
+{
+    message(title, text, QString());
+}
+
+void JsonReporter::plan(const QList<PlannedRow>& rows, int leftOut, const QString& folder, int exitCode)
+{
+    for (const PlannedRow& row : rows) {
+        QJsonObject object{{name("row"), row.number},        {name("total"), row.total},
+                           {name("source"), row.source},     {name("output"), row.output},
+                           {name("format"), row.out},        {name("exists"), row.exists},
+                           {name("sameName"), row.sameName}, {name("readable"), row.readable}};
+        if (row.bytes >= 0) {
+            object.insert(name("bytes"), row.bytes);
+        }
+        write("planned", object);
+    }
+    summary({}, {leftOut, 0}, folder, exitCode);
 }
 
 void JsonReporter::summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,

@@ -41,8 +41,8 @@ QStringList absolutePaths(const QStringList& sources)
 
 int wrongUsage(const QString& error)
 {
-    std::fprintf(stderr, "tavrix-batch: %s\n\n%s", shownText(error).toUtf8().constData(),
-                 consoleUsage().toUtf8().constData());
+    std::fprintf(stderr, "tavrix-batch: %s\n%s\n", shownText(error).toUtf8().constData(),
+                 consoleText("Con_tryHelp").toUtf8().constData());
     return exitWrongUsage;
 }
 
@@ -63,6 +63,7 @@ std::optional<int> replacePolicy(ExistingPolicy existing, bool mayAsk)
     case ExistingPolicy::Replace:
         return 1;
     case ExistingPolicy::Keep:
+    case ExistingPolicy::Skip:
         return 0;
     case ExistingPolicy::Ask:
     case ExistingPolicy::Default:
@@ -77,7 +78,7 @@ class Services
 public:
     // The terminal is not owned.
     Services(std::FILE* terminal, const ConsoleOptions& options)
-        : mayAsk_(::isatty(STDIN_FILENO) != 0 && !options.json), reporter_(makeReporter(terminal, options.json)),
+        : mayAsk_(::isatty(STDIN_FILENO) != 0 && !options.json), reporter_(makeReporter(terminal, options)),
           face_(reporter_.get(), mayAsk_)
     {
         setAlertPresenter(&face_);
@@ -96,12 +97,12 @@ public:
     [[nodiscard]] ConsoleFace* face() { return &face_; }
 
 private:
-    static std::unique_ptr<Reporter> makeReporter(std::FILE* terminal, bool json)
+    static std::unique_ptr<Reporter> makeReporter(std::FILE* terminal, const ConsoleOptions& options)
     {
-        if (json) {
+        if (options.json) {
             return std::make_unique<JsonReporter>(terminal);
         }
-        return std::make_unique<TextReporter>(terminal, ::isatty(STDOUT_FILENO) != 0);
+        return std::make_unique<TextReporter>(terminal, ::isatty(STDOUT_FILENO) != 0, options.verbosity);
     }
 
     bool mayAsk_;
@@ -144,7 +145,8 @@ int runBatch(QCoreApplication& application, Services& services, const ConsoleOpt
     controller.applicationDidFinishLaunching();
     applyOptions(controller, options, startFolder, services.mayAsk());
     const UnixSignals unixSignals;
-    BatchRunner runner(&controller, services.face(), services.reporter());
+    const BatchRunner::Wishes wishes = {options.dryRun, options.existing != ExistingPolicy::Skip};
+    BatchRunner runner(&controller, services.face(), services.reporter(), wishes);
     connectSignals(unixSignals, runner);
     runner.start(sources);
     const int status = application.exec();
@@ -209,7 +211,7 @@ int main(int argc, char** argv)
     if (const QString missing = missingSource(absolutePaths(options.sources)); !missing.isNull()) {
         return wrongUsage(formatText(consoleText("Con_missing"), {missing}));
     }
-    if (!options.output.isNull() && !QDir().mkpath(absolutePaths({options.output}).first())) {
+    if (!options.output.isNull() && !options.dryRun && !QDir().mkpath(absolutePaths({options.output}).first())) {
         return wrongUsage(formatText(consoleText("Con_badOutput"), {options.output}));
     }
     return convert(application, options);

@@ -6,7 +6,11 @@
 namespace tavrix
 {
 
-enum class ExistingPolicy { Default, Replace, Keep, Ask };
+// Skip keeps an output that exists like Keep, and counts its row as done with.
+enum class ExistingPolicy { Default, Replace, Keep, Skip, Ask };
+
+// How much is told in words. JSON tells everything in any case.
+enum class Verbosity { Quiet, Normal, Verbose };
 
 // What the command line asks for.
 struct ConsoleOptions {
@@ -17,10 +21,12 @@ struct ConsoleOptions {
     QString output;  // destination folder; nothing = the default one
     ExistingPolicy existing = ExistingPolicy::Default;
     bool json = false;
+    bool dryRun = false; // only analyse, and list what would be made
+    Verbosity verbosity = Verbosity::Normal;
     QStringList sources; // as given
 };
 
-// Words of the command line without the program's name. "--" ends the options.
+// Words of the command line without the program's name. "--" ends the options; letters can stand together ("-qf3").
 [[nodiscard]] ConsoleOptions parseConsoleOptions(const QStringList& words);
 [[nodiscard]] QString consoleUsage();
 

@@ -1,10 +1,9 @@
 #include "console/progressline.h"
 
 #include "base/format.h"
-#include "base/localisation.h"
 #include "base/shownname.h"
-
-#include <QStringList>
+#include "base/shownvalues.h"
+#include "console/consoletext.h"
 
 #include <algorithm>
 #include <cmath>
@@ -84,11 +83,15 @@ QString clockText(double seconds)
 
 QString progressLine(const ProgressState& state, int width)
 {
-    const double fraction = state.maximum > 0 ? std::clamp(state.value / state.maximum, 0.0, 1.0) : 0;
-    const double speed = state.elapsed > 0.2 ? state.value / state.elapsed : 0;
-    const double left = speed > 0 ? (state.maximum - state.value) / speed : -1;
+    const double fraction = std::clamp(state.fraction, 0.0, 1.0);
     const QString head = formatText(QStringLiteral("%d/%d "), {state.number, state.total});
-    const QString tail = formatText(QStringLiteral(" %3.0f %%  %5.1fx  %@"), {fraction * 100, speed, clockText(left)});
+    QString tail = QStringLiteral(" ");
+    if (state.passes > 1) {
+        tail += formatText(consoleText("Con_step"), {state.pass, state.passes}) + QLatin1Char(' ');
+    }
+    tail +=
+        formatText(QStringLiteral("%3.0f %%  %@x  %@"),
+                   {std::floor(fraction * 100), shownDecimal(state.speed, 1).rightJustified(5), clockText(state.left)});
     const int room = width - displayWidth(head) - displayWidth(tail) - 4;
     if (room < 12) {
         return elided(head + tail.trimmed(), width);
@@ -100,19 +103,6 @@ QString progressLine(const ProgressState& state, int width)
     const int filled = static_cast<int>(fraction * barWidth);
     return head + name + QStringLiteral(" [") + QString(filled, QLatin1Char('#')) +
            QString(barWidth - filled, QLatin1Char('.')) + QStringLiteral("]") + tail;
-}
-
-QString sizeText(qint64 bytes)
-{
-    const QStringList units = localizedString(QStringLiteral("Con_sizeUnits"), QStringLiteral("Console")).split(u' ');
-    constexpr double leastShownAsThousand = 999.95;
-    double value = static_cast<double>(bytes) / 1000;
-    qsizetype unit = 0;
-    while (value >= leastShownAsThousand && unit + 1 < units.size()) {
-        value /= 1000;
-        ++unit;
-    }
-    return fixedText(value, 1) + QLatin1Char(' ') + units.at(unit);
 }
 
 } // namespace tavrix

@@ -17,14 +17,13 @@ struct ProgressState {
     QString name;
     int number = 0; // 1-based row
     int total = 0;
-    double value = 0; // seconds (or percent) done
-    double maximum = 0;
-    double elapsed = 0; // wall seconds since the row began
+    int pass = 1; // from 1
+    int passes = 1;
+    double fraction = 0; // of the pass, 0 to 1
+    double speed = 0;    // seconds of the clip in a second; 0: not known yet
+    double left = -1;    // seconds of work; negative: not known yet
 };
-// One line of at most `width` columns: row, name, bar, percentage, speed, time left.
+// One line of at most `width` columns: row, name, bar, step where there are several, percentage, speed, time left.
 [[nodiscard]] QString progressLine(const ProgressState& state, int width);
-
-// "12.3 MB" and the like, in units of 1000.
-[[nodiscard]] QString sizeText(qint64 bytes);
 
 } // namespace tavrix

@@ -2,9 +2,12 @@
 
 #include "base/format.h"
 #include "base/paths.h"
+#include "base/plurals.h"
 #include "base/shownname.h"
+#include "base/shownvalues.h"
 #include "console/consoletext.h"
 #include "probe/cameraclip.h"
+#include "probe/mediainforecord.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -17,6 +20,7 @@ namespace tavrix
 namespace
 {
 
+const QString consoleTable = QStringLiteral("Console");
 constexpr int defaultWidth = 80;
 constexpr int widestShownName = 60;
 constexpr qint64 redrawMilliseconds = 100;
@@ -28,7 +32,10 @@ QString shownName(const QString& path)
 
 } // namespace
 
-TextReporter::TextReporter(std::FILE* stream, bool terminal) : stream_(stream), terminal_(terminal) {}
+TextReporter::TextReporter(std::FILE* stream, bool terminal, Verbosity verbosity)
+    : stream_(stream), terminal_(terminal && verbosity != Verbosity::Quiet), verbosity_(verbosity)
+{
+}
 
 int TextReporter::terminalWidth() const
 {
@@ -55,6 +62,13 @@ void TextReporter::line(const QString& text)
     std::fflush(stream_);
 }
 
+void TextReporter::chat(const QString& text)
+{
+    if (!isQuiet()) {
+        line(text);
+    }
+}
+
 void TextReporter::draw(const QString& text)
 {
     std::fputs("\r\033[K", stream_);
@@ -70,7 +84,7 @@ QString TextReporter::place() const
 
 void TextReporter::queued(int count)
 {
-    line(formatText(consoleText("Con_queued"), {count}));
+    chat(formatText(countedText("Con_queued", count, consoleTable), {count}));
 }
 
 void TextReporter::analysing(const QString& path, int number, int total)
@@ -86,8 +100,12 @@ void TextReporter::accepted(const QString& path, const QVariantMap& infos)
 {
     ++names_[lastPathComponent(path)];
     const QString what = clipDescription(infos);
-    line(formatText(QStringLiteral("%@ %@: %@"),
+    chat(formatText(QStringLiteral("%@ %@: %@"),
                     {place(), shownName(path), what.isEmpty() ? consoleText("Con_unreadable") : what}));
+    if (const QString date = infos.value(record::recordingDate).toString();
+        verbosity_ == Verbosity::Verbose && !date.isEmpty()) {
+        line(formatText(consoleText("Con_recorded"), {date}));
+    }
 }
 
 void TextReporter::rejected(const QString& path, const QString& reason)
@@ -100,37 +118,55 @@ void TextReporter::rejected(const QString& path, const QString& reason)
 
 void TextReporter::rowStarted(int number, int total, const QString& source)
 {
-    state_ = ProgressState{lastPathComponent(source), number, total, 0, 0, 0};
+    state_ = ProgressState();
+    state_.name = lastPathComponent(source);
+    state_.number = number;
+    state_.total = total;
     rowClock_.start();
     drawClock_.start();
     if (terminal_) {
         draw(progressLine(state_, terminalWidth() - 1));
     } else {
-        line(formatText(consoleText("Con_rowStarted"), {number, total, shownName(source)}));
+        chat(formatText(consoleText("Con_rowStarted"), {number, total, shownName(source)}));
     }
 }
 
-void TextReporter::rowProgress(float value, float maximum)
+void TextReporter::rowProgress(const RowProgress& progress)
 {
-    if (!terminal_ || (value < maximum && drawClock_.elapsed() < redrawMilliseconds)) {
+    if (progress.fraction <= 0 && progress.passes > 1 && verbosity_ == Verbosity::Verbose) {
+        line(formatText(consoleText("Con_rowStep"), {progress.pass, progress.passes}));
+    }
+    const bool other = progress.pass != state_.pass || progress.passes != state_.passes;
+    if (!terminal_ || (!other && progress.fraction < 1 && drawClock_.elapsed() < redrawMilliseconds)) {
         return;
     }
-    state_.value = static_cast<double>(value);
-    state_.maximum = static_cast<double>(maximum);
-    state_.elapsed = static_cast<double>(rowClock_.elapsed()) / 1000;
+    state_.pass = progress.pass;
+    state_.passes = progress.passes;
+    state_.fraction = progress.fraction;
+    state_.speed = progress.speed;
+    state_.left = progress.left.value_or(-1);
     draw(progressLine(state_, terminalWidth() - 1));
     drawClock_.restart();
 }
 
 void TextReporter::rowFinished(int number, int total, const RowReport& row)
 {
-    if (row.success) {
-        line(formatText(consoleText("Con_rowDone"), {number, total, shownName(row.source), sizeText(row.bytes)}));
-        if (!row.warning.isEmpty()) {
-            line(QStringLiteral("  ") + shownText(row.warning));
-        }
-    } else {
-        line(formatText(consoleText("Con_rowFailed"), {number, total, failedName(row.source), shownText(row.reason)}));
+    if (!row.success) {
+        const char* key = row.kept ? "Con_rowKept" : "Con_rowFailed";
+        const QString words =
+            formatText(consoleText(key), {number, total, failedName(row.source), shownText(row.reason)});
+        row.kept ? chat(words) : line(words);
+        return;
+    }
+    QString words =
+        formatText(consoleText("Con_rowDone"), {number, total, shownName(row.source), shownSize(row.bytes)});
+    if (verbosity_ == Verbosity::Verbose) {
+        words += formatText(consoleText("Con_rowTook"), {clockText(static_cast<double>(rowClock_.elapsed()) / 1000)});
+    }
+    // Who wants to hear of trouble only must still learn whose warning it is.
+    row.warning.isEmpty() ? chat(words) : line(words);
+    if (!row.warning.isEmpty()) {
+        line(QStringLiteral("  ") + shownText(row.warning));
     }
 }
 
@@ -155,36 +191,80 @@ QString TextReporter::failedName(const QString& path) const
     return elided(lastPathComponent(stringByDeletingLastPathComponent(path)) + u'/' + name, widestShownName);
 }
 
-void TextReporter::summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
-                           int /*exitCode*/)
+void TextReporter::notice(const QString& title, const QString& text)
 {
-    if (rows.isEmpty() && others.leftOut == 0) {
+    if (!isQuiet()) {
+        message(title, text, QString());
+    }
+}
+
+void TextReporter::plan(const QList<PlannedRow>& rows, int leftOut, const QString& folder, int /*exitCode*/)
+{
+    qint64 bytes = 0;
+    for (const PlannedRow& row : rows) {
+        const QString source = failedName(row.source);
+        const QString format = shortFormatName(row.out);
+        const QString output = shownText(lastPathComponent(row.output));
+        bytes += qMax(qint64(0), row.bytes);
+        line(row.bytes < 0
+                 ? formatText(consoleText("Con_plannedUnknown"), {row.number, row.total, source, format, output})
+                 : formatText(consoleText("Con_planned"),
+                              {row.number, row.total, source, format, shownSize(row.bytes), output}));
+        if (!row.readable) {
+            line(consoleText("Con_plannedUnreadable"));
+        } else if (row.sameName) {
+            line(consoleText("Con_plannedTwice"));
+        } else if (row.exists) {
+            line(consoleText("Con_plannedExists"));
+        }
+    }
+    line(QString());
+    const int count = static_cast<int>(rows.size());
+    line(formatText(countedText("Con_planSummary", count, consoleTable), {count, shownSize(bytes), leftOut}));
+    line(formatText(consoleText("Con_planFolder"), {shownText(folder)}));
+}
+
+void TextReporter::listRow(const RowReport& row)
+{
+    if (!row.success) {
+        const char* key = row.kept ? "Con_summaryKeptRow" : "Con_summaryFailed";
+        line(formatText(consoleText(key), {failedName(row.source), shownText(row.reason)}));
         return;
     }
-    const auto done = std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.success; });
-    const auto incomplete =
-        std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.incomplete; });
-    line(QString());
-    const auto kept = std::count_if(rows.cbegin(), rows.cend(), [](const RowReport& row) { return row.kept; });
-    QString counts =
-        formatText(consoleText("Con_summary"), {qint64(done) - qint64(incomplete), qint64(incomplete),
-                                                qint64(rows.size()) - qint64(done) - qint64(kept), others.leftOut});
+    line(formatText(QStringLiteral("  %@  %@"), {shownText(row.output), shownSize(row.bytes)}));
+    if (!row.warning.isEmpty()) {
+        line(QStringLiteral("    ") + shownText(row.warning));
+    }
+}
+
+void TextReporter::summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
+                           int exitCode)
+{
+    if ((rows.isEmpty() && others.leftOut == 0) || (isQuiet() && exitCode == 0)) {
+        return;
+    }
+    const auto count = [&rows](bool RowReport::*mark) {
+        return qint64(std::count_if(rows.cbegin(), rows.cend(), [mark](const RowReport& row) { return row.*mark; }));
+    };
+    const qint64 done = count(&RowReport::success);
+    const qint64 incomplete = count(&RowReport::incomplete);
+    const qint64 kept = count(&RowReport::kept);
+    chat(QString());
+    QString counts = formatText(consoleText("Con_summary"),
+                                {done - incomplete, incomplete, qint64(rows.size()) - done - kept, others.leftOut});
     if (kept > 0) {
-        counts += formatText(consoleText("Con_summaryKept"), {qint64(kept)});
+        counts += formatText(consoleText("Con_summaryKept"), {kept});
     }
     if (others.notBegun > 0) {
         counts += formatText(consoleText("Con_summaryNotBegun"), {others.notBegun});
     }
     line(counts);
+    // Each trouble has had its line already.
+    if (isQuiet()) {
+        return;
+    }
     for (const RowReport& row : rows) {
-        if (row.success) {
-            line(formatText(QStringLiteral("  %@  %@"), {shownText(row.output), sizeText(row.bytes)}));
-            if (!row.warning.isEmpty()) {
-                line(QStringLiteral("    ") + shownText(row.warning));
-            }
-        } else {
-            line(formatText(consoleText("Con_summaryFailed"), {failedName(row.source), shownText(row.reason)}));
-        }
+        listRow(row);
     }
     if (done > 0) {
         line(formatText(consoleText("Con_folder"), {shownText(folder)}));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gui/runestimate.h"
+#include "app/runestimate.h"
 
 #include <QElapsedTimer>
 #include <QTimer>

@@ -3,6 +3,7 @@
 #include "base/bundle.h"
 #include "base/filelisting.h"
 #include "base/filesizes.h"
+#include "base/format.h"
 #include "base/paths.h"
 #include "base/text.h"
 #include "probe/batchtexts.h"
@@ -43,7 +44,7 @@ public:
         } else if (extensions_.contains(pathExtension(resolved))) {
             addFile(resolved);
         } else {
-            skip(resolved, "Clip_otherExtension");
+            skipOther(resolved);
         }
     }
     [[nodiscard]] IntakeList take()
@@ -115,6 +116,14 @@ private:
         }
     }
 
+    void skipOther(const QString& path)
+    {
+        if (const QString extension = pathExtension(path); extension.isEmpty()) {
+            skip(path, "Clip_otherExtension");
+        } else {
+            list_.skipped << SkippedSource{path, formatText(batchText("Clip_otherExtensionOf"), {extension})};
+        }
+    }
     void skip(const QString& path, const char* reason) { list_.skipped << SkippedSource{path, batchText(reason)}; }
 
     QSet<QString> extensions_ = acceptedExtensions();

@@ -155,7 +155,7 @@ TEST_F(PlainReason, OfAnEndedBatchIsItsTally)
     EXPECT_TEXT(rows().row(2).resultat, rowIcon::current);
     pressStop();
     EXPECT_TEXT(face.alerts.last().text,
-                QStringLiteral("0 of 4 clips converted, 1 incomplete, 1 failed, 1 kept as they were, 1 not begun"));
+                QStringLiteral("0 of 4 clips converted, 1 incomplete, 1 failed, 1 kept, 1 not begun"));
 }
 
 } // namespace

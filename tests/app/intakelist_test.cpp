@@ -142,7 +142,7 @@ TEST_F(SkippedSources, AreTheFilesOfAnotherTypeThatAreGivenByThemselves)
     const IntakeList list = intakeList({text, sources()});
     EXPECT_TRUE(list.accepted.isEmpty());
     EXPECT_TEXTS(pathsOf(list.skipped), QStringList(text));
-    EXPECT_TEXT(list.skipped.at(0).reason, batchText("Clip_otherExtension"));
+    EXPECT_TEXT(list.skipped.at(0).reason, QStringLiteral("not a camera clip (.txt)"));
 }
 
 TEST_F(SkippedSources, AreToldAfterTheQueueAndBeforeItsAnalysis)
@@ -150,8 +150,8 @@ TEST_F(SkippedSources, AreToldAfterTheQueueAndBeforeItsAnalysis)
     const QString good = clip(QStringLiteral("a.mts"));
     const QString text = folder.makeFile(QStringLiteral("sources/notes.txt"), "n");
     addRows({text, good});
-    EXPECT_TEXTS(
-        told, QStringList({QStringLiteral("began"), QStringLiteral("queued 1"), toldOf(text, "Clip_otherExtension")}));
+    EXPECT_TEXTS(told, QStringList({QStringLiteral("began"), QStringLiteral("queued 1"),
+                                    text + QStringLiteral(" not a camera clip (.txt)")}));
     EXPECT_EQ(rows().count(), 1);
     expectIdle();
 }
@@ -160,7 +160,7 @@ TEST_F(SkippedSources, AreToldWhenNothingElseWasDropped)
 {
     const QString text = folder.makeFile(QStringLiteral("sources/notes.txt"), "n");
     addRows({text});
-    EXPECT_TEXTS(
-        told, QStringList({QStringLiteral("began"), toldOf(text, "Clip_otherExtension"), QStringLiteral("nothing")}));
+    EXPECT_TEXTS(told, QStringList({QStringLiteral("began"), text + QStringLiteral(" not a camera clip (.txt)"),
+                                    QStringLiteral("nothing")}));
     expectIdle();
 }

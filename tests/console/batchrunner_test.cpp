@@ -3,11 +3,15 @@
 #include "base/alerts.h"
 #include "base/paths.h"
 #include "consoletest.h"
+#include "encode/outputname.h"
 #include "platform/desktop.h"
+#include "probe/recordersources.h"
 #include "support/waituntil.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 using namespace tavrix;
@@ -81,7 +85,7 @@ protected:
     TestFace face{&reporter, false};
     FakeTools tools;
     appDelegate controller{&face};
-    BatchRunner runner{&controller, &face, &reporter};
+    BatchRunner runner{&controller, &face, &reporter, {}};
 };
 
 TEST_F(BatchRunnerTest, convertsEverythingAndQuits)
@@ -89,7 +93,9 @@ TEST_F(BatchRunnerTest, convertsEverythingAndQuits)
     start({clip("a.mts"), clip("b.mts")});
     ASSERT_TRUE(runToTheEnd());
     EXPECT_EQ(face.exitCode(), exitAllDone);
-    EXPECT_TEXTS(reporter.notes.mid(0, 9),
+    QStringList notes = reporter.notes;
+    notes.removeIf([](const QString& note) { return note.startsWith(text("progress")); });
+    EXPECT_TEXTS(notes.mid(0, 9),
                  QStringList({text("queued 2"), text("analysing 1/2 a.mts"), text("accepted a.mts"),
                               text("analysing 2/2 b.mts"), text("accepted b.mts"), text("started 1/2 a.mts"),
                               text("finished 1/2 done"), text("started 2/2 b.mts"), text("finished 2/2 done")}));
@@ -149,7 +155,7 @@ TEST_F(BatchRunnerTest, endsWhenThereIsNoFileOfAKnownType)
     ASSERT_TRUE(runToTheEnd());
     EXPECT_EQ(face.exitCode(), exitNothingAccepted);
     EXPECT_TEXTS(reporter.notes,
-                 QStringList({text("rejected letter.txt: not a camera clip"),
+                 QStringList({text("rejected letter.txt: not a camera clip (.txt)"),
                               text("message Nothing to convert: no file of a known type among the sources||"),
                               text("summary of 0, 1 left out, status 3")}));
 }
@@ -248,6 +254,100 @@ TEST_F(BatchRunnerTest, suspendingTheAnalysisIsHarmless)
     runner.resume();
     ASSERT_TRUE(runToTheEnd());
     EXPECT_EQ(face.exitCode(), exitAllDone);
+}
+
+TEST_F(BatchRunnerTest, aDryRunMakesNothing)
+{
+    BatchRunner dry(&controller, &face, &reporter, {true, true});
+    controller.disconnect(&runner);
+    const QString film = clip("film.mts");
+    tools.clips[film].width = 1920;
+    controller.setReplacePolicy(0);
+    dry.start({clip("a.mts"), film, clip("b.mts")});
+    settle();
+    ASSERT_TRUE(runToTheEnd());
+    EXPECT_EQ(face.exitCode(), exitAllDone);
+    EXPECT_EQ(tools.count(ToolKind::Encode), 0);
+    EXPECT_EQ(notesOf("planned").size(), 2);
+    EXPECT_TRUE(notesOf("planned").first().startsWith(text("planned 1/2 a.mts format 3 ")));
+    EXPECT_TRUE(notesOf("planned").first().endsWith(text("a.mov")));
+    EXPECT_TEXT(reporter.notes.last(), text("plan of 2, 1 left out, status 0"));
+    EXPECT_FALSE(QFileInfo::exists(reporter.folder)) << "not even the folder";
+}
+
+TEST_F(BatchRunnerTest, aDryRunTellsWhatStandsInTheWay)
+{
+    BatchRunner dry(&controller, &face, &reporter, {true, true});
+    controller.disconnect(&runner);
+    const QString first = folder.makeFile(text("one/a.mts"), "a");
+    const QString second = folder.makeFile(text("two/a.mts"), "a");
+    const QFile::FileTime written = QFile::FileModificationTime;
+    for (const QString& source : {first, second}) {
+        QFile file(source);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime(QDate(2011, 7, 2), QTime(10, 12)), written));
+    }
+    const QString name = dateCreation2iMovieName(first) + text(".mov");
+    const QString destination = controller.model().mainEncDstPathStr.stringValue();
+    ASSERT_TRUE(QDir().mkpath(destination + text("/Tavrix events")));
+    QFile there(destination + text("/Tavrix events/") + name);
+    ASSERT_TRUE(there.open(QIODevice::WriteOnly));
+    dry.start({first, second});
+    settle();
+    ASSERT_TRUE(runToTheEnd());
+    EXPECT_TEXTS(notesOf("planned"), QStringList({text("planned 1/2 a.mts format 3 ") + name + text(" exists"),
+                                                  text("planned 2/2 a.mts format 3 ") + name + text(" exists twice")}));
+}
+
+struct KeptCase {
+    const char* name;
+    bool keptIsFailed;
+    int status;
+};
+
+class KeptOutput : public BatchRunnerTest, public testing::WithParamInterface<KeptCase>
+{
+};
+
+// A job that runs every night finds the outputs of the night before.
+TEST_P(KeptOutput, givesItsStatus)
+{
+    const QString source = clip("a.mts");
+    const QString destination = controller.model().mainEncDstPathStr.stringValue();
+    const QString output = outputPath(destination, dateCreation2iMovieName(source), 3, text("h264"));
+    ASSERT_TRUE(QDir().mkpath(destination + text("/Tavrix events")));
+    ASSERT_TRUE(writeBytes(output, "precious"));
+    BatchRunner other(&controller, &face, &reporter, {false, GetParam().keptIsFailed});
+    controller.disconnect(&runner);
+    controller.setReplacePolicy(0);
+    other.start({source});
+    settle();
+    ASSERT_TRUE(runToTheEnd());
+    EXPECT_EQ(face.exitCode(), GetParam().status);
+    EXPECT_EQ(tools.count(ToolKind::Encode), 0);
+    EXPECT_EQ(readBytes(output), QByteArray("precious"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Policies, KeptOutput,
+                         testing::Values(KeptCase{"kept", true, exitSomeFailed},
+                                         KeptCase{"skipped", false, exitAllDone}),
+                         rowName<KeptCase>);
+
+// The bar of a second pass counts seconds of the clip against percents of the tool.
+TEST_F(BatchRunnerTest, tellsTheTrueFractionOfEachPass)
+{
+    start({clip("a.mts")});
+    ASSERT_TRUE(runUntil(ToolKind::Encode));
+    reporter.notes.clear();
+    Q_EMIT controller.rowProgress(0, 15, 30);
+    Q_EMIT controller.rowStep(0, 1, 2, 0.5);
+    Q_EMIT controller.rowStep(0, 2, 2, 0);
+    Q_EMIT controller.rowProgress(0, 25, 30);
+    Q_EMIT controller.rowStep(0, 2, 2, 0.25);
+    Q_EMIT controller.rowStep(0, 2, 2, 0.75);
+    EXPECT_TEXTS(reporter.notes,
+                 QStringList({text("progress 15 of 30, 1/2 0.50"), text("progress 0 of 30, 2/2 0.00"),
+                              text("progress 25 of 30, 2/2 0.25"), text("progress 25 of 30, 2/2 0.75")}));
 }
 
 } // namespace

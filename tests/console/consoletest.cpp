@@ -57,9 +57,10 @@ void NotingReporter::rowStarted(int number, int total, const QString& source)
     notes << formatText(QStringLiteral("started %d/%d %@"), {number, total, source});
 }
 
-void NotingReporter::rowProgress(float value, float maximum)
+void NotingReporter::rowProgress(const RowProgress& progress)
 {
-    notes << formatText(QStringLiteral("progress %@ of %@"), {value, maximum});
+    notes << formatText(QStringLiteral("progress %@ of %@, %d/%d %.2f"),
+                        {progress.value, progress.maximum, progress.pass, progress.passes, progress.fraction});
 }
 
 void NotingReporter::rowFinished(int number, int total, const RowReport& row)
@@ -71,6 +72,23 @@ void NotingReporter::rowFinished(int number, int total, const RowReport& row)
 void NotingReporter::message(const QString& title, const QString& text, const QString& answer)
 {
     notes << QStringLiteral("message ") + QStringList{title, text, answer}.join(u'|');
+}
+
+void NotingReporter::notice(const QString& title, const QString& text)
+{
+    notes << QStringLiteral("notice ") + QStringList{title, text}.join(u'|');
+}
+
+void NotingReporter::plan(const QList<PlannedRow>& rows, int leftOut, const QString& outputFolder, int exitCode)
+{
+    folder = outputFolder;
+    for (const PlannedRow& row : rows) {
+        notes << formatText(QStringLiteral("planned %d/%d %@ format %d %@%@%@"),
+                            {row.number, row.total, lastPathComponent(row.source), row.out,
+                             lastPathComponent(row.output), row.exists ? QStringLiteral(" exists") : QStringLiteral(""),
+                             row.sameName ? QStringLiteral(" twice") : QStringLiteral("")});
+    }
+    notes << formatText(QStringLiteral("plan of %d, %d left out, status %d"), {qint64(rows.size()), leftOut, exitCode});
 }
 
 void NotingReporter::summary(const QList<RowReport>& rows, const NotConverted& others, const QString& outputFolder,

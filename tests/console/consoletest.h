@@ -70,9 +70,11 @@ public:
     void accepted(const QString& path, const QVariantMap& infos) override;
     void rejected(const QString& path, const QString& reason) override;
     void rowStarted(int number, int total, const QString& source) override;
-    void rowProgress(float value, float maximum) override;
+    void rowProgress(const RowProgress& progress) override;
     void rowFinished(int number, int total, const RowReport& row) override;
     void message(const QString& title, const QString& text, const QString& answer) override;
+    void notice(const QString& title, const QString& text) override;
+    void plan(const QList<PlannedRow>& rows, int leftOut, const QString& folder, int exitCode) override;
     void summary(const QList<RowReport>& rows, const NotConverted& others, const QString& folder,
                  int exitCode) override;
 };

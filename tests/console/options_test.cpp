@@ -42,6 +42,15 @@ ConsoleOptions wrong(const char* error)
     return made;
 }
 
+ConsoleOptions talking(Verbosity verbosity, int format, bool dryRun)
+{
+    ConsoleOptions made = options(Mode::Convert, {text("a")});
+    made.verbosity = verbosity;
+    made.format = format;
+    made.dryRun = dryRun;
+    return made;
+}
+
 class ConsoleOptionsTable : public ConsoleTest, public testing::WithParamInterface<OptionsCase>
 {
 };
@@ -59,6 +68,8 @@ TEST_P(ConsoleOptionsTable, wordsBecomeOptions)
     EXPECT_TEXT(parsed.output, expected.output);
     EXPECT_EQ(parsed.existing, expected.existing);
     EXPECT_EQ(parsed.json, expected.json);
+    EXPECT_EQ(parsed.dryRun, expected.dryRun);
+    EXPECT_EQ(parsed.verbosity, expected.verbosity);
     EXPECT_TEXTS(parsed.sources, expected.sources);
 }
 
@@ -91,7 +102,21 @@ const OptionsCase optionsCases[] = {
     {"nothing", {}, wrong("no file or folder given")},
     {"onlyOptions", {text("--json")}, wrong("no file or folder given")},
     {"unknownOption", {text("--fast"), text("a")}, wrong("unknown option --fast")},
-    {"unknownLetter", {text("-f"), text("a")}, wrong("unknown option -f")},
+    {"unknownLetter", {text("-qx"), text("a")}, wrong("unknown option -x")},
+    {"letters",
+     {text("-f"), text("5"), text("-o"), text("/d"), text("a")},
+     converting({text("a")}, 5, text("/d"), ExistingPolicy::Default, false)},
+    {"lettersWithTheirValues",
+     {text("-f0"), text("-o-d=1"), text("a")},
+     converting({text("a")}, 0, text("-d=1"), ExistingPolicy::Default, false)},
+    {"lettersTogether", {text("-qnf3"), text("a")}, talking(Verbosity::Quiet, 3, true)},
+    {"quiet", {text("--quiet"), text("a")}, talking(Verbosity::Quiet, -1, false)},
+    {"verbose", {text("-v"), text("a")}, talking(Verbosity::Verbose, -1, false)},
+    {"theLastLoudnessCounts", {text("-v"), text("-q"), text("a")}, talking(Verbosity::Quiet, -1, false)},
+    {"dryRun", {text("--dry-run"), text("a")}, talking(Verbosity::Normal, -1, true)},
+    {"skipping", {text("--existing=skip"), text("a")}, converting({text("a")}, -1, {}, ExistingPolicy::Skip, false)},
+    {"missingValueOfALetter", {text("a"), text("-o")}, wrong("-o needs a value")},
+    {"wrongValueOfALetter", {text("-f=3"), text("a")}, wrong("'=3' is no output format: give a number from 0 to 5")},
     {"aFlagTakesNoValue", {text("--json=1"), text("a")}, wrong("unknown option --json=1")},
     {"formatTooLarge",
      {text("--format"), text("6"), text("a")},
@@ -108,7 +133,7 @@ const OptionsCase optionsCases[] = {
     {"missingOutput", {text("a"), text("--output=")}, wrong("--output needs a value")},
     {"unknownPolicy",
      {text("--existing=never"), text("a")},
-     wrong("'never' is no answer for --existing: give replace, keep or ask")},
+     wrong("'never' is no answer for --existing: give replace, keep, skip or ask")},
     {"theFirstMistakeIsTold", {text("--fast"), text("--slow")}, wrong("unknown option --fast")},
 };
 
@@ -119,7 +144,8 @@ using ConsoleUsage = ConsoleTest;
 TEST_F(ConsoleUsage, namesEveryOptionAndEveryFormat)
 {
     const QString usage = consoleUsage();
-    for (const char* option : {"--format", "--output", "--existing", "--json", "--help", "--version"}) {
+    for (const char* option : {"-f, --format", "-o, --output", "--existing", "skip", "-n, --dry-run", "-q, --quiet",
+                               "-v, --verbose", "--json", "-h, --help", "--version"}) {
         EXPECT_TRUE(usage.contains(text(option))) << option;
     }
     for (int format = 0; format < 6; ++format) {

@@ -46,9 +46,9 @@ TEST_F(TextReporterTest, tellsClipsOfOneNameApartAndCountsWhatWasKeptAndNotBegun
     reporter.summary({doneRow(), twin, kept}, {4, 133}, text("/d"), 1);
     const QStringList lines = stream.lines();
     EXPECT_TRUE(lines.contains(text("FAILED 1/3: two/00001.MTS: No space left on device")));
-    EXPECT_TRUE(lines.contains(text("1 done, 0 incomplete, 1 failed, 4 left out, 1 kept as they were, 133 not begun")));
+    EXPECT_TRUE(lines.contains(text("1 done, 0 incomplete, 1 failed, 4 left out, 1 kept, 133 not begun")));
     EXPECT_TRUE(lines.contains(text("  FAILED two/00001.MTS: No space left on device")));
-    EXPECT_TRUE(lines.contains(text("  FAILED 00002.MTS: kept")));
+    EXPECT_TRUE(lines.contains(text("  Kept 00002.MTS: kept")));
 }
 
 TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
@@ -64,7 +64,7 @@ TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
     reporter.analysing(text("/c/film.avi"), 3, 3);
     reporter.rejected(text("/c/film.avi"), text("1920x1080 is larger than 1280x720"));
     reporter.rowStarted(1, 2, text("00001.MTS"));
-    reporter.rowProgress(5, 10);
+    reporter.rowProgress({5, 10, 1, 1, 0.5});
     reporter.rowFinished(1, 2, doneRow());
     reporter.rowStarted(2, 2, text("00002.MTS"));
     reporter.rowFinished(2, 2, failedRow());
@@ -72,12 +72,12 @@ TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
     EXPECT_TEXTS(
         stream.lines(),
         QStringList(
-            {text("3 source(s) to analyse"), text("notes.txt: left out: no clip"),
-             text("1/3 00001.MTS: h264, 1280x720"), text("2/3 odd.mov: not readable as a clip; its row will say why"),
+            {text("3 sources to analyse"), text("notes.txt: left out: no clip"), text("1/3 00001.MTS: h264, 1280x720"),
+             text("2/3 odd.mov: not readable as a clip; the summary will say why"),
              text("3/3 film.avi: left out: 1920x1080 is larger than 1280x720"), text("Encoding 1/2: 00001.MTS"),
-             text("Done 1/2: 00001.MTS (12.3 MB)"), text("Encoding 2/2: 00002.MTS"),
+             text("Done 1/2: 00001.MTS (12 MB)"), text("Encoding 2/2: 00002.MTS"),
              text("FAILED 2/2: 00002.MTS: No space left on device"), text(""),
-             text("1 done, 0 incomplete, 1 failed, 1 left out"), text("  /d/Tavrix events/2010-07-14.mov  12.3 MB"),
+             text("1 done, 0 incomplete, 1 failed, 1 left out"), text("  /d/Tavrix events/2010-07-14.mov  12 MB"),
              text("  FAILED 00002.MTS: No space left on device"), text("Outputs are in /d/Tavrix events")}));
 }
 
@@ -95,6 +95,81 @@ TEST_F(TextReporterTest, hasNothingToSumUpWithoutSources)
     TextReporter reporter(stream.file(), false);
     reporter.summary({}, 0, text("/d/Tavrix events"), 3);
     EXPECT_TEXT(stream.text(), text(""));
+}
+
+TEST_F(TextReporterTest, saysInQuietOnlyWhatIsWrong)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), true, Verbosity::Quiet);
+    RowReport kept = failedRow();
+    kept.kept = true;
+    RowReport warned = doneRow();
+    warned.warning = text("Incomplete: cut off");
+    warned.incomplete = true;
+    reporter.queued(2);
+    reporter.analysing(text("/c/00001.MTS"), 1, 3);
+    reporter.accepted(text("/c/00001.MTS"), clipRecord());
+    reporter.rowStarted(1, 2, text("00001.MTS"));
+    reporter.rowProgress({10, 10, 1, 1, 1});
+    reporter.rowFinished(1, 2, doneRow());
+    reporter.rowFinished(2, 2, kept);
+    reporter.notice(text("The batch has ended"), QString());
+    reporter.summary({doneRow(), kept}, 0, text("/d"), 0);
+    EXPECT_TEXT(stream.text(), text(""));
+    reporter.rejected(text("/c/b.avi"), text("too large"));
+    reporter.rowFinished(1, 2, failedRow());
+    reporter.rowFinished(2, 2, warned);
+    reporter.summary({failedRow(), warned}, 1, text("/d"), 1);
+    EXPECT_TEXTS(stream.lines(), QStringList({text("1/3 b.avi: left out: too large"),
+                                              text("FAILED 1/2: 00002.MTS: No space left on device"),
+                                              text("Done 2/2: 00001.MTS (12 MB)"), text("  Incomplete: cut off"),
+                                              text("0 done, 1 incomplete, 1 failed, 1 left out")}));
+}
+
+TEST_F(TextReporterTest, saysMoreWhenAskedTo)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false, Verbosity::Verbose);
+    QVariantMap infos = clipRecord();
+    infos.insert(record::recordingDate, text("2012-07-01 12:34:56 +0200"));
+    reporter.accepted(text("/c/00001.MTS"), infos);
+    reporter.rowStarted(1, 1, text("00001.MTS"));
+    reporter.rowProgress({0, 0, 1, 2, 0});
+    reporter.rowProgress({5, 10, 1, 2, 0.5});
+    reporter.rowProgress({0, 10, 2, 2, 0});
+    reporter.rowFinished(1, 1, doneRow());
+    EXPECT_TEXTS(
+        stream.lines().mid(1),
+        QStringList({text("  recorded 2012-07-01 12:34:56 +0200"), text("Encoding 1/1: 00001.MTS"),
+                     text("  Step 1 of 2"), text("  Step 2 of 2"), text("Done 1/1: 00001.MTS (12 MB)  in 0:00")}));
+}
+
+TEST_F(TextReporterTest, aKeptOutputIsNoFailure)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    RowReport kept = failedRow();
+    kept.kept = true;
+    reporter.rowFinished(1, 1, kept);
+    EXPECT_TEXTS(stream.lines(), QStringList({text("Kept 1/1: 00002.MTS: No space left on device")}));
+}
+
+TEST_F(TextReporterTest, listsWhatWouldBeMade)
+{
+    TextStream stream;
+    TextReporter reporter(stream.file(), false);
+    PlannedRow first = {1, 3, text("/c/00001.MTS"), text("/d/Tavrix events/clip-1.mov"), 3, 36100000};
+    PlannedRow second = {2, 3, text("/c/00002.MTS"), text("/d/Tavrix events/clip-1.mov"), 5, -1, false, true};
+    PlannedRow third = {3, 3, text("/c/odd.MOV"), text("/d/Tavrix events/odd.mov"), 3, -1, true, false, false};
+    reporter.plan({first, second, third}, 1, text("/d/Tavrix events"), 0);
+    EXPECT_TEXTS(stream.lines(),
+                 QStringList({text("1/3 00001.MTS: QuickTime, about 36 MB, becomes clip-1.mov"),
+                              text("2/3 00002.MTS: ProRes, becomes clip-1.mov"),
+                              text("  another clip of this batch gets the same name: only the first is converted"),
+                              text("3/3 odd.MOV: QuickTime, becomes odd.mov"),
+                              text("  could not be read as a clip: it would fail"), text(""),
+                              text("3 clips would be converted, about 36 MB; 1 left out"),
+                              text("Outputs would be in /d/Tavrix events")}));
 }
 
 struct MessageCase {
@@ -137,14 +212,14 @@ TEST_F(TextReporterTest, redrawsItsBarInPlaceOnATerminal)
     EXPECT_TRUE(begin.contains(text("[....")));
     EXPECT_TRUE(begin.contains(text("  0 %")));
     EXPECT_FALSE(begin.contains(u'\n'));
-    reporter.rowProgress(10, 10);
+    reporter.rowProgress({10, 10, 1, 1, 1});
     const QString end = stream.text().mid(begin.size());
     EXPECT_TRUE(end.startsWith(text("\r\033[K1/1 ")));
     EXPECT_TRUE(end.contains(text("####]")));
     EXPECT_TRUE(end.contains(text("100 %")));
     const qsizetype drawn = stream.text().size();
     reporter.rowFinished(1, 1, doneRow());
-    EXPECT_TEXT(stream.text().mid(drawn), text("\r\033[KDone 1/1: 00001.MTS (12.3 MB)\n"));
+    EXPECT_TEXT(stream.text().mid(drawn), text("\r\033[KDone 1/1: 00001.MTS (12 MB)\n"));
 }
 
 TEST_F(TextReporterTest, doesNotRedrawForEveryStep)
@@ -153,7 +228,7 @@ TEST_F(TextReporterTest, doesNotRedrawForEveryStep)
     TextReporter reporter(stream.file(), true);
     reporter.rowStarted(1, 1, text("00001.MTS"));
     for (int i = 0; i < 1000; ++i) {
-        reporter.rowProgress(static_cast<float>(i), 1000);
+        reporter.rowProgress({static_cast<float>(i), 1000, 1, 1, i / 1000.0});
     }
     EXPECT_LT(stream.text().count(text("\r\033[K")), 200);
 }
@@ -206,8 +281,12 @@ TEST_F(JsonReporterTest, writesOneObjectALine)
     EXPECT_EQ(last(), object(R"({"event":"rejected","source":"/c/film.avi","reason":"too \"large\"\n"})"));
     reporter.rowStarted(2, 3, text("été.mts"));
     EXPECT_EQ(last(), object(R"({"event":"row-started","row":2,"total":3,"source":"été.mts"})"));
-    reporter.rowProgress(1.5, 30);
-    EXPECT_EQ(last(), object(R"({"event":"progress","row":2,"value":1.5,"maximum":30})"));
+    reporter.rowProgress({1.5, 30, 1, 1, 0.05});
+    EXPECT_EQ(last(), object(R"({"event":"progress","row":2,"value":1.5,"maximum":30,"pass":1,"passes":1,
+                                 "fraction":0.05})"));
+    reporter.rowProgress({30, 30, 2, 2, 0.47123, 3.1416, 65.4});
+    EXPECT_EQ(last(), object(R"({"event":"progress","row":2,"value":30,"maximum":30,"pass":2,"passes":2,
+                                 "fraction":0.4712,"speed":3.14,"left":65})"));
     reporter.rowFinished(2, 3, failedRow());
     EXPECT_EQ(last(), object(R"({"event":"row-finished","row":2,"total":3,"source":"/c/00002.MTS","success":false,
                                  "reason":"No space left on device"})"));
@@ -216,7 +295,7 @@ TEST_F(JsonReporterTest, writesOneObjectALine)
                                  "output":"/d/Tavrix events/2010-07-14.mov","bytes":12345678})"));
     reporter.message(text("title"), text("words"), text("Keep"));
     EXPECT_EQ(last(), object(R"({"event":"message","title":"title","text":"words","answer":"Keep"})"));
-    EXPECT_EQ(stream.lines().size(), 8);
+    EXPECT_EQ(stream.lines().size(), 9);
 }
 
 // A terminal that shows the lines must not obey them; a reader gets the name as it is.
@@ -238,6 +317,19 @@ TEST_F(JsonReporterTest, endsWithAllRows)
         {"source":"/c/00002.MTS","success":false,"reason":"No space left on device"}]})"));
 }
 
+TEST_F(JsonReporterTest, listsWhatWouldBeMade)
+{
+    reporter.plan({{1, 1, text("/c/00001.MTS"), text("/d/Tavrix events/clip-1.mov"), 3, 36100000, true}}, 2,
+                  text("/d/Tavrix events"), 0);
+    const QStringList lines = stream.lines();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(QJsonDocument::fromJson(lines.first().toUtf8()).object(),
+              object(R"({"event":"planned","row":1,"total":1,"source":"/c/00001.MTS","format":3,"bytes":36100000,
+                         "output":"/d/Tavrix events/clip-1.mov","exists":true,"sameName":false,"readable":true})"));
+    EXPECT_EQ(last(), object(R"({"event":"end","leftOut":2,"notBegun":0,"folder":"/d/Tavrix events","exitCode":0,
+                                 "rows":[]})"));
+}
+
 TEST_F(JsonReporterTest, showsFloatsShort)
 {
     reporter.accepted(text("/c/00001.MTS"), {{text("v0_fps"), 59.94F}, {text("w_duration"), 29.5F}, {text("out"), 3}});
@@ -247,9 +339,9 @@ TEST_F(JsonReporterTest, showsFloatsShort)
 
 TEST_F(JsonReporterTest, showsProgressShort)
 {
-    reporter.rowProgress(0.02F, 60.1F);
+    reporter.rowProgress({0.02F, 60.1F, 1, 1, 1.0 / 3});
     EXPECT_TRUE(stream.text().contains(text("\"maximum\":60.1,"))) << stream.text().toStdString();
-    EXPECT_TRUE(stream.text().contains(text("\"value\":0.02}"))) << stream.text().toStdString();
+    EXPECT_TRUE(stream.text().contains(text("\"fraction\":0.3333,"))) << stream.text().toStdString();
 }
 
 // Whoever renames a key inside the program must not break scripts, and inner paths are nobody's business.

@@ -147,6 +147,46 @@ TEST_F(OnATerminal, nothingIsAskedWhenTheCommandSaysWhatToDo)
     EXPECT_EQ(outputBytes(), "precious");
 }
 
+TEST_F(OnATerminal, aSkippedOutputIsNoFailure)
+{
+    makeOutputOfBefore();
+    ASSERT_TRUE(start(3, {text("--existing=skip")}));
+    EXPECT_EQ(terminal.finish(), 0);
+    EXPECT_EQ(outputBytes(), "precious");
+    EXPECT_TRUE(terminal.shown().contains(text("Kept 1/1: MVI_0001.AVI"))) << terminal.shown().toStdString();
+    EXPECT_FALSE(terminal.shown().contains(text("FAILED")));
+}
+
+TEST_F(OnATerminal, aDryRunListsTheNameAndMakesNothing)
+{
+    const QString missing = destination.path(text("not there"));
+    ASSERT_TRUE(terminal.start({text("-nf5"), text("-o"), missing, clips->path()}));
+    EXPECT_EQ(terminal.finish(), 0);
+    const QRegularExpression line(text("1/1 MVI_0001\\.AVI: ProRes, about \\d+ MB, becomes clip-.*MVI_0001\\.mov"));
+    EXPECT_TRUE(line.match(terminal.shown()).hasMatch()) << terminal.shown().toStdString();
+    EXPECT_FALSE(QFileInfo::exists(missing));
+}
+
+// The bar once stood at 100 % for most of the time that a clip took.
+TEST_F(OnATerminal, bothStepsTellHowFarTheyAre)
+{
+    ASSERT_TRUE(start(5));
+    EXPECT_EQ(terminal.finish(), 0) << terminal.shown().toStdString();
+    const QRegularExpression step(text("step (\\d)/2 +(\\d+) %"));
+    QSet<int> second;
+    int last = 0;
+    for (auto match = step.globalMatch(terminal.shown()); match.hasNext();) {
+        const QRegularExpressionMatch one = match.next();
+        ASSERT_GE(one.captured(1).toInt(), last) << "no step comes back";
+        last = one.captured(1).toInt();
+        if (last == 2) {
+            second << one.captured(2).toInt();
+        }
+    }
+    EXPECT_TRUE(second.contains(0));
+    EXPECT_GT(second.size(), 2) << terminal.shown().toStdString();
+}
+
 TEST_F(OnATerminal, ctrlCAtTheQuestionKeepsTheOutputAndEnds)
 {
     makeOutputOfBefore();
@@ -251,6 +291,7 @@ const CommandCase commandCases[] = {
     {"version", {text("--version")}, 0, "tavrix-batch 1."},
     {"noSource", {}, 2, "tavrix-batch: no file or folder given"},
     {"unknownOption", {text("--fast"), text("/")}, 2, "tavrix-batch: unknown option --fast"},
+    {"theWayToTheHelp", {text("--fast"), text("/")}, 2, "Try 'tavrix-batch --help'."},
     {"missingSource", {text("/nowhere/a.mts")}, 2, "/nowhere/a.mts: no such file or folder, or not readable"},
     {"badOutput", {text("--output"), text("/dev/null/x"), text("/dev")}, 2, "/dev/null/x: this folder cannot be made"},
     {"nothingKnown", {text("/dev/null")}, 3, "Nothing to convert: no file of a known type among the sources"},

@@ -61,6 +61,9 @@ bool isUsed(const QString& key, const QString& all)
     QString numbered = key;
     numbered.replace(number, QStringLiteral("%1"));
     const QString image = QStringLiteral("Win_image_");
+    if (const QString one = QStringLiteral("_one"); key.endsWith(one)) {
+        return isUsed(key.chopped(one.size()), all);
+    }
     return all.contains(QLatin1Char('"') + key + QLatin1Char('"')) || all.contains(QStringLiteral("@@") + key) ||
            (formatted != key &&
             (all.contains(formatted + QLatin1Char('"')) || all.contains(numbered + QLatin1Char('"')))) ||

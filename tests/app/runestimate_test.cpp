@@ -1,4 +1,4 @@
-#include "gui/runestimate.h"
+#include "app/runestimate.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +23,20 @@ TEST(RunEstimate, SaysNothingTooEarly)
     EXPECT_FALSE(estimate.clipLeft(1 * second)) << "too short a time";
     estimate.progress(60 * second, 0.01);
     EXPECT_FALSE(estimate.clipLeft(60 * second)) << "too small a part";
+}
+
+TEST(RunEstimate, TellsTheSpeedOfThePass)
+{
+    RunEstimate estimate;
+    EXPECT_EQ(estimate.speed(second), 0);
+    estimate.beginPass(0, clip, 2, 2);
+    estimate.progress(5 * second, 0.5);
+    EXPECT_EQ(estimate.speed(100), 0) << "too early";
+    EXPECT_DOUBLE_EQ(estimate.speed(5 * second), 3);
+    estimate.setPaused(5 * second, true);
+    EXPECT_DOUBLE_EQ(estimate.speed(50 * second), 3);
+    estimate.endClip(60 * second, true);
+    EXPECT_EQ(estimate.speed(60 * second), 0);
 }
 
 TEST(RunEstimate, GoesOnBetweenTwoLinesOfTheTool)

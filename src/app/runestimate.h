@@ -33,7 +33,9 @@ public:
 
     // Seconds; no value as long as too little is known to say it.
     [[nodiscard]] std::optional<double> clipLeft(qint64 now) const;
-    // The same for the clip and those that wait.
+    // Seconds of the clip that the pass makes in a second; 0 as long as too little is known.
+    [[nodiscard]] double speed(qint64 now) const;
+    // The time left for the clip and those that wait.
     [[nodiscard]] std::optional<double> batchLeft(qint64 now, const QList<ClipWork>& waiting) const;
 
 private:

@@ -1,4 +1,4 @@
-#include "gui/runestimate.h"
+#include "app/runestimate.h"
 
 #include <algorithm>
 
@@ -12,6 +12,7 @@ constexpr double thousand = 1000;
 // Before these the beginning of an encode, which is no work yet, would count for too much.
 constexpr double enoughFraction = 0.02;
 constexpr double enoughSeconds = 2;
+constexpr double leastSeconds = 0.2; // for a speed
 
 } // namespace
 
@@ -89,6 +90,12 @@ std::optional<double> RunEstimate::clipLeft(qint64 now) const
     }
     const Pace pace = paces_.value(clip_.out);
     return pace.seconds > 0 ? std::optional(*left + pace.secondPass / pace.seconds * clip_.seconds) : std::nullopt;
+}
+
+double RunEstimate::speed(qint64 now) const
+{
+    const double taken = worked(now, passBegan_);
+    return pass_ == 0 || taken < leastSeconds ? 0 : fraction_ * clip_.seconds / taken;
 }
 
 // Seconds of work for a second of a clip of that format.

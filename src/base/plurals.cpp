@@ -1,0 +1,15 @@
+#include "base/plurals.h"
+
+#include "base/localisation.h"
+
+namespace tavrix
+{
+
+QString countedText(const char* key, qint64 number, const QString& table)
+{
+    const bool one = number == 1 || (number == 0 && currentLanguage() == QLatin1String("fr"));
+    const QString name = QLatin1String(key);
+    return localizedString(one ? name + QLatin1String("_one") : name, table);
+}
+
+} // namespace tavrix
