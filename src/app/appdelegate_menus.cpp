@@ -38,11 +38,13 @@ void appDelegate::applicationDidFinishLaunching()
 {
     model_.menuDebug.setTitle(alertText("Menu_Debug1"));
     model_.menuDebug.setState(getDEBUG());
+    machines_->memory.recall();
     // The window is there first; a program that ends at once has no controller any more.
     RunLoopGate::instance().deliverLater([controller = QPointer<appDelegate>(this)] {
         if (controller) {
             controller->drive([&] {
-                const QStringList sources = leftOverToGoOnWith(controller->session_, controller->machines_->analysis);
+                const QStringList sources = leftOverToGoOnWith(controller->session_, controller->machines_->analysis,
+                                                               controller->machines_->memory);
                 if (!sources.isEmpty()) {
                     controller->draggedFiles(sources);
                 }

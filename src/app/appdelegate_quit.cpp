@@ -63,6 +63,9 @@ void appDelegate::iba_menuQuit()
                 return;
             }
         }
+        // Who quits has done with the list and with what was still to be read.
+        machines_->memory.forget();
+        machines_->analysis.dropLeftOver();
         quitWithoutQuestion();
     });
 }
@@ -71,6 +74,7 @@ void appDelegate::quitWithoutQuestion()
 {
     drive([this] {
         session_.end();
+        machines_->memory.seal();
         machines_->batch.abandon();
         machines_->analysis.abandon();
         machines_->rows.removeAll(nullptr);

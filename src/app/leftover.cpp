@@ -2,33 +2,88 @@
 
 #include "app/alerttext.h"
 #include "app/analysismachine.h"
+#include "app/batchmemory.h"
 #include "app/face.h"
 #include "app/session.h"
+#include "base/filesizes.h"
 #include "base/format.h"
+#include "base/paths.h"
+#include "base/plurals.h"
 #include "base/shownname.h"
 
 namespace tavrix
 {
 
-QStringList leftOverToGoOnWith(Session& session, AnalysisMachine& analysis)
+namespace
 {
-    const QStringList sources = analysis.leftOver();
-    if (sources.isEmpty() || !session.face().offersLeftOver()) {
+
+constexpr qsizetype mostNames = 5;
+
+QString counted(const char* key, qsizetype number, const QString& name)
+{
+    return formatText(countedText(key, number, QString()), {qint64(number), name});
+}
+
+// "“a.mts”, “b.mts”", and an ellipsis where there are too many.
+QString namesOf(const QStringList& paths)
+{
+    QStringList names;
+    for (const QString& path : paths.first(qMin(mostNames, paths.size()))) {
+        names << shownText(lastPathComponent(path));
+    }
+    return names.join(QStringLiteral(", ")) + (paths.size() > mostNames ? QStringLiteral(", …") : QString());
+}
+
+// Of one path only the first is taken: a clip can stand in the list and in the queue.
+QStringList withoutRepeats(QStringList paths)
+{
+    paths.removeDuplicates();
+    return paths;
+}
+
+} // namespace
+
+QStringList leftOverToGoOnWith(Session& session, AnalysisMachine& analysis, BatchMemory& memory)
+{
+    if (!session.face().offersLeftOver()) {
+        return {};
+    }
+    QStringList there;
+    QStringList gone;
+    for (const QString& source : withoutRepeats(memory.recalled() + analysis.leftOver())) {
+        (testPresenceCocoa(source) ? there : gone) << source;
+    }
+    if (there.isEmpty() && gone.isEmpty()) {
         return {};
     }
     constexpr int forget = 1;
-    const QString text = formatText(alertText("D_leftOver_2"), {qint64(sources.size()), shownText(sources.first())});
-    const Answer answer = session.ask({alertText("D_leftOver_1"),
-                                       text,
-                                       {alertText("D_leftOver_goOn"), alertText("D_leftOver_forget")},
-                                       forget,
-                                       0,
-                                       {}});
+    Answer answer;
+    const QString missing = gone.isEmpty() ? QString() : counted("D_leftOver_gone", gone.size(), namesOf(gone));
+    if (there.isEmpty()) {
+        answer.after = session.tell(alertText("D_leftOver_1"), missing);
+        answer.button = forget;
+    } else {
+        QString text = counted("D_leftOver_2", there.size(), shownText(lastPathComponent(there.first())));
+        if (!gone.isEmpty()) {
+            text += QStringLiteral("\n\n") + missing;
+        }
+        answer = session.ask({alertText("D_leftOver_1"),
+                              text,
+                              {alertText("D_leftOver_goOn"), alertText("D_leftOver_forget")},
+                              forget,
+                              0,
+                              {}});
+    }
     if (answer.after == After::Ending) {
         return {};
     }
     analysis.dropLeftOver();
-    return answer.button == forget ? QStringList() : sources;
+    if (answer.button == forget) {
+        memory.dropRecalled();
+        return {};
+    }
+    memory.bringBack();
+    return there;
 }
 
 } // namespace tavrix

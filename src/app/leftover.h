@@ -1,6 +1,6 @@
 #pragma once
 
-// Clips that an earlier run has queued and not read, because it was killed.
+// Clips that an earlier run has had in its list or its queue, because it was killed.
 
 #include <QStringList>
 
@@ -8,10 +8,12 @@ namespace tavrix
 {
 
 class AnalysisMachine;
+class BatchMemory;
 class Session;
 
-// Asks whether to go on with them, where the face can ask, and takes them off the machine's queue. Those to go on with;
-// empty when there are none, or they are to be forgotten, or the program ends meanwhile (then they stay queued).
-[[nodiscard]] QStringList leftOverToGoOnWith(Session& session, AnalysisMachine& analysis);
+// Asks whether to bring them back, where the face can ask, and names those that are no longer there. Those to go on
+// with; empty when there are none, or they are to be forgotten, or the program ends meanwhile (then they stay where
+// they are).
+[[nodiscard]] QStringList leftOverToGoOnWith(Session& session, AnalysisMachine& analysis, BatchMemory& memory);
 
 } // namespace tavrix

@@ -4,6 +4,7 @@
 
 #include "app/analysismachine.h"
 #include "app/batchmachine.h"
+#include "app/batchmemory.h"
 #include "app/batchrows.h"
 #include "app/destination.h"
 #include "app/droparea.h"
@@ -20,7 +21,7 @@ struct Machines {
     Machines(Session& session, TaskLauncherDelegate& delegate)
         : launchers(delegate), dropArea(session.model()), destination(session), rows(session),
           batch(session, dropArea, destination, rows, launchers), analysis(session, dropArea, launchers),
-          intake(session, dropArea, batch, analysis), startUp(session, dropArea)
+          intake(session, dropArea, batch, analysis), startUp(session, dropArea), memory(session)
     {
     }
 
@@ -32,6 +33,7 @@ struct Machines {
     AnalysisMachine analysis;
     Intake intake;
     StartUp startUp;
+    BatchMemory memory;
 };
 
 } // namespace tavrix

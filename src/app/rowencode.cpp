@@ -16,6 +16,7 @@
 #include "base/paths.h"
 #include "base/preferences.h"
 #include "base/shownname.h"
+#include "base/shownvalues.h"
 #include "base/text.h"
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
@@ -68,10 +69,10 @@ void warn(BatchList& rows, int row, const std::optional<judge::Verdict>& verdict
 // Size and date of a file, on one line.
 QString fileWords(const char* key, const QString& path)
 {
-    const QString date = dateCreation(path);
-    return formatText(alertText(key),
-                      {shownText(lastPathComponent(path)), fixedText(poidsFile(path, QStringLiteral("m")), 1),
-                       date.isNull() ? QStringLiteral("?") : date});
+    const std::optional<qint64> date = creationSeconds(path);
+    return formatText(alertText(key), {shownText(lastPathComponent(path)),
+                                       shownSize(static_cast<qint64>(poidsFile(path, QStringLiteral("O")))),
+                                       date ? shownDate(*date) : QStringLiteral("?")});
 }
 
 // What stands there, and what the new one would be made of.

@@ -40,6 +40,8 @@ std::span<const StoredRow> storedRows()
         // clips that wait to be read, and the one that is being read
         {pref::analysisSrcPathesDico, Queue, Dictionary, {}},
         {pref::analysisSrcPathStr, Queue, Path, {}},
+        // clips of the list that are not converted
+        {pref::batchMemory, Queue, Dictionary, {}},
         // the steps of that clip, and what they found
         {pref::analysisDeb, Working, Number, 0},
         {pref::analysisFfmpeg, Working, Number, 0},

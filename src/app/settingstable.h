@@ -13,7 +13,7 @@ namespace tavrix
 
 enum class StoredKind {
     Setting, // the user's; kept
-    Queue,   // what was being read: kept at a start, which then decides about it
+    Queue,   // what was being read or waited in the list: kept at a start, which then decides about it
     Working, // of the run, the clip or the row at hand: deleted at a start
 };
 
@@ -22,7 +22,7 @@ enum class StoredType {
     Text,
     Path,       // of a file or folder; "" when there is none
     Seconds,    // above 0
-    Dictionary, // of texts by key
+    Dictionary, // of texts, or lists of them, by key
 };
 
 struct StoredRow {

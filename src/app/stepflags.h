@@ -30,6 +30,8 @@ inline const QString encFin = QStringLiteral("encFin");
 // The user's settings: seconds after which a tool that neither says nor does anything is ended.
 inline const QString silenceAnalysis = QStringLiteral("silenceAnalysis");
 inline const QString silenceEncode = QStringLiteral("silenceEncode");
+// What the list holds and has not converted: see BatchMemory.
+inline const QString batchMemory = QStringLiteral("batchMemory");
 inline const QString replaceFilesCheck = QStringLiteral("replaceFilesCheck");
 } // namespace pref
 

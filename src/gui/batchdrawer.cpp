@@ -1,6 +1,7 @@
 #include "gui/batchdrawer.h"
 
 #include "app/appdelegate.h"
+#include "base/shownvalues.h"
 #include "gui/batchdelegate.h"
 #include "gui/batchview.h"
 #include "gui/binding.h"
@@ -192,7 +193,12 @@ QString BatchDrawer::countWords() const
         seconds += rows.row(i).dico.value(record::w_duration).toInt();
     }
     const QString clips = rows.count() == 1 ? windowText("Win_oneClip") : windowText("Win_clips", {rows.count()});
-    return rows.count() == 0 ? clips : windowText("Win_clipsAndLength", {clips, durationWords(seconds)});
+    if (rows.count() == 0) {
+        return clips;
+    }
+    const qint64 bytes = details_->sizeOfAll();
+    return bytes == 0 ? windowText("Win_clipsAndLength", {clips, durationWords(seconds)})
+                      : windowText("Win_clipsLengthAndSize", {clips, durationWords(seconds), shownSize(bytes)});
 }
 
 void BatchDrawer::refreshHead()

@@ -15,6 +15,7 @@
 #include "gui/encodepanel.h"
 #include "gui/images.h"
 #include "gui/mainmenu.h"
+#include "gui/noticelabel.h"
 #include "gui/pickers.h"
 #include "gui/preferencessheet.h"
 #include "gui/reportwindow.h"
@@ -229,6 +230,11 @@ void MainWindow::chooseFolder()
 {
     const QString folder = selectSourceFolder(windowText("Win_chooseFolder"));
     openPaths(folder.isEmpty() ? QStringList() : QStringList{folder});
+}
+
+void MainWindow::showNotice(const QString& text)
+{
+    findChild<NoticeLabel*>()->showNotice(text);
 }
 
 void MainWindow::showAbout()

@@ -29,6 +29,8 @@ public:
     // Choosers whose answer is taken in like a drop.
     void chooseFiles();
     void chooseFolder();
+    // What has just happened, in the last line.
+    void showNotice(const QString& text);
     void showAbout();
     // All that is known of the selected clip, in a window of its own; nothing without a selection.
     void showInformation();

@@ -2,6 +2,7 @@
 
 #include "base/filesizes.h"
 #include "base/shownname.h"
+#include "base/shownvalues.h"
 #include "encode/encoderarguments.h"
 #include "encode/outputname.h"
 #include "encode/rowforecast.h"
@@ -20,21 +21,23 @@ namespace
 constexpr qsizetype maximumWanted = 64;
 constexpr int lastFormatOfOnePass = 3;
 
-QString estimateWords(const BatchRow& row, double megabytes)
+// In bytes; -1 when nothing can be said.
+qint64 estimateOf(const BatchRow& row, double megabytes)
 {
     if (megabytes < 0) {
-        return QStringLiteral("");
+        return -1;
     }
-    const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
-    constexpr double bytesPerMegabyte = 1024.0 * 1024;
     if (const qint64 forecast = outputForecast(row.dico, row.out); forecast > 0) {
-        return sizeWords(static_cast<double>(forecast) / bytesPerMegabyte);
+        return forecast;
     }
     // The rule's estimate counts the first pass only: what a second one makes is many times as large.
     if (row.out > lastFormatOfOnePass) {
-        return QStringLiteral("");
+        return -1;
     }
-    return sizeWords(static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out)));
+    const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
+    constexpr double bytesPerMegabyte = 1024.0 * 1024;
+    return static_cast<qint64>(static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out)) *
+                               bytesPerMegabyte);
 }
 
 // As people write it, where the name is known.
@@ -119,18 +122,24 @@ void RowDetails::lookUpNext()
     }
 }
 
-QString RowDetails::estimatedSize(const BatchRow& row)
+qint64 RowDetails::estimatedBytes(const BatchRow& row)
 {
     const QString source = row.source();
     const auto known = sizes_.constFind(source);
     if (known != sizes_.constEnd() && known->out == row.out) {
-        return known->words;
+        return known->bytes;
     }
     // The estimate writes to the log: it is not made anew for every painting.
     const double megabytes = known != sizes_.constEnd() ? known->source : poidsFile(source, QStringLiteral("m"));
-    QString words = estimateWords(row, megabytes);
-    sizes_.insert(source, {megabytes, row.out, words});
-    return words;
+    const qint64 bytes = estimateOf(row, megabytes);
+    sizes_.insert(source, {megabytes, row.out, bytes});
+    return bytes;
+}
+
+QString RowDetails::estimatedSize(const BatchRow& row)
+{
+    const qint64 bytes = estimatedBytes(row);
+    return bytes < 0 ? QStringLiteral("") : shownSize(bytes);
 }
 
 QString RowDetails::description(const BatchRow& row)
@@ -147,7 +156,7 @@ QString RowDetails::description(const BatchRow& row)
     if (infos.contains(record::v0_fps)) {
         const double rate = infos.value(record::v0_fps).toDouble();
         const bool whole = qAbs(rate - qRound(rate)) < 0.005;
-        parts << windowText("Win_rate", {shownNumber(rate, whole ? 0 : 2)});
+        parts << windowText("Win_rate", {shownDecimal(rate, whole ? 0 : 2)});
     }
     if (infos.contains(record::w_duration)) {
         parts << durationWords(infos.value(record::w_duration).toInt());
@@ -155,19 +164,39 @@ QString RowDetails::description(const BatchRow& row)
     return parts.isEmpty() ? windowText("Win_unknownClip") : parts.join(QStringLiteral(" · "));
 }
 
-QString RowDetails::outputSize(const BatchRow& row)
+qint64 RowDetails::outputBytes(const BatchRow& row)
 {
     if (row.output.isEmpty()) {
-        return QStringLiteral("");
+        return -1;
     }
     const auto known = outputSizes_.constFind(row.output);
     if (known != outputSizes_.constEnd()) {
         return *known;
     }
-    const double megabytes = poidsFile(row.output, QStringLiteral("m"));
-    QString words = megabytes < 0 ? QStringLiteral("") : sizeWords(megabytes);
-    outputSizes_.insert(row.output, words);
-    return words;
+    const auto bytes = static_cast<qint64>(poidsFile(row.output, QStringLiteral("O")));
+    outputSizes_.insert(row.output, bytes);
+    return bytes;
+}
+
+QString RowDetails::outputSize(const BatchRow& row)
+{
+    const qint64 bytes = outputBytes(row);
+    return bytes < 0 ? QStringLiteral("") : shownSize(bytes);
+}
+
+// Rows that cannot be read become nothing and count for nothing.
+qint64 RowDetails::sizeOfAll()
+{
+    qint64 bytes = 0;
+    for (int i = 0; i < rows_.count(); ++i) {
+        const BatchRow& row = rows_.row(i);
+        if (const qint64 made = outputBytes(row); made >= 0) {
+            bytes += made;
+        } else if (row.dico.contains(record::v0_codec)) {
+            bytes += qMax(qint64(0), estimatedBytes(row));
+        }
+    }
+    return bytes;
 }
 
 void RowDetails::setStep(const RowStep& step)
@@ -230,7 +259,7 @@ QString RowDetails::summary(const BatchRow& row)
                             {date, dateSourceWords(row.dico.value(record::recordingDateSource).toString())});
     }
     if (!row.reason.isEmpty()) {
-        lines << windowText("Win_lineFailed", {row.reason});
+        lines << (row.kept ? shownText(row.reason) : windowText("Win_lineFailed", {row.reason}));
     }
     if (!row.warning.isEmpty()) {
         lines << windowText("Win_lineWarning", {row.warning});

@@ -11,8 +11,6 @@
 namespace tavrix
 {
 
-// What the drawer shows of a row besides the row itself: thumbnails and facts that cost something to find out. Each is
-// found out once and kept until the row goes.
 // How far the row being encoded is.
 struct RowStep {
     int row = -1; // none
@@ -21,6 +19,8 @@ struct RowStep {
     double fraction = 0; // of the pass, 0 to 1
 };
 
+// What the drawer shows of a row besides the row itself: thumbnails and facts that cost something to find out. Each is
+// found out once and kept until the row goes.
 class RowDetails : public QObject
 {
     Q_OBJECT
@@ -33,6 +33,8 @@ public:
     [[nodiscard]] QString outputName(const BatchRow& row);
     // Expected size of the output ("12.3 MB"); "" when the source cannot be read.
     [[nodiscard]] QString estimatedSize(const BatchRow& row);
+    // About how large all outputs together are or become, in bytes.
+    [[nodiscard]] qint64 sizeOfAll();
     // Codec, size, rate, duration; says so when nothing is known.
     [[nodiscard]] static QString description(const BatchRow& row);
     // Size of the finished output; "" when there is none.
@@ -53,18 +55,20 @@ Q_SIGNALS:
 private:
     void lookUpNext();
     void forget(int first, int last);
+    [[nodiscard]] qint64 estimatedBytes(const BatchRow& row); // -1: nothing can be said
+    [[nodiscard]] qint64 outputBytes(const BatchRow& row);    // -1: there is none
 
     struct Size {
         double source = 0; // megabytes
         int out = 0;       // format of the estimate
-        QString words;     // of the estimate
+        qint64 bytes = -1; // the estimate; -1: none
     };
 
     BatchList& rows_;
     QHash<QString, QPixmap> thumbnails_;
-    QHash<QString, QString> names_;       // source path to the output's base name
-    QHash<QString, Size> sizes_;          // by source path
-    QHash<QString, QString> outputSizes_; // by output path
+    QHash<QString, QString> names_;      // source path to the output's base name
+    QHash<QString, Size> sizes_;         // by source path
+    QHash<QString, qint64> outputSizes_; // bytes by output path; below 0: it cannot be looked at
     RowStep step_;
     QStringList wanted_; // sources whose date is still to be looked up
     QTimer lookUp_;

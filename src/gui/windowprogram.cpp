@@ -1,6 +1,7 @@
 #include "gui/windowprogram.h"
 
 #include "app/appdelegate.h"
+#include "base/preferences.h"
 #include "base/runloopgate.h"
 #include "gui/buscontrol.h"
 #include "gui/desktopscheme.h"
@@ -8,6 +9,7 @@
 #include "gui/mainwindow.h"
 #include "gui/pickers.h"
 #include "gui/sleeppause.h"
+#include "gui/windowtext.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -62,6 +64,9 @@ bool WindowProgram::start()
     (void)handover_.listen(); // where it cannot, another start says that this copy runs
     window_->takeDrops();
     window_->show();
+    if (!prefSynchronize()) {
+        window_->showNotice(windowText("Win_nothingKept", {preferencesPath()}));
+    }
     // Connecting to the message bus can take a moment; the window is shown first.
     QTimer::singleShot(0, this, &WindowProgram::connectDesktop);
     return true;

@@ -4,8 +4,6 @@
 #include "base/localisation.h"
 #include "base/shownname.h"
 
-#include <QLocale>
-
 #include <cmath>
 
 namespace tavrix
@@ -13,8 +11,6 @@ namespace tavrix
 
 namespace
 {
-
-constexpr double megabytesInGigabyte = 1024;
 
 QString tableText(const QString& key)
 {
@@ -41,6 +37,10 @@ QString formatNameAndUse(int out)
 
 QString stateWords(const BatchRow& row)
 {
+    // Its mark is that of a failure; in words it is none.
+    if (row.kept && row.hasFailed()) {
+        return windowText("Win_kept");
+    }
     const QString image = stateImage(row);
     return image.isEmpty() ? QStringLiteral("") : tableText(QStringLiteral("Win_image_") + image);
 }
@@ -51,24 +51,11 @@ QString stateImage(const BatchRow& row)
     return row.incomplete ? QStringLiteral("puceIncomplete") : row.resultat;
 }
 
-QString shownNumber(double value, int decimals)
-{
-    return fixedText(value, decimals).replace(QLatin1Char('.'), QLocale(currentLanguage()).decimalPoint());
-}
-
 int wholePercents(double part)
 {
     // What a 32-bit number could not hold exactly is not a percent less.
     constexpr double rounding = 0.001;
     return static_cast<int>(part * 100 + rounding);
-}
-
-QString sizeWords(double megabytes)
-{
-    if (megabytes >= megabytesInGigabyte) {
-        return windowText("Win_gigabytes", {shownNumber(megabytes / megabytesInGigabyte, 1)});
-    }
-    return windowText("Win_megabytes", {shownNumber(megabytes, megabytes < 10 ? 1 : 0)});
 }
 
 QString durationWords(double seconds)

@@ -14,16 +14,12 @@ namespace tavrix
 [[nodiscard]] QString formatName(int out);
 // The same with what the format is good for.
 [[nodiscard]] QString formatNameAndUse(int out);
-// What has become of a row so far: "Done", "Failed"; "" for an unknown mark.
+// What has become of a row so far: "Done", "Failed", "Kept"; "" for an unknown mark.
 [[nodiscard]] QString stateWords(const BatchRow& row);
 // Name of the image for that.
 [[nodiscard]] QString stateImage(const BatchRow& row);
-// A number with the decimal sign of the language in force.
-[[nodiscard]] QString shownNumber(double value, int decimals);
 // Whole percents of a part between 0 and 1: 100 only for all of it.
 [[nodiscard]] int wholePercents(double part);
-// "2.9 MB", "1.2 GB".
-[[nodiscard]] QString sizeWords(double megabytes);
 // "6:10", "1:02:03"; seconds below 0 count as none.
 [[nodiscard]] QString durationWords(double seconds);
 // A tool tip of plain text that is broken into lines; "" for none.

@@ -76,10 +76,9 @@ TEST_F(ExistingOutput, QuestionIsPlainTimedAndNamesTheFile)
     ASSERT_EQ(lines.size(), 3);
     EXPECT_TEXT(lines.at(0),
                 QStringLiteral("A converted clip of this name already exists. Do you want to replace it?"));
-    EXPECT_TRUE(lines.at(1).startsWith(QStringLiteral("There: ") + alert.title + QStringLiteral(", 0.8 MB, 2")))
+    EXPECT_TRUE(lines.at(1).startsWith(QStringLiteral("There: ") + alert.title + QStringLiteral(", 796 kB, ")))
         << lines.at(1).toStdString();
-    EXPECT_TRUE(lines.at(2).startsWith(QStringLiteral("New, from: clip01.mts, 0.0 MB, 2")))
-        << lines.at(2).toStdString();
+    EXPECT_TRUE(lines.at(2).startsWith(QStringLiteral("New, from: clip01.mts, 0 kB, "))) << lines.at(2).toStdString();
     EXPECT_TEXTS(alert.buttons,
                  QStringList({QStringLiteral("Replace"), QStringLiteral("Keep"), QStringLiteral("Stop the batch")}));
     EXPECT_TRUE(alert.hasCheckBox);

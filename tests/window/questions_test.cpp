@@ -44,8 +44,34 @@ TEST_F(Questions, KeepForAllAsksOnce)
     robot_->press(QStringLiteral("alertButton1"), true);
     runBatch();
     EXPECT_TEXTS(states(), QStringList(3, rowIcon::failure));
+    EXPECT_TRUE(rows().data(rows().index(0), Qt::AccessibleTextRole).toString().contains(QStringLiteral(", Kept, ")));
     EXPECT_EQ(tools_.count(ToolKind::Encode), launchesBefore_);
     EXPECT_EQ(robot_->titles.size(), 3);
+}
+
+// Nobody remembers which of two hundred clips were in the list when the power went.
+TEST_F(Questions, TheListOfAKilledRunComesBack)
+{
+    startProgram();
+    const QStringList clips = analysedClips(3);
+    rows().setOut(1, 5);
+    settle();
+    killProgram();
+    tools_.launches.clear();
+    QString words;
+    robot_->look([&words](QDialog& dialog) { words = dialog.findChild<QLabel*>(QStringLiteral("alertText"))->text(); });
+    robot_->press(QStringLiteral("alertButton0"));
+    startProgram();
+    ASSERT_TRUE(waitFor([this] { return robot_->isDone(); }));
+    ASSERT_TRUE(tools_.finishAll());
+    EXPECT_TRUE(words.startsWith(QStringLiteral("3 clips were in the list"))) << words.toStdString();
+    ASSERT_EQ(rows().count(), 3);
+    EXPECT_EQ(rows().row(0).source(), clips.at(0));
+    EXPECT_EQ(rows().row(1).out, 5);
+    endProgram();
+    robot_->titles.clear();
+    startProgram();
+    EXPECT_TEXTS(robot_->titles, QStringList());
 }
 
 TEST_F(Questions, ReplaceIsAskedForEachOutput)

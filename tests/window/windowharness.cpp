@@ -1,5 +1,6 @@
 #include "windowharness.h"
 
+#include "app/stepflags.h"
 #include "base/bundle.h"
 #include "base/localisation.h"
 #include "base/preferences.h"
@@ -142,6 +143,13 @@ void WindowTest::startProgram(bool realTools)
 }
 
 void WindowTest::endProgram()
+{
+    killProgram();
+    // A user who quits has done with the list.
+    prefDelete(pref::batchMemory);
+}
+
+void WindowTest::killProgram()
 {
     if (program_ && !controller().isQuitting()) {
         controller().quitWithoutQuestion();

@@ -98,6 +98,8 @@ protected:
     // Makes and starts the program, with pretended tools unless `realTools`.
     void startProgram(bool realTools = false);
     void endProgram();
+    // The end that the user has not asked for.
+    void killProgram();
 
     template <class Widget> Widget* find(const char* name)
     {

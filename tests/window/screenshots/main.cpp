@@ -193,7 +193,7 @@ private:
             5000);
         const bool previewed = save(preview, "preview");
         preview->close();
-        program_.controller().quitWithoutQuestion();
+        program_.controller().iba_menuQuit();
         return preferences && moving && pages && previewed;
     }
 
@@ -234,7 +234,8 @@ int main(int argc, char** argv)
         std::fputs("The clips cannot be made: is ffmpeg installed?\n", stderr);
         return 1;
     }
-    for (const auto& [language, theme] : {std::pair("en", 0), std::pair("fr", 4)}) {
+    for (const auto& [language, theme] :
+         {std::pair("en", 0), std::pair("en", 4), std::pair("fr", 4), std::pair("de", 2)}) {
         const QString prefix = QStringLiteral("%1-theme%2-").arg(QLatin1String(language)).arg(theme);
         Session session(clips, pictures, prefix);
         if (!session.run(QLatin1String(language), theme)) {

@@ -100,7 +100,10 @@ private:
         test::waitUntil([] { return false; }, 150);
         const bool saved = program.window().grab().save(
             folder_ + formatText(QStringLiteral("%@%@-theme%d-%@-%d.png"), {prefix_, language_, theme_, name, count}));
-        program.controller().quitWithoutQuestion();
+        // Only pretended: there is nothing to ask about.
+        model.batchEncGoBt.setState(0);
+        model.encBatchArrayController.clear();
+        program.controller().iba_menuQuit();
         return saved;
     }
 
@@ -138,7 +141,7 @@ private:
 bool savePicturesOfSizes(const QString& folder, const QString& prefix)
 {
     bool saved = true;
-    for (const auto& [language, theme] : {std::pair("en", 0), std::pair("fr", 4)}) {
+    for (const auto& [language, theme] : {std::pair("en", 0), std::pair("fr", 4), std::pair("de", 2)}) {
         saved = Pictures(folder, prefix, QString::fromLatin1(language), theme).run() && saved;
     }
     return saved;
