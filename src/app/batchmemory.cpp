@@ -89,7 +89,7 @@ void BatchMemory::forget()
 
 void BatchMemory::seal()
 {
-    if (timer_.isActive()) {
+    if (changed_) {
         write();
     }
     sealed_ = true;
@@ -97,8 +97,14 @@ void BatchMemory::seal()
 
 void BatchMemory::noteChange()
 {
-    if (!sealed_ && !timer_.isActive()) {
-        timer_.start(session_.model().encBatchArrayController.count() < shortList ? 0 : longListDelay);
+    if (sealed_ || changed_) {
+        return;
+    }
+    changed_ = true;
+    if (session_.model().encBatchArrayController.count() < shortList) {
+        QMetaObject::invokeMethod(this, &BatchMemory::write, Qt::QueuedConnection);
+    } else {
+        timer_.start(longListDelay);
     }
 }
 
@@ -106,6 +112,7 @@ void BatchMemory::noteChange()
 void BatchMemory::write()
 {
     timer_.stop();
+    changed_ = false;
     if (sealed_) {
         return;
     }

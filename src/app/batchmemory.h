@@ -42,7 +42,8 @@ private:
     QStringList recalled_;
     QHash<QString, int> formats_; // of what was recalled, by source
     QString destination_;
-    bool sealed_ = false;
+    bool changed_ = false; // since it was written
+    bool sealed_ = false;  // nothing more is written
 };
 
 } // namespace tavrix

@@ -56,6 +56,7 @@ TEST_F(BatchMemoryTest, OfAKilledRunComesBackWhenThatIsWished)
                                "Bring them back?"));
     ASSERT_TRUE(tools.finishAll());
     EXPECT_TEXTS(sources(), clips);
+    ASSERT_EQ(rows().count(), 12);
     EXPECT_EQ(rows().row(1).out, 3);
     EXPECT_EQ(rows().row(2).out, 5) << "with the format that was chosen for it";
     expectIdle();

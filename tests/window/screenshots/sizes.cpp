@@ -6,9 +6,12 @@
 #include "base/preferences.h"
 #include "gui/mainwindow.h"
 #include "gui/windowprogram.h"
+#include "probe/batchtexts.h"
 #include "support/waituntil.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QPainter>
 
@@ -31,6 +34,19 @@ QString thumbnail(int number)
     return path;
 }
 
+// An empty file with a date: all that the window looks at.
+QString source(int number, const QString& name)
+{
+    const QString folder = QDir::homePath() + QStringLiteral("/card/%1").arg(number);
+    QDir().mkpath(folder);
+    QFile file(folder + QLatin1Char('/') + name);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.setFileTime(QDateTime(QDate(2011, 7, 2), QTime(10, 12)).addSecs(number * 311),
+                         QFile::FileModificationTime);
+    }
+    return file.fileName();
+}
+
 BatchRow rowOf(int number)
 {
     static const QStringList names{QStringLiteral("00001.MTS"), QStringLiteral("MVI_0003.MOV"),
@@ -42,7 +58,8 @@ BatchRow rowOf(int number)
     row.out = number % 5 == 4 ? 5 : 3;
     row.resultat = rowIcon::pending;
     row.img = thumbnail(number);
-    row.dico.insert(record::mainEncSrcPathStr, QStringLiteral("/home/anna/card/%1/%2").arg(number).arg(row.src));
+    row.dico.insert(record::mainEncSrcPathStr, source(number, row.src));
+    row.dico.insert(record::v0_bitrate, 17000);
     row.dico.insert(record::v0_codec, QStringLiteral("h264"));
     row.dico.insert(record::v0_width, 1280);
     row.dico.insert(record::v0_height, 720);
@@ -114,9 +131,9 @@ private:
         BatchList& rows = model.encBatchArrayController;
         rows.setResultat(0, rowIcon::success);
         rows.setResultat(1, rowIcon::failure);
-        rows.setReason(1, QStringLiteral("this file could not be read; it may be damaged"));
+        rows.setReason(1, batchText("Row_nothingDecodable"));
         rows.setResultat(2, rowIcon::success);
-        rows.setWarning(2, QStringLiteral("Incomplete: 9.8 of 20.0 s could be read"), true);
+        rows.setWarning(2, formatText(batchText("Row_incomplete"), {batchText("Row_cutOff")}), true);
         rows.setResultat(3, rowIcon::current);
         model.batchEncGoBt.setEnabled(false);
         model.batchEncGoBt.setState(1);
@@ -125,6 +142,8 @@ private:
         model.encTaskProgress.setRange(0, 100);
         model.encTaskProgress.setDoubleValue(47);
         model.mainEncProgressCaptionStr.setStringValue(rows.row(3).src);
+        Q_EMIT program.controller().rowStarted(0);
+        Q_EMIT program.controller().rowFinished(2, true);
         Q_EMIT program.controller().rowStarted(3);
         Q_EMIT program.controller().rowStep(3, 2, 2, 0.47);
         rows.setSelectedRows({5, 6});
