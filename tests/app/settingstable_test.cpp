@@ -19,8 +19,9 @@ TEST(SettingsTable, HoldsEachKeyOnce)
 
 TEST(SettingsTable, KeepsSettingsAndQueueAtAStart)
 {
-    for (const char* kept : {"prefCheckMatrix", "prefColor", "prefDefautDstPathStr", "analysisSrcPathesDico",
-                             "analysisSrcPathStr", "silenceAnalysis", "silenceEncode", "NSNavLastRootDirectory"}) {
+    for (const char* kept :
+         {"prefCheckMatrix", "prefColor", "prefDefautDstPathStr", "analysisSrcPathesDico", "analysisSrcPathStr",
+          "batchMemory", "silenceAnalysis", "silenceEncode", "NSNavLastRootDirectory"}) {
         EXPECT_TRUE(isKeptAtStart(QString::fromLatin1(kept))) << kept;
     }
     for (const char* dropped : {"analysisFfmpeg", "analysisIStr", "processEncDico", "encCurrentProcessingFile",
