@@ -59,7 +59,7 @@ BatchRow rowOf(int number)
     row.resultat = rowIcon::pending;
     row.img = thumbnail(number);
     row.dico.insert(record::mainEncSrcPathStr, source(number, row.src));
-    row.dico.insert(record::v0_bitrate, 17000);
+    row.dico.insert(record::stream('v', 0, "bitrate"), 17000);
     row.dico.insert(record::v0_codec, QStringLiteral("h264"));
     row.dico.insert(record::v0_width, 1280);
     row.dico.insert(record::v0_height, 720);
