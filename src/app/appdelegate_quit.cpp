@@ -63,9 +63,8 @@ void appDelegate::iba_menuQuit()
                 return;
             }
         }
-        // Who quits has done with the list and with what was still to be read.
+        // Who quits has done with the list.
         machines_->memory.forget();
-        machines_->analysis.dropLeftOver();
         quitWithoutQuestion();
     });
 }

@@ -56,23 +56,23 @@ QStringList leftOverToGoOnWith(Session& session, AnalysisMachine& analysis, Batc
     if (there.isEmpty() && gone.isEmpty()) {
         return {};
     }
+    // A quit in the middle of the reading leaves a queue and no list.
+    const bool unexpected = !memory.recalled().isEmpty();
+    const QString title = alertText(unexpected ? "D_leftOver_1" : "D_leftOver_queue_1");
     constexpr int forget = 1;
     Answer answer;
     const QString missing = gone.isEmpty() ? QString() : counted("D_leftOver_gone", gone.size(), namesOf(gone));
     if (there.isEmpty()) {
-        answer.after = session.tell(alertText("D_leftOver_1"), missing);
+        answer.after = session.tell(title, missing);
         answer.button = forget;
     } else {
-        QString text = counted("D_leftOver_2", there.size(), shownText(lastPathComponent(there.first())));
+        QString text = counted(unexpected ? "D_leftOver_2" : "D_leftOver_queue_2", there.size(),
+                               shownText(lastPathComponent(there.first())));
         if (!gone.isEmpty()) {
             text += QStringLiteral("\n\n") + missing;
         }
-        answer = session.ask({alertText("D_leftOver_1"),
-                              text,
-                              {alertText("D_leftOver_goOn"), alertText("D_leftOver_forget")},
-                              forget,
-                              0,
-                              {}});
+        answer =
+            session.ask({title, text, {alertText("D_leftOver_goOn"), alertText("D_leftOver_forget")}, forget, 0, {}});
     }
     if (answer.after == After::Ending) {
         return {};

@@ -37,6 +37,11 @@ FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& s
     show->setAccessibleName(QStringLiteral("@@Win_acc_reveal"));
     show->setToolTip(QStringLiteral("@@Win_acc_reveal"));
     bindControl(show, reveal);
+    const auto enable = [show, &field, &reveal] {
+        show->setEnabled(reveal.isEnabled() && !field.stringValue().isEmpty());
+    };
+    follow(field, show, enable);
+    follow(reveal, show, enable);
     connect(show, &QPushButton::clicked, this, [&controller, &reveal] { controller.iba_OpenFolder(&reveal); });
     layout->addWidget(show);
     order_ = {edit, choose, show};

@@ -156,7 +156,7 @@ TEST_F(AnalysisQueue, LeftOverOfAnEarlierRunIsOfferedByAFaceThatCanAsk)
     face.answer(1);
     leave();
     ASSERT_EQ(face.alerts.size(), 1);
-    EXPECT_TRUE(face.alerts.first().text.contains(QStringLiteral("12 clips were in the list")))
+    EXPECT_TRUE(face.alerts.first().text.contains(QStringLiteral("12 clips of the last session were not read")))
         << face.alerts.first().text.toStdString();
     EXPECT_TRUE(tools.launches.isEmpty());
     EXPECT_TRUE(prefRead(pref::analysisSrcPathStr).isEmpty());

@@ -140,7 +140,8 @@ TEST_F(BatchMemoryTest, JoinsTheListAndTheQueue)
 {
     const QStringList clips = makeClips(4);
     addRows(clips.first(2));
-    controller->draggedFiles(clips.mid(2));
+    prefWrite(pref::analysisSrcPathStr, clips.at(2));
+    prefWriteDico(pref::analysisSrcPathesDico, QVariantMap({{QStringLiteral("0"), clips.at(3)}}));
     face.answer(0);
     killAndStart();
     EXPECT_TRUE(question().startsWith(QStringLiteral("4 clips were"))) << question().toStdString();

@@ -134,7 +134,8 @@ TEST_F(Questions, StartWithoutDestinationAsksForOne)
 TEST_F(Questions, RevealWithoutDestinationIsASheet)
 {
     startProgram();
-    click("mainEncDstRevealBt");
+    EXPECT_FALSE(find<QAbstractButton>("mainEncDstRevealBt")->isEnabled()) << "there is nothing to show";
+    trigger("menuReveal");
     auto* sheet = find<QDialog>("alertDialog");
     ASSERT_NE(sheet, nullptr);
     EXPECT_EQ(sheet->windowModality(), Qt::WindowModal);
