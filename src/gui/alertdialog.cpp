@@ -122,6 +122,7 @@ void AlertDialog::buildButtons(QVBoxLayout* column)
     countdown_->setObjectName(QStringLiteral("alertCountdown"));
     countdown_->setProperty("role", QStringLiteral("caption"));
     countdown_->setTextFormat(Qt::PlainText);
+    countdown_->setVisible(request_.seconds != 0);
     line->addWidget(countdown_);
     line->addStretch(1);
     for (int i = 0; i < request_.buttons.size(); ++i) {

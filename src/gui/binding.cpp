@@ -57,6 +57,10 @@ void bindText(QLabel* label, TextField& field, bool keepOwnText)
         if (!keepOwnText || !field.stringValue().isEmpty()) {
             label->setText(shownText(field.stringValue()));
         }
+        // An empty label would be told of as one without a content.
+        if (!keepOwnText) {
+            label->setVisible(!field.isHidden() && !label->text().isEmpty());
+        }
     });
 }
 

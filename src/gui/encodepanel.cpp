@@ -90,7 +90,7 @@ void EncodePanel::buildFormat(QVBoxLayout* layout)
     follow(model.prefCheckMatrix, format_, [this, &model] {
         const int out = model.prefCheckMatrix.selectedSegment();
         format_->setCurrentIndex(out);
-        format_->setToolTip(out < 0 ? QString() : wrappedTip(formatCaption(out)));
+        setTip(format_, out < 0 ? QString() : formatCaption(out));
     });
     connect(format_, &QComboBox::activated, this, [this](int out) { controller_.chooseFormat(out); });
     formatLine_->addWidget(format_);

@@ -23,7 +23,7 @@ FolderLine::FolderLine(appDelegate& controller, TextField& field, StateButton& s
     edit->setAccessibleName(QLatin1String(name));
     edit->setMinimumWidth(150);
     bindText(edit, field);
-    follow(field, edit, [edit, &field] { edit->setToolTip(wrappedTip(field.stringValue())); });
+    follow(field, edit, [edit, &field] { setTip(edit, field.stringValue()); });
     layout->addWidget(edit, 1);
 
     auto* choose = new QPushButton(QStringLiteral("@@Win_choose"), this);

@@ -209,7 +209,7 @@ void MainWindow::wrapTips()
 {
     for (auto* widget : findChildren<QWidget*>()) {
         if (!widget->toolTip().startsWith(QLatin1Char('<'))) {
-            widget->setToolTip(wrappedTip(widget->toolTip()));
+            setTip(widget, widget->toolTip());
         }
     }
 }

@@ -14,6 +14,9 @@ NoticeLabel::NoticeLabel(appDelegate& controller, QWidget* parent) : ElidedLabel
     setObjectName(QStringLiteral("noticeStr"));
     setProperty("role", QStringLiteral("caption"));
     setTextFormat(Qt::PlainText);
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
     listen();
     setText(QStringLiteral("@@Win_welcome"));
 }
@@ -46,7 +49,8 @@ void NoticeLabel::sumUp(bool stopped)
 void NoticeLabel::showNotice(const QString& text)
 {
     setText(text);
-    setToolTip(wrappedTip(text));
+    setTip(this, text);
+    setVisible(!text.isEmpty());
     announce(this, text);
 }
 

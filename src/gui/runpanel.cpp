@@ -177,7 +177,7 @@ void RunPanel::refresh()
     place_->setVisible(running);
     place_->setText(running ? windowText("Win_clipOf", {row_ + 1, rows.count()}) : QString());
     // The rule's number counts seconds of the clip; a second pass tells its percentage itself.
-    percent_->setVisible(!paused && !(running && pass_ > 1));
+    percent_->setVisible(!paused && !(running && pass_ > 1) && !percent_->text().isEmpty());
     QString step;
     if (paused) {
         step = windowText("Win_paused");

@@ -4,6 +4,8 @@
 #include "base/localisation.h"
 #include "base/shownname.h"
 
+#include <QWidget>
+
 #include <cmath>
 
 namespace tavrix
@@ -75,6 +77,12 @@ QString wrappedTip(const QString& text)
     // Escaped: a file name may look like markup. Markup is what the toolkit breaks into lines.
     QString tip = shownLines(text).toHtmlEscaped();
     return QStringLiteral("<p>") + tip.replace(QLatin1Char('\n'), QStringLiteral("<br>")) + QStringLiteral("</p>");
+}
+
+void setTip(QWidget* widget, const QString& text)
+{
+    widget->setToolTip(wrappedTip(text));
+    widget->setAccessibleDescription(text);
 }
 
 } // namespace tavrix

@@ -5,6 +5,8 @@
 
 #include <initializer_list>
 
+class QWidget;
+
 namespace tavrix
 {
 
@@ -24,5 +26,7 @@ namespace tavrix
 [[nodiscard]] QString durationWords(double seconds);
 // A tool tip of plain text that is broken into lines; "" for none.
 [[nodiscard]] QString wrappedTip(const QString& text);
+// Gives the widget that tip. Assistive technology gets the plain text: it would read the markup of the other aloud.
+void setTip(QWidget* widget, const QString& text);
 
 } // namespace tavrix

@@ -31,7 +31,31 @@ protected:
         return names;
     }
 
+    // Labels that say nothing, and descriptions with markup, which would be read aloud.
+    [[nodiscard]] QStringList slips()
+    {
+        QStringList found;
+        collectSlips(QAccessible::queryAccessibleInterface(&window()), found);
+        return found;
+    }
+
 private:
+    static void collectSlips(QAccessibleInterface* part, QStringList& found)
+    {
+        if (part == nullptr || part->state().invisible) {
+            return;
+        }
+        const QString name = part->text(QAccessible::Name);
+        if (part->role() == QAccessible::StaticText && name.isEmpty()) {
+            found << QStringLiteral("empty label ") + (part->object() ? part->object()->objectName() : QString());
+        }
+        if (const QString description = part->text(QAccessible::Description); description.contains(QLatin1Char('<'))) {
+            found << name + QStringLiteral(": ") + description;
+        }
+        for (int i = 0; i < part->childCount(); ++i) {
+            collectSlips(part->child(i), found);
+        }
+    }
     static void collect(QAccessibleInterface* part, QStringList& names)
     {
         if (part == nullptr || part->state().invisible) {
@@ -65,6 +89,7 @@ TEST_F(Spoken, WhatIsIdleIsNotThere)
 {
     startProgram();
     const QStringList idle = tree();
+    EXPECT_TEXTS(slips(), QStringList());
     EXPECT_EQ(idle.filter(QStringLiteral("Reading")).size(), 0) << idle.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(idle.filter(QStringLiteral("Progress")).size(), 0);
     EXPECT_EQ(idle.count(QStringLiteral("Destination folder")), 1);
@@ -72,6 +97,7 @@ TEST_F(Spoken, WhatIsIdleIsNotThere)
     EXPECT_TRUE(tree().contains(QStringLiteral("Reading clip 1/2")));
     EXPECT_TRUE(tools_.finishAll());
     EXPECT_EQ(tree().filter(QStringLiteral("Reading")).size(), 0);
+    EXPECT_TEXTS(slips(), QStringList());
 }
 
 TEST_F(Spoken, ABatchIsToldFromItsStartToItsEnd)
@@ -88,6 +114,7 @@ TEST_F(Spoken, ABatchIsToldFromItsStartToItsEnd)
     tools_.current(ToolKind::Encode).launcher->write(QStringLiteral("frame=  1 fps=1 time=15.00 bitrate=1\n"));
     EXPECT_TEXT(listItems().first(), QStringLiteral("1. clip1.MTS, Being converted, 50 %, QuickTime, 0:30"));
     const QStringList running = tree();
+    EXPECT_TEXTS(slips(), QStringList());
     for (const char* said : {"50 %", "clip1.MTS", "Clip 1 of 2", "Pause", "Stop", "Progress of the conversion"}) {
         EXPECT_TRUE(running.contains(QLatin1String(said))) << said;
     }
