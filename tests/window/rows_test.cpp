@@ -243,6 +243,7 @@ TEST_F(WindowRows, TheSecondStepTellsItsOwnPercentage)
     click("batchEncGoBt");
     EXPECT_TEXT(find<QLabel>("clipPlaceStr")->text(), QStringLiteral("Clip 1 of 2"));
     EXPECT_TEXT(find<QLabel>("clipStepStr")->text(), QStringLiteral("Step 1 of 2"));
+    tools_.current(ToolKind::Encode).launcher->write(QStringLiteral("frame=  1 fps=1 time=15.00 bitrate=1\n"));
     EXPECT_TRUE(find<QLabel>("mainEncProgressPercentStr")->isVisible());
     endPass();
     tools_.current(ToolKind::SecondPass).launcher->write(QStringLiteral("Processing (47%)\n"));
