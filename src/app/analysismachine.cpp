@@ -65,6 +65,17 @@ QString interlacingOfFrames()
     return interlacedYuvheaders2tvxStr(letter);
 }
 
+// Of a clip that the tool has not described.
+QString unreadableReason(const QString& text)
+{
+    const QString line = failureLine(text);
+    if (line.isNull()) {
+        return batchText("Clip_noVideo");
+    }
+    const QString reason = plainReason(line);
+    return reason != line ? reason : formatText(QStringLiteral("%@ (%@)"), {batchText("Clip_noVideo"), line});
+}
+
 // A file name of the temporary folder that is still free, or nearly so.
 QString thumbnailPath(const QString& source)
 {
@@ -242,7 +253,8 @@ void AnalysisMachine::parse()
         makeThumbnail(*infos);
         return;
     }
-    reject(verdict.reason);
+    const bool described = infos && infos->contains(record::v0_width);
+    reject(described ? verdict.reason : unreadableReason(text));
 }
 
 void AnalysisMachine::reject(const QString& reason)
@@ -258,10 +270,15 @@ void AnalysisMachine::reject(const QString& reason)
 QString AnalysisMachine::toolTrouble(const QString& text) const
 {
     const taskLauncher* launcher = child_.launcher();
-    if (text.isEmpty() && launcher != nullptr && launcher->terminationStatus() == ChildProcess::statusNotStarted) {
+    if (launcher == nullptr) {
+        return machineTrouble(text);
+    }
+    const ChildEnd end = {launcher->endedBySignal(), launcher->terminationStatus()};
+    if (text.isEmpty() && end == ChildEnd{false, ChildProcess::statusNotStarted}) {
         return formatText(batchText("Enc_toolNotStarted"), {ffmpegTool()});
     }
-    return machineTrouble(text);
+    // It always describes what it reads, or says why it cannot.
+    return machineTrouble(text.trimmed().isEmpty() || end.bySignal ? text + endLine(ffmpegTool(), end) : text);
 }
 
 void AnalysisMachine::makeThumbnail(const MediaInfoRecord& infos)
@@ -279,11 +296,15 @@ void AnalysisMachine::makeThumbnail(const MediaInfoRecord& infos)
 void AnalysisMachine::finishSource()
 {
     std::optional<MediaInfoRecord> infos = analysisFf(source_.retained, prefRead(pref::analysisIStr));
+    const std::optional<float> mean = meanRate(source_.retained);
     source_.retained = QString();
     prefDelete(pref::analysisIStr);
     releaseChild();
     const QString source = prefRead(pref::analysisSrcPathStr);
     if (infos) {
+        if (mean) {
+            infos->insert(record::v0_meanRate, *mean);
+        }
         logLine(QStringLiteral("stocker…"));
         addRow(std::move(*infos));
     } else if (source != cancelMark) {

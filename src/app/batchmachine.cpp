@@ -338,7 +338,7 @@ void BatchMachine::childDone(const taskLauncher* launcher, bool analysing)
         return;
     }
     if (launcher != nullptr) {
-        row_.children().ended(launcher->terminationStatus());
+        row_.children().ended({launcher->endedBySignal(), launcher->terminationStatus()});
     }
     child_.release();
     progress_.fill();

@@ -142,6 +142,11 @@ void OutputGuard::removePartial(const QString& output) const
     removeIntermediate(output);
 }
 
+std::optional<FileIdentity> OutputGuard::intermediateOf(const QString& output)
+{
+    return identityAt(intermediateName(output));
+}
+
 void OutputGuard::removeIntermediate(const QString& output) const
 {
     if (!isInEventsFolder(output)) {

@@ -54,6 +54,8 @@ public:
     // Deletes the output that the row has made so far, unless it has taken the place of an older one: then it is all
     // that there is. Nothing outside the folder of the outputs is touched.
     void removePartial(const QString& output) const;
+    // What lies under the name of the first pass's movie; no value for nothing.
+    [[nodiscard]] static std::optional<FileIdentity> intermediateOf(const QString& output);
     // Deletes the movie of the first pass that lies beside the output.
     void removeIntermediate(const QString& output) const;
 

@@ -3,6 +3,7 @@
 #include "app/encodefailure.h"
 #include "app/verdictwords.h"
 #include "base/format.h"
+#include "base/paths.h"
 #include "probe/batchtexts.h"
 #include "process/childprocess.h"
 
@@ -19,7 +20,7 @@ constexpr qsizetype transcriptTailLength = 4000;
 void RowChildren::beginRow()
 {
     verdict_.begin();
-    status_.reset();
+    end_.reset();
     silence_ = QString();
     transcriptTail_ = QString();
 }
@@ -28,7 +29,7 @@ void RowChildren::beginPass(const QString& tool)
 {
     tool_ = tool;
     verdict_.beginPass();
-    status_.reset();
+    end_.reset();
     silence_ = QString();
     transcriptTail_ = QString();
 }
@@ -58,14 +59,16 @@ QString RowChildren::failureReason(bool made) const
     if (verdict && verdict->outcome == judge::Outcome::Failed && !verdict->findings.empty()) {
         return verdictWords(*verdict);
     }
-    if (made && status_ == 0 && !verdict_.isPassJudged()) {
+    if (made && end_ == ChildEnd() && !verdict_.isPassJudged()) {
         return batchText("Enc_notJudged");
     }
-    const QString line = failureLine(transcriptTail_);
-    if (line.isNull() && status_ == ChildProcess::statusNotStarted) {
+    const bool mute = failureLine(transcriptTail_).isNull();
+    if (mute && end_ == ChildEnd{false, ChildProcess::statusNotStarted}) {
         return formatText(batchText("Enc_toolNotStarted"), {tool_});
     }
-    return line.isNull() ? batchText("Enc_noOutput") : plainReason(line);
+    const bool unexpected = end_ && (end_->bySignal || (mute && end_->code != 0));
+    const QString reason = tailReason(unexpected ? transcriptTail_ + endLine(tool_, *end_) : transcriptTail_);
+    return reason.isNull() ? batchText("Enc_noOutput") : reason;
 }
 
 } // namespace tavrix

@@ -3,6 +3,7 @@
 // What the children of a row say, and how they end.
 
 #include "app/rowverdict.h"
+#include "sys/childend.h"
 
 #include <QString>
 
@@ -20,7 +21,7 @@ public:
 
     // Any piece of a child's text.
     void wrote(const QString& text);
-    void ended(int status) { status_ = status; }
+    void ended(const ChildEnd& end) { end_ = end; }
     // The tool could not be started.
     void missing(const QString& tool);
     // One has said nothing for that long and is ended.
@@ -32,10 +33,10 @@ public:
 
 private:
     RowVerdict verdict_;
-    QString tool_;              // of the last child
-    std::optional<int> status_; // of the last child; nothing before its end
-    QString silence_;           // that it was ended for its silence; nothing when it was not
-    QString transcriptTail_;    // its last text, for the reason of a failure
+    QString tool_;                // of the last child
+    std::optional<ChildEnd> end_; // of the last child; nothing before its end
+    QString silence_;             // that it was ended for its silence; nothing when it was not
+    QString transcriptTail_;      // its last text, for the reason of a failure
 };
 
 } // namespace tavrix

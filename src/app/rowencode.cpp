@@ -3,6 +3,7 @@
 #include "app/alerttext.h"
 #include "app/currentrow.h"
 #include "app/logs.h"
+#include "app/rowwords.h"
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/verdictwords.h"
@@ -66,22 +67,6 @@ void warn(BatchList& rows, int row, const std::optional<judge::Verdict>& verdict
     }
 }
 
-// Size and date of a file, on one line.
-QString fileWords(const char* key, const QString& path)
-{
-    const std::optional<qint64> date = creationSeconds(path);
-    return formatText(alertText(key), {shownText(lastPathComponent(path)),
-                                       shownSize(static_cast<qint64>(poidsFile(path, QStringLiteral("O")))),
-                                       date ? shownDate(*date) : QStringLiteral("?")});
-}
-
-// What stands there, and what the new one would be made of.
-QString replaceWords(const QString& source, const QString& output)
-{
-    return alertText("D_go_dossier_destination4Bis") + QLatin1Char('\n') + fileWords("D_replaceOld", output) +
-           QLatin1Char('\n') + fileWords("D_replaceNew", source);
-}
-
 qint64 freeBytes(const QString& output)
 {
     return qint64{espaceDiskDispo(stringByDeletingLastPathComponent(output))} * 1024 * 1024;
@@ -111,13 +96,6 @@ taskLauncher::Environment terms(const std::optional<FileIdentity>& replaceable, 
     return environment;
 }
 
-QString olderKept(judge::Verdict verdict)
-{
-    verdict.outcome = judge::Outcome::Failed;
-    verdict.findings.insert(verdict.findings.begin(), {.cause = judge::Cause::OlderKept});
-    return verdictWords(verdict);
-}
-
 } // namespace
 
 RowEncode::RowEncode(Session& session) : session_(session), guard_(rows()) {}
@@ -136,6 +114,7 @@ void RowEncode::begin(int row)
     setFlag(pref::encDeb);
     children_.beginRow();
     guard_.beginRow();
+    intermediate_.reset();
 }
 
 void RowEncode::vanish()
@@ -199,6 +178,9 @@ RowEncode::Next RowEncode::clearWay(int row, const QString& output)
             rows().setKept(row, true);
             return refuse(row, batchText("Enc_kept"));
         }
+    }
+    if (const QString gone = folderGone(output); !gone.isNull()) {
+        return refuse(row, gone);
     }
     // The rule's own estimate knows nothing of rate and content; where it lets pass what cannot fit, this one does not.
     const qint64 room = leastRoom(rows().row(row).dico, rows().row(row).out);
@@ -294,10 +276,16 @@ QString RowEncode::firstPassFailure(const QString& output) const
     const bool made = guard_.hasMade(intermediateName(output));
     const RowVerdict& verdict = children_.verdict();
     if (!verdict.isGood() || !made) {
-        return children_.failureReason(made);
+        return failureWords(output, made);
     }
     const bool incomplete = verdict.verdict()->outcome == judge::Outcome::Incomplete;
-    return incomplete && guard_.isTaken() ? olderKept(*verdict.verdict()) : QString();
+    return incomplete && guard_.isTaken() ? olderKeptWords(*verdict.verdict()) : QString();
+}
+
+// Should the program be killed, its next start clears away the first pass's movie and no other file.
+void RowEncode::noteIntermediate(const FileIdentity& file)
+{
+    prefWriteChildDico(pref::processEncDico, ownFile, QString::fromStdString(publication::replacesText(file)));
 }
 
 RowEncode::Next RowEncode::secondPass()
@@ -322,6 +310,10 @@ RowEncode::Next RowEncode::secondPass()
         return Next::Finish;
     }
     setFlag(pref::encFin);
+    intermediate_ = OutputGuard::intermediateOf(output);
+    if (intermediate_) {
+        noteIntermediate(*intermediate_);
+    }
     prefSynchronize();
     // The bar's range stays the clip's duration, although this tool counts percents.
     launches({*arguments, duration, parseMovencoder, terms(guard_.standing())});
@@ -333,6 +325,9 @@ RowEncode::Outcome RowEncode::finish()
     const bool vanished = state_ == State::Vanished;
     const QString output = currentValue(record::dstPathStr);
     const float duration = currentNumber(record::w_duration);
+    if (OutputGuard::intermediateOf(output) == intermediate_) {
+        intermediate_.reset();
+    }
     guard_.removeIntermediate(output);
     pass_ = {};
     prefDelete(pref::processEncDico);
@@ -379,7 +374,7 @@ void RowEncode::judge(int row, const QString& output)
     const double kilobytes = poidsFile(output, QStringLiteral("k"));
     const bool made = guard_.hasMade(output);
     if (!children_.verdict().isGood() || !made) {
-        fail(row, children_.failureReason(made));
+        fail(row, failureWords(output, made));
         guard_.removePartial(output);
     } else if (kilobytes > -1 && kilobytes < smallestOutputKilobytes) {
         fail(row, batchText("Enc_tooSmall"));
@@ -394,6 +389,15 @@ void RowEncode::judge(int row, const QString& output)
             setModificationTime(output, *recorded);
         }
     }
+}
+
+// A tool knows only that its output could not be named, or that it cannot read what it was given.
+QString RowEncode::failureWords(const QString& output, bool made) const
+{
+    if (const QString gone = folderGone(output); !gone.isNull()) {
+        return gone;
+    }
+    return intermediate_ ? batchText("Enc_masterChanged") : children_.failureReason(made);
 }
 
 RowEncode::Next RowEncode::refuse(int row, const QString& reason)
@@ -414,12 +418,9 @@ void RowEncode::childWrote(const QString& text)
 {
     children_.wrote(text);
     if (const std::optional<FileIdentity>& file = children_.verdict().output();
-        isOpen() && file && guard_.noteOwn(*file)) {
-        // Should the program be killed, its next start clears away the first pass's movie and no other file.
-        prefWriteChildDico(pref::processEncDico, ownFile, QString::fromStdString(publication::replacesText(file)));
-        if (isFlagSet(pref::encQtEnc)) {
-            prefSynchronize();
-        }
+        isOpen() && file && guard_.noteOwn(*file) && isFlagSet(pref::encQtEnc)) {
+        noteIntermediate(*file);
+        prefSynchronize();
     }
 }
 

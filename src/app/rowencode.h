@@ -78,10 +78,12 @@ private:
     [[nodiscard]] bool hasSpace(int row, const QString& output);
     [[nodiscard]] Next firstPass(int row, const QString& output);
     void launches(Pass pass);
+    static void noteIntermediate(const FileIdentity& file);
     [[nodiscard]] QString firstPassFailure(const QString& output) const;
     Next refuse(int row, const QString& reason);
     [[nodiscard]] bool writeClosingBlock(int row, float duration);
     void judge(int row, const QString& output);
+    [[nodiscard]] QString failureWords(const QString& output, bool made) const;
     [[nodiscard]] BatchList& rows() const;
 
     Session& session_;
@@ -91,6 +93,7 @@ private:
     qint64 startedAt_ = 0; // seconds since 1970
     RowChildren children_;
     std::optional<int> replacePolicy_;
+    std::optional<FileIdentity> intermediate_; // the first pass's movie; in the end only if it was changed
 };
 
 } // namespace tavrix

@@ -26,6 +26,7 @@
 #include "base/shownname.h"
 #include "encode/outputname.h"
 #include "platform/systeminfo.h"
+#include "process/capturedrun.h"
 #include "quicktime/codecinventory.h"
 #include "sys/publication.h"
 
@@ -195,6 +196,8 @@ void StartUp::restorePreferences()
         model.prefDefautDstPathStr.setStringValue(folder);
         model.mainEncDstPathStr.setStringValue(folder);
     }
+    // Of what the program itself waits for, a clip's play lists among it.
+    setCapturedSilence(silenceLimit(pref::silenceAnalysis));
     prefSynchronize();
 }
 
@@ -208,6 +211,11 @@ void StartUp::removeLeftOverIntermediate()
         const QByteArray file = currentValue(ownFile).toUtf8();
         if (const auto own = publication::readTerms(file.constData(), nullptr).replaceable) {
             guard.noteOwn(*own);
+            // Disks of cameras and sticks number their files anew when they are plugged in again.
+            const std::optional<FileIdentity> now = OutputGuard::intermediateOf(output);
+            if (now && own->size > 0 && now->size == own->size && now->modified == own->modified) {
+                guard.noteOwn(*now);
+            }
         }
         guard.removeIntermediate(output);
     }

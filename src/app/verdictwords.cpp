@@ -1,11 +1,14 @@
 #include "app/verdictwords.h"
 
 #include "base/format.h"
+#include "base/shownvalues.h"
 #include "probe/batchtexts.h"
 
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace tavrix
 {
@@ -60,7 +63,7 @@ QString filled(const Words& words, const Finding& finding)
     case Fill::Nothing:
         return text;
     case Fill::Seconds:
-        return formatText(text, {finding.seconds, finding.ofSeconds});
+        return formatText(text, {shownDecimal(finding.seconds, 1), shownDecimal(finding.ofSeconds, 1)});
     case Fill::Count:
         return formatText(text, {qint64(finding.count)});
     case Fill::CountOfCount:
@@ -69,6 +72,15 @@ QString filled(const Words& words, const Finding& finding)
         return formatText(text, {QString::fromStdString(finding.text)});
     }
     return text;
+}
+
+// "0:04.2": minutes and seconds into the clip.
+QString clockWords(double seconds)
+{
+    const long long tenths = std::llround(std::max(0.0, seconds) * 10);
+    const QString rest = shownDecimal(static_cast<double>(tenths % 600) / 10, 1);
+    return formatText(QStringLiteral("%lld:%@%@"),
+                      {qint64(tenths / 600), QLatin1String(tenths % 600 < 100 ? "0" : ""), rest});
 }
 
 QString findingWords(const Finding& finding)
@@ -84,7 +96,7 @@ QString findingWords(const Finding& finding)
         if (!finding.from) {
             return text;
         }
-        return formatText(batchText("Row_from"), {text, QString::fromStdString(judge::clockText(*finding.from))});
+        return formatText(batchText("Row_from"), {text, clockWords(*finding.from)});
     }
     return QString::fromStdString(judge::englishText(finding));
 }

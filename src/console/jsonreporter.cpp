@@ -17,10 +17,12 @@ namespace
 
 // What a script may rely on, documented in docs/console.md. The record's other keys are the program's own affair; these
 // are spelled out here, so that renaming one inside cannot change the output unseen.
-constexpr std::array publicKeys = {
-    "wrapper", "w_duration", "w_offset",   "w_bitrate",   "v0_codec", "v0_width",      "v0_height",
-    "v0_fps",  "v0_aspect",  "v0_bitrate", "v0_par",      "v0_dar",   "v0_chroma",     "a0_codec",
-    "a0_lang", "a0_rate",    "a0_bitrate", "a0_channels", "out",      "recordingDate", "recordingDateSource"};
+constexpr std::array publicKeys = {"wrapper",       "w_duration",         "w_offset",    "w_bitrate",
+                                   "v0_codec",      "v0_width",           "v0_height",   "v0_fps",
+                                   "v0_meanRate",   "v0_aspect",          "v0_bitrate",  "v0_par",
+                                   "v0_dar",        "v0_chroma",          "a0_codec",    "a0_lang",
+                                   "a0_rate",       "a0_bitrate",         "a0_channels", "out",
+                                   "recordingDate", "recordingDateSource"};
 
 QString name(const char* text)
 {

@@ -3,6 +3,7 @@
 #include "encode/encoderarguments.h"
 #include "encode/outputformats.h"
 #include "encode/sizeforecast.h"
+#include "probe/cameraclip.h"
 
 #include <algorithm>
 
@@ -34,7 +35,7 @@ qint64 outputForecast(const MediaInfoRecord& infos, int out)
     ForecastRequest request;
     request.out = out;
     request.seconds = infos.value(record::w_duration).toDouble();
-    request.rate = static_cast<double>(infos.value(record::v0_fps).toFloat());
+    request.rate = clipRate(infos).value_or(0);
     request.width = secondPassWidth;
     request.height = secondPassHeight;
     request.avi = encDstExtensionStr(out, infos.value(record::v0_codec).toString()) == QLatin1String("avi");

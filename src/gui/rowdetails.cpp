@@ -7,6 +7,8 @@
 #include "encode/outputname.h"
 #include "encode/rowforecast.h"
 #include "gui/windowtext.h"
+#include "probe/batchtexts.h"
+#include "probe/cameraclip.h"
 #include "probe/recordersources.h"
 #include "probe/recordingname.h"
 
@@ -153,10 +155,10 @@ QString RowDetails::description(const BatchRow& row)
         parts << formatText(QStringLiteral("%d × %d"),
                             {infos.value(record::v0_width).toInt(), infos.value(record::v0_height).toInt()});
     }
-    if (infos.contains(record::v0_fps)) {
-        const double rate = infos.value(record::v0_fps).toDouble();
-        const bool whole = qAbs(rate - qRound(rate)) < 0.005;
-        parts << windowText("Win_rate", {shownDecimal(rate, whole ? 0 : 2)});
+    if (const std::optional<double> rate = clipRate(infos)) {
+        const bool whole = qAbs(*rate - qRound(*rate)) < 0.005;
+        parts << (*rate > 0 ? windowText("Win_rate", {shownDecimal(*rate, whole ? 0 : 2)})
+                            : batchText("Clip_unevenRate"));
     }
     if (infos.contains(record::w_duration)) {
         parts << durationWords(infos.value(record::w_duration).toInt());

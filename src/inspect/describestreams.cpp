@@ -93,7 +93,8 @@ QString cropWords(const StreamView& view)
 
 void addRates(const StreamView& view, LineList& lines)
 {
-    const double rate = view.ofTool("fps").toDouble();
+    const QVariant mean = view.ofTool("meanRate");
+    const double rate = (mean.isValid() ? mean : view.ofTool("fps")).toDouble();
     if (rate > 0) {
         lines.add("Ins_frameRate", rateWords(rate));
     }

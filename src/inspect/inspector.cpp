@@ -11,6 +11,7 @@
 #include "inspect/toolrun.h"
 #include "inspect/words.h"
 #include "probe/batchtexts.h"
+#include "probe/cameraclip.h"
 #include "probe/ffinfos.h"
 #include "probe/ffprobes.h"
 #include "probe/intakelist.h"
@@ -111,6 +112,9 @@ void Inspector::readToolAnswer()
     const QString firstLine = QString::fromLatin1(answer.output.left(answer.output.indexOf('\n')));
     const QString code = interlacedYuvheaders2tvxStr(interlacingLetter(firstLine));
     inspection_.infos = analysisFf(transcript, code).value_or(MediaInfoRecord());
+    if (const std::optional<float> mean = meanRate(transcript)) {
+        inspection_.infos.insert(record::v0_meanRate, *mean);
+    }
     if (!inspection_.infos.contains(record::v0_width) && transcript_.contains(QLatin1String("Input #0"))) {
         describeAgain();
     }

@@ -13,6 +13,7 @@
 #include "inspect/words.h"
 #include "inspecttool/options.h"
 #include "probe/intakelist.h"
+#include "process/capturedrun.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -175,6 +176,8 @@ int main(int argc, char** argv)
     useUtf8Locale();
     QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
+    constexpr qint64 longestSilence = 60000; // milliseconds, as in an analysis
+    setCapturedSilence(longestSilence);
     const InspectOptions options = parseInspectOptions(QCoreApplication::arguments().mid(1));
     switch (options.mode) {
     case InspectOptions::Mode::Help:

@@ -89,6 +89,31 @@ QString interlacingLetter(const QString& headerLine)
     return at < 0 ? headerLine : headerLine.mid(at + 2, 1);
 }
 
+std::optional<double> clipRate(const MediaInfoRecord& infos)
+{
+    const QString key = infos.contains(record::v0_meanRate) ? record::v0_meanRate : record::v0_fps;
+    return infos.contains(key) ? std::optional(static_cast<double>(infos.value(key).toFloat())) : std::nullopt;
+}
+
+std::optional<float> meanRate(const QString& banner)
+{
+    for (const QString& line : linesToArray(banner)) {
+        if (!line.contains(QLatin1String(": Video: "))) {
+            continue;
+        }
+        bool thousands = false;
+        float mean = 0;
+        for (const QString& field : line.split(QStringLiteral(", "))) {
+            thousands = thousands || field.endsWith(QLatin1String("k tbr"));
+            if (field.endsWith(QLatin1String(" fps")) && !field.endsWith(QLatin1String("k fps"))) {
+                mean = static_cast<float>(floatPrefix(field));
+            }
+        }
+        return thousands ? std::optional(mean) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
 QString clipDescription(const MediaInfoRecord& infos)
 {
     QStringList parts;
@@ -99,8 +124,9 @@ QString clipDescription(const MediaInfoRecord& infos)
         parts << formatText(QStringLiteral("%dx%d"),
                             {infos.value(record::v0_width).toInt(), infos.value(record::v0_height).toInt()});
     }
-    if (infos.contains(record::v0_fps)) {
-        parts << textOf(infos.value(record::v0_fps)) + QStringLiteral(" fps");
+    if (const std::optional<double> rate = clipRate(infos)) {
+        const QString number = textOf(static_cast<float>(*rate));
+        parts << (*rate > 0 ? number + QStringLiteral(" fps") : batchText("Clip_unevenRate"));
     }
     if (infos.contains(record::w_duration)) {
         const int seconds = infos.value(record::w_duration).toInt();

@@ -26,6 +26,12 @@ struct ClipVerdict {
 // Interlacing letter of a YUV4MPEG stream header: the character after " I", else the whole line.
 [[nodiscard]] QString interlacingLetter(const QString& headerLine);
 
+// Pictures per second as a person counts them; 0 when they come unevenly, no value when nothing is known.
+[[nodiscard]] std::optional<double> clipRate(const MediaInfoRecord& infos);
+// The mean rate that a description of a source gives beside a rate in thousands: that one is the unit of its clock, and
+// the record takes its digits for pictures. 0 when it gives none; no value when the rate is one of pictures.
+[[nodiscard]] std::optional<float> meanRate(const QString& banner);
+
 // One line that tells what a source is: codec, size, rate, duration.
 [[nodiscard]] QString clipDescription(const MediaInfoRecord& infos);
 

@@ -27,8 +27,10 @@ inline const QString v0_width = QStringLiteral("v0_width");     // pixels, int
 inline const QString v0_height = QStringLiteral("v0_height");   // pixels, int
 inline const QString v0_codec = QStringLiteral("v0_codec");     // codec name, text
 inline const QString v0_fps = QStringLiteral("v0_fps");         // frames per second, float
-inline const QString v0_aspect = QStringLiteral("v0_aspect");   // display aspect chosen for the source, float
-inline const QString a0_offset = QStringLiteral("a0_offset");   // time value in the track's own scale, qint64
+// Mean pictures per second, float; 0 when they are not even. Missing where v0_fps tells them.
+inline const QString v0_meanRate = QStringLiteral("v0_meanRate");
+inline const QString v0_aspect = QStringLiteral("v0_aspect"); // display aspect chosen for the source, float
+inline const QString a0_offset = QStringLiteral("a0_offset"); // time value in the track's own scale, qint64
 inline const QString mainEncSrcPathStr = QStringLiteral("mainEncSrcPathStr"); // full path of the source
 inline const QString imgPathStr = QStringLiteral("imgPathStr");               // full path of the thumbnail
 inline const QString out = QString::fromLatin1(secondpass::format);           // output format, int

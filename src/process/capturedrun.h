@@ -24,4 +24,8 @@ struct CapturedRun {
 [[nodiscard]] std::optional<CapturedRun> runCaptured(ChildSetup setup, bool errorToo = false,
                                                      const std::function<void(int)>& started = {});
 
+// From now on a captured child is killed, and gives no value, when it has neither said nor done anything for that long
+// (see SilenceWatch): the whole program waits for it. 0, as at first, waits for ever.
+void setCapturedSilence(qint64 milliseconds);
+
 } // namespace tavrix

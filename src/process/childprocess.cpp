@@ -110,6 +110,7 @@ bool ChildProcess::reapIfEnded()
     exit_.reset();
     if (end) {
         status_ = (*end)->code;
+        bySignal_ = (*end)->bySignal;
     } else {
         logLine(QStringLiteral("exit status of %d     :-( %@"), {pid_, QString::fromStdString(end.reason())});
     }

@@ -52,6 +52,8 @@ public:
     bool reapIfEnded();
     // Exit status, or the number of the signal that ended it. Valid after reaping.
     [[nodiscard]] int status() const { return status_; }
+    // Whether that is the number of a signal. Valid after reaping.
+    [[nodiscard]] bool endedBySignal() const { return bySignal_; }
 
 private:
     ChildProcess() = default;
@@ -60,6 +62,7 @@ private:
     Descriptor exit_;
     bool reaped_ = false;
     int status_ = statusNotStarted;
+    bool bySignal_ = false;
 };
 
 // Kills the groups of all children that are not reaped, in order, waits a moment for their end, and leaves whatever

@@ -60,7 +60,7 @@ struct taskLauncher::Private {
     void begin(Chain&& started);
     void watch();
     void processEnded(size_t index);
-    void lastProcessEnded(int status);
+    void lastProcessEnded(int status, bool bySignal);
     void streamReadable(Stream& stream);
     void readOnce(Stream& stream);
     void drainStep();
@@ -80,6 +80,7 @@ struct taskLauncher::Private {
     bool held = false; // something waits for the gate
     bool lastEnded = false;
     int lastStatus = 0;
+    bool lastBySignal = false;
     bool alreadyNotified = false;
     bool isRunning = false;
     bool isSuspended = false;
@@ -102,7 +103,7 @@ void taskLauncher::Private::begin(Chain&& started)
     lastEnded = false;
     watch();
     if (!started.lastExists) {
-        lastProcessEnded(ChildProcess::statusNotStarted);
+        lastProcessEnded(ChildProcess::statusNotStarted, false);
     }
 }
 
@@ -140,16 +141,17 @@ void taskLauncher::Private::processEnded(size_t index)
     }
     exitNotifiers[index].reset();
     if (index + 1 == tasks.size() && !lastEnded) {
-        lastProcessEnded(tasks[index].status());
+        lastProcessEnded(tasks[index].status(), tasks[index].endedBySignal());
     }
 }
 
 // Only what waits in the pipes now was written by the chain itself: a background job that holds them open may write for
 // ever and must not delay the end.
-void taskLauncher::Private::lastProcessEnded(int status)
+void taskLauncher::Private::lastProcessEnded(int status, bool bySignal)
 {
     lastEnded = true;
     lastStatus = status;
+    lastBySignal = bySignal;
     for (Stream& stream : streams) {
         stream.notifier.reset();
         stream.left = waitingBytes(stream.fd.get());
@@ -326,6 +328,11 @@ bool taskLauncher::isSuspended() const
 int taskLauncher::terminationStatus() const
 {
     return d_->terminationStatus;
+}
+
+bool taskLauncher::endedBySignal() const
+{
+    return d_->terminateNoAbort && d_->lastBySignal;
 }
 
 ChildActivity taskLauncher::activity() const

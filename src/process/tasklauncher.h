@@ -69,6 +69,8 @@ public:
     // Exit status of the last process (the signal's number when a signal ended it, 127 when it could not be started),
     // or statusInterrupted after a kill.
     [[nodiscard]] virtual int terminationStatus() const;
+    // Whether the last process was ended by a signal other than a kill by this object.
+    [[nodiscard]] virtual bool endedBySignal() const;
 
     // What the chain's processes, and those that they have started, have done so far.
     [[nodiscard]] virtual ChildActivity activity() const;

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstring>
 #include <poll.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -42,6 +43,16 @@ void killGroup(pid_t pid)
 }
 
 } // namespace
+
+std::string endText(const ChildEnd& end)
+{
+    const std::string number = std::to_string(end.code);
+    if (!end.bySignal) {
+        return "ended with status " + number;
+    }
+    const char* const name = strsignal(end.code);
+    return "ended by signal " + number + (name == nullptr ? "" : " (" + std::string(name) + ')');
+}
 
 Descriptor openExitDescriptor(pid_t pid, ExitWatch watch)
 {

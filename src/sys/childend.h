@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 #include <sys/types.h>
 
 namespace tavrix
@@ -20,6 +21,9 @@ struct ChildEnd {
 
     [[nodiscard]] bool operator==(const ChildEnd&) const = default;
 };
+
+// "ended by signal 11 (Segmentation fault)", "ended with status 1".
+[[nodiscard]] std::string endText(const ChildEnd& end);
 
 enum class ExitWatch { Kernel, Thread };
 

@@ -6,6 +6,9 @@
 #include "controllertest.h"
 #include "testresources.h"
 
+#include <QDir>
+#include <QFile>
+
 using namespace tavrix;
 using namespace tavrix::test;
 
@@ -113,6 +116,94 @@ TEST_F(PlainReason, OfAToolThatCannotBeStartedNamesIt)
     EXPECT_TRUE(rows().row(0).reason.endsWith(
         QStringLiteral("/tools/ffmpeg: this tool cannot be started; reinstall the program")))
         << rows().row(0).reason.toStdString();
+}
+
+TEST_F(PlainReason, OfACrashHasTheLastWordsBehind)
+{
+    const QString crash = QStringLiteral("ffmpeg: ended by signal 11 (Segmentation fault)\n");
+    EXPECT_TEXT(
+        tailReason(QStringLiteral("odd table\nframe= 1 time=1.0 \r") + crash),
+        QStringLiteral("ffmpeg ended unexpectedly: try again; if it happens with every clip, install the package "
+                       "ffmpeg anew (ffmpeg: ended by signal 11 (Segmentation fault); odd table)"));
+    EXPECT_TRUE(tailReason(QStringLiteral("x: No space left on device\n") + crash)
+                    .startsWith(QStringLiteral("the disk is full: ")));
+    EXPECT_TRUE(tailReason(QStringLiteral("ffmpeg: ended by signal 9 (Killed)\n"))
+                    .startsWith(QStringLiteral("the tool was killed, perhaps for lack of memory: ")));
+    EXPECT_TEXT(tailReason(QStringLiteral("/d/ffmpeg: ended early.mts: odd\n")),
+                QStringLiteral("/d/ffmpeg: ended early.mts: odd"));
+    EXPECT_TRUE(tailReason(QString()).isNull());
+}
+
+// "no video that can be read" blamed the clip.
+TEST_F(PlainReason, OfACrashInTheAnalysisIsNotTheClips)
+{
+    QStringList reasons;
+    QObject::connect(controller.get(), &appDelegate::sourceRejected, controller.get(),
+                     [&reasons](const QString&, const QString& reason) { reasons << reason; });
+    const QString source = clip(QStringLiteral("a.mts"));
+    for (const char* text : {"FFmpeg version x\nffmpeg: ended by signal 11 (Segmentation fault)\n",
+                             "ffmpeg: ended with status 1 and said nothing\n"}) {
+        tools.clips[source].text = QString::fromUtf8(text);
+        controller->draggedFiles({source});
+        ASSERT_TRUE(tools.finish(ToolKind::Decode, 1));
+        ASSERT_FALSE(reasons.isEmpty());
+        EXPECT_TRUE(reasons.last().startsWith(QStringLiteral("ffmpeg ended unexpectedly: "))) << text;
+    }
+    tools.clips[source].text = QString();
+    controller->draggedFiles({source});
+    const FakeTools::Launch launch = tools.current(ToolKind::Decode);
+    launch.launcher->endBySignal(9);
+    EXPECT_TRUE(reasons.last().endsWith(QStringLiteral("(ffmpeg: ended by signal 9 (Killed))")))
+        << reasons.last().toStdString();
+    EXPECT_EQ(reasons.size(), 3);
+    expectIdle();
+}
+
+// It was said to have written no output.
+TEST_F(PlainReason, OfACrashInTheSecondPassNamesItsSignal)
+{
+    setPRORES(1);
+    addRows(makeClips(1));
+    rows().setOut(0, 5);
+    pressStart();
+    ASSERT_TRUE(tools.finish(ToolKind::Encode));
+    const FakeTools::Launch launch = tools.current(ToolKind::SecondPass);
+    ASSERT_TRUE(launch.launcher);
+    launch.launcher->write(QStringLiteral("Processing (10%)\n"));
+    launch.launcher->endBySignal(11);
+    EXPECT_TEXT(
+        rows().row(0).reason,
+        QStringLiteral("the encoder ended unexpectedly: try again; if it happens with every clip, reinstall the "
+                       "program (movencoder: ended by signal 11 (Segmentation fault))"));
+}
+
+// The clip was said to be missing.
+TEST_F(PlainReason, OfAFirstPassThatHasGoneMeanwhile)
+{
+    setPRORES(1);
+    addRows(makeClips(1));
+    rows().setOut(0, 5);
+    pressStart();
+    ASSERT_TRUE(tools.finish(ToolKind::Encode));
+    const FakeTools::Launch launch = tools.current(ToolKind::SecondPass);
+    ASSERT_TRUE(launch.launcher);
+    ASSERT_TRUE(QFile::remove(launch.source()));
+    launch.launcher->write(QStringLiteral("movencoder: clip01.mts: No such file or directory\n"));
+    launch.launcher->end(1);
+    EXPECT_TRUE(rows().row(0).reason.startsWith(QStringLiteral("the first pass's movie has gone or was changed")))
+        << rows().row(0).reason.toStdString();
+}
+
+// It was told as a lack of room.
+TEST_F(PlainReason, OfAFolderThatHasGoneMeanwhile)
+{
+    addRows(makeClips(1));
+    pressStart();
+    ASSERT_TRUE(QDir(events).removeRecursively());
+    ASSERT_TRUE(tools.finish(ToolKind::Encode, 1));
+    EXPECT_TEXT(rows().row(0).reason,
+                events + QStringLiteral(": this folder has gone meanwhile: connect its disk again "
+                                        "or choose another destination"));
 }
 
 TEST_F(PlainReason, OfTheSecondPassNeedsItsTrueRoom)

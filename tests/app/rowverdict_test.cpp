@@ -2,6 +2,7 @@
 
 #include "app/rowverdict.h"
 #include "app/verdictwords.h"
+#include "base/localisation.h"
 #include "judge/verdictline.h"
 
 using namespace tavrix;
@@ -65,6 +66,20 @@ TEST(RowVerdict, IsNothingWhereNoToolHasJudged)
 class VerdictWords : public ControllerTest
 {
 };
+
+TEST_F(VerdictWords, ShowNumbersAsTheLanguageDoes)
+{
+    Verdict verdict = endedEarly;
+    verdict.findings.push_back(damaged.findings.front());
+    for (const char* language : {"fr", "de"}) {
+        setLanguage(text(language));
+        const QString words = verdictWords(verdict);
+        EXPECT_TRUE(words.contains(QStringLiteral("9,8")) && words.contains(QStringLiteral("20,0"))) << language;
+        EXPECT_TRUE(words.endsWith(QStringLiteral("0:04,2"))) << words.toStdString();
+    }
+    setLanguage(QStringLiteral("en"));
+    EXPECT_TRUE(verdictWords(verdict).startsWith(QStringLiteral("Incomplete: 9.8 of 20.0 s could be read")));
+}
 
 TEST_F(VerdictWords, TellWhatIsMissingAndFromWhereOn)
 {

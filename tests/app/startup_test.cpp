@@ -140,6 +140,31 @@ TEST_F(StartUp, IntermediateOfARunKilledBetweenItsPassesIsRemoved)
     EXPECT_FALSE(itemExists(master));
 }
 
+// After the disk was plugged in anew, its file systems without lasting numbers give the movie another one.
+TEST_F(StartUp, IntermediateUnderAnotherNumberIsKnownByItsSizeAndTime)
+{
+    const QString output = folder.path(QStringLiteral("Movies/Tavrix events/clip-2026-01-02 03;04;05-00001.mov"));
+    const QString master = oldSrcPathStr2DstPathStr(output);
+    for (const bool same : {false, true}) {
+        ASSERT_TRUE(QDir().mkpath(folder.path(QStringLiteral("Movies/Tavrix events"))));
+        ASSERT_TRUE(writeBytes(master, "first pass"));
+        const auto status = linkStatus(qPrintable(master));
+        ASSERT_TRUE(status);
+        FileIdentity noted = identityOf(*status);
+        noted.device += 1;
+        noted.inode += 1;
+        noted.size += same ? 0 : 1;
+        prefWriteDico(pref::processEncDico,
+                      QVariantMap({{record::dstPathStr, output},
+                                   {record::purgePathStr1, master},
+                                   {ownFile, QString::fromStdString(publication::replacesText(noted))}}));
+        ASSERT_TRUE(prefSynchronize());
+        prefReload();
+        ASSERT_TRUE(start());
+        EXPECT_EQ(itemExists(master), !same);
+    }
+}
+
 TEST_F(StartUp, SettingsAreRestored)
 {
     prefWrite(pref::prefCheckMatrix, 0);

@@ -112,7 +112,9 @@ class Run:
             said += [event.get("text", "") for event in self.named("no JSON")]
         if not any(said):
             with open(self.log, errors="replace") as file:
-                said += file.read().splitlines()[-1:]
+                lines = file.read().splitlines()
+            # A wrong command line is told before the usage.
+            said += [line for line in lines if line.startswith("tavrix-batch: ")][:1] or lines[-1:]
         return "; ".join(word.strip() for word in said if word.strip())
 
 

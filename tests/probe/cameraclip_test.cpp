@@ -222,4 +222,36 @@ TEST(CameraClip, DescriptionTellsWhatIsKnown)
     EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, 29.97 fps"));
     infos.insert(record::w_duration, 65);
     EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, 29.97 fps, 1:05"));
+    // The unit of a clock is no rate: "90 fps" was shown.
+    infos.insert(record::v0_meanRate, 10.51F);
+    EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, 10.51 fps, 1:05"));
+    infos.insert(record::v0_meanRate, 0.0F);
+    EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, uneven rate, 1:05"));
 }
+
+struct MeanRow {
+    const char* name;
+    const char* line;
+    std::optional<float> mean;
+};
+
+class MeanRate : public testing::TestWithParam<MeanRow>
+{
+};
+
+TEST_P(MeanRate, StandsBesideTheUnitOfAClock)
+{
+    const QString banner = QStringLiteral("Input #0, mov, from 'k tbr':\n") + text(GetParam().line) + QLatin1Char('\n');
+    EXPECT_EQ(meanRate(banner), GetParam().mean);
+}
+
+const MeanRow meanRows[] = {
+    {"Clock", "    Stream #0.0(eng): Video: h264, yuv420p, 1280x720, 10.51 fps, 90k tbr, 90k tbn, 180k tbc", 10.51F},
+    {"ClockAtTheEnd", "    Stream #0.0: Video: h264, yuv420p, 1280x720, 50 fps, 90k tbr", 50.0F},
+    {"NoMean", "    Stream #0.0: Video: h264, yuv420p, 1280x720, 90k tbr, 90k tbn", 0.0F},
+    {"MeanIsAClockToo", "    Stream #0.0: Video: h264, yuv420p, 1280x720, 90k fps, 90k tbr", 0.0F},
+    {"Pictures", "    Stream #0.0: Video: h264, yuv420p, 1280x720, 59.94 fps, 59.94 tbr, 90k tbn", std::nullopt},
+    {"NoPicture", "    Stream #0.0: Audio: ac3, 48000 Hz, stereo", std::nullopt},
+};
+
+INSTANTIATE_TEST_SUITE_P(CameraClip, MeanRate, testing::ValuesIn(meanRows), rowName<MeanRow>);

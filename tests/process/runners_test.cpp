@@ -55,6 +55,18 @@ INSTANTIATE_TEST_SUITE_P(Commands, ShellText,
                                          ShellRow{"Nothing", nullptr, nullptr, nullptr}),
                          rowName<ShellRow>);
 
+// The whole program waits for such a child: a disk that does not answer would hang it.
+TEST(Runners, EndAChildThatSaysAndDoesNothing)
+{
+    const LogCapture log;
+    setCapturedSilence(600);
+    EXPECT_TEXT(taskWithStr(QStringLiteral("echo early; sleep 1000")), text(nullptr));
+    setCapturedSilence(0);
+    EXPECT_TRUE(
+        log.contains(QStringLiteral("task failure        :-( /bin/sh : it said and did nothing and was ended")));
+    EXPECT_FALSE(hasChildren());
+}
+
 TEST(Runners, CollectMoreThanAPipeHolds)
 {
     for (const int size : {65536, 65537, 3000000}) {

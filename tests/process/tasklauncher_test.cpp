@@ -66,6 +66,7 @@ struct EndRow {
     QStringList actions;
     int status;
     const char* text;
+    bool bySignal = false;
 };
 
 class NaturalEnd : public testing::TestWithParam<EndRow>
@@ -81,6 +82,7 @@ TEST_P(NaturalEnd, IsReportedOnceAfterAllOutput)
     EXPECT_TRUE(launcher.isRunning());
     ASSERT_TRUE(waitUntil([&] { return recorder.ends > 0; }));
     EXPECT_EQ(launcher.terminationStatus(), GetParam().status);
+    EXPECT_EQ(launcher.endedBySignal(), GetParam().bySignal);
     EXPECT_FALSE(launcher.isRunning());
     EXPECT_TEXT(recorder.text, text(GetParam().text));
     EXPECT_TEXT(recorder.events.last(), QStringLiteral("end:%1").arg(GetParam().status));
@@ -99,8 +101,8 @@ QStringList words(const char* utf8)
 INSTANTIATE_TEST_SUITE_P(Children, NaturalEnd,
                          testing::Values(EndRow{"Silent", words("exit 0"), 0, nullptr},
                                          EndRow{"Status", words("exit 7"), 7, nullptr},
-                                         EndRow{"StatusOfSignal", words("signal 9"), 9, nullptr},
-                                         EndRow{"Crash", words("out last crash"), 11, "last"},
+                                         EndRow{"StatusOfSignal", words("signal 9"), 9, nullptr, true},
+                                         EndRow{"Crash", words("out last crash"), 11, "last", true},
                                          EndRow{"HalfALine", words("out half"), 0, "half"},
                                          EndRow{"BrokenUtf8GivesNoText", words("bytes 41c3"), 0, nullptr},
                                          EndRow{"ErrorStream", words("err oops exit 3"), 3, "oops"},

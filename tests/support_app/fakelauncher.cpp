@@ -92,6 +92,12 @@ void FakeLauncher::end(int status)
         true);
 }
 
+void FakeLauncher::endBySignal(int signal)
+{
+    bySignal_ = true;
+    end(signal);
+}
+
 // The last thing it does is the delivery, which may destroy this object.
 void FakeLauncher::keep(std::function<void()> event, bool isEnd)
 {

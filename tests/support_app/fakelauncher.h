@@ -25,6 +25,7 @@ public:
     [[nodiscard]] bool isRunning() const override { return running_; }
     [[nodiscard]] bool isSuspended() const override { return suspended_; }
     [[nodiscard]] int terminationStatus() const override { return status_; }
+    [[nodiscard]] bool endedBySignal() const override { return bySignal_; }
     void suspend() override;
     void resume() override;
     void terminate() override;
@@ -35,6 +36,7 @@ public:
     // What the pretended chain does. Nothing happens after it has ended.
     void write(const QString& text);
     void end(int status);
+    void endBySignal(int signal);
 
     [[nodiscard]] const QStringList& arguments() const { return arguments_; }
     // Told to end, or ended by itself with the report still waiting.
@@ -55,6 +57,7 @@ private:
     bool endedByItself_ = false;
     bool reported_ = false;
     int status_ = 0;
+    bool bySignal_ = false;
 };
 
 } // namespace tavrix::test

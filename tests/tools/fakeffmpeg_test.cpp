@@ -50,6 +50,16 @@ TEST_F(FakeFfmpeg, GivesItsStatusToTheCaller)
     EXPECT_EQ(runWith("kill -9 $$", {"-i", "x"}).code, 128 + 9);
 }
 
+TEST_F(FakeFfmpeg, EndWithoutAReasonIsTold)
+{
+    EXPECT_TRUE(contains(runWith("kill -SEGV $$", {"-i", "x"}).err, "ffmpeg: ended by signal 11 ("));
+    EXPECT_TRUE(contains(runWith("exit 1", {"-i", "x"}).err, "ffmpeg: ended with status 1 and said nothing\n"));
+    const Words encode = {"-i", "x", "-y", output()};
+    EXPECT_TRUE(contains(runWith("exit 0", encode).err, "ffmpeg: ended with status 0 and said nothing\n"));
+    EXPECT_FALSE(contains(runWith("echo 'x: Unknown' >&2; exit 1", encode).err, "ended"));
+    EXPECT_FALSE(contains(runWith(writes("data") + "exit 0", encode).err, "ended"));
+}
+
 TEST_F(FakeFfmpeg, PublishesAfterAGoodEndOnly)
 {
     EXPECT_EQ(runWith(writes("data") + "exit 3", {"-i", "x", "-y", output()}).code, 3);

@@ -58,6 +58,7 @@ private:
 struct Attempt {
     std::optional<ChildEnd> end;
     Findings findings;
+    bool spoke = false; // ffmpeg has written a line
     std::string error;
 };
 
@@ -173,6 +174,7 @@ private:
         printer.hold();
         const bool first = dialect == Dialect();
         LineSplitter splitter([&](std::string_view line, char end) {
+            attempt.spoke = true;
             if (kept_) {
                 kept_->hear(line);
             }
@@ -211,15 +213,18 @@ private:
             return notInstalled;
         }
         if (attempt.end->bySignal) {
+            tellEnd(attempt);
             return 128 + attempt.end->code;
         }
         if (attempt.end->code != 0) {
             explain(attempt.findings);
+            tellEnd(attempt);
             return attempt.end->code;
         }
         if (const auto unfit = publishable(attempt.findings); !unfit) {
             printLine(unfit.reason());
             explain(attempt.findings);
+            tellEnd(attempt);
             return 1;
         }
         if (const auto finished = finish(); !finished) {
@@ -274,6 +279,16 @@ private:
             return Failure{"Output without content, discarded"};
         }
         return {};
+    }
+
+    // Of an end that ffmpeg itself has given no reason for.
+    static void tellEnd(const Attempt& attempt)
+    {
+        if (attempt.end->bySignal) {
+            print("ffmpeg: " + endText(*attempt.end));
+        } else if (!attempt.spoke) {
+            print("ffmpeg: " + endText(*attempt.end) + " and said nothing");
+        }
     }
 
     // The last line is the one that a person reads: ffmpeg's own often says only that it failed.

@@ -1,0 +1,49 @@
+#include "app/rowwords.h"
+
+#include "app/alerttext.h"
+#include "app/verdictwords.h"
+#include "base/fileops.h"
+#include "base/filesizes.h"
+#include "base/format.h"
+#include "base/paths.h"
+#include "base/shownname.h"
+#include "base/shownvalues.h"
+#include "probe/batchtexts.h"
+
+namespace tavrix
+{
+
+namespace
+{
+
+// Size and date of a file, on one line.
+QString fileWords(const char* key, const QString& path)
+{
+    const std::optional<qint64> date = creationSeconds(path);
+    return formatText(alertText(key), {shownText(lastPathComponent(path)),
+                                       shownSize(static_cast<qint64>(poidsFile(path, QStringLiteral("O")))),
+                                       date ? shownDate(*date) : QStringLiteral("?")});
+}
+
+} // namespace
+
+QString replaceWords(const QString& source, const QString& output)
+{
+    return alertText("D_go_dossier_destination4Bis") + QLatin1Char('\n') + fileWords("D_replaceOld", output) +
+           QLatin1Char('\n') + fileWords("D_replaceNew", source);
+}
+
+QString olderKeptWords(judge::Verdict verdict)
+{
+    verdict.outcome = judge::Outcome::Failed;
+    verdict.findings.insert(verdict.findings.begin(), {.cause = judge::Cause::OlderKept});
+    return verdictWords(verdict);
+}
+
+QString folderGone(const QString& output)
+{
+    const QString folder = stringByDeletingLastPathComponent(output);
+    return isFolder(folder) ? QString() : formatText(batchText("Enc_folderGone"), {shownText(folder)});
+}
+
+} // namespace tavrix
