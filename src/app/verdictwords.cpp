@@ -80,7 +80,7 @@ QString clockWords(double seconds)
     const long long tenths = std::llround(std::max(0.0, seconds) * 10);
     const QString rest = shownDecimal(static_cast<double>(tenths % 600) / 10, 1);
     return formatText(QStringLiteral("%lld:%@%@"),
-                      {qint64(tenths / 600), QLatin1String(tenths % 600 < 100 ? "0" : ""), rest});
+                      {qint64(tenths / 600), QString(tenths % 600 < 100 ? 1 : 0, u'0'), rest});
 }
 
 QString findingWords(const Finding& finding)

@@ -285,9 +285,9 @@ private:
     static void tellEnd(const Attempt& attempt)
     {
         if (attempt.end->bySignal) {
-            print("ffmpeg: " + endText(*attempt.end));
+            printLine("ffmpeg: " + endText(*attempt.end));
         } else if (!attempt.spoke) {
-            print("ffmpeg: " + endText(*attempt.end) + " and said nothing");
+            printLine("ffmpeg: " + endText(*attempt.end) + " and said nothing");
         }
     }
 
