@@ -1,13 +1,11 @@
 #include "app/oldtools.h"
 
 #include "base/bundle.h"
-#include "base/conversions.h"
 #include "base/format.h"
 #include "base/log.h"
 #include "base/paths.h"
-#include "base/text.h"
-#include "process/runners.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -68,6 +66,28 @@ bool isOwn(int pid)
     return ::stat(folder.constData(), &info) == 0 && info.st_uid == ::geteuid();
 }
 
+QList<int> runningProcesses()
+{
+    QList<int> pids;
+    const QStringList names =
+        QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    for (const QString& name : names) {
+        bool number = false;
+        const int pid = name.toInt(&number);
+        if (number && pid > 0) {
+            pids << pid;
+        }
+    }
+    return pids;
+}
+
+// Whether the command of `leftOverToolCommand` shows the process: by a line that holds the path, and none of grep's.
+bool isListed(int pid, const QString& path)
+{
+    const QByteArray line = procFile(pid, "cmdline").replace('\0', ' ');
+    return line.contains(nativePath(path)) && !line.contains("grep");
+}
+
 } // namespace
 
 QString leftOverToolCommand(const QString& toolsFolder, const QString& tool)
@@ -83,20 +103,20 @@ QString leftOverToolCommand(const QString& toolsFolder, const QString& tool)
                       {path});
 }
 
+// The shell's listing takes six programs and longer than all the rest of the start; what it shows is in /proc.
 QList<int> leftOverToolPids(const QString& tool)
 {
     const QString folder = toolsFolder();
-    const QString command = leftOverToolCommand(folder, tool);
-    if (command.isNull()) {
+    if (leftOverToolCommand(folder, tool).isNull()) {
         logLine(QStringLiteral("vieux process       :-( %@"), {folder});
         return {};
     }
     QList<int> pids;
-    for (const QString& line : linesToArray(taskWithStr(command))) {
-        const int pid = leadingInteger(line);
+    const QString path = toolPath(tool);
+    for (const int pid : runningProcesses()) {
         // The listing also shows processes that merely have the path among their arguments.
-        if (pid > 0 && pid != ::getpid() && pid != ::getppid() && isOwn(pid) && hasSameHome(pid) && isOrphan(pid) &&
-            runsTool(pid, toolPath(tool))) {
+        if (pid != ::getpid() && pid != ::getppid() && isOwn(pid) && isListed(pid, path) && hasSameHome(pid) &&
+            isOrphan(pid) && runsTool(pid, path)) {
             pids << pid;
         }
     }

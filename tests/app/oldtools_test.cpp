@@ -122,6 +122,28 @@ TEST_F(LeftOver, ToolIsFoundAndKilled)
     EXPECT_TRUE(leftOverToolPids(QStringLiteral("ffmpeg")).isEmpty());
 }
 
+TEST_F(LeftOver, ToolIsFoundAsTheShellsListingFindsIt)
+{
+    makeToolAProgram();
+    QProcess process;
+    ownedBy(process, endedProgram());
+    start(process, tool, {longTime});
+    QProcess listing;
+    listing.start(QStringLiteral("/bin/sh"),
+                  {QStringLiteral("-c"), leftOverToolCommand(QFileInfo(tool).path(), QStringLiteral("ffmpeg"))});
+    ASSERT_TRUE(listing.waitForFinished());
+    QList<int> listed;
+    for (const QByteArray& line : listing.readAllStandardOutput().split('\n')) {
+        // The shell itself has the path among its arguments.
+        if (line.toInt() == process.processId()) {
+            listed << line.toInt();
+        }
+    }
+    EXPECT_EQ(listed.size(), 1);
+    EXPECT_EQ(leftOverToolPids(QStringLiteral("ffmpeg")), listed);
+    finish(process);
+}
+
 // Whoever ran the second pass's tool in a terminal lost it when the program was started.
 TEST_F(LeftOver, ToolThatIsRunByHandIsSpared)
 {
