@@ -57,6 +57,21 @@ std::optional<std::array<int, 4>> codedNumbers(ByteView four, std::size_t from)
     return numbers;
 }
 
+constexpr std::array<std::uint8_t, 3> startCode = {0, 0, 1};
+
+// Where the unit behind the next start code begins; nothing when there is none. Megabytes are searched for each clip,
+// so the system's own search does it.
+std::optional<std::size_t> afterStartCode(ByteView stream, std::size_t from)
+{
+    const ByteView rest = stream.subspan(from);
+    const void* const found =
+        rest.empty() ? nullptr : memmem(rest.data(), rest.size(), startCode.data(), startCode.size());
+    if (found == nullptr) {
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(static_cast<const std::uint8_t*>(found) - stream.data()) + startCode.size();
+}
+
 // The bytes of a unit, without the ones that keep start codes from appearing in it.
 std::vector<std::uint8_t> withoutGuards(ByteView unit)
 {
@@ -195,12 +210,11 @@ std::optional<ClockTime> nalUnitDate(ByteView unit)
 
 std::optional<ClockTime> startCodeStreamDate(ByteView stream)
 {
-    constexpr std::array<std::uint8_t, 3> startCode = {0, 0, 1};
-    auto unit = std::search(stream.begin(), stream.end(), startCode.begin(), startCode.end());
-    while (unit != stream.end()) {
-        unit += startCode.size();
-        const auto next = std::search(unit, stream.end(), startCode.begin(), startCode.end());
-        if (const std::optional<ClockTime> date = nalUnitDate(ByteView(unit, next))) {
+    std::optional<std::size_t> unit = afterStartCode(stream, 0);
+    while (unit) {
+        const std::optional<std::size_t> next = afterStartCode(stream, *unit);
+        const std::size_t end = next ? *next - startCode.size() : stream.size();
+        if (const std::optional<ClockTime> date = nalUnitDate(stream.subspan(*unit, end - *unit))) {
             return date;
         }
         unit = next;
