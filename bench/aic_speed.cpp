@@ -111,7 +111,7 @@ EncodeOne makeAic()
 EncodeOne makeProRes(const char* name)
 {
     const AVCodec* codec = avcodec_find_encoder_by_name(name);
-    const std::shared_ptr<AVCodecContext> context(avcodec_alloc_context3(codec), movencoder::AvDeleter());
+    const std::shared_ptr<AVCodecContext> context(avcodec_alloc_context3(codec), media::AvDeleter());
     context->width = width;
     context->height = height;
     context->pix_fmt = AV_PIX_FMT_YUV422P10LE;
@@ -123,7 +123,7 @@ EncodeOne makeProRes(const char* name)
     if (avcodec_open2(context.get(), codec, nullptr) < 0) {
         std::abort();
     }
-    const std::shared_ptr<AVPacket> packet(av_packet_alloc(), movencoder::AvDeleter());
+    const std::shared_ptr<AVPacket> packet(av_packet_alloc(), media::AvDeleter());
     return [context, packet](const Pictures& pictures, int number) {
         const FramePtr frame(av_frame_clone(pictures.tenBits[static_cast<std::size_t>(number)].get()));
         frame->pts = number;

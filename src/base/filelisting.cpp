@@ -6,6 +6,8 @@
 #include "base/text.h"
 #include "sys/foldernames.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <fcntl.h>
 #include <string>
