@@ -325,7 +325,8 @@ RowEncode::Outcome RowEncode::finish()
     const bool vanished = state_ == State::Vanished;
     const QString output = currentValue(record::dstPathStr);
     const float duration = currentNumber(record::w_duration);
-    if (OutputGuard::intermediateOf(output) == intermediate_) {
+    // The second pass takes its name away as soon as it has opened it: what still has one was not read.
+    if (const std::optional<FileIdentity> now = OutputGuard::intermediateOf(output); !now || now == intermediate_) {
         intermediate_.reset();
     }
     guard_.removeIntermediate(output);

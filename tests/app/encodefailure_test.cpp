@@ -7,7 +7,6 @@
 #include "testresources.h"
 
 #include <QDir>
-#include <QFile>
 
 using namespace tavrix;
 using namespace tavrix::test;
@@ -177,8 +176,8 @@ TEST_F(PlainReason, OfACrashInTheSecondPassNamesItsSignal)
                        "program (movencoder: ended by signal 11 (Segmentation fault))"));
 }
 
-// The clip was said to be missing.
-TEST_F(PlainReason, OfAFirstPassThatHasGoneMeanwhile)
+// The clip was said to be damaged.
+TEST_F(PlainReason, OfAFirstPassThatWasChangedMeanwhile)
 {
     setPRORES(1);
     addRows(makeClips(1));
@@ -187,10 +186,10 @@ TEST_F(PlainReason, OfAFirstPassThatHasGoneMeanwhile)
     ASSERT_TRUE(tools.finish(ToolKind::Encode));
     const FakeTools::Launch launch = tools.current(ToolKind::SecondPass);
     ASSERT_TRUE(launch.launcher);
-    ASSERT_TRUE(QFile::remove(launch.source()));
-    launch.launcher->write(QStringLiteral("movencoder: clip01.mts: No such file or directory\n"));
+    ASSERT_TRUE(writeBytes(launch.source(), "cut"));
+    launch.launcher->write(QStringLiteral("movencoder: clip01.mts: Invalid data found when processing input\n"));
     launch.launcher->end(1);
-    EXPECT_TRUE(rows().row(0).reason.startsWith(QStringLiteral("the first pass's movie has gone or was changed")))
+    EXPECT_TRUE(rows().row(0).reason.startsWith(QStringLiteral("the first pass's movie was changed")))
         << rows().row(0).reason.toStdString();
 }
 
