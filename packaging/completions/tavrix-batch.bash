@@ -22,7 +22,7 @@ _tavrix_batch() {
             ;;
     esac
     if [[ $current == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--format --output --existing --dry-run --quiet --verbose --json --system --help --version -f -o -n -q -v -h" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "--format --output --existing --from --to --dry-run --quiet --verbose --json --system --help --version -f -o -n -q -v -h" -- "$current")
     else
         compopt -o filenames -o default
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

@@ -5,6 +5,8 @@ complete -c tavrix-batch -l existing -x -a 'replace\t"write it anew" keep\t"leav
 complete -c tavrix-batch -s n -l dry-run -d 'List what would be made'
 complete -c tavrix-batch -s q -l quiet -d 'Print only what goes wrong'
 complete -c tavrix-batch -s v -l verbose -d 'Print also dates, steps and times'
+complete -c tavrix-batch -l from -x -d 'Beginning of the part of each clip'
+complete -c tavrix-batch -l to -x -d 'End of the part of each clip'
 complete -c tavrix-batch -l json -d 'One JSON object a line instead of text'
 complete -c tavrix-batch -l system -d 'What a report of a problem needs'
 complete -c tavrix-batch -s h -l help -d 'Show a short description'

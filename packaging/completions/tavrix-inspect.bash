@@ -7,9 +7,9 @@ _tavrix_inspect() {
         current=
     fi
     if [[ $option == --export ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "wav" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "wav mov mov-fast" -- "$current")
     elif [[ $current == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--json --thorough --export --output --system --full-paths --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "--json --thorough --export --output --from --to --size --replace --progress --system --full-paths --help --version" -- "$current")
     else
         compopt -o filenames -o default
         mapfile -t COMPREPLY < <(compgen -f -- "$current")

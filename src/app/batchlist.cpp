@@ -189,6 +189,14 @@ void BatchList::setOut(int index, int out)
     }
 }
 
+void BatchList::setPart(int index, const std::optional<ClipPart>& part)
+{
+    if (index >= 0 && index < count()) {
+        rows_[index].part = part;
+        noteChange(index);
+    }
+}
+
 int BatchList::firstMovableRow() const
 {
     const auto running =

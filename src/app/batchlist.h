@@ -1,11 +1,13 @@
 #pragma once
 
+#include "base/cliptime.h"
 #include "probe/mediainforecord.h"
 
 #include <QAbstractListModel>
 #include <QList>
 
 #include <functional>
+#include <optional>
 
 namespace tavrix
 {
@@ -31,7 +33,8 @@ struct BatchRow {
     QString output;       // path of the finished output; nothing until then
     QString warning;      // what the finished output lacks, or what is odd about it; nothing when it is as it should be
     bool kept = false;    // failed only because what stood under its output's name was to be kept
-    bool incomplete = false; // the output holds all that could be read of a damaged source
+    std::optional<ClipPart> part = {}; // only this of the source is converted; nothing: all of it
+    bool incomplete = false;           // the output holds all that could be read of a damaged source
 
     // Full path of the source; "" for a row without a record.
     [[nodiscard]] QString source() const { return dico.value(record::mainEncSrcPathStr).toString(); }
@@ -81,6 +84,7 @@ public:
     void setOutput(int index, const QString& path);
     void setWarning(int index, const QString& warning, bool incomplete);
     void setOut(int index, int out);
+    void setPart(int index, const std::optional<ClipPart>& part);
 
     // Rows are dragged to another place. Only those behind the one being encoded can be moved, and stay behind it: what
     // runs next is found by its place.

@@ -170,6 +170,8 @@ void BatchMachine::takeRowStep()
     Next next = Next::Wait;
     if (takeFlag(pref::encDeb)) {
         next = row_.prepare();
+    } else if (takeFlag(pref::encPart)) {
+        next = row_.encodePart();
     } else if (takeFlag(pref::encQtEnc)) {
         next = row_.secondPass();
     } else if (takeFlag(pref::encFin)) {
@@ -205,9 +207,7 @@ void BatchMachine::launchPass()
         finishRow();
         return;
     }
-    const bool second = pass.parser == parseMovencoder;
-    const bool secondFollows = !prefRead(pref::encQtEnc).isEmpty();
-    progress_.setPass(second ? 2 : 1, second || secondFollows ? 2 : 1);
+    progress_.setPass(pass.number, pass.count);
     if (launch(pass.arguments, pass.maximum, pass.parser, pass.environment)) {
         tellStep(0);
     }

@@ -110,7 +110,7 @@ void RowEncode::begin(int row)
     state_ = State::Open;
     rows().setResultat(row, rowIcon::current);
     prefWrite(pref::encCurrentProcessingFile, rows().row(row).source());
-    prefWriteDico(pref::processEncDico, rows().row(row).dico);
+    prefWriteDico(pref::processEncDico, convertedRecord(rows().row(row)));
     setFlag(pref::encDeb);
     children_.beginRow();
     guard_.beginRow();
@@ -137,6 +137,10 @@ RowEncode::Next RowEncode::prepare()
         return refuse(row, formatText(batchText("Enc_noFolder"), {folder}));
     }
     const BatchRow& current = rows().row(row);
+    if (const double whole = current.dico.value(record::w_duration).toDouble();
+        current.part && whole > 0 && convertedShare(current) <= 0) {
+        return refuse(row, formatText(batchText("Enc_partBehind"), {clipTimeText(whole)}));
+    }
     const QString output = outputPath(destination, dateCreation2iMovieName(current.source()), current.out,
                                       textOf(current.dico.value(record::v0_codec)));
     guard_.lookAt(output);
@@ -144,7 +148,10 @@ RowEncode::Next RowEncode::prepare()
     // The second pass reads the format from here; the row's own value is the one in force.
     prefWriteChildDico(pref::processEncDico, record::out, current.out);
     const Next next = clearWay(row, output);
-    return next == Next::Launch ? firstPass(row, output) : next;
+    if (next != Next::Launch) {
+        return next;
+    }
+    return current.part ? partPass(row) : firstPass(row, output);
 }
 
 // Why the row cannot have its names, whatever a person would answer; nothing when it can.
@@ -183,7 +190,7 @@ RowEncode::Next RowEncode::clearWay(int row, const QString& output)
         return refuse(row, gone);
     }
     // The rule's own estimate knows nothing of rate and content; where it lets pass what cannot fit, this one does not.
-    const qint64 room = leastRoom(rows().row(row).dico, rows().row(row).out);
+    const qint64 room = leastRoom(convertedRecord(rows().row(row)), rows().row(row).out);
     if (!hasSpace(row, output)) {
         // The same words twice are no slip: there is nothing else to say.
         const After after = session_.tell(alertText("D_keep"), alertText("D_keep"));
@@ -220,10 +227,41 @@ Answer RowEncode::replaceAnswer(const QString& output)
 // By the estimate of the output's size, in megabytes.
 bool RowEncode::hasSpace(int row, const QString& output)
 {
-    const double sourceSize = poidsFile(currentValue(record::mainEncSrcPathStr), QStringLiteral("m"));
+    const double sourceSize =
+        poidsFile(currentValue(record::mainEncSrcPathStr), QStringLiteral("m")) * convertedShare(rows().row(row));
     const float estimate = encDstPoidsEstimatif(currentNumber(record::w_duration), sourceSize, rows().row(row).out);
     const int available = espaceDiskDispo(stringByDeletingLastPathComponent(output));
     return static_cast<double>(estimate) <= available;
+}
+
+// A movie of the part alone, from which the row is encoded as from any other clip.
+RowEncode::Next RowEncode::partPass(int row)
+{
+    const BatchRow& current = rows().row(row);
+    setFlag(pref::encPart);
+    const QStringList arguments = part_.begin(currentValue(record::mainEncSrcPathStr), *current.part);
+    constexpr float percents = 100;
+    launches({arguments, percents, parseMovencoder, {}, 1, hasSecondPass(current.out) ? 3 : 2});
+    session_.model().mainEncProgressCaptionStr.setStringValue(current.src);
+    return Next::Launch;
+}
+
+RowEncode::Next RowEncode::encodePart()
+{
+    const int row = currentRowIndex(rows());
+    if (row < 0) {
+        return Next::Finish;
+    }
+    const RowVerdict& verdict = children_.verdict();
+    if (!verdict.isGood() || !part_.isMade()) {
+        fail(row, children_.failureReason(part_.isMade()));
+        return Next::Finish;
+    }
+    if (verdict.verdict()->outcome == judge::Outcome::Incomplete && guard_.isTaken()) {
+        fail(row, olderKept(*verdict.verdict()));
+        return Next::Finish;
+    }
+    return firstPass(row, currentValue(record::dstPathStr));
 }
 
 RowEncode::Next RowEncode::firstPass(int row, const QString& output)
@@ -241,12 +279,16 @@ RowEncode::Next RowEncode::firstPass(int row, const QString& output)
                                         "destination         : %@\n"
                                         "format              : %d\n"),
                          {shownText(source), shownText(output), out}));
+    const std::optional<ClipPart>& part = rows().row(row).part;
+    if (part) {
+        logResume(formatText(QStringLiteral("part                : %@\n"), {partText(*part)}));
+    }
     if (hasSecondPass(out)) {
         setFlag(pref::encQtEnc);
     }
     const std::optional<QStringList> arguments =
-        encodage(source, output, currentValue(record::wrapper), currentValue(record::v0_codec),
-                 currentNumber(record::v0_fps), out, currentNumber(record::v0_aspect));
+        encodage(part ? PartFile::path() : source, output, part ? QStringLiteral("mov") : currentValue(record::wrapper),
+                 currentValue(record::v0_codec), currentNumber(record::v0_fps), out, currentNumber(record::v0_aspect));
     if (!arguments) {
         fail(row, batchText("Enc_noArguments"));
         prefDelete(pref::encQtEnc);
@@ -258,7 +300,8 @@ RowEncode::Next RowEncode::firstPass(int row, const QString& output)
         prefWriteChildDico(pref::processEncDico, record::purgePathStr1, intermediateName(output));
     }
     launches({*arguments, currentNumber(record::w_duration), parseFfmpeg,
-              two ? terms(std::nullopt, intermediateName(output)) : terms(guard_.standing())});
+              two ? terms(std::nullopt, intermediateName(output)) : terms(guard_.standing()), part ? 2 : 1,
+              (part ? 2 : 1) + (two ? 1 : 0)});
     session_.model().mainEncProgressCaptionStr.setStringValue(lastPathComponent(source));
     return Next::Launch;
 }
@@ -316,7 +359,8 @@ RowEncode::Next RowEncode::secondPass()
     }
     prefSynchronize();
     // The bar's range stays the clip's duration, although this tool counts percents.
-    launches({*arguments, duration, parseMovencoder, terms(guard_.standing())});
+    const int number = rows().row(row).part ? 3 : 2;
+    launches({*arguments, duration, parseMovencoder, terms(guard_.standing()), number, number});
     return Next::Launch;
 }
 
@@ -330,6 +374,7 @@ RowEncode::Outcome RowEncode::finish()
         intermediate_.reset();
     }
     guard_.removeIntermediate(output);
+    part_.remove();
     pass_ = {};
     prefDelete(pref::processEncDico);
     if (vanished) {

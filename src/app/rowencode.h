@@ -3,6 +3,7 @@
 // The life of one row, from its preparation to its judgement.
 
 #include "app/outputguard.h"
+#include "app/partfile.h"
 #include "app/rowchildren.h"
 #include "app/session.h"
 #include "process/tasklauncher.h"
@@ -42,6 +43,8 @@ public:
         int parser = 0;        // selector of the progress parser
         // The terms on which the tool may give its output a name.
         taskLauncher::Environment environment = {};
+        int number = 1; // among the row's passes
+        int count = 1;
     };
 
     explicit RowEncode(Session& session);
@@ -49,6 +52,8 @@ public:
     // The row's steps, in the order of its life.
     void begin(int row);
     [[nodiscard]] Next prepare();
+    // After the pass that makes the part, where only a part is converted.
+    [[nodiscard]] Next encodePart();
     [[nodiscard]] Next secondPass();
     [[nodiscard]] Outcome finish();
 
@@ -76,6 +81,7 @@ private:
     [[nodiscard]] QString refusal(int row, const QString& output) const;
     [[nodiscard]] Answer replaceAnswer(const QString& output);
     [[nodiscard]] bool hasSpace(int row, const QString& output);
+    [[nodiscard]] Next partPass(int row);
     [[nodiscard]] Next firstPass(int row, const QString& output);
     void launches(Pass pass);
     static void noteIntermediate(const FileIdentity& file);
@@ -88,6 +94,7 @@ private:
 
     Session& session_;
     OutputGuard guard_;
+    PartFile part_;
     Pass pass_;
     State state_ = State::None;
     qint64 startedAt_ = 0; // seconds since 1970

@@ -20,7 +20,7 @@ QStringList analysisFlags()
 
 QStringList encodeFlags()
 {
-    return {stepBatch, pref::encDeb, pref::encQtEnc, pref::encFin};
+    return {stepBatch, pref::encDeb, pref::encPart, pref::encQtEnc, pref::encFin};
 }
 
 bool isFlagSet(const QString& name)

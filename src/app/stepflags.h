@@ -25,6 +25,7 @@ inline const QString imgPathStr = QStringLiteral("imgPathStr");
 inline const QString encCurrentProcessingFile = QString::fromLatin1(secondpass::clip);
 inline const QString processEncDico = QString::fromLatin1(secondpass::record);
 inline const QString encDeb = QStringLiteral("encDeb");
+inline const QString encPart = QStringLiteral("encPart");
 inline const QString encQtEnc = QStringLiteral("encQtEnc");
 inline const QString encFin = QStringLiteral("encFin");
 // The user's settings: seconds after which a tool that neither says nor does anything is ended.

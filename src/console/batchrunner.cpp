@@ -1,6 +1,7 @@
 #include "console/batchrunner.h"
 
 #include "app/batchtally.h"
+#include "app/partfile.h"
 #include "base/filesizes.h"
 #include "base/format.h"
 #include "base/plurals.h"
@@ -38,8 +39,10 @@ void BatchRunner::connectController()
     });
     connect(controller_, &appDelegate::analysisStarted, this,
             [this](const QString& path, int number, int total) { reporter_->analysing(path, number, total); });
-    connect(controller_, &appDelegate::sourceAccepted, this,
-            [this, &rows](int row) { reporter_->accepted(rows.row(row).source(), rows.row(row).dico); });
+    connect(controller_, &appDelegate::sourceAccepted, this, [this, &rows](int row) {
+        controller_->model().encBatchArrayController.setPart(row, part_);
+        reporter_->accepted(rows.row(row).source(), rows.row(row).dico);
+    });
     connect(controller_, &appDelegate::sourceRejected, this, [this](const QString& path, const QString& reason) {
         ++leftOut_;
         reporter_->rejected(path, reason);
@@ -61,7 +64,7 @@ void BatchRunner::connectRows()
     connect(controller_, &appDelegate::rowStarted, this, [this, &rows](int row) {
         batchBegan_ = true;
         progress_ = RowProgress();
-        reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src);
+        reporter_->rowStarted(row + 1, rows.count(), rows.row(row).src, rows.row(row).part);
     });
     connect(controller_, &appDelegate::rowProgress, this, [this](int /*row*/, float value, float maximum) {
         progress_.value = value;
@@ -137,6 +140,7 @@ void BatchRunner::noteRow(int row, bool success)
     report.warning = finished.warning;
     report.incomplete = finished.incomplete;
     report.kept = finished.kept;
+    report.part = finished.part;
     rows_ << report;
     estimate_.endClip(clock_.elapsed(), success);
     reporter_->rowFinished(row + 1, rows.count(), report);
@@ -157,7 +161,7 @@ QList<PlannedRow> BatchRunner::plannedRows() const
         one.source = row.source();
         one.out = row.out;
         one.output = outputPath(destination, dateCreation2iMovieName(one.source), row.out, codec);
-        one.bytes = outputForecast(row.dico, row.out);
+        one.bytes = outputForecast(convertedRecord(row), row.out);
         one.exists = QFileInfo::exists(one.output) || QFileInfo(one.output).isSymLink();
         one.sameName = names.contains(one.output);
         one.readable = !codec.isEmpty();

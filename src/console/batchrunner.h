@@ -31,6 +31,8 @@ public:
     BatchRunner(appDelegate* controller, ConsoleFace* face, Reporter* reporter, const Wishes& wishes,
                 QObject* parent = nullptr);
 
+    // Only this part of each clip is converted.
+    void setPart(const std::optional<ClipPart>& part) { part_ = part; }
     // Sources are absolute paths.
     void start(const QStringList& sources);
 
@@ -58,6 +60,7 @@ private:
     RowProgress progress_;
     RunEstimate estimate_;
     QElapsedTimer clock_;
+    std::optional<ClipPart> part_;
     QList<RowReport> rows_;
     int leftOut_ = 0;
     bool batchBegan_ = false;

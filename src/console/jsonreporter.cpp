@@ -29,9 +29,22 @@ QString name(const char* text)
     return QLatin1String(text);
 }
 
+// Seconds; without an end the part goes to the clip's.
+QJsonObject partObject(const ClipPart& part)
+{
+    QJsonObject object{{name("from"), part.from}};
+    if (part.to) {
+        object.insert(name("to"), *part.to);
+    }
+    return object;
+}
+
 QJsonObject rowObject(const RowReport& row)
 {
     QJsonObject object{{name("source"), row.source}, {name("success"), row.success}};
+    if (row.part) {
+        object.insert(name("part"), partObject(*row.part));
+    }
     if (row.success) {
         object.insert(name("output"), row.output);
         object.insert(name("bytes"), row.bytes);
@@ -101,10 +114,14 @@ void JsonReporter::rejected(const QString& path, const QString& reason)
     write("rejected", {{name("source"), path}, {name("reason"), reason}});
 }
 
-void JsonReporter::rowStarted(int number, int total, const QString& source)
+void JsonReporter::rowStarted(int number, int total, const QString& source, const std::optional<ClipPart>& part)
 {
     row_ = number;
-    write("row-started", {{name("row"), number}, {name("total"), total}, {name("source"), source}});
+    QJsonObject object{{name("row"), number}, {name("total"), total}, {name("source"), source}};
+    if (part) {
+        object.insert(name("part"), partObject(*part));
+    }
+    write("row-started", object);
 }
 
 void JsonReporter::rowProgress(const RowProgress& progress)

@@ -148,6 +148,7 @@ int runBatch(QCoreApplication& application, Services& services, const ConsoleOpt
     const BatchRunner::Wishes wishes = {options.dryRun, options.existing != ExistingPolicy::Skip};
     BatchRunner runner(&controller, services.face(), services.reporter(), wishes);
     connectSignals(unixSignals, runner);
+    runner.setPart(options.part);
     runner.start(sources);
     const int status = application.exec();
     controller.applicationWillTerminate();

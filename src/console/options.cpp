@@ -46,12 +46,30 @@ void takeExisting(ConsoleOptions& options, const QString& value)
     }
 }
 
+void takeTime(ConsoleOptions& options, const QString& name, const QString& value)
+{
+    const std::optional<double> time = clipTime(value);
+    if (!time) {
+        setWrong(options, formatText(consoleText("Con_badTime"), {name, value}));
+        return;
+    }
+    ClipPart part = options.part.value_or(ClipPart());
+    if (name == QLatin1String("--from")) {
+        part.from = *time;
+    } else {
+        part.to = time;
+    }
+    options.part = part;
+}
+
 void takeValue(ConsoleOptions& options, const QString& name, const QString& value)
 {
     if (name == QLatin1String("--format")) {
         takeFormat(options, value);
     } else if (name == QLatin1String("--existing")) {
         takeExisting(options, value);
+    } else if (name == QLatin1String("--from") || name == QLatin1String("--to")) {
+        takeTime(options, name, value);
     } else if (value.isEmpty()) {
         setWrong(options, formatText(consoleText("Con_missingValue"), {name}));
     } else {
@@ -72,7 +90,7 @@ void takeSource(ConsoleOptions& options, const QString& word)
 bool takesValue(const QString& name)
 {
     return name == QLatin1String("--format") || name == QLatin1String("--output") ||
-           name == QLatin1String("--existing");
+           name == QLatin1String("--existing") || name == QLatin1String("--from") || name == QLatin1String("--to");
 }
 
 // The long name of an option's letter; nothing for a letter that is none.
@@ -182,6 +200,9 @@ ConsoleOptions parseConsoleOptions(const QStringList& words)
         } else {
             takeLetters(options, word, rest);
         }
+    }
+    if (options.part && !options.part->isPossible()) {
+        setWrong(options, consoleText("Con_emptyPart"));
     }
     if (options.mode == ConsoleOptions::Mode::Convert && options.sources.isEmpty()) {
         setWrong(options, consoleText("Con_noSource"));

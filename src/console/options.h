@@ -1,7 +1,11 @@
 #pragma once
 
+#include "base/cliptime.h"
+
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace tavrix
 {
@@ -23,6 +27,7 @@ struct ConsoleOptions {
     bool json = false;
     bool dryRun = false; // only analyse, and list what would be made
     Verbosity verbosity = Verbosity::Normal;
+    std::optional<ClipPart> part; // of each clip; nothing: all of it
     QStringList sources; // as given
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/cliptime.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
@@ -17,9 +19,10 @@ struct RowReport {
     QString reason; // why it failed; nothing for a finished one
     qint64 bytes = 0;
     bool success = false;
-    QString warning = {};    // what the output lacks, or what is odd about it; nothing otherwise
-    bool kept = false;       // failed only because what stood under its name was to be kept
-    bool incomplete = false; // it holds all that could be read of a damaged source
+    QString warning = {};              // what the output lacks, or what is odd about it; nothing otherwise
+    bool kept = false;                 // failed only because what stood under its name was to be kept
+    bool incomplete = false;           // it holds all that could be read of a damaged source
+    std::optional<ClipPart> part = {}; // of the source; nothing: all of it
 };
 
 // How far the row is that is being encoded.
@@ -65,8 +68,8 @@ public:
     virtual void analysing(const QString& path, int number, int total) = 0;
     virtual void accepted(const QString& path, const QVariantMap& infos) = 0;
     virtual void rejected(const QString& path, const QString& reason) = 0;
-    // The source is the file's name.
-    virtual void rowStarted(int number, int total, const QString& source) = 0;
+    // The source is the file's name; the part is nothing when all of it is converted.
+    virtual void rowStarted(int number, int total, const QString& source, const std::optional<ClipPart>& part) = 0;
     // The beginning of every pass is told, too: its fraction is 0.
     virtual void rowProgress(const RowProgress& progress) = 0;
     virtual void rowFinished(int number, int total, const RowReport& row) = 0;

@@ -1,5 +1,6 @@
 #include "console/textreporter.h"
 
+#include "app/partfile.h"
 #include "base/format.h"
 #include "base/paths.h"
 #include "base/plurals.h"
@@ -116,10 +117,11 @@ void TextReporter::rejected(const QString& path, const QString& reason)
     line(formatText(consoleText("Con_rejected"), {name, shownText(reason)}));
 }
 
-void TextReporter::rowStarted(int number, int total, const QString& source)
+void TextReporter::rowStarted(int number, int total, const QString& source, const std::optional<ClipPart>& part)
 {
+    const QString words = part ? QStringLiteral(" (%1)").arg(partText(*part)) : QString();
     state_ = ProgressState();
-    state_.name = lastPathComponent(source);
+    state_.name = lastPathComponent(source) + words;
     state_.number = number;
     state_.total = total;
     rowClock_.start();
@@ -127,7 +129,7 @@ void TextReporter::rowStarted(int number, int total, const QString& source)
     if (terminal_) {
         draw(progressLine(state_, terminalWidth() - 1));
     } else {
-        chat(formatText(consoleText("Con_rowStarted"), {number, total, shownName(source)}));
+        chat(formatText(consoleText("Con_rowStarted"), {number, total, shownName(source) + words}));
     }
 }
 

@@ -21,7 +21,7 @@ public:
     void analysing(const QString& path, int number, int total) override;
     void accepted(const QString& path, const QVariantMap& infos) override;
     void rejected(const QString& path, const QString& reason) override;
-    void rowStarted(int number, int total, const QString& source) override;
+    void rowStarted(int number, int total, const QString& source, const std::optional<ClipPart>& part) override;
     void rowProgress(const RowProgress& progress) override;
     void rowFinished(int number, int total, const RowReport& row) override;
     void message(const QString& title, const QString& text, const QString& answer) override;

@@ -1,6 +1,7 @@
 #include "gui/batchdrawer.h"
 
 #include "app/appdelegate.h"
+#include "app/partfile.h"
 #include "base/shownvalues.h"
 #include "gui/batchdelegate.h"
 #include "gui/batchview.h"
@@ -16,6 +17,8 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tavrix
 {
@@ -175,6 +178,16 @@ void BatchDrawer::setFormat(int out)
     }
 }
 
+void BatchDrawer::convertWhole()
+{
+    BatchList& rows = controller_.model().encBatchArrayController;
+    for (const int row : rows.selectedRows()) {
+        if (!rows.row(row).isCurrent()) {
+            rows.setPart(row, std::nullopt);
+        }
+    }
+}
+
 // The list goes along with the batch, unless the user has scrolled to another place.
 void BatchDrawer::followRow(int row)
 {
@@ -190,7 +203,7 @@ QString BatchDrawer::countWords() const
     const BatchList& rows = controller_.model().encBatchArrayController;
     double seconds = 0;
     for (int i = 0; i < rows.count(); ++i) {
-        seconds += rows.row(i).dico.value(record::w_duration).toInt();
+        seconds += convertedRecord(rows.row(i)).value(record::w_duration).toDouble();
     }
     const QString clips = rows.count() == 1 ? windowText("Win_oneClip") : windowText("Win_clips", {rows.count()});
     if (rows.count() == 0) {
@@ -251,6 +264,9 @@ void BatchDrawer::showMenu(const QPoint& place)
     menu->addAction(window()->findChild<QAction*>(QStringLiteral("menuInformation")));
     menu->addAction(windowText("Win_showOutput"), this, &BatchDrawer::showOutputOfSelected)
         ->setEnabled(show_->isEnabled());
+    menu->addAction(windowText("Win_wholeClip"), this, &BatchDrawer::convertWhole)
+        ->setEnabled(std::ranges::any_of(
+            rows.selectedRows(), [&rows](int one) { return rows.row(one).part && !rows.row(one).isCurrent(); }));
     menu->addAction(windowText("Win_remove"), this, &BatchDrawer::removeSelected);
     menu->addAction(windowText("Win_removeConverted"), this, [this] { controller_.removeConverted(); })
         ->setEnabled(removeConverted_->isEnabled());

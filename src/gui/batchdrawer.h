@@ -41,6 +41,7 @@ private:
     void buildButtons(QHBoxLayout* line);
     QPushButton* addButton(QHBoxLayout* line, const char* name, const char* text, const char* tip);
     void setFormat(int out);
+    void convertWhole();
     void followRow(int row);
     void refreshHead();
     void refreshButtons();

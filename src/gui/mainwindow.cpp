@@ -143,6 +143,11 @@ void MainWindow::setOrder()
     drop_->dropView()->setFocus();
 }
 
+BatchList& MainWindow::rows() const
+{
+    return controller_.model().encBatchArrayController;
+}
+
 void MainWindow::showInformation()
 {
     const BatchList& rows = controller_.model().encBatchArrayController;

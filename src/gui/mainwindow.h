@@ -10,6 +10,7 @@ namespace tavrix
 
 class appDelegate;
 class BatchDrawer;
+class BatchList;
 class DropPanel;
 class EncodePanel;
 class PreferencesSheet;
@@ -40,6 +41,7 @@ public:
     void growToward(const QString& side, float delta);
     [[nodiscard]] PreferencesSheet& preferences() const { return *preferences_; }
     [[nodiscard]] BatchDrawer& batchDrawer() const { return *drawer_; }
+    [[nodiscard]] BatchList& rows() const;
 
 protected:
     // What is dropped beside the drop area was meant for it: people do not aim.

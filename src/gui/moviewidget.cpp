@@ -35,6 +35,7 @@ void MovieWidget::setMovie(const std::shared_ptr<Movie>& movie)
     failed_ = false;
     player_.setClip(movie ? movie->path() : QString());
     frame_ = QVideoFrame();
+    still_ = QImage();
     picture_ = QImage();
     if (movie) {
         movieSettingsChanged();
@@ -86,10 +87,34 @@ void MovieWidget::showNewestFrame()
     const bool first = !frame_.isValid();
     frame_ = newest;
     picture_ = QImage();
+    if (isPlaying()) {
+        still_ = QImage();
+    }
     update();
     if (first) {
         Q_EMIT firstFrame();
     }
+}
+
+std::optional<double> MovieWidget::frameStart() const
+{
+    constexpr double perSecond = 1000000;
+    return frame_.isValid() && frame_.startTime() >= 0
+               ? std::optional(static_cast<double>(frame_.startTime()) / perSecond)
+               : std::nullopt;
+}
+
+std::optional<double> MovieWidget::frameEnd() const
+{
+    constexpr double perSecond = 1000000;
+    return frame_.isValid() && frame_.endTime() > 0 ? std::optional(static_cast<double>(frame_.endTime()) / perSecond)
+                                                    : std::nullopt;
+}
+
+void MovieWidget::showStill(const QImage& picture)
+{
+    still_ = picture;
+    update();
 }
 
 void MovieWidget::fail()
@@ -105,7 +130,7 @@ void MovieWidget::fail()
 // The display size, not the pixel count: camera clips can have pixels that are not square.
 QSize MovieWidget::shownSize() const
 {
-    QSizeF shape = frame_.size();
+    QSizeF shape = frame_.isValid() ? frame_.size() : still_.size();
     if (movie_ && movie_->currentSize().width > 0 && movie_->currentSize().height > 0) {
         shape = QSizeF(movie_->currentSize().width, movie_->currentSize().height);
     }
@@ -120,6 +145,11 @@ void MovieWidget::paintEvent(QPaintEvent* /*event*/)
     const QSize pixels = (QSizeF(shown) * devicePixelRatioF()).toSize();
     if (!failed_ && frame_.isValid() && picture_.size() != pixels) {
         picture_ = scaler_.picture(frame_, pixels);
+    }
+    if (!still_.isNull() && !failed_) {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(QRect(QPoint((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown), still_);
+        return;
     }
     if (failed_ || picture_.isNull()) {
         painter.setPen(Qt::white);

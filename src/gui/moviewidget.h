@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 namespace tavrix
 {
@@ -33,6 +34,12 @@ public:
 
     [[nodiscard]] bool isPlaying() const { return player_.isPlaying(); }
     [[nodiscard]] bool hasFailed() const { return failed_; }
+    // When the frame that is shown begins and ends by the player's clock, in seconds; nothing when it does not say.
+    [[nodiscard]] std::optional<double> frameStart() const;
+    [[nodiscard]] std::optional<double> frameEnd() const;
+    // A picture in the place of the player's frames, until the next one of these comes.
+    void showStill(const QImage& picture);
+    [[nodiscard]] bool showsStill() const { return !still_.isNull(); }
     [[nodiscard]] bool hasFrame() const { return frame_.isValid(); }
     [[nodiscard]] ClipPlayer& player() { return player_; }
 
@@ -53,6 +60,7 @@ private:
     std::shared_ptr<Movie> movie_;
     ClipPlayer player_;
     QVideoFrame frame_;
+    QImage still_;   // null: the frame is shown
     QImage picture_; // of the frame, at the size it is shown in; null when it has to be made
     FrameScaler scaler_;
     bool failed_ = false;

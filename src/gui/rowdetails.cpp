@@ -1,5 +1,6 @@
 #include "gui/rowdetails.h"
 
+#include "app/partfile.h"
 #include "base/filesizes.h"
 #include "base/shownname.h"
 #include "base/shownvalues.h"
@@ -29,17 +30,25 @@ qint64 estimateOf(const BatchRow& row, double megabytes)
     if (megabytes < 0) {
         return -1;
     }
-    if (const qint64 forecast = outputForecast(row.dico, row.out); forecast > 0) {
+    const MediaInfoRecord record = convertedRecord(row);
+    if (const qint64 forecast = outputForecast(record, row.out); forecast > 0) {
         return forecast;
     }
     // The rule's estimate counts the first pass only: what a second one makes is many times as large.
     if (row.out > lastFormatOfOnePass) {
         return -1;
     }
-    const auto duration = static_cast<float>(row.dico.value(record::w_duration).toInt());
+    const auto duration = static_cast<float>(record.value(record::w_duration).toDouble());
     constexpr double bytesPerMegabyte = 1024.0 * 1024;
-    return static_cast<qint64>(static_cast<double>(encDstPoidsEstimatif(duration, megabytes, row.out)) *
-                               bytesPerMegabyte);
+    const float estimate = encDstPoidsEstimatif(duration, megabytes * convertedShare(row), row.out);
+    return static_cast<qint64>(static_cast<double>(estimate) * bytesPerMegabyte);
+}
+
+// "0:10 to 0:42 of 1:20".
+QString partWords(const ClipPart& part, double whole)
+{
+    return windowText("Win_rowPart",
+                      {clipTimeText(part.from), clipTimeText(part.to.value_or(whole)), durationWords(whole)});
 }
 
 // As people write it, where the name is known.
@@ -128,13 +137,13 @@ qint64 RowDetails::estimatedBytes(const BatchRow& row)
 {
     const QString source = row.source();
     const auto known = sizes_.constFind(source);
-    if (known != sizes_.constEnd() && known->out == row.out) {
+    if (known != sizes_.constEnd() && known->out == row.out && known->part == row.part) {
         return known->bytes;
     }
     // The estimate writes to the log: it is not made anew for every painting.
     const double megabytes = known != sizes_.constEnd() ? known->source : poidsFile(source, QStringLiteral("m"));
     const qint64 bytes = estimateOf(row, megabytes);
-    sizes_.insert(source, {megabytes, row.out, bytes});
+    sizes_.insert(source, {megabytes, row.out, row.part, bytes});
     return bytes;
 }
 
@@ -161,7 +170,8 @@ QString RowDetails::description(const BatchRow& row)
                             : batchText("Clip_unevenRate"));
     }
     if (infos.contains(record::w_duration)) {
-        parts << durationWords(infos.value(record::w_duration).toInt());
+        const double whole = infos.value(record::w_duration).toDouble();
+        parts << (row.part ? partWords(*row.part, whole) : durationWords(whole));
     }
     return parts.isEmpty() ? windowText("Win_unknownClip") : parts.join(QStringLiteral(" · "));
 }
@@ -220,9 +230,11 @@ QString RowDetails::stepWords(int row) const
     if (step_.passes == 1) {
         return windowText("Win_percent", {percent});
     }
-    return windowText(
-        "Win_stepOfWithPart",
-        {step_.pass, step_.passes, windowText(step_.pass == 1 ? "Win_firstStep" : "Win_secondStep"), percent});
+    // The part is made before all else.
+    const int pass = rows_.row(row).part ? step_.pass - 1 : step_.pass;
+    const bool converts = pass == 2 || (pass == 1 && step_.passes == 2 && rows_.row(row).part);
+    const char* const key = pass == 0 ? "Win_partStep" : converts ? "Win_secondStep" : "Win_firstStep";
+    return windowText("Win_stepOfWithPart", {step_.pass, step_.passes, windowText(key), percent});
 }
 
 QString RowDetails::spokenWords(int row) const
@@ -239,7 +251,8 @@ QString RowDetails::spokenWords(int row) const
     }
     parts << formatName(shown.out);
     if (shown.dico.contains(record::w_duration)) {
-        parts << durationWords(shown.dico.value(record::w_duration).toInt());
+        const double whole = shown.dico.value(record::w_duration).toDouble();
+        parts << (shown.part ? partWords(*shown.part, whole) : durationWords(whole));
     }
     return parts.join(QStringLiteral(", "));
 }

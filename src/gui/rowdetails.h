@@ -61,6 +61,7 @@ private:
     struct Size {
         double source = 0; // megabytes
         int out = 0;       // format of the estimate
+        std::optional<ClipPart> part;
         qint64 bytes = -1; // the estimate; -1: none
     };
 

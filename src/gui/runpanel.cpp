@@ -1,6 +1,7 @@
 #include "gui/runpanel.h"
 
 #include "app/appdelegate.h"
+#include "app/partfile.h"
 #include "gui/binding.h"
 #include "gui/noticelabel.h"
 #include "gui/segmentedview.h"
@@ -23,7 +24,7 @@ constexpr int tickMilliseconds = 1000;
 
 ClipWork workOf(const BatchRow& row)
 {
-    return {static_cast<double>(row.dico.value(record::w_duration).toInt()), row.out};
+    return {convertedRecord(row).value(record::w_duration).toDouble(), row.out};
 }
 
 } // namespace

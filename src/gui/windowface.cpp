@@ -91,7 +91,7 @@ void WindowFace::hideHelp()
 void WindowFace::preview(const QString& path)
 {
     if (!preview_) {
-        preview_ = std::make_unique<PreviewWindow>();
+        preview_ = std::make_unique<PreviewWindow>(window_->rows());
     }
     preview_->showMovie(path);
 }

@@ -59,8 +59,11 @@ QString shortenedPaths(const QString& logLine)
 {
     // As ffmpeg prints a clip's tags: "location-eng    : +54.1843-002.7189/".
     static const QRegularExpression place(QStringLiteral("(location[\\w.-]*\\s*: )[^,]+"));
+    // The listing of a folder names whatever lies beside the clips.
+    static const QRegularExpression listing(QStringLiteral("(lsCocoa\\s.*\\d+ items : ).*"));
     QString line = logLine;
     line.replace(place, QStringLiteral("\\1..."));
+    line.replace(listing, QStringLiteral("\\1..."));
     QString shown;
     for (qsizetype at = 0; at < line.size();) {
         if (!beginsPath(line, at)) {

@@ -96,11 +96,14 @@ QString WorkingFolder::path(const QString& name) const
     return stringByAppendingPathComponent(folder_, name);
 }
 
-Result<void, QString> WorkingFolder::publish(const QString& file, const QString& destination) const
+Result<void, QString> WorkingFolder::publish(const QString& file, const QString& destination, bool replaces) const
 {
     const std::lock_guard lock(endangered().mutex);
     const QByteArray from = nativePath(file);
     const QByteArray to = nativePath(destination);
+    if (replaces) {
+        return ::rename(from.constData(), to.constData()) == 0 ? Result<void, QString>() : Failure{systemErrorText()};
+    }
     // Some file systems know no renaming that spares what is there; a second name is refused likewise where one stands.
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0 ||
         (errno == EINVAL && ::link(from.constData(), to.constData()) == 0)) {

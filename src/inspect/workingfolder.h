@@ -21,8 +21,9 @@ public:
 
     [[nodiscard]] bool isOpen() const { return !folder_.isNull(); }
     [[nodiscard]] QString path(const QString& name) const;
-    // Gives the finished file its final name, where nothing may stand.
-    [[nodiscard]] Result<void, QString> publish(const QString& file, const QString& destination) const;
+    // Gives the finished file its final name, where nothing may stand unless it is to be replaced.
+    [[nodiscard]] Result<void, QString> publish(const QString& file, const QString& destination,
+                                                bool replaces = false) const;
 
 private:
     QString folder_;

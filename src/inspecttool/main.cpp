@@ -8,10 +8,11 @@
 #include "inspect/describe.h"
 #include "inspect/inspectjson.h"
 #include "inspect/inspector.h"
+#include "inspect/partexport.h"
 #include "inspect/problemreport.h"
-#include "inspect/soundexport.h"
 #include "inspect/words.h"
 #include "inspecttool/options.h"
+#include "judge/verdictline.h"
 #include "probe/intakelist.h"
 #include "process/capturedrun.h"
 
@@ -125,24 +126,37 @@ private:
     bool failed_ = false;
 };
 
-int exportWave(const InspectOptions& options, std::FILE* errors)
+// The name of an export that is not given one.
+QString usualName(const QString& source, PartForm form)
 {
-    const QString source = QDir::cleanPath(QDir::current().absoluteFilePath(options.files.first()));
-    const QString name = options.output.isNull()
-                             ? stringByDeletingPathExtension(lastPathComponent(source)) + QStringLiteral(".wav")
-                             : options.output;
-    const QString destination = QDir::cleanPath(QDir::current().absoluteFilePath(name));
-    const Result<ExportedSound, QString> sound = exportSound(source, destination);
-    if (!sound) {
-        complain(errors,
-                 inspectText("Ins_exportFailed", {shownText(options.files.first()), shownText(sound.reason())}));
+    return stringByDeletingPathExtension(lastPathComponent(source)) +
+           (form == PartForm::Wave ? QStringLiteral(".wav") : QStringLiteral(".mov"));
+}
+
+int exportClip(const InspectOptions& options, std::FILE* errors)
+{
+    PartRequest request;
+    request.source = QDir::cleanPath(QDir::current().absoluteFilePath(options.files.first()));
+    const QString name = options.output.isNull() ? usualName(request.source, options.form) : options.output;
+    request.destination = QDir::cleanPath(QDir::current().absoluteFilePath(name));
+    request.part = options.part;
+    request.form = options.form;
+    request.size = options.size;
+    request.replaces = options.replaces;
+    request.tells = options.forPrograms ? errors : nullptr;
+    const Result<ExportedPart, QString> part = exportPart(request);
+    if (!part) {
+        complain(errors, inspectText("Ins_exportFailed", {shownText(options.files.first()), shownText(part.reason())}));
         return exitSomeFailed;
     }
-    if (sound->isShort()) {
-        complain(errors, inspectText("Ins_exportShort", {lengthWords(sound->seconds), lengthWords(sound->expected)}));
+    if (options.forPrograms) {
+        print(errors, QString::fromStdString(judge::verdictLine(part->verdict)) + QLatin1Char('\n'));
+    } else if (part->verdict.outcome != judge::Outcome::Whole) {
+        complain(errors, shownText(QString::fromStdString(judge::englishText(part->verdict))));
     }
-    print(stdout, inspectText("Ins_exported", {shownText(name), lengthWords(sound->seconds), sizeWords(sound->bytes)}) +
-                      QLatin1Char('\n'));
+    print(stdout,
+          inspectText("Ins_exported", {shownText(name), lengthWords(part->to - part->from), sizeWords(part->bytes)}) +
+              QLatin1Char('\n'));
     return exitDone;
 }
 
@@ -160,7 +174,7 @@ int run(const InspectOptions& options)
         wish.fullPaths = options.fullPaths;
         print(stdout, problemReport(wish));
     } else {
-        status = options.mode == InspectOptions::Mode::Export ? exportWave(options, errors) : Describer(options).run();
+        status = options.mode == InspectOptions::Mode::Export ? exportClip(options, errors) : Describer(options).run();
     }
     std::fclose(errors);
     return std::ferror(stdout) != 0 || std::fflush(stdout) != 0 ? exitSomeFailed : status;

@@ -2,6 +2,8 @@
 
 #include "inspect/words.h"
 
+#include <QHash>
+
 namespace tavrix
 {
 
@@ -28,19 +30,66 @@ void setMode(InspectOptions& options, Mode mode)
 
 bool takesValue(const QString& name)
 {
-    return name == QLatin1String("--export") || name == QLatin1String("--output") || name == QLatin1String("-o");
+    static const QStringList names{QStringLiteral("--export"), QStringLiteral("--output"), QStringLiteral("-o"),
+                                   QStringLiteral("--from"),   QStringLiteral("--to"),     QStringLiteral("--size")};
+    return names.contains(name);
+}
+
+void takeForm(InspectOptions& options, const QString& value)
+{
+    static const QHash<QString, PartForm> forms{{QStringLiteral("wav"), PartForm::Wave},
+                                                {QStringLiteral("mov"), PartForm::Movie},
+                                                {QStringLiteral("mov-fast"), PartForm::MovieHeaderFirst}};
+    const auto form = forms.constFind(value);
+    if (form == forms.constEnd()) {
+        setWrong(options, inspectText("Ins_badExport", {value}));
+        return;
+    }
+    options.form = *form;
+    setMode(options, Mode::Export);
+}
+
+void takeTime(InspectOptions& options, const QString& name, const QString& value)
+{
+    const std::optional<double> time = clipTime(value);
+    if (!time) {
+        setWrong(options, inspectText("Ins_badTime", {name, value}));
+        return;
+    }
+    ClipPart part = options.part.value_or(ClipPart());
+    if (name == QLatin1String("--from")) {
+        part.from = *time;
+    } else {
+        part.to = time;
+    }
+    options.part = part;
+}
+
+// "640x360".
+void takeSize(InspectOptions& options, const QString& value)
+{
+    constexpr int largest = 8192;
+    const QStringList sides = value.split(QLatin1Char('x'));
+    const QSize size(sides.value(0).toInt(), sides.value(1).toInt());
+    if (sides.size() != 2 || size.isEmpty() || size.width() > largest || size.height() > largest) {
+        setWrong(options, inspectText("Ins_badSize", {value}));
+        return;
+    }
+    options.size = size;
 }
 
 void takeValue(InspectOptions& options, const QString& name, const QString& value)
 {
     if (value.isEmpty()) {
         setWrong(options, inspectText("Ins_missingValue", {name}));
-    } else if (name != QLatin1String("--export")) {
-        options.output = value;
-    } else if (value == QLatin1String("wav")) {
-        setMode(options, Mode::Export);
+    } else if (name == QLatin1String("--export")) {
+        takeForm(options, value);
+    } else if (name == QLatin1String("--from") || name == QLatin1String("--to")) {
+        takeTime(options, name, value);
+    } else if (name == QLatin1String("--size")) {
+        takeSize(options, value);
     } else {
-        setWrong(options, inspectText("Ins_badExport", {value}));
+        options.output = value;
     }
 }
 
@@ -54,6 +103,10 @@ void takeFlag(InspectOptions& options, const QString& word)
         setMode(options, Mode::System);
     } else if (word == QLatin1String("--full-paths")) {
         options.fullPaths = true;
+    } else if (word == QLatin1String("--replace")) {
+        options.replaces = true;
+    } else if (word == QLatin1String("--progress")) {
+        options.forPrograms = true;
     } else if (word == QLatin1String("--help") || word == QLatin1String("-h")) {
         setMode(options, Mode::Help);
     } else if (word == QLatin1String("--version")) {
@@ -73,6 +126,20 @@ void takeFile(InspectOptions& options, const QString& word)
     }
 }
 
+void checkExport(InspectOptions& options)
+{
+    const bool asksMore = options.part || !options.size.isEmpty() || options.replaces || options.forPrograms;
+    if (options.mode != Mode::Export) {
+        if (asksMore) {
+            setWrong(options, inspectText("Ins_partAlone"));
+        }
+    } else if (options.part && !options.part->isPossible()) {
+        setWrong(options, inspectText("Ins_partEmpty"));
+    } else if (!options.size.isEmpty() && options.form == PartForm::Wave) {
+        setWrong(options, inspectText("Ins_sizeOfSound"));
+    }
+}
+
 void checkWhole(InspectOptions& options)
 {
     if (options.fullPaths && (options.mode == Mode::Describe || options.mode == Mode::Export)) {
@@ -84,6 +151,7 @@ void checkWhole(InspectOptions& options)
     if (options.mode != Mode::Describe && options.mode != Mode::Export) {
         return;
     }
+    checkExport(options);
     if (options.files.isEmpty()) {
         setWrong(options, inspectText("Ins_noFile"));
     } else if (options.mode == Mode::Export && options.files.size() > 1) {

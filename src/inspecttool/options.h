@@ -2,8 +2,13 @@
 
 // The command line of tavrix-inspect.
 
+#include "inspect/partexport.h"
+
+#include <QSize>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 namespace tavrix
 {
@@ -15,8 +20,14 @@ struct InspectOptions {
     bool thorough = false;
     bool fullPaths = false; // of the system report
     QStringList files;
-    QString output; // of an export; nothing chooses it by the file's name
-    QString error;  // of a wrong command line, for people
+    // Of an export.
+    PartForm form = PartForm::Wave;
+    QString output; // nothing chooses it by the file's name
+    std::optional<ClipPart> part;
+    QSize size;
+    bool replaces = false;
+    bool forPrograms = false; // progress and verdict go to the error stream, line by line
+    QString error;            // of a wrong command line, for people
 };
 
 // The words without the program's name. "--" ends the options.

@@ -9,16 +9,16 @@ namespace
 {
 
 // An output may be in a container that is no source.
-constexpr const char* outputDemuxers = "mov,mp4,m4a,3gp,3g2,mj2,avi,mpegts,mpeg,matroska,webm,dv";
+constexpr const char* outputDemuxers = "mov,mp4,m4a,3gp,3g2,mj2,avi,mpegts,mpeg,matroska,webm,dv,wav";
 
 Verdict notJudged(const std::string& reason)
 {
     return {Outcome::Failed, {{.cause = Cause::NotJudged, .text = reason}}};
 }
 
-std::optional<media::DecodedPictures> decoded(const media::OpenRequest& request, const media::StreamReading& stream)
+std::optional<media::DecodedPictures> decoded(const media::ReadRequest& request, const media::StreamReading& stream)
 {
-    const auto pictures = media::decodePictures(request, stream.facts.index);
+    const auto pictures = media::decodePictures(request.open, stream.facts.index, request.part);
     return pictures ? std::optional(*pictures) : std::nullopt;
 }
 
@@ -39,20 +39,21 @@ media::DecodedEnds ends(media::OpenRequest request, Way way)
     return decodedEnds ? *decodedEnds : media::DecodedEnds{};
 }
 
-} // namespace
-
-Verdict judge(const Case& given)
+media::ReadRequest outputRequest(const Case& given)
 {
-    media::ReadRequest source;
-    source.open.path = given.source;
     media::ReadRequest output;
     output.open.path = given.output;
     output.open.demuxers = outputDemuxers;
-    // Both at once: beside a rewrap the reading is no small part of the work.
-    auto reading = std::async([&] { return media::readClip(source); });
+    return output;
+}
+
+// `readsSource` gives what was read of the source; it runs beside the reading of the output.
+Verdict judged(const Case& given, const media::ReadRequest& source, std::future<Result<media::Reading>> readsSource)
+{
+    const media::ReadRequest output = outputRequest(given);
     auto outputEnds = std::async([&] { return ends(output.open, given.asked.picture); });
     auto outputReading = media::readClip(output);
-    auto sourceReading = reading.get();
+    auto sourceReading = readsSource.get();
     if (!sourceReading) {
         return notJudged(sourceReading.reason());
     }
@@ -66,12 +67,31 @@ Verdict judge(const Case& given)
         evidence.outputEnds = outputEnds.get();
     }
     if (pictureIsDoubtful(evidence, given.asked)) {
-        evidence.sourcePictures = decoded(source.open, *evidence.source.chosen(media::Kind::Picture));
+        evidence.sourcePictures = decoded(source, *evidence.source.chosen(media::Kind::Picture));
     }
     if (soundIsDoubtful(evidence, given.asked)) {
-        evidence.sourceSound = decoded(source.open, *evidence.source.chosen(media::Kind::Sound));
+        evidence.sourceSound = decoded(source, *evidence.source.chosen(media::Kind::Sound));
     }
     return compare(evidence, given.asked);
+}
+
+} // namespace
+
+Verdict judge(const Case& given)
+{
+    media::ReadRequest source;
+    source.open.path = given.source;
+    // Both at once: beside a rewrap the reading is no small part of the work.
+    return judged(given, source, std::async([&source] { return media::readClip(source); }));
+}
+
+Verdict judgePart(const Case& given, const media::Span& part, media::Reading reading)
+{
+    media::ReadRequest source;
+    source.open.path = given.source;
+    source.part = part;
+    return judged(given, source,
+                  std::async(std::launch::deferred, [&reading] { return Result<media::Reading>(std::move(reading)); }));
 }
 
 } // namespace tavrix::judge

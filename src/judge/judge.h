@@ -19,5 +19,7 @@ struct Case {
 // Reads both files once, decodes the first and the last pictures of the output, and decodes the source as well only
 // where that leaves doubts. A file that takes a minute without giving a packet is judged as not readable.
 [[nodiscard]] Verdict judge(const Case& givenCase);
+// The same of an output that holds a part of its source, given what was read of that part.
+[[nodiscard]] Verdict judgePart(const Case& givenCase, const media::Span& part, media::Reading source);
 
 } // namespace tavrix::judge

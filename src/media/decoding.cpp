@@ -275,7 +275,7 @@ bool decodeFromKey(Decoder& decoder, int mostPackets)
 
 } // namespace
 
-Result<DecodedPictures> decodePictures(const OpenRequest& request, int stream)
+Result<DecodedPictures> decodePictures(const OpenRequest& request, int stream, const std::optional<Span>& part)
 {
     const auto opened = Decoder::open(request, stream);
     if (!opened) {
@@ -283,13 +283,20 @@ Result<DecodedPictures> decodePictures(const OpenRequest& request, int stream)
     }
     Decoder& decoder = **opened;
     Survey survey;
+    const auto counts = [&part](std::optional<double> time) {
+        return !part || (time && part->holds(*time));
+    };
     while (decoder.feed()) {
-        if (decoder.refused() && !decoder.hidden()) {
-            const AVPacket& packet = decoder.packet();
-            survey.refused(decoder.seconds(packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts));
+        const AVPacket& packet = decoder.packet();
+        const auto time = decoder.seconds(packet.pts == AV_NOPTS_VALUE ? packet.dts : packet.pts);
+        if (decoder.refused() && !decoder.hidden() && counts(time)) {
+            survey.refused(time);
         }
         while (decoder.receive()) {
-            survey.frame(decoder.seconds(decoder.frame().best_effort_timestamp), decoder.frameIsDamaged());
+            const auto shown = decoder.seconds(decoder.frame().best_effort_timestamp);
+            if (counts(shown)) {
+                survey.frame(shown, decoder.frameIsDamaged());
+            }
         }
     }
     return survey.finish();

@@ -25,7 +25,9 @@ struct DecodedPictures {
 
 // Decodes the whole stream, on one thread, since several lose marks of damage. The reason of a failure is that of the
 // opening, or that there is no decoder.
-[[nodiscard]] Result<DecodedPictures> decodePictures(const OpenRequest& request, int stream);
+// Of a part, if one is given, only what is shown there counts.
+[[nodiscard]] Result<DecodedPictures> decodePictures(const OpenRequest& request, int stream,
+                                                     const std::optional<Span>& part = std::nullopt);
 
 // In the place of a stream's number: the one with the pictures, where there is only one.
 inline constexpr int anyPicture = -1;

@@ -27,9 +27,10 @@ struct Mark {
 class StreamReader
 {
 public:
-    StreamReader(AVStream& stream, const StreamFacts& facts, bool isMovie, bool marksCount)
+    StreamReader(AVStream& stream, const StreamFacts& facts, bool isMovie, bool marksCount,
+                 const std::optional<Span>& part)
         : check_(*stream.codecpar), fields_(*stream.codecpar, !isMovie && facts.interlaced), isMovie_(isMovie),
-          marksCount_(marksCount)
+          marksCount_(marksCount), part_(part)
     {
         reading_.facts = facts;
     }
@@ -43,6 +44,15 @@ public:
         const bool hidden = (packet.flags & AV_PKT_FLAG_DISCARD) != 0;
         const bool marked = marksCount_ && (packet.flags & AV_PKT_FLAG_CORRUPT) != 0;
         const bool second = !hidden && fields_.completes(packet);
+        if (!hidden && times) {
+            lastSeen_ = std::max(lastSeen_, times->shown + times->duration);
+        }
+        if (!isWanted(times)) {
+            // What the part's pictures stand on is at hand.
+            seesKey_ = seesKey_ || key;
+            noteMark(packet, times);
+            return;
+        }
         const bool broken = marked || !check_.isPlausible({packet.data, static_cast<std::size_t>(packet.size)});
         if (broken) {
             reading_.broken.add(times ? std::optional(times->shown) : std::nullopt);
@@ -61,9 +71,7 @@ public:
         shown_.push_back(times->shown);
         lastDuration_ = times->duration;
         reading_.end = std::max(reading_.end, times->shown + times->duration);
-        if (packet.pos >= 0) {
-            marks_.push_back({packet.pos, times->shown});
-        }
+        noteMark(packet, times);
     }
 
     StreamReading finish()
@@ -78,13 +86,45 @@ public:
             closeJoints();
         }
         limitSound();
+        limitToPart();
         return std::move(reading_);
     }
 
     [[nodiscard]] const std::vector<Mark>& marks() const { return marks_; }
     [[nodiscard]] int index() const { return reading_.facts.index; }
+    // Where what could be read of the whole stream ends.
+    [[nodiscard]] double lastSeen() const { return lastSeen_; }
 
 private:
+    [[nodiscard]] bool isWanted(const std::optional<PacketClock::Times>& times) const
+    {
+        if (!part_ || reading_.facts.kind == Kind::Other) {
+            return true;
+        }
+        if (!times) {
+            return false;
+        }
+        return reading_.facts.kind == Kind::Picture
+                   ? part_->holds(times->shown)
+                   : times->shown < part_->to && times->shown + times->duration > part_->from;
+    }
+
+    void noteMark(const AVPacket& packet, const std::optional<PacketClock::Times>& times)
+    {
+        if (times && packet.pos >= 0) {
+            marks_.push_back({packet.pos, times->shown});
+        }
+    }
+
+    // Of the sound's first and last packet only a piece is in the part.
+    void limitToPart()
+    {
+        if (part_ && reading_.facts.kind == Kind::Sound && reading_.packets > 0) {
+            reading_.first = std::max(reading_.first, part_->from);
+            reading_.end = std::min(reading_.end, part_->to);
+        }
+    }
+
     void countBeforeKey(bool key, bool second, double time)
     {
         if (reading_.facts.kind != Kind::Picture) {
@@ -124,7 +164,7 @@ private:
     void closeJoints()
     {
         const StreamFacts& facts = reading_.facts;
-        if (!isMovie_ || facts.edits.pieces < 2 || facts.missingPackets.value_or(0) > 0 || !facts.duration) {
+        if (!isMovie_ || part_ || facts.edits.pieces < 2 || facts.missingPackets.value_or(0) > 0 || !facts.duration) {
             return;
         }
         constexpr double mostPerJoint = 2; // pictures
@@ -152,6 +192,8 @@ private:
     FieldCounter fields_;
     bool isMovie_;
     bool marksCount_;
+    std::optional<Span> part_;
+    double lastSeen_ = 0;
     bool seesKey_ = false;
     bool follows_ = false; // the packets since the first key picture, up to the next one
     double lastDuration_ = 0;
@@ -173,7 +215,7 @@ public:
             if (facts.kind == Kind::Other) {
                 stream.discard = AVDISCARD_ALL;
             } else {
-                readers_.emplace_back(stream, facts, input.isMovie(), marksCount);
+                readers_.emplace_back(stream, facts, input.isMovie(), marksCount, request.part);
             }
         }
     }
@@ -192,6 +234,9 @@ public:
         }
         if (input_.isContainer("mpegts")) {
             scanTransportStream();
+        }
+        if (request_.part) {
+            limitFlaws(*request_.part);
         }
         return std::move(reading_);
     }
@@ -271,11 +316,39 @@ private:
         }
         for (const auto* offsets : {&scan->breaks, &scan->skipped}) {
             for (const std::int64_t offset : *offsets) {
-                reading_.flaws.lost.add(timeAt(offset));
+                const std::optional<double> time = timeAt(offset);
+                if (!request_.part || mayLieIn(*request_.part, time)) {
+                    reading_.flaws.lost.add(time);
+                }
             }
         }
         reading_.flaws.lost.count += scan->marked;
         reading_.flaws.cutOff = scan->endsInside;
+    }
+
+    // The time of damage is that of the picture before it, which may be stored a while before it is shown.
+    [[nodiscard]] static bool mayLieIn(const Span& part, const std::optional<double>& time)
+    {
+        constexpr double reordering = 0.5;
+        return time.value_or(0) > part.from - reordering && time.value_or(0) < part.to + reordering;
+    }
+
+    // What is missing behind the part does not concern it.
+    void limitFlaws(const Span& part)
+    {
+        bool reached = true;
+        for (std::size_t i = 0; i < readers_.size(); ++i) {
+            StreamReading& stream = reading_.streams[i];
+            const bool all = readers_[i].lastSeen() >= part.to;
+            reached = reached && all;
+            if (stream.promisedEnd) {
+                stream.promisedEnd = all ? std::nullopt : std::optional(std::min(*stream.promisedEnd, part.to));
+            }
+        }
+        reading_.flaws.cutOff = reading_.flaws.cutOff && !reached;
+        if (reached) {
+            reading_.failure.clear();
+        }
     }
 
     // When what stands there in the file is shown; nothing when no picture begins before.

@@ -60,8 +60,24 @@ struct Reading {
     [[nodiscard]] const StreamReading* chosen(Kind kind) const;
 };
 
+// A part of a clip, in seconds of its timeline.
+struct Span {
+    double from = 0;
+    double to = 0; // excluded
+
+    // Whether a picture shown from that time on belongs to the part; people tell times in thousandths.
+    [[nodiscard]] bool holds(double time) const
+    {
+        constexpr double slack = 0.0006;
+        return time >= from - slack && time < to - slack;
+    }
+};
+
 struct ReadRequest {
     OpenRequest open;
+    // Only what is shown in this part counts, and damage only where it may lie there; everything without. A picture
+    // belongs to it that begins there.
+    std::optional<Span> part = std::nullopt;
     int secondsPerPacket = 60; // a packet that takes longer ends the reading, as a failure; 0: no limit
 };
 

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tavrix
 {
@@ -45,6 +46,20 @@ MediaSize sizeOf(const DisplayBox& box)
 QVariant sizeValue(const MediaSize& size)
 {
     return QVariantList{size.width, size.height};
+}
+
+// What the edits leave of the source; nothing when that is all of it, or nothing at all.
+std::optional<CopyRange> rangeLeft(const EditTimeline& timeline)
+{
+    if (!timeline.edited() || timeline.segments().empty()) {
+        return std::nullopt;
+    }
+    CopyRange range{std::numeric_limits<double>::max(), 0};
+    for (const TimelineSegment& segment : timeline.segments()) {
+        range.from = std::min(range.from, static_cast<double>(segment.start) / timeline.timeScale());
+        range.to = std::max(range.to, static_cast<double>(segment.start + segment.duration) / timeline.timeScale());
+    }
+    return range;
 }
 
 Result<void, QString> writeRewritten(const RewriteRequest& request, MovieFileJob job)
@@ -250,7 +265,11 @@ Result<void, QString> AvMovie::writeFromAtoms(const QString& path, bool headerFi
 // file on the destination's volume. It never gets a name where the volume allows that, and is gone afterwards.
 Result<void, QString> AvMovie::writeFromCopy(const QString& path, bool headerFirst) const
 {
-    if (!hasRoomFor(path, 2 * state_->source->identity.size)) {
+    const std::optional<CopyRange> range = rangeLeft(state_->timeline);
+    const double whole = static_cast<double>(state_->source->duration) / state_->source->timeScale;
+    const double share = range && whole > 0 ? std::clamp((range->to - range->from) / whole, 0.0, 1.0) : 1;
+    const auto size = static_cast<double>(state_->source->identity.size);
+    if (!hasRoomFor(path, static_cast<std::uint64_t>(2 * share * size))) {
         return Failure{QStringLiteral("not enough space on the volume")};
     }
     const Result<SafeOutput> copy = SafeOutput::open(nativePath(path).toStdString());
@@ -259,13 +278,13 @@ Result<void, QString> AvMovie::writeFromCopy(const QString& path, bool headerFir
     }
     const QString copyPath = QFile::decodeName(QByteArray::fromStdString(copy->path()));
     const Result<std::vector<int>, QString> streams =
-        remuxToMov(state_->source->path, copyPath, state_->source->timeScale);
+        remuxToMov(state_->source->path, copyPath, state_->timeline.timeScale(), range);
     if (!streams) {
         return Failure{streams.reason()};
     }
-    const auto size = static_cast<std::uint64_t>(std::max<std::int64_t>(copy->size(), 0));
-    const MovieAtoms atoms = readMovieAtoms(readAtOf(copy->fd()), size);
-    RewriteRequest request{&atoms, size, state_->timeline, {}, displayScale()};
+    const auto copySize = static_cast<std::uint64_t>(std::max<std::int64_t>(copy->size(), 0));
+    const MovieAtoms atoms = readMovieAtoms(readAtOf(copy->fd()), copySize);
+    RewriteRequest request{&atoms, copySize, state_->timeline, {}, displayScale()};
     for (const int stream : *streams) {
         const auto track = std::find_if(tracks_.begin(), tracks_.end(), [stream](const std::shared_ptr<AvTrack>& t) {
             return t->source().stream && t->source().stream->index == stream;

@@ -2,9 +2,11 @@
 
 #include "base/paths.h"
 #include "media/avversions.h"
+#include "media/packetclock.h"
 #include "quicktime/avinput.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tavrix
 {
@@ -25,9 +27,62 @@ struct OutputDeleter {
 };
 using OutputPointer = std::unique_ptr<AVFormatContext, OutputDeleter>;
 
+// Groups of pictures are shorter than this before a part; pictures and sound that are shown together are stored nearer
+// to each other than this behind it.
+constexpr double secondsBefore = 20;
+constexpr double secondsBehind = 3;
+constexpr int noKeyBefore = AVERROR(ERANGE);
+
 struct StreamMap {
     int output = -1;
     std::int64_t lastDts = AV_NOPTS_VALUE;
+    bool begun = false; // a packet was copied
+};
+
+// What of the source is copied.
+class Selection
+{
+public:
+    explicit Selection(const std::optional<CopyRange>& range) : range_(range) {}
+
+    // 1 to copy the packet, 0 to leave it out, an error where the part cannot be begun.
+    int takes(const AVStream& stream, const AVPacket& packet, const std::optional<media::PacketClock::Times>& times,
+              StreamMap& map)
+    {
+        if (!range_ || map.begun) {
+            return range_ && isBehind(times) ? 0 : 1;
+        }
+        if (!times || times->shown < range_->from - secondsBefore || isBehind(times)) {
+            return 0;
+        }
+        if (stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
+            if ((packet.flags & AV_PKT_FLAG_KEY) == 0) {
+                skipped_ = true;
+                return 0;
+            }
+            // Without anything left out there is nothing before it.
+            if (times->shown > range_->from && skipped_) {
+                return noKeyBefore;
+            }
+        }
+        map.begun = true;
+        return 1;
+    }
+
+    // Whether nothing that follows can belong to the part.
+    [[nodiscard]] bool isOver(const std::optional<media::PacketClock::Times>& times) const
+    {
+        return range_ && times && times->shown > range_->to + 2 * secondsBehind;
+    }
+
+private:
+    [[nodiscard]] bool isBehind(const std::optional<media::PacketClock::Times>& times) const
+    {
+        return times && times->shown > range_->to + secondsBehind;
+    }
+
+    std::optional<CopyRange> range_;
+    bool skipped_ = false;
 };
 
 // A tag of another container would name another codec here.
@@ -99,12 +154,39 @@ void mendTimes(AVPacket* packet, StreamMap& map)
     map.lastDts = packet->dts;
 }
 
-int copyPackets(AVFormatContext* input, AVFormatContext* output, std::vector<StreamMap>& map, std::int64_t origin)
+void moveBy(AVPacket& packet, std::int64_t ticks)
+{
+    if (packet.pts != AV_NOPTS_VALUE) {
+        packet.pts += ticks;
+    }
+    if (packet.dts != AV_NOPTS_VALUE) {
+        packet.dts += ticks;
+    }
+}
+
+// How far the packet is moved to lie on the clip's timeline: the clock of a transport stream may step.
+std::int64_t shiftOf(const AVPacket& packet, const AVStream& stream,
+                     const std::optional<media::PacketClock::Times>& times, std::int64_t origin)
+{
+    const std::int64_t start = av_rescale_q(origin, AVRational{1, AV_TIME_BASE}, stream.time_base);
+    const std::int64_t told = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+    if (!times || told == AV_NOPTS_VALUE) {
+        return -start;
+    }
+    const double stepped = times->shown - static_cast<double>(told - start) * av_q2d(stream.time_base);
+    constexpr double leastStep = 0.05;
+    return std::abs(stepped) < leastStep ? -start : std::llround(stepped / av_q2d(stream.time_base)) - start;
+}
+
+int copyPackets(AVFormatContext* input, AVFormatContext* output, std::vector<StreamMap>& map, std::int64_t origin,
+                const std::optional<CopyRange>& range)
 {
     const PacketPointer packet(av_packet_alloc());
     if (packet == nullptr) {
         return AVERROR(ENOMEM);
     }
+    media::PacketClock clock(*input, static_cast<double>(origin) / AV_TIME_BASE);
+    Selection selection(range);
     int error = 0;
     while ((error = av_read_frame(input, packet.get())) >= 0) {
         const auto index = static_cast<std::size_t>(packet->stream_index);
@@ -114,13 +196,19 @@ int copyPackets(AVFormatContext* input, AVFormatContext* output, std::vector<Str
         }
         const AVStream* from = input->streams[packet->stream_index];
         const AVStream* to = output->streams[map[index].output];
-        const std::int64_t start = av_rescale_q(origin, AVRational{1, AV_TIME_BASE}, from->time_base);
-        if (packet->pts != AV_NOPTS_VALUE) {
-            packet->pts -= start;
+        const auto times = clock.timesOf(*packet);
+        if (selection.isOver(times)) {
+            return 0;
         }
-        if (packet->dts != AV_NOPTS_VALUE) {
-            packet->dts -= start;
+        const int taken = selection.takes(*from, *packet, times, map[index]);
+        if (taken < 0) {
+            return taken;
         }
+        if (taken == 0) {
+            av_packet_unref(packet.get());
+            continue;
+        }
+        moveBy(*packet, shiftOf(*packet, *from, times, origin));
         av_packet_rescale_ts(packet.get(), from->time_base, to->time_base);
         mendTimes(packet.get(), map[index]);
         packet->stream_index = map[index].output;
@@ -142,7 +230,8 @@ int writeHeader(AVFormatContext* output, int movieTimeScale)
     return error;
 }
 
-int remux(AvInput& input, const QByteArray& address, int movieTimeScale, std::vector<int>& streams)
+int remux(AvInput& input, const QByteArray& address, int movieTimeScale, const std::optional<CopyRange>& range,
+          std::vector<int>& streams)
 {
     AVFormatContext* context = nullptr;
     int error = avformat_alloc_output_context2(&context, nullptr, "mov", address.constData());
@@ -159,7 +248,7 @@ int remux(AvInput& input, const QByteArray& address, int movieTimeScale, std::ve
         error = writeHeader(context, movieTimeScale);
     }
     if (error >= 0) {
-        error = copyPackets(input.context(), context, map, fileFacts(input).origin);
+        error = copyPackets(input.context(), context, map, fileFacts(input).origin, range);
     }
     if (error >= 0) {
         error = av_write_trailer(context);
@@ -174,7 +263,7 @@ int remux(AvInput& input, const QByteArray& address, int movieTimeScale, std::ve
 } // namespace
 
 Result<std::vector<int>, QString> remuxToMov(const QString& sourcePath, const QString& destinationPath,
-                                             int movieTimeScale)
+                                             int movieTimeScale, const std::optional<CopyRange>& range)
 {
     const std::unique_ptr<AvInput> input = AvInput::open(sourcePath, openSeconds);
     if (input == nullptr) {
@@ -183,7 +272,10 @@ Result<std::vector<int>, QString> remuxToMov(const QString& sourcePath, const QS
     // A long clip takes its time to copy; only opening it is limited.
     input->allowSeconds(0);
     std::vector<int> streams;
-    const int error = remux(*input, "file:" + nativePath(destinationPath), movieTimeScale, streams);
+    const int error = remux(*input, "file:" + nativePath(destinationPath), movieTimeScale, range, streams);
+    if (error == noKeyBefore) {
+        return remuxToMov(sourcePath, destinationPath, movieTimeScale, std::nullopt);
+    }
     if (error < 0) {
         return Failure{avErrorText(error)};
     }

@@ -6,14 +6,23 @@
 
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace tavrix
 {
 
+// A part of the source's timeline, in seconds.
+struct CopyRange {
+    double from = 0;
+    double to = 0;
+};
+
 // Copies the pictures and sound of any media file into a QuickTime file with that movie time scale (units a second).
-// The timeline starts at 0. Gives the source's stream index of each new track, in their order.
+// The timeline starts at 0. Gives the source's stream index of each new track, in their order. Given a range, packets
+// far from it are left out and the others keep their times; all are copied where no key picture stands shortly before.
 [[nodiscard]] Result<std::vector<int>, QString> remuxToMov(const QString& sourcePath, const QString& destinationPath,
-                                                           int movieTimeScale);
+                                                           int movieTimeScale,
+                                                           const std::optional<CopyRange>& range = std::nullopt);
 
 } // namespace tavrix

@@ -58,6 +58,7 @@ TEST(StepFlags, StopListsKeepTheirOrder)
     EXPECT_TEXTS(appDelegate::analysisArray(),
                  QStringList({QStringLiteral("analysisFfmpeg"), QStringLiteral("analysisFfmpegParse"),
                               QStringLiteral("analysisFin")}));
-    EXPECT_TEXTS(appDelegate::encArray(), QStringList({QStringLiteral("encBatch"), QStringLiteral("encDeb"),
-                                                       QStringLiteral("encQtEnc"), QStringLiteral("encFin")}));
+    EXPECT_TEXTS(appDelegate::encArray(),
+                 QStringList({QStringLiteral("encBatch"), QStringLiteral("encDeb"), QStringLiteral("encPart"),
+                              QStringLiteral("encQtEnc"), QStringLiteral("encFin")}));
 }

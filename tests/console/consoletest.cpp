@@ -52,7 +52,7 @@ void NotingReporter::rejected(const QString& path, const QString& reason)
     notes << formatText(QStringLiteral("rejected %@: %@"), {lastPathComponent(path), reason});
 }
 
-void NotingReporter::rowStarted(int number, int total, const QString& source)
+void NotingReporter::rowStarted(int number, int total, const QString& source, const std::optional<ClipPart>& /*part*/)
 {
     notes << formatText(QStringLiteral("started %d/%d %@"), {number, total, source});
 }

@@ -70,7 +70,15 @@ TEST_P(ConsoleOptionsTable, wordsBecomeOptions)
     EXPECT_EQ(parsed.json, expected.json);
     EXPECT_EQ(parsed.dryRun, expected.dryRun);
     EXPECT_EQ(parsed.verbosity, expected.verbosity);
+    EXPECT_EQ(parsed.part, expected.part);
     EXPECT_TEXTS(parsed.sources, expected.sources);
+}
+
+ConsoleOptions ofPart(const ClipPart& part)
+{
+    ConsoleOptions made = options(Mode::Convert, {text("a")});
+    made.part = part;
+    return made;
 }
 
 const OptionsCase optionsCases[] = {
@@ -96,6 +104,16 @@ const OptionsCase optionsCases[] = {
     {"anOptionIsAValueWhereOneIsDue",
      {text("--output"), text("--json"), text("a")},
      converting({text("a")}, -1, text("--json"), ExistingPolicy::Default, false)},
+    {"part", {text("--from"), text("0:10"), text("--to=1:02:03.5"), text("a")}, ofPart({10, 3723.5})},
+    {"partToTheEnd", {text("--from=7"), text("a")}, ofPart({7, std::nullopt})},
+    {"partFromTheBeginning", {text("--to=7"), text("a")}, ofPart({0, 7})},
+    {"partTurnedRound",
+     {text("--from=7"), text("--to=7"), text("a")},
+     wrong("the part is empty: --to must be later than --from")},
+    {"noTime",
+     {text("--from=1m"), text("a")},
+     wrong("--from: '1m' is no time: give seconds, m:ss or h:mm:ss, with a point before parts of a second")},
+    {"missingTime", {text("a"), text("--to")}, wrong("--to needs a value")},
     {"help", {text("--help")}, options(Mode::Help)},
     {"shortHelp", {text("-h")}, options(Mode::Help)},
     {"version", {text("--version")}, options(Mode::Version)},
@@ -144,7 +162,7 @@ using ConsoleUsage = ConsoleTest;
 TEST_F(ConsoleUsage, namesEveryOptionAndEveryFormat)
 {
     const QString usage = consoleUsage();
-    for (const char* option : {"-f, --format", "-o, --output", "--existing", "skip", "-n, --dry-run", "-q, --quiet",
+    for (const char* option : {"-f, --format", "-o, --output", "--existing", "--from", "--to", "skip", "-n, --dry-run", "-q, --quiet",
                                "-v, --verbose", "--json", "-h, --help", "--version"}) {
         EXPECT_TRUE(usage.contains(text(option))) << option;
     }

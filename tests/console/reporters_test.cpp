@@ -63,10 +63,10 @@ TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
     reporter.accepted(text("/c/odd.mov"), {});
     reporter.analysing(text("/c/film.avi"), 3, 3);
     reporter.rejected(text("/c/film.avi"), text("1920x1080 is larger than 1280x720"));
-    reporter.rowStarted(1, 2, text("00001.MTS"));
+    reporter.rowStarted(1, 2, text("00001.MTS"), std::nullopt);
     reporter.rowProgress({5, 10, 1, 1, 0.5});
     reporter.rowFinished(1, 2, doneRow());
-    reporter.rowStarted(2, 2, text("00002.MTS"));
+    reporter.rowStarted(2, 2, text("00002.MTS"), std::nullopt);
     reporter.rowFinished(2, 2, failedRow());
     reporter.summary({doneRow(), failedRow()}, 1, text("/d/Tavrix events"), 1);
     EXPECT_TEXTS(
@@ -109,7 +109,7 @@ TEST_F(TextReporterTest, saysInQuietOnlyWhatIsWrong)
     reporter.queued(2);
     reporter.analysing(text("/c/00001.MTS"), 1, 3);
     reporter.accepted(text("/c/00001.MTS"), clipRecord());
-    reporter.rowStarted(1, 2, text("00001.MTS"));
+    reporter.rowStarted(1, 2, text("00001.MTS"), std::nullopt);
     reporter.rowProgress({10, 10, 1, 1, 1});
     reporter.rowFinished(1, 2, doneRow());
     reporter.rowFinished(2, 2, kept);
@@ -133,7 +133,7 @@ TEST_F(TextReporterTest, saysMoreWhenAskedTo)
     QVariantMap infos = clipRecord();
     infos.insert(record::recordingDate, text("2012-07-01 12:34:56 +0200"));
     reporter.accepted(text("/c/00001.MTS"), infos);
-    reporter.rowStarted(1, 1, text("00001.MTS"));
+    reporter.rowStarted(1, 1, text("00001.MTS"), std::nullopt);
     reporter.rowProgress({0, 0, 1, 2, 0});
     reporter.rowProgress({5, 10, 1, 2, 0.5});
     reporter.rowProgress({0, 10, 2, 2, 0});
@@ -206,7 +206,7 @@ TEST_F(TextReporterTest, redrawsItsBarInPlaceOnATerminal)
 {
     TextStream stream;
     TextReporter reporter(stream.file(), true);
-    reporter.rowStarted(1, 1, text("00001.MTS"));
+    reporter.rowStarted(1, 1, text("00001.MTS"), std::nullopt);
     const QString begin = stream.text();
     EXPECT_TRUE(begin.startsWith(text("\r\033[K1/1 00001.MTS")));
     EXPECT_TRUE(begin.contains(text("[....")));
@@ -226,7 +226,7 @@ TEST_F(TextReporterTest, doesNotRedrawForEveryStep)
 {
     TextStream stream;
     TextReporter reporter(stream.file(), true);
-    reporter.rowStarted(1, 1, text("00001.MTS"));
+    reporter.rowStarted(1, 1, text("00001.MTS"), std::nullopt);
     for (int i = 0; i < 1000; ++i) {
         reporter.rowProgress({static_cast<float>(i), 1000, 1, 1, i / 1000.0});
     }
@@ -242,7 +242,7 @@ TEST_F(TextReporterTest, isNotSteeredByNames)
     reporter.analysing(evil, 1, 1);
     reporter.accepted(evil, clipRecord());
     reporter.rejected(evil, evil);
-    reporter.rowStarted(1, 1, evil);
+    reporter.rowStarted(1, 1, evil, std::nullopt);
     reporter.rowFinished(1, 1, row);
     reporter.message(evil, evil + evil, evil);
     row.success = false;
@@ -279,7 +279,7 @@ TEST_F(JsonReporterTest, writesOneObjectALine)
     EXPECT_EQ(last(), object(R"({"event":"analysing","source":"/c/00001.MTS","number":1,"total":3})"));
     reporter.rejected(text("/c/film.avi"), text("too \"large\"\n"));
     EXPECT_EQ(last(), object(R"({"event":"rejected","source":"/c/film.avi","reason":"too \"large\"\n"})"));
-    reporter.rowStarted(2, 3, text("été.mts"));
+    reporter.rowStarted(2, 3, text("été.mts"), std::nullopt);
     EXPECT_EQ(last(), object(R"({"event":"row-started","row":2,"total":3,"source":"été.mts"})"));
     reporter.rowProgress({1.5, 30, 1, 1, 0.05});
     EXPECT_EQ(last(), object(R"({"event":"progress","row":2,"value":1.5,"maximum":30,"pass":1,"passes":1,

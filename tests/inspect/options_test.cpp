@@ -50,6 +50,27 @@ TEST_F(InspectWords, AskForAnExport)
     EXPECT_TRUE(parsed("--export wav a.mov").output.isNull());
 }
 
+TEST_F(InspectWords, AskForAPart)
+{
+    const InspectOptions options =
+        parsed("--export mov --from 0:10 --to=42.5 --size 640x360 --replace --progress a.mts");
+    EXPECT_EQ(options.mode, Mode::Export);
+    EXPECT_EQ(options.form, PartForm::Movie);
+    EXPECT_EQ(options.part, (ClipPart{10, 42.5}));
+    EXPECT_EQ(options.size, QSize(640, 360));
+    EXPECT_TRUE(options.replaces);
+    EXPECT_TRUE(options.forPrograms);
+    EXPECT_EQ(parsed("--export mov-fast a.mts").form, PartForm::MovieHeaderFirst);
+    EXPECT_FALSE(parsed("--export mov a.mts").part);
+    EXPECT_EQ(parsed("--export wav --to 3 a.mts").part, (ClipPart{0, 3}));
+    for (const char* words :
+         {"--from 1 a.mts", "--to 1 a.mts", "--size 2x2 a.mts", "--replace a.mts", "--export mov --from 1,5 a.mts",
+          "--export mov --from 5 --to 5 a.mts", "--export mov --size 640 a.mts", "--export mov --size 0x9 a.mts",
+          "--export mov --size 9999x9 a.mts", "--export wav --size 64x36 a.mts", "--export mp4 a.mts"}) {
+        EXPECT_EQ(parsed(words).mode, Mode::Wrong) << words;
+    }
+}
+
 TEST_F(InspectWords, AfterTwoDashesAreFiles)
 {
     EXPECT_EQ(parsed("-- --json -o").files, (QStringList{QStringLiteral("--json"), QStringLiteral("-o")}));

@@ -40,6 +40,8 @@ INSTANTIATE_TEST_SUITE_P(
                             "location        : ...,     location-eng    : ...,   Duration: 1"},
                     PathRow{"applePlace", "com.apple.quicktime.location.ISO6709: +54.18-002.71+010/",
                             "com.apple.quicktime.location.ISO6709: ..."},
+                    PathRow{"neighbours", "lsCocoa             - fin : 2 items : (private.mov, letter.txt)",
+                            "lsCocoa             - fin : 2 items : ..."},
                     PathRow{"nothing", "", ""}),
     rowName<PathRow>);
 

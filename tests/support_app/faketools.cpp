@@ -23,6 +23,9 @@ ToolKind kindOf(const QStringList& arguments)
     if (arguments.first().endsWith(QLatin1String("/movencoder"))) {
         return ToolKind::SecondPass;
     }
+    if (arguments.first().endsWith(QLatin1String("/tavrix-inspect"))) {
+        return ToolKind::Part;
+    }
     if (arguments.contains(QStringLiteral("yuv4mpegpipe"))) {
         return ToolKind::Decode;
     }
@@ -55,6 +58,9 @@ QString FakeTools::Launch::place() const
 
 QString FakeTools::Launch::source() const
 {
+    if (kind == ToolKind::Part) {
+        return arguments.constLast();
+    }
     const qsizetype at = arguments.indexOf(inputOption);
     return at < 0 ? arguments.value(arguments.size() - 2) : arguments.value(at + 1);
 }
@@ -159,6 +165,13 @@ QString FakeTools::writeFiles(const Launch& launch) const
         if (clip.image) {
             writeBytes(launch.output(), tinyJpeg());
         }
+    } else if (launch.kind == ToolKind::Part) {
+        const std::optional<judge::Verdict> verdict = clipOf(launch).verdict;
+        const bool failed = verdict && verdict->outcome == judge::Outcome::Failed;
+        if (!failed) {
+            makeSparseFile(launch.arguments.value(launch.arguments.indexOf(QStringLiteral("--output")) + 1), 100);
+        }
+        return verdict ? verdictText(*verdict) : QString();
     } else {
         return publish(launch);
     }

@@ -29,7 +29,7 @@ struct FakeClip {
     std::optional<judge::Verdict> verdict = judge::Verdict();
 };
 
-enum class ToolKind { Decode, Thumbnail, Encode, SecondPass };
+enum class ToolKind { Decode, Thumbnail, Part, Encode, SecondPass };
 
 // Pretends to be the tools: hands out launchers, keeps a record of every launch, and does with files what the tools do.
 class FakeTools

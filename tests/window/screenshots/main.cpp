@@ -5,16 +5,22 @@
 #include "base/bundle.h"
 #include "base/localisation.h"
 #include "base/preferences.h"
+#include "gui/batchdrawer.h"
+#include "gui/batchview.h"
 #include "gui/helpwindow.h"
 #include "gui/mainwindow.h"
 #include "gui/moviewidget.h"
+#include "gui/partdialog.h"
 #include "gui/preferencessheet.h"
 #include "gui/previewwindow.h"
 #include "gui/theme.h"
+#include "gui/toolwindow.h"
+#include "gui/trimline.h"
 #include "gui/windowprogram.h"
 #include "platform/desktop.h"
 #include "support/waituntil.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QListView>
@@ -24,7 +30,9 @@
 #include <QTimer>
 
 #include <clocale>
+#include <cmath>
 #include <cstdio>
+#include <tuple>
 
 // Makes the pictures of the window in its states, with real clips and the real tools: tavrix_screenshots FOLDER. Its
 // sizes, with rows that are only pretended: tavrix_screenshots FOLDER --sizes PREFIX.
@@ -184,17 +192,54 @@ private:
         help->showPages();
         const bool pages = save(help, "help-pages");
         program_.controller().iba_helpQtClose();
+        const bool previewed = previewAndPart();
+        const bool told = toolWindows();
+        program_.controller().iba_menuQuit();
+        return preferences && moving && pages && previewed && told;
+    }
+
+    // A part of a clip, marked, and how it is saved.
+    bool previewAndPart()
+    {
         program_.controller().iba_preview(1);
         tavrix::PreviewWindow* preview = program_.face().previewWindow();
-        waitUntil(
-            [preview] {
-                return preview->movieWidget().currentTime().timeValue > 0 || preview->movieWidget().hasFailed();
-            },
-            5000);
+        tavrix::MovieWidget& movie = preview->movieWidget();
+        waitUntil([&movie] { return movie.hasFrame() || movie.hasFailed(); }, 5000);
+        preview->findChild<QAbstractButton*>(QStringLiteral("previewStopBt"))->click();
+        auto* line = preview->findChild<tavrix::TrimLine*>(QStringLiteral("previewTime"));
+        const auto goTo = [preview, line](double share) {
+            const double seconds = line->maximum() * share / 1000;
+            Q_EMIT line->wentTo(seconds);
+            waitUntil([preview, seconds] { return std::abs(preview->shownFrom() - seconds) < 0.1; }, 5000);
+        };
+        goTo(0.7);
+        preview->findChild<QAbstractButton*>(QStringLiteral("trimOutBt"))->click();
+        goTo(0.25);
+        preview->findChild<QAbstractButton*>(QStringLiteral("trimInBt"))->click();
+        waitUntil([line] { return line->isFilled(); }, 10000);
         const bool previewed = save(preview, "preview");
+        preview->findChild<QAbstractButton*>(QStringLiteral("trimSaveBt"))->click();
+        auto* dialog = preview->findChild<tavrix::PartDialog*>();
+        const bool asked = save(dialog, "part-dialog");
+        dialog->close();
         preview->close();
-        program_.controller().iba_menuQuit();
-        return preferences && moving && pages && previewed;
+        return previewed && asked;
+    }
+    // Information and report.
+    bool toolWindows()
+    {
+        program_.window().batchDrawer().view().setFocus();
+        model().encBatchArrayController.setSelectedRow(1);
+        bool saved = true;
+        for (const auto& [action, window, name] : {std::tuple("menuInformation", "informationWindow", "information"),
+                                                   std::tuple("menuBugreport", "reportWindow", "report")}) {
+            program_.window().findChild<QAction*>(QLatin1String(action))->trigger();
+            auto* shown = program_.window().findChild<tavrix::ToolWindow*>(QLatin1String(window));
+            waitUntil([shown] { return shown->text().size() > 400; }, 20000);
+            saved = save(shown, name) && saved;
+            shown->close();
+        }
+        return saved;
     }
 
     QString clips_;
