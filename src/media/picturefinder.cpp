@@ -130,8 +130,24 @@ void PictureFinder::seekTo(double seconds)
     const auto time = static_cast<std::int64_t>(std::floor((seconds + origin_) / av_q2d(stream.time_base)));
     input_->allowSeconds(secondsPerPacket);
     if (av_seek_frame(input_->context(), facts_.index, time, AVSEEK_FLAG_BACKWARD) < 0) {
-        av_seek_frame(input_->context(), -1, 0, AVSEEK_FLAG_BYTE);
+        seekToBegin();
     }
+    forget();
+}
+
+// A search for the beginning of a stream by time ends behind its first key picture.
+void PictureFinder::seekToBegin()
+{
+    const bool isStream = input_->isContainer("mpegts") || input_->isContainer("mpeg");
+    input_->allowSeconds(secondsPerPacket);
+    if (!isStream || av_seek_frame(input_->context(), -1, 0, AVSEEK_FLAG_BYTE) < 0) {
+        av_seek_frame(input_->context(), facts_.index, INT64_MIN / 4, 0);
+    }
+    forget();
+}
+
+void PictureFinder::forget()
+{
     avcodec_flush_buffers(codec_.get());
     held_.clear();
     fed_ = false;
@@ -145,7 +161,7 @@ void PictureFinder::seekBefore(double seconds)
     constexpr double growth = 4;
     for (double ahead = input_->isMovie() ? 0.0 : 1.0; !cancelled_; ahead = std::max(1.0, ahead * growth)) {
         const bool fromStart = ahead > longestWay || seconds - ahead <= 0;
-        seekTo(fromStart ? 0 : seconds - ahead);
+        fromStart && !input_->isMovie() ? seekToBegin() : seekTo(std::max(0.0, seconds - ahead));
         if ((decodeNext() && held_.front().start <= seconds + slack) || fromStart) {
             return;
         }

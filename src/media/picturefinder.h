@@ -45,6 +45,9 @@ private:
     // To a place from which the picture can be decoded.
     void seekBefore(double seconds);
     void seekTo(double seconds);
+    void seekToBegin();
+    // Nothing of what was decoded goes on behind a jump.
+    void forget();
     // Decodes the next picture to the held ones; false at the end.
     bool decodeNext();
     bool feed();
