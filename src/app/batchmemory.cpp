@@ -1,6 +1,7 @@
 #include "app/batchmemory.h"
 
 #include "app/face.h"
+#include "app/partfile.h"
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
@@ -22,6 +23,7 @@ constexpr int longListDelay = 2000; // milliseconds
 
 const QString sourcesKey = QStringLiteral("sources");
 const QString formatsKey = QStringLiteral("formats");
+const QString partsKey = QStringLiteral("parts");
 const QString destinationKey = QStringLiteral("destination");
 
 } // namespace
@@ -51,12 +53,14 @@ void BatchMemory::recall()
     }
     const QVariantMap left = prefReadDico(pref::batchMemory).value_or(QVariantMap());
     const QVariantList formats = left.value(formatsKey).toList();
+    const QVariantList parts = left.value(partsKey).toList();
     for (const QVariant& source : left.value(sourcesKey).toList()) {
         const QString path = source.toString();
         if (!path.startsWith(QLatin1Char('/')) || formats_.contains(path)) {
             continue;
         }
         formats_.insert(path, formats.value(recalled_.size()).toInt());
+        parts_.insert(path, parts.value(recalled_.size()).toString());
         recalled_ << path;
     }
     destination_ = left.value(destinationKey).toString();
@@ -119,15 +123,18 @@ void BatchMemory::write()
     const BatchList& rows = session_.model().encBatchArrayController;
     QVariantList sources;
     QVariantList formats;
+    QVariantList parts;
     for (const QString& source : std::as_const(recalled_)) {
         sources << source;
         formats << formats_.value(source);
+        parts << storedPart(partOfStored(parts_.value(source)));
     }
     for (int i = 0; i < rows.count(); ++i) {
         const BatchRow& row = rows.row(i);
         if (!row.isConverted() && !row.source().isEmpty() && !recalled_.contains(row.source())) {
             sources << row.source();
             formats << row.out;
+            parts << storedPart(row.part);
         }
     }
     if (sources.isEmpty()) {
@@ -136,6 +143,7 @@ void BatchMemory::write()
     }
     prefWriteDico(pref::batchMemory, QVariantMap({{sourcesKey, sources},
                                                   {formatsKey, formats},
+                                                  {partsKey, parts},
                                                   {destinationKey, session_.model().mainEncDstPathStr.stringValue()}}));
 }
 
@@ -150,6 +158,7 @@ void BatchMemory::restoreFormat(int first, int last)
             if (out >= 0 && out < outputFormatCount) {
                 rows.setOut(i, out);
             }
+            rows.setPart(i, partOfStored(parts_.take(rows.row(i).source())));
         }
     }
 }

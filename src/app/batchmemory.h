@@ -40,7 +40,8 @@ private:
     Session& session_;
     QTimer timer_;
     QStringList recalled_;
-    QHash<QString, int> formats_; // of what was recalled, by source
+    QHash<QString, int> formats_;   // of what was recalled, by source
+    QHash<QString, QString> parts_; // likewise, where only a part was to be converted
     QString destination_;
     bool changed_ = false; // since it was written
     bool sealed_ = false;  // nothing more is written

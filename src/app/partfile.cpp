@@ -78,6 +78,26 @@ QString partText(const ClipPart& part)
     return part.to ? text + QLatin1Char(' ') + clipTimeText(*part.to) : text;
 }
 
+QString storedPart(const std::optional<ClipPart>& part)
+{
+    if (!part) {
+        return QStringLiteral("");
+    }
+    return secondsText(part->from) + QLatin1Char('-') + (part->to ? secondsText(*part->to) : QString());
+}
+
+std::optional<ClipPart> partOfStored(const QString& text)
+{
+    const QStringList ends = text.split(QLatin1Char('-'));
+    const std::optional<double> from = clipTime(ends.value(0));
+    const std::optional<double> to = clipTime(ends.value(1));
+    if (ends.size() != 2 || !from || (!to && !ends.at(1).isEmpty())) {
+        return std::nullopt;
+    }
+    const ClipPart part{*from, to};
+    return part.isPossible() ? std::optional(part) : std::nullopt;
+}
+
 MediaInfoRecord convertedRecord(const BatchRow& row)
 {
     MediaInfoRecord record = row.dico;

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace tavrix
 {
 
@@ -30,6 +32,9 @@ private:
 
 // "0:10 - 0:42"; "0:10 -" for a part to the clip's end.
 [[nodiscard]] QString partText(const ClipPart& part);
+// A part as a text that a later run reads; "" for none. Nothing is read from any other text.
+[[nodiscard]] QString storedPart(const std::optional<ClipPart>& part);
+[[nodiscard]] std::optional<ClipPart> partOfStored(const QString& text);
 // The row's record as it is for what is converted of it: of a part, with the part's length. A part that reaches behind
 // the clip's end ends with it.
 [[nodiscard]] MediaInfoRecord convertedRecord(const BatchRow& row);

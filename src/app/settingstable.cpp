@@ -53,6 +53,7 @@ std::span<const StoredRow> storedRows()
         {pref::encCurrentProcessingFile, Working, Path, {}},
         {pref::processEncDico, Working, Dictionary, {}},
         {pref::encDeb, Working, Number, 0},
+        {pref::encPart, Working, Number, 0},
         {pref::encQtEnc, Working, Number, 0},
         {pref::encFin, Working, Number, 0},
         {pref::replaceFilesCheck, Working, Number, {}},

@@ -92,7 +92,7 @@ void BatchRunner::noteStep(int row, int pass, int passes, double fraction)
 {
     const BatchRow& current = controller_->model().encBatchArrayController.row(row);
     if (fraction <= 0 || pass != progress_.pass) {
-        const double seconds = current.dico.value(record::w_duration).toDouble();
+        const double seconds = convertedRecord(current).value(record::w_duration).toDouble();
         progress_.value = 0;
         estimate_.beginPass(clock_.elapsed(), {seconds, current.out}, pass, passes);
     }

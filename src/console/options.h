@@ -28,7 +28,7 @@ struct ConsoleOptions {
     bool dryRun = false; // only analyse, and list what would be made
     Verbosity verbosity = Verbosity::Normal;
     std::optional<ClipPart> part; // of each clip; nothing: all of it
-    QStringList sources; // as given
+    QStringList sources;          // as given
 };
 
 // Words of the command line without the program's name. "--" ends the options; letters can stand together ("-qf3").

@@ -265,7 +265,9 @@ void PreviewWindow::stop()
 
 void PreviewWindow::goTo(double seconds)
 {
-    const double wanted = qBound(0.0, seconds, duration_);
+    // The length that the container tells may be short by some pictures.
+    constexpr double behind = 1;
+    const double wanted = qBound(0.0, seconds, duration_ + behind);
     if (movie_->isPlaying()) {
         movieviewGoToTime(*movie_, wanted + clockAhead_);
     } else {
@@ -414,7 +416,7 @@ void PreviewWindow::keyPressEvent(QKeyEvent* event)
         goTo(0);
         return;
     case Qt::Key_End:
-        goTo(duration_);
+        goTo(duration_ + 1);
         return;
     default:
         QWidget::keyPressEvent(event);

@@ -129,6 +129,17 @@ TEST_F(PartRow, BehindTheEndIsRefused)
     expectIdle();
 }
 
+TEST(StoredPart, ReadsAsItWasWritten)
+{
+    for (const ClipPart& part : {ClipPart{0, 5}, ClipPart{1.033367, std::nullopt}, ClipPart{3600.5, 7200}}) {
+        EXPECT_EQ(partOfStored(storedPart(part)), part);
+    }
+    EXPECT_TEXT(storedPart(std::nullopt), QStringLiteral(""));
+    for (const char* text : {"", "-", "5", "5-4", "a-b", "1-2-3", "1-x"}) {
+        EXPECT_FALSE(partOfStored(QString::fromLatin1(text))) << text;
+    }
+}
+
 TEST(ConvertedRecord, HasTheLengthOfThePart)
 {
     BatchRow row;

@@ -162,8 +162,8 @@ using ConsoleUsage = ConsoleTest;
 TEST_F(ConsoleUsage, namesEveryOptionAndEveryFormat)
 {
     const QString usage = consoleUsage();
-    for (const char* option : {"-f, --format", "-o, --output", "--existing", "--from", "--to", "skip", "-n, --dry-run", "-q, --quiet",
-                               "-v, --verbose", "--json", "-h, --help", "--version"}) {
+    for (const char* option : {"-f, --format", "-o, --output", "--existing", "--from", "--to", "skip", "-n, --dry-run",
+                               "-q, --quiet", "-v, --verbose", "--json", "-h, --help", "--version"}) {
         EXPECT_TRUE(usage.contains(text(option))) << option;
     }
     for (int format = 0; format < 6; ++format) {
