@@ -100,19 +100,20 @@ TEST_P(WrongInspectWords, AreToldByTheFirstMistake)
     EXPECT_EQ(options.error, text(GetParam().error));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, WrongInspectWords,
-    testing::Values(WrongRow{"nothing", "", "no file given"}, WrongRow{"noFile", "--json", "no file given"},
-                    WrongRow{"unknown", "--jsn a.mov", "unknown option --jsn"},
-                    WrongRow{"unknownWithHelp", "--jsn --help", "unknown option --jsn"},
-                    WrongRow{"unknownShort", "-x a.mov", "unknown option -x"},
-                    WrongRow{"valueMissing", "a.mov --export", "--export needs a value"},
-                    WrongRow{"valueEmpty", "a.mov --export=", "--export needs a value"},
-                    WrongRow{"flagWithValue", "--json=yes a.mov", "unknown option --json=yes"},
-                    WrongRow{"otherExport", "--export mp3 a.mov", "'mp3' cannot be exported: give wav"},
-                    WrongRow{"twoExports", "--export wav a.mov b.mov", "--export takes one file"},
-                    WrongRow{"outputAlone", "a.mov -o b.wav", "--output belongs to --export"}),
-    rowName<WrongRow>);
+INSTANTIATE_TEST_SUITE_P(Rows, WrongInspectWords,
+                         testing::Values(WrongRow{"nothing", "", "no file given"},
+                                         WrongRow{"noFile", "--json", "no file given"},
+                                         WrongRow{"unknown", "--jsn a.mov", "unknown option --jsn"},
+                                         WrongRow{"unknownWithHelp", "--jsn --help", "unknown option --jsn"},
+                                         WrongRow{"unknownShort", "-x a.mov", "unknown option -x"},
+                                         WrongRow{"valueMissing", "a.mov --export", "--export needs a value"},
+                                         WrongRow{"valueEmpty", "a.mov --export=", "--export needs a value"},
+                                         WrongRow{"flagWithValue", "--json=yes a.mov", "unknown option --json=yes"},
+                                         WrongRow{"otherExport", "--export mp3 a.mov",
+                                                  "'mp3' cannot be exported: give wav, mov or mov-fast"},
+                                         WrongRow{"twoExports", "--export wav a.mov b.mov", "--export takes one file"},
+                                         WrongRow{"outputAlone", "a.mov -o b.wav", "--output belongs to --export"}),
+                         rowName<WrongRow>);
 
 TEST_F(InspectWords, OfNothingAreNoFolder)
 {
