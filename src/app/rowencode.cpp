@@ -258,7 +258,7 @@ RowEncode::Next RowEncode::encodePart()
         return Next::Finish;
     }
     if (verdict.verdict()->outcome == judge::Outcome::Incomplete && guard_.isTaken()) {
-        fail(row, olderKept(*verdict.verdict()));
+        fail(row, olderKeptWords(*verdict.verdict()));
         return Next::Finish;
     }
     return firstPass(row, currentValue(record::dstPathStr));
