@@ -131,8 +131,8 @@ void ClipPictures::Work::serve(std::unique_lock<std::mutex>& lock, media::Pictur
         const QImage image = found ? imageOf(*found->frame, finder.facts(), largestPicture) : QImage();
         lock.lock();
         if (found) {
-            tell(of, [image, start = found->start, end = found->end](ClipPictures& one) {
-                Q_EMIT one.picture(image, start, end);
+            tell(of, [image, start = found->start, end = found->end, asked = *seconds](ClipPictures& one) {
+                Q_EMIT one.picture(image, start, end, asked);
             });
         } else {
             tell(of, [](ClipPictures& one) { Q_EMIT one.failed(); });

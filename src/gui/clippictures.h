@@ -28,8 +28,8 @@ public:
     void wishThumbnails(int count, double duration, const QSize& size);
 
 Q_SIGNALS:
-    // Shown from `start` to `end`.
-    void picture(const QImage& image, double start, double end);
+    // Shown from `start` to `end`; the answer to the wish for that time.
+    void picture(const QImage& image, double start, double end, double wished);
     void thumbnail(int number, const QImage& image);
     // Nothing can be decoded.
     void failed();

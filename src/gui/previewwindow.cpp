@@ -263,11 +263,16 @@ void PreviewWindow::stop()
     goTo(0);
 }
 
-void PreviewWindow::goTo(double seconds)
+double PreviewWindow::withinClip(double seconds) const
 {
     // The length that the container tells may be short by some pictures.
     constexpr double behind = 1;
-    const double wanted = qBound(0.0, seconds, duration_ + behind);
+    return qBound(0.0, seconds, duration_ + behind);
+}
+
+void PreviewWindow::goTo(double seconds)
+{
+    const double wanted = withinClip(seconds);
     if (movie_->isPlaying()) {
         movieviewGoToTime(*movie_, wanted + clockAhead_);
     } else {
@@ -292,12 +297,12 @@ void PreviewWindow::dragMark(Dragged mark, double seconds)
         movieviewStop(*movie_);
     }
     dragged_ = mark;
-    draggedTo_ = seconds;
+    draggedTo_ = withinClip(seconds);
     mark == Dragged::From ? trim_->setFrom(seconds) : trim_->setTo(seconds);
     goTo(seconds);
 }
 
-void PreviewWindow::takePicture(const QImage& image, double start, double end)
+void PreviewWindow::takePicture(const QImage& image, double start, double end, double wished)
 {
     if (!firstPicture_) {
         firstPicture_ = start;
@@ -309,10 +314,9 @@ void PreviewWindow::takePicture(const QImage& image, double start, double end)
     movie_->showStill(image);
     stillFrom_ = start;
     stillTo_ = end;
-    // A mark stands between two pictures; what was wished before it was dragged is not its picture.
-    constexpr double longestPicture = 0.5;
-    const bool meant = std::abs(qBound(start, draggedTo_, end) - draggedTo_) < longestPicture;
-    const Dragged dragged = meant ? std::exchange(dragged_, Dragged::Nothing) : Dragged::Nothing;
+    // A mark stands between two pictures; what was wished before it was dragged there is not its picture.
+    const bool isMeant = wished == draggedTo_;
+    const Dragged dragged = isMeant ? std::exchange(dragged_, Dragged::Nothing) : Dragged::Nothing;
     if (dragged == Dragged::From) {
         trim_->setFrom(start);
     } else if (dragged == Dragged::To) {

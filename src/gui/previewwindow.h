@@ -59,7 +59,8 @@ private:
     void goTo(double seconds);
     void step(int pictures);
     void dragMark(Dragged mark, double seconds);
-    void takePicture(const QImage& image, double start, double end);
+    [[nodiscard]] double withinClip(double seconds) const;
+    void takePicture(const QImage& image, double start, double end, double wished);
     void noteClock();
     void wishThumbnails();
     void followRow();
