@@ -87,7 +87,8 @@ TEST_F(Refusals, PicturesThatAreNone)
     QByteArray bytes = *readBytes(clip("a.mov", "640x480", "-f mov"));
     const qsizetype data = bytes.indexOf("mdat") + 4;
     bytes.replace(data, bytes.indexOf("moov") - 4 - data, QByteArray(bytes.indexOf("moov") - 4 - data, '\x55'));
-    EXPECT_EQ(rejection(folder_.makeFile(text("b.mov"), bytes)), text("no video that can be read"));
+    const QString reason = rejection(folder_.makeFile(text("b.mov"), bytes));
+    EXPECT_TRUE(reason.startsWith(text("no video that can be read ("))) << reason.toStdString();
 }
 
 // A wrong mark alone refuses nothing: the pictures may stand in the file all the same.
