@@ -42,7 +42,7 @@ protected:
         request.rate = text("25");
         request.seconds = 2;
         request.codecs = words("-c:v libx264 -preset ultrafast -pix_fmt yuv420p -c:a aac") << words(options);
-        const QString path = folder_.path(text(name));
+        QString path = folder_.path(text(name));
         EXPECT_TRUE(makeClip(path, request));
         return path;
     }
