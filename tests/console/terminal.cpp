@@ -61,7 +61,7 @@ bool Terminal::start(const QStringList& arguments)
         words << argument.toUtf8();
     }
     QByteArrayList environment = {"PATH=" + qgetenv("PATH"),
-                                  "LANG=en_GB.UTF-8",
+                                  "LANG=C.UTF-8",
                                   "TERM=xterm",
                                   "HOME=" + home_.path().toUtf8(),
                                   "TMPDIR=" + home_.path().toUtf8() + "/tmp",
