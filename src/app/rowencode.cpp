@@ -114,7 +114,6 @@ void RowEncode::begin(int row)
     setFlag(pref::encDeb);
     children_.beginRow();
     guard_.beginRow();
-    intermediate_.reset();
 }
 
 void RowEncode::vanish()
@@ -353,9 +352,8 @@ RowEncode::Next RowEncode::secondPass()
         return Next::Finish;
     }
     setFlag(pref::encFin);
-    intermediate_ = OutputGuard::intermediateOf(output);
-    if (intermediate_) {
-        noteIntermediate(*intermediate_);
+    if (const std::optional<FileIdentity> made = OutputGuard::intermediateOf(output)) {
+        noteIntermediate(*made);
     }
     prefSynchronize();
     // The bar's range stays the clip's duration, although this tool counts percents.
@@ -369,10 +367,6 @@ RowEncode::Outcome RowEncode::finish()
     const bool vanished = state_ == State::Vanished;
     const QString output = currentValue(record::dstPathStr);
     const float duration = currentNumber(record::w_duration);
-    // The second pass takes its name away as soon as it has opened it: what still has one was not read.
-    if (const std::optional<FileIdentity> now = OutputGuard::intermediateOf(output); !now || now == intermediate_) {
-        intermediate_.reset();
-    }
     guard_.removeIntermediate(output);
     part_.remove();
     pass_ = {};
@@ -437,13 +431,11 @@ void RowEncode::judge(int row, const QString& output)
     }
 }
 
-// A tool knows only that its output could not be named, or that it cannot read what it was given.
+// A tool knows only that its output could not be named.
 QString RowEncode::failureWords(const QString& output, bool made) const
 {
-    if (const QString gone = folderGone(output); !gone.isNull()) {
-        return gone;
-    }
-    return intermediate_ ? batchText("Enc_masterChanged") : children_.failureReason(made);
+    const QString gone = folderGone(output);
+    return gone.isNull() ? children_.failureReason(made) : gone;
 }
 
 RowEncode::Next RowEncode::refuse(int row, const QString& reason)

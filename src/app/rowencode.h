@@ -100,7 +100,6 @@ private:
     qint64 startedAt_ = 0; // seconds since 1970
     RowChildren children_;
     std::optional<int> replacePolicy_;
-    std::optional<FileIdentity> intermediate_; // the first pass's movie; in the end only if it was changed
 };
 
 } // namespace tavrix

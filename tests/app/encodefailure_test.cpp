@@ -176,23 +176,6 @@ TEST_F(PlainReason, OfACrashInTheSecondPassNamesItsSignal)
                        "program (movencoder: ended by signal 11 (Segmentation fault))"));
 }
 
-// The clip was said to be damaged.
-TEST_F(PlainReason, OfAFirstPassThatWasChangedMeanwhile)
-{
-    setPRORES(1);
-    addRows(makeClips(1));
-    rows().setOut(0, 5);
-    pressStart();
-    ASSERT_TRUE(tools.finish(ToolKind::Encode));
-    const FakeTools::Launch launch = tools.current(ToolKind::SecondPass);
-    ASSERT_TRUE(launch.launcher);
-    ASSERT_TRUE(writeBytes(launch.source(), "cut"));
-    launch.launcher->write(QStringLiteral("movencoder: clip01.mts: Invalid data found when processing input\n"));
-    launch.launcher->end(1);
-    EXPECT_TRUE(rows().row(0).reason.startsWith(QStringLiteral("the first pass's movie was changed")))
-        << rows().row(0).reason.toStdString();
-}
-
 // It was told as a lack of room.
 TEST_F(PlainReason, OfAFolderThatHasGoneMeanwhile)
 {
