@@ -1,20 +1,17 @@
 #include "gui/toolwindow.h"
 
-#include "base/posixfile.h"
 #include "base/shownname.h"
 #include "gui/images.h"
+#include "gui/toolprocess.h"
 #include "gui/windowtext.h"
-#include "sys/transfer.h"
 
 #include <QClipboard>
-#include <QCoreApplication>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSocketNotifier>
 #include <QVBoxLayout>
 
 namespace tavrix
@@ -58,18 +55,17 @@ ToolWindow::ToolWindow(const QString& objectName, QWidget* owner)
     resize(940, 640);
 }
 
-ToolWindow::~ToolWindow()
-{
-    endTool();
-}
-
 void ToolWindow::showOutput(const QString& tool, const QStringList& arguments)
 {
-    endTool();
+    delete tool_;
+    tool_ = new ToolProcess(this);
+    connect(tool_, &ToolProcess::wrote, this, &ToolWindow::takeOutput);
+    connect(tool_, &ToolProcess::ended, this, &ToolWindow::finish);
+    output_.clear();
     view_->setPlainText(windowText("Win_toolWaiting"));
-    if (!startTool(QCoreApplication::applicationDirPath() + QLatin1Char('/') + tool, arguments)) {
-        view_->setPlainText(windowText("Win_toolFailed", {tool}));
-        Q_EMIT finished();
+    if (!tool_->start(tool, arguments)) {
+        output_ = windowText("Win_toolFailed", {tool}).toUtf8();
+        finish();
     }
     show();
     raise();
@@ -77,51 +73,23 @@ void ToolWindow::showOutput(const QString& tool, const QStringList& arguments)
     view_->setFocus();
 }
 
-bool ToolWindow::startTool(const QString& tool, const QStringList& arguments)
+void ToolWindow::takeOutput(const QByteArray& bytes)
 {
-    Pipe pipe = makePipe(PipeReader::Parent);
-    if (!pipe.isOpen()) {
-        return false;
+    output_ += bytes;
+    if (output_.size() >= mostBytes) {
+        finish();
     }
-    ChildSetup setup;
-    setup.program = tool;
-    setup.arguments = arguments;
-    setup.output = pipe.writeEnd.get();
-    setup.error = pipe.writeEnd.get();
-    Result<ChildProcess, QString> child = ChildProcess::start(setup);
-    if (!child) {
-        return false;
-    }
-    child_.push_back(std::move(*child));
-    pipe_ = std::move(pipe.readEnd);
-    notifier_ = new QSocketNotifier(pipe_.get(), QSocketNotifier::Read, this);
-    connect(notifier_, &QSocketNotifier::activated, this, &ToolWindow::takeOutput);
-    return true;
 }
 
-void ToolWindow::takeOutput()
+void ToolWindow::finish()
 {
-    QByteArray chunk;
-    const ReadState state = readChunk(pipe_.get(), chunk);
-    output_ += chunk;
-    if (state != ReadState::End && output_.size() < mostBytes) {
-        return;
-    }
     view_->setPlainText(shownLines(QString::fromUtf8(output_)));
-    endTool();
-    Q_EMIT finished();
-}
-
-void ToolWindow::endTool()
-{
-    if (notifier_ != nullptr) {
-        notifier_->setEnabled(false);
-        notifier_->deleteLater(); // this may be one of its own calls
-        notifier_ = nullptr;
-    }
-    pipe_ = Descriptor();
-    killAndReap(child_);
     output_.clear();
+    // This may be one of its own calls.
+    tool_->disconnect(this);
+    tool_->deleteLater();
+    tool_ = nullptr;
+    Q_EMIT finished();
 }
 
 QString ToolWindow::text() const

@@ -1,19 +1,16 @@
 // A window that shows the text which one of this program's own tools prints.
 #pragma once
 
-#include "process/childprocess.h"
-
 #include <QByteArray>
 #include <QWidget>
 
-#include <vector>
-
 class QHBoxLayout;
 class QPlainTextEdit;
-class QSocketNotifier;
 
 namespace tavrix
 {
+
+class ToolProcess;
 
 // The tool runs beside the window: a file that is slow to read keeps nobody waiting, and one that is made to break its
 // reader breaks the tool alone. The window goes for good when it is closed, and the tool with it.
@@ -22,14 +19,13 @@ class ToolWindow : public QWidget
     Q_OBJECT
 public:
     ToolWindow(const QString& objectName, QWidget* owner);
-    ~ToolWindow() override;
 
     // Shows the window and what the tool prints on both of its streams. The tool lies beside this program; what an
     // earlier one still prints is dropped.
     void showOutput(const QString& tool, const QStringList& arguments);
     [[nodiscard]] QString text() const;
     // True until the tool has printed everything.
-    [[nodiscard]] bool isWaiting() const { return notifier_ != nullptr; }
+    [[nodiscard]] bool isWaiting() const { return tool_ != nullptr; }
 
 protected:
     // Where more buttons may stand, after the copy button.
@@ -40,15 +36,12 @@ Q_SIGNALS:
     void finished();
 
 private:
-    bool startTool(const QString& tool, const QStringList& arguments);
-    void takeOutput();
-    void endTool();
+    void takeOutput(const QByteArray& bytes);
+    void finish();
 
     QPlainTextEdit* view_;
     QHBoxLayout* buttons_;
-    std::vector<ChildProcess> child_;
-    Descriptor pipe_;
-    QSocketNotifier* notifier_ = nullptr;
+    ToolProcess* tool_ = nullptr; // until it has printed everything
     QByteArray output_;
 };
 
