@@ -50,6 +50,22 @@ std::optional<double> clipTime(const QString& text)
     return seconds + *number / std::pow(10.0, static_cast<double>(decimals.size()));
 }
 
+bool takePartTime(std::optional<ClipPart>& part, const QString& option, const QString& text)
+{
+    const std::optional<double> time = clipTime(text);
+    if (!time) {
+        return false;
+    }
+    ClipPart changed = part.value_or(ClipPart());
+    if (option == QLatin1String("--from")) {
+        changed.from = *time;
+    } else {
+        changed.to = time;
+    }
+    part = changed;
+    return true;
+}
+
 QString clipTimeText(double seconds)
 {
     const auto all = static_cast<qint64>(std::llround(std::max(0.0, seconds) * perSecond));

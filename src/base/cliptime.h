@@ -23,6 +23,9 @@ struct ClipPart {
 // minutes or seconds above 59 behind a colon.
 [[nodiscard]] std::optional<double> clipTime(const QString& text);
 
+// Takes the time of an option, "--from" or else "--to", into the part. False, and nothing is changed, when it is none.
+[[nodiscard]] bool takePartTime(std::optional<ClipPart>& part, const QString& option, const QString& text);
+
 // "0:10", "1:02:03"; what is no whole second has up to three decimals, always behind a point: "0:10.033".
 [[nodiscard]] QString clipTimeText(double seconds);
 

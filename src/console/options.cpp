@@ -48,18 +48,9 @@ void takeExisting(ConsoleOptions& options, const QString& value)
 
 void takeTime(ConsoleOptions& options, const QString& name, const QString& value)
 {
-    const std::optional<double> time = clipTime(value);
-    if (!time) {
+    if (!takePartTime(options.part, name, value)) {
         setWrong(options, formatText(consoleText("Con_badTime"), {name, value}));
-        return;
     }
-    ClipPart part = options.part.value_or(ClipPart());
-    if (name == QLatin1String("--from")) {
-        part.from = *time;
-    } else {
-        part.to = time;
-    }
-    options.part = part;
 }
 
 void takeValue(ConsoleOptions& options, const QString& name, const QString& value)

@@ -51,18 +51,9 @@ void takeForm(InspectOptions& options, const QString& value)
 
 void takeTime(InspectOptions& options, const QString& name, const QString& value)
 {
-    const std::optional<double> time = clipTime(value);
-    if (!time) {
+    if (!takePartTime(options.part, name, value)) {
         setWrong(options, inspectText("Ins_badTime", {name, value}));
-        return;
     }
-    ClipPart part = options.part.value_or(ClipPart());
-    if (name == QLatin1String("--from")) {
-        part.from = *time;
-    } else {
-        part.to = time;
-    }
-    options.part = part;
 }
 
 // "640x360".
