@@ -2,6 +2,7 @@
 
 #include "base/paths.h"
 #include "media/picturefinder.h"
+#include "media/pixelformat.h"
 
 #include <QTransform>
 
@@ -41,27 +42,12 @@ int colourSpace(const AVFrame& frame)
     return unknown && frame.height >= highDefinitionHeight ? SWS_CS_ITU709 : SWS_CS_ITU601;
 }
 
-// The old names for pictures of full range, which the scaler warns of.
-AVPixelFormat plainFormat(int format)
-{
-    switch (format) {
-    case AV_PIX_FMT_YUVJ420P:
-        return AV_PIX_FMT_YUV420P;
-    case AV_PIX_FMT_YUVJ422P:
-        return AV_PIX_FMT_YUV422P;
-    case AV_PIX_FMT_YUVJ444P:
-        return AV_PIX_FMT_YUV444P;
-    default:
-        return static_cast<AVPixelFormat>(format);
-    }
-}
-
 QImage imageOf(const AVFrame& frame, const media::StreamFacts& facts, const QSize& largest)
 {
     const double aspect = facts.pixelAspect.known() ? facts.pixelAspect.value() : 1;
     const QSize size =
         QSizeF(frame.width * aspect, frame.height).scaled(largest, Qt::KeepAspectRatio).toSize().expandedTo({1, 1});
-    const AVPixelFormat format = plainFormat(frame.format);
+    const AVPixelFormat format = media::plainPixelFormat(frame.format);
     const Scaler scaler(sws_getContext(frame.width, frame.height, format, size.width(), size.height(), AV_PIX_FMT_RGB32,
                                        SWS_BILINEAR, nullptr, nullptr, nullptr));
     QImage image(size, QImage::Format_RGB32);

@@ -1,5 +1,7 @@
 #include "tools/movencoder/pictureconverter.h"
 
+#include "media/pixelformat.h"
+
 #include <array>
 
 extern "C" {
@@ -13,25 +15,6 @@ namespace tavrix::movencoder
 
 namespace
 {
-
-// The "J" formats of Motion-JPEG say their range in their name; the scaler wants it said separately.
-AVPixelFormat plainFormat(int format)
-{
-    switch (format) {
-    case AV_PIX_FMT_YUVJ420P:
-        return AV_PIX_FMT_YUV420P;
-    case AV_PIX_FMT_YUVJ422P:
-        return AV_PIX_FMT_YUV422P;
-    case AV_PIX_FMT_YUVJ444P:
-        return AV_PIX_FMT_YUV444P;
-    case AV_PIX_FMT_YUVJ440P:
-        return AV_PIX_FMT_YUV440P;
-    case AV_PIX_FMT_YUVJ411P:
-        return AV_PIX_FMT_YUV411P;
-    default:
-        return static_cast<AVPixelFormat>(format);
-    }
-}
 
 int planeLines(const AVPixFmtDescriptor& descriptor, int plane, int lines)
 {
@@ -77,7 +60,7 @@ Result<void> PictureConverter::makeScaler(const Shape& shape)
     SwsContext* scaler = scaler_.get();
     av_opt_set_int(scaler, "srcw", shape.width, 0);
     av_opt_set_int(scaler, "srch", shape.fields ? shape.height / 2 : shape.height, 0);
-    av_opt_set_int(scaler, "src_format", plainFormat(shape.format), 0);
+    av_opt_set_int(scaler, "src_format", media::plainPixelFormat(shape.format), 0);
     av_opt_set_int(scaler, "src_range", shape.fullRange ? 1 : 0, 0);
     av_opt_set_int(scaler, "dstw", fit_.pictureWidth, 0);
     av_opt_set_int(scaler, "dsth", shape.fields && keepsLines ? shape.height / 2 : fit_.pictureHeight, 0);
@@ -158,7 +141,7 @@ void PictureConverter::placeInCanvas() const
 Result<const AVFrame*> PictureConverter::convert(const AVFrame& source)
 {
     Shape shape{source.width, source.height, source.format, source.color_range == AVCOL_RANGE_JPEG, false};
-    shape.fullRange = shape.fullRange || plainFormat(source.format) != source.format;
+    shape.fullRange = shape.fullRange || media::plainPixelFormat(source.format) != source.format;
     const bool keepsSize = source.width == fit_.pictureWidth && source.height == fit_.pictureHeight;
     if (keepsSize && fillsCanvas() && source.format == format_ && !shape.fullRange) {
         return &source;
