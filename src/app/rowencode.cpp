@@ -266,8 +266,7 @@ RowEncode::Next RowEncode::encodePart()
 RowEncode::Next RowEncode::firstPass(int row, const QString& output)
 {
     const int out = rows().row(row).out;
-    constexpr int h264 = 1;
-    if (out == h264 && !bringsPresets()) {
+    if (outputFormat(out).needsPresets && !bringsPresets()) {
         // Without them the encode would silently be another one.
         return refuse(row, formatText(batchText("Enc_noPresets"), {toolPath(QStringLiteral("presets"))}));
     }

@@ -197,17 +197,17 @@ double rewrapSound(const ForecastRequest& request)
 
 constexpr std::array<OutputFormat, outputFormatCount> formats = {{
     // MPEG-4 for small screens
-    {mp4, addSmallScreen, perSecond<1, 24>, steady<250000>, steady<64000>, nullptr},
+    {mp4, addSmallScreen, perSecond<1, 24>, steady<250000>, steady<64000>, false, nullptr},
     // H.264
-    {m4v, addH264, perSecond<1, 5>, steady<1400000>, steady<128000>, nullptr},
+    {m4v, addH264, perSecond<1, 5>, steady<1400000>, steady<128000>, true, nullptr},
     // another container, the picture untouched
-    {rewrapExtension, addRewrap, likeSource, copiedPicture, rewrapSound, nullptr},
+    {rewrapExtension, addRewrap, likeSource, copiedPicture, rewrapSound, false, nullptr},
     // QuickTime, the picture untouched
-    {mov, addMovieCopy, sourceAndPlainSound, copiedPicture, steady<plainSoundBits>, nullptr},
+    {mov, addMovieCopy, sourceAndPlainSound, copiedPicture, steady<plainSoundBits>, false, nullptr},
     // Apple Intermediate Codec
-    {mov, addMovieCopy, perSecond<1, 10>, intermediatePicture, steady<plainSoundBits>, getAIC},
+    {mov, addMovieCopy, perSecond<1, 10>, intermediatePicture, steady<plainSoundBits>, false, getAIC},
     // ProRes
-    {mov, addMovieCopy, perSecond<1, 10>, proresPicture, steady<plainSoundBits>, getPRORES},
+    {mov, addMovieCopy, perSecond<1, 10>, proresPicture, steady<plainSoundBits>, false, getPRORES},
 }};
 
 } // namespace

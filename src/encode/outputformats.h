@@ -29,6 +29,8 @@ struct OutputFormat {
     // Bits a second of the output, for people; 0 when the request does not tell what the format needs.
     double (*pictureBits)(const ForecastRequest& request);
     double (*soundBits)(const ForecastRequest& request);
+    // Whether the encoder's settings come from the folder "presets", without which it would be another encode.
+    bool needsPresets;
     // The setting that sends the output on to movencoder (0: not); null where there is no second pass.
     int (*secondPassSetting)();
 };
