@@ -2,6 +2,7 @@
 #include "base/fileops.h"
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
+#include "pipeline/words.h"
 #include "support/temphome.h"
 
 #include <gtest/gtest.h>
@@ -13,11 +14,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
 
 class Dates : public ::testing::TestWithParam<int>
 {

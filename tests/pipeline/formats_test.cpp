@@ -1,5 +1,6 @@
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
+#include "pipeline/words.h"
 
 #include <gtest/gtest.h>
 
@@ -12,11 +13,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
 
 // What an output of a format must be.
 struct FormatRow {

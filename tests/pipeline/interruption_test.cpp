@@ -1,5 +1,6 @@
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
+#include "pipeline/words.h"
 #include "testpaths.h"
 
 #include <gtest/gtest.h>
@@ -13,11 +14,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
 
 bool isEvent(const QJsonObject& object, const char* name)
 {

@@ -3,6 +3,7 @@
 #include "encode/outputname.h"
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
+#include "pipeline/words.h"
 #include "probe/recordersources.h"
 #include "support/waituntil.h"
 
@@ -21,11 +22,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
 
 const char* const waitingFfmpeg = R"(#!/bin/sh
 case "$*" in

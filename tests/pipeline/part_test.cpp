@@ -3,6 +3,7 @@
 #include "pipeline/clips.h"
 #include "pipeline/convert.h"
 #include "pipeline/numberedclip.h"
+#include "pipeline/words.h"
 #include "support/temphome.h"
 #include "testpaths.h"
 
@@ -16,16 +17,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
-
-QStringList words(const char* literal)
-{
-    return text(literal).split(QLatin1Char(' '));
-}
 
 struct SourceRow {
     const char* name;

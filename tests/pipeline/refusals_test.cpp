@@ -3,6 +3,7 @@
 #include "base/localisation.h"
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
+#include "pipeline/words.h"
 #include "probe/pictureobstacle.h"
 #include "support/temphome.h"
 #include "testpaths.h"
@@ -14,16 +15,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
-
-QStringList words(const char* literal)
-{
-    return text(literal).split(QLatin1Char(' '));
-}
 
 class Refusals : public ::testing::Test
 {

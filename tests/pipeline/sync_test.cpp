@@ -2,6 +2,7 @@
 #include "pipeline/clips.h"
 #include "pipeline/convert.h"
 #include "pipeline/numberedclip.h"
+#include "pipeline/words.h"
 #include "support/temphome.h"
 
 #include <gtest/gtest.h>
@@ -15,16 +16,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
-
-QStringList words(const char* literal)
-{
-    return text(literal).split(QLatin1Char(' '));
-}
 
 double valueOf(const char* rate)
 {

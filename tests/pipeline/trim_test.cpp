@@ -3,6 +3,7 @@
 #include "pipeline/clips.h"
 #include "pipeline/convert.h"
 #include "pipeline/numberedclip.h"
+#include "pipeline/words.h"
 #include "support/temphome.h"
 #include "sys/descriptor.h"
 
@@ -16,16 +17,6 @@ using namespace tavrix::test;
 
 namespace
 {
-
-QString text(const char* literal)
-{
-    return QString::fromUtf8(literal);
-}
-
-QStringList words(const char* literal)
-{
-    return text(literal).split(QLatin1Char(' '));
-}
 
 // A stretch of the media, in pictures; -1 as the first is time in which nothing is shown.
 struct Piece {
