@@ -17,9 +17,15 @@ template <typename Table, typename Make> constexpr std::array<Table, codeCount> 
     return tables;
 }
 
+constexpr CodeWord noWord{0, 0};
+
 constexpr auto codeTables = makeTables<CodeTable>(codeWord);
-constexpr auto lengthTables = makeTables<LengthTable>(
-    [](Code code, std::uint32_t value) { return static_cast<std::int16_t>(codeLength(code, value)); });
+constexpr auto skippingTables = makeTables<CodeTable>(
+    [](Code code, std::uint32_t value) { return value == 0 ? noWord : codeWord(code, value - 1); });
+constexpr auto spellingTables =
+    makeTables<CodeTable>([](Code code, std::uint32_t value) { return value == 0 ? noWord : codeWord(code, value); });
+constexpr auto rowTables = makeTables<ZeroRows>(
+    [](Code code, std::uint32_t zeros) { return zeros <= longestZeroRow(code) ? zeroRow(code, zeros) : noWord; });
 
 } // namespace
 
@@ -28,9 +34,14 @@ const CodeTable& codeTable(std::uint32_t codeIndex)
     return codeTables[codeIndex];
 }
 
-const LengthTable& lengthTable(std::uint32_t codeIndex)
+const CodeTable& levelTable(std::uint32_t codeIndex, bool skips)
 {
-    return lengthTables[codeIndex];
+    return skips ? skippingTables[codeIndex] : spellingTables[codeIndex];
+}
+
+const ZeroRows& zeroRows(std::uint32_t codeIndex)
+{
+    return rowTables[codeIndex];
 }
 
 } // namespace tavrix::aic

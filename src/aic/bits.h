@@ -56,16 +56,6 @@ constexpr CodeWord codeWord(Code code, std::uint32_t value)
     return {(prefix < longestUnaryPrefix ? 1U << code.k : 0U) | low, length};
 }
 
-// Values below this are looked up in tables, larger ones (mostly DC coefficients) are computed. All runs are below it.
-inline constexpr std::uint32_t tabledValues = 256;
-using CodeTable = std::array<CodeWord, tabledValues>;
-const CodeTable& codeTable(std::uint32_t codeIndex);
-// Length of each value; 16 bits wide so that costs are multiply-and-add over a histogram, and longer than the other
-// table so that a histogram of values less one can be weighed from the second entry on.
-inline constexpr std::uint32_t tabledLengths = tabledValues + 16;
-using LengthTable = std::array<std::int16_t, tabledLengths>;
-const LengthTable& lengthTable(std::uint32_t codeIndex);
-
 // The zero of every code is a one followed by k zeros; this is a row of them, as many as fit into 32 bits.
 constexpr std::uint32_t longestZeroRow(Code code)
 {
@@ -80,12 +70,25 @@ constexpr CodeWord zeroRow(Code code, std::uint32_t zeros)
     return row;
 }
 
+// Values below this are looked up in tables, larger ones (mostly DC coefficients) are computed. All runs are below it.
+inline constexpr std::uint32_t tabledValues = 256;
+using CodeTable = std::array<CodeWord, tabledValues>;
+const CodeTable& codeTable(std::uint32_t codeIndex);
+// The words of levels by their code values: in a band that skips zeros the code value 1 is the code's first word, in
+// one that spells them the second. The code value 0 stands for no level and has an empty word.
+const CodeTable& levelTable(std::uint32_t codeIndex, bool skips);
+// Rows of zeros by their number, up to longestZeroRow().
+using ZeroRows = std::array<CodeWord, 33>;
+const ZeroRows& zeroRows(std::uint32_t codeIndex);
+
 // Appends bits to memory that the caller has made large enough: `overrun` bytes beyond the end are touched, because
 // every word is stored at full width and only the position moves on by what counts.
 class BitWriter
 {
 public:
     static constexpr std::size_t overrun = 8;
+    // What fits beside the seven bits that may be pending.
+    static constexpr std::uint32_t longestPair = 57;
 
     explicit BitWriter(std::uint8_t* at) : at_(at) {}
 
@@ -94,10 +97,10 @@ public:
         held_ = held_ << word.length | word.bits;
         advance(word.length);
     }
-    // Two words at once where they fit beside the seven bits that may be pending.
-    void put(CodeWord first, CodeWord second)
+    // Two words; `Fits`: they are known to be no longer than longestPair together.
+    template <bool Fits = false> void put(CodeWord first, CodeWord second)
     {
-        if (first.length + second.length <= 57) {
+        if (Fits || first.length + second.length <= longestPair) {
             held_ = (held_ << first.length | first.bits) << second.length | second.bits;
             advance(first.length + second.length);
         } else {

@@ -26,16 +26,6 @@ void putBigEndian32(std::uint8_t* at, std::size_t value)
     putBigEndian16(at + 2, value);
 }
 
-// The order of a macroblock with each block turned over, as the transform leaves its levels column by column.
-CodingOrder turnedOrder(bool interlaced)
-{
-    CodingOrder order = codingOrder(interlaced);
-    for (std::uint16_t& place : order) {
-        place = static_cast<std::uint16_t>((place & ~63U) | (place & 7U) << 3 | (place >> 3 & 7U));
-    }
-    return order;
-}
-
 // The samples of a macroblock in one plane: where they are, or in a copy whose missing right columns repeat the last.
 struct Samples {
     const std::uint8_t* at;
@@ -61,8 +51,7 @@ Samples samplesOf(const std::uint8_t* plane, std::ptrdiff_t stride, int planeWid
 } // namespace
 
 Encoder::Encoder(int width, int height)
-    : width_(width), height_(height),
-      geometry_(geometryOf(width, height)), orders_{turnedOrder(false), turnedOrder(true)}, coder_(geometry_.sliceWidth)
+    : width_(width), height_(height), geometry_(geometryOf(width, height)), coder_(geometry_.sliceWidth)
 {
 }
 
@@ -77,22 +66,26 @@ void Encoder::useQuantiser(int quantiser)
 
 void Encoder::collectMacroblock(const Picture& picture, int row, int column)
 {
-    alignas(16) std::array<std::int32_t, coefficientsPerMacroblock> levels;
+    alignas(32) std::array<CodeValue, coefficientsPerMacroblock> values;
+    const CodingOrder& order = codingOrder(picture.interlaced);
+    const auto transform = [&](const std::uint8_t* at, std::ptrdiff_t stride, std::size_t block) {
+        transform_(at, stride, factors_.data(), order[block].data(), isTurned(block), values.data());
+    };
     Copy copy;
     const Samples luma = samplesOf(picture.planes[0], picture.strides[0], width_, 16 * column,
                                    geometry_.firstLumaLine(row, height_), 16, copy);
     const std::ptrdiff_t lowerBlocks = picture.interlaced ? luma.stride : 8 * luma.stride;
     const std::ptrdiff_t lineStep = picture.interlaced ? 2 * luma.stride : luma.stride;
-    for (std::ptrdiff_t block = 0; block < 4; ++block) {
-        const std::uint8_t* at = luma.at + (block & 1) * 8 + (block >> 1) * lowerBlocks;
-        transform_(at, lineStep, factors_.data(), levels.data() + 64 * block);
-    }
-    for (std::ptrdiff_t plane = 1; plane < 3; ++plane) {
+    transform(luma.at, lineStep, 0);
+    transform(luma.at + 8, lineStep, 1);
+    transform(luma.at + lowerBlocks, lineStep, 2);
+    transform(luma.at + lowerBlocks + 8, lineStep, 3);
+    for (std::size_t plane = 1; plane < 3; ++plane) {
         const Samples chroma = samplesOf(picture.planes[plane], picture.strides[plane], (width_ + 1) / 2, 8 * column,
                                          geometry_.firstChromaLine(row, height_), 8, copy);
-        transform_(chroma.at, chroma.stride, factors_.data(), levels.data() + 64 * (3 + plane));
+        transform(chroma.at, chroma.stride, 3 + plane);
     }
-    coder_.addMacroblock(levels.data(), orders_[picture.interlaced ? 1 : 0]);
+    coder_.addMacroblock(values.data());
 }
 
 void Encoder::collectSlice(const Picture& picture, int row, int slice)

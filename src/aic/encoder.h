@@ -61,7 +61,6 @@ private:
     int lastQuantiser_ = 0; // that met the limit of the last picture coded to a size; 0: none yet
     Transform transform_ = bestTransform();
     LevelFactors factors_{};
-    std::array<CodingOrder, 2> orders_; // progressive, interlaced
     SliceCoder coder_;
 };
 

@@ -1,7 +1,12 @@
 #include "aic/slice.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace tavrix::aic
 {
@@ -11,119 +16,228 @@ namespace
 
 constexpr std::uint32_t codeFieldBits = 4;
 
-// Room for any band of a macroblock: one more than its coefficients, as the last store may be a discarded one.
-constexpr std::size_t longestBand = 193;
-
-CodeWord wordOf(const CodeTable& table, std::uint32_t code, std::uint32_t value)
+// A bit for each of `count` values, 64 at most, that is not zero.
+std::uint64_t nonZeros(const CodeValue* values, int count)
 {
-    return value < tabledValues ? table[value] : codeWord(codeOf(code), value);
+    std::uint64_t mask = 0;
+    for (int i = 0; i < count; i += coefficientsPerTile) {
+#ifdef __SSE2__
+        const __m128i zero = _mm_setzero_si128();
+        const auto* at = reinterpret_cast<const __m128i*>(values + i);
+        const __m128i zeros =
+            _mm_packs_epi16(_mm_cmpeq_epi16(_mm_loadu_si128(at), zero), _mm_cmpeq_epi16(_mm_loadu_si128(at + 1), zero));
+        mask |= static_cast<std::uint64_t>(_mm_movemask_epi8(zeros) ^ 0xFFFF) << i;
+#else
+        for (int j = i; j < i + coefficientsPerTile; ++j) {
+            mask |= static_cast<std::uint64_t>(values[j] != 0 ? 1U : 0U) << j;
+        }
+#endif
+    }
+    return mask;
 }
 
-std::uint64_t weigh(const std::int16_t* counts, const std::int16_t* lengths, std::uint32_t bins)
+// Larger than none of the values by more than their number of bits allows: what all bits together are.
+std::uint32_t allBits(const CodeValue* values, int count)
 {
-    std::int32_t sum = 0;
-    for (std::uint32_t i = 0; i < bins; ++i) {
-        sum += static_cast<std::int32_t>(counts[i]) * static_cast<std::int32_t>(lengths[i]);
+    std::uint32_t bits = 0;
+    for (int i = 0; i < count; ++i) {
+        bits |= values[i];
     }
-    return static_cast<std::uint64_t>(sum);
+    return bits;
+}
+
+// The word of a level by its code value, or of the value that the code counts where there is no table for it.
+CodeWord levelWord(const CodeTable& levels, std::uint32_t code, std::uint32_t value, std::uint32_t counted)
+{
+    return value < tabledValues ? levels[value] : codeWord(codeOf(code), counted);
 }
 
 } // namespace
 
 void SliceCoder::Statistics::clear()
 {
-    counts.fill(0);
-    large.clear();
-    largest = 0;
+    counts[0].fill(0);
+    counts[1].fill(0);
+    largeCount = 0;
 }
 
-inline void SliceCoder::Statistics::add(std::uint32_t value)
+std::size_t SliceCoder::Statistics::atLeast(std::uint32_t value) const
 {
-    if (value < tabledValues) {
-        ++counts[value];
-    } else {
-        large.push_back(static_cast<std::uint16_t>(value));
+    std::size_t count = 0;
+    for (std::uint32_t i = value; i < smallValues; ++i) {
+        count += counts[0][i];
+        count += counts[1][i];
     }
-    largest = std::max(largest, value);
+    for (std::size_t i = 0; i < largeCount; ++i) {
+        count += large[i] >= value ? 1U : 0U;
+    }
+    return count;
 }
 
 SliceCoder::SliceCoder(int sliceWidth) : sliceWidth_(sliceWidth)
 {
     const auto width = static_cast<std::size_t>(sliceWidth);
     for (std::size_t band = 0; band < bands_.size(); ++band) {
-        bands_[band].tokens.resize(width * static_cast<std::size_t>(bands[band].count));
-        bands_[band].tokensOfMacroblock.resize(width);
+        const std::size_t coefficients = width * static_cast<std::size_t>(bands[band].count);
+        bands_[band].tokens.resize(coefficients + width);
+        bands_[band].levels.large.resize(coefficients);
+        bands_[band].runs.large.resize(coefficients);
     }
 }
 
 void SliceCoder::begin(int macroblocks)
 {
     macroblocks_ = macroblocks;
-    added_ = 0;
     for (BandState& state : bands_) {
         state.tokenCount = 0;
+        state.levelCount = 0;
         state.levels.clear();
         state.runs.clear();
     }
 }
 
-void SliceCoder::addMacroblock(const std::int32_t* levels, const CodingOrder& order)
+void SliceCoder::addMacroblock(const CodeValue* values)
 {
     for (std::size_t band = 0; band < bands_.size(); ++band) {
-        addBand(band, levels, order.data() + bands[band].offset);
+        const CodeValue* own = values + bands[band].offset;
+        const int count = bands[band].count;
+        const bool small = allBits(own, count) < Statistics::smallValues;
+        (small ? addBand<true> : addBand<false>)(bands_[band], own, count);
     }
-    ++added_;
 }
 
-void SliceCoder::addBand(std::size_t band, const std::int32_t* levels, const std::uint16_t* order)
+inline void SliceCoder::Statistics::add(std::uint32_t value)
 {
-    BandState& state = bands_[band];
-    const int count = bands[band].count;
-    std::array<std::int32_t, longestBand> values;
-    std::array<std::uint8_t, longestBand> places;
-    std::size_t found = 0;
-    for (int i = 0; i < count; ++i) {
-        const std::int32_t value = levels[order[i]];
-        values[found] = value;
-        places[found] = static_cast<std::uint8_t>(i);
-        found += value != 0 ? 1U : 0U;
+    if (value < smallValues) {
+        ++counts[0][value];
+    } else {
+        large[largeCount++] = static_cast<std::uint16_t>(value);
     }
+}
+
+template <bool Small> void SliceCoder::addBand(BandState& state, const CodeValue* values, int count)
+{
+    constexpr int wordBits = 64;
     Token* token = state.tokens.data() + state.tokenCount;
-    int next = 0;
-    for (std::size_t i = 0; i < found; ++i) {
-        const std::int32_t value = values[i];
-        const std::int32_t sign = value >> 31;
-        const auto run = static_cast<std::uint32_t>(places[i] - next);
-        const auto level = static_cast<std::uint32_t>(2 * ((value ^ sign) - sign) - 1 + sign);
-        next = places[i] + 1;
-        state.runs.add(run);
-        state.levels.add(level);
-        *token++ = {static_cast<std::uint16_t>(run), static_cast<std::uint16_t>(level)};
+    const Token* const first = token;
+    const CodeValue* next = values;
+    for (int start = 0; start < count; start += wordBits) {
+        std::uint64_t mask = nonZeros(values + start, std::min(wordBits, count - start));
+        const auto take = [&](std::size_t turn) {
+            const CodeValue* place = values + start + std::countr_zero(mask);
+            mask &= mask - 1;
+            const std::uint32_t value = *place;
+            const auto run = static_cast<std::uint32_t>(place - next);
+            next = place + 1;
+            token->run = static_cast<std::uint16_t>(run);
+            token->value = static_cast<std::uint16_t>(value);
+            ++token;
+            state.runs.add(run);
+            if constexpr (Small) {
+                ++state.levels.counts[turn][value - 1];
+            } else {
+                state.levels.add(value - 1);
+            }
+        };
+        while (mask != 0) {
+            take(0);
+            if (mask == 0) {
+                break;
+            }
+            take(1);
+        }
     }
-    if (next < count) {
-        state.runs.add(static_cast<std::uint32_t>(count - next));
+    state.levelCount += static_cast<std::size_t>(token - first);
+    const auto rest = static_cast<std::uint32_t>(values + count - next);
+    if (rest > 0) {
+        *token++ = {static_cast<std::uint16_t>(rest), 0};
+        state.runs.add(rest);
     }
-    state.tokenCount += found;
-    state.tokensOfMacroblock[added_] = static_cast<std::uint8_t>(found);
+    state.tokenCount += static_cast<std::size_t>(token - first);
 }
 
-SliceCoder::Choice SliceCoder::cheapest(const Statistics& statistics, std::uint32_t offset, std::uint64_t zeros)
+std::uint32_t SliceCoder::Statistics::largest() const
 {
-    const std::uint32_t bins = (std::min(statistics.largest, tabledValues - 1) + 16) / 16 * 16;
-    Choice best{0, std::numeric_limits<std::uint64_t>::max()};
+    if (largeCount > 0) {
+        return *std::max_element(large.begin(), large.begin() + static_cast<std::ptrdiff_t>(largeCount));
+    }
+    std::uint32_t value = smallValues - 1;
+    while (value > 0 && counts[0][value] == 0 && counts[1][value] == 0) {
+        --value;
+    }
+    return value;
+}
+
+// A word's length grows by one (unary) or two (exp-Golomb) at thresholds of its value: how many values reach each
+// threshold tells the bits of all. Answers how many there are.
+std::size_t SliceCoder::addSmall(Excess& excess, const Statistics& statistics, std::uint32_t offset)
+{
+    constexpr std::uint32_t end = Statistics::smallValues + 1;
+    std::array<std::uint32_t, end + 1> reaching{}; // an offset of 1 moves all up
+    for (std::uint32_t i = Statistics::smallValues; i-- > 0;) {
+        reaching[i + offset] = reaching[i + offset + 1] + statistics.counts[0][i] + statistics.counts[1][i];
+    }
+    for (std::uint32_t k = 0; k < 8 && 1U << k < end; ++k) {
+        for (std::uint32_t value = 1U << k; value < end; value += 1U << k) {
+            excess.unary[k] += reaching[value];
+        }
+        for (std::uint32_t prefix = 1; prefix << k < end; prefix = 2 * prefix + 1) {
+            excess.golomb[k] += 2U * reaching[prefix << k];
+        }
+    }
+    return reaching[offset];
+}
+
+// Four at a time: the width of a number is the exponent of its float.
+void SliceCoder::addLarge(Excess& excess, const Statistics& statistics, std::uint32_t offset)
+{
+    constexpr std::size_t lanes = 4;
+    using Lanes = std::int32_t __attribute__((vector_size(4 * lanes)));
+    using Floats = float __attribute__((vector_size(4 * lanes)));
+    std::array<Lanes, 8> unary{};
+    std::array<Lanes, 8> exponents{};
+    for (std::size_t start = 0; start < statistics.largeCount; start += lanes) {
+        Lanes values{}; // zero has no excess
+        for (std::size_t i = 0; i < std::min(lanes, statistics.largeCount - start); ++i) {
+            values[i] = static_cast<std::int32_t>(statistics.large[start + i] + offset);
+        }
+        for (int k = 0; k < 8; ++k) {
+            const auto i = static_cast<std::size_t>(k);
+            unary[i] += values >> k;
+            exponents[i] += reinterpret_cast<Lanes>(__builtin_convertvector(values + (1 << k), Floats)) >> 23;
+        }
+    }
+    const std::size_t all = (statistics.largeCount + lanes - 1) / lanes * lanes;
+    for (std::size_t k = 0; k < 8; ++k) {
+        const Lanes& steps = unary[k];
+        const Lanes& widths = exponents[k];
+        excess.unary[k] += static_cast<std::uint64_t>(steps[0] + steps[1] + steps[2] + steps[3]);
+        excess.golomb[k] += 2U * static_cast<std::uint64_t>(widths[0] + widths[1] + widths[2] + widths[3]);
+        excess.golomb[k] -= 2U * all * (127U + k);
+    }
+}
+
+SliceCoder::Choice SliceCoder::cheapest(const Statistics& statistics, std::uint32_t offset, std::size_t zeros)
+{
+    Excess excess{};
+    const std::uint64_t words = addSmall(excess, statistics, offset) + statistics.largeCount + zeros;
+    if (statistics.largeCount > 0) {
+        addLarge(excess, statistics, offset);
+    }
+    const std::uint32_t largest = statistics.largest() + offset;
+    Choice best{0, std::numeric_limits<std::uint64_t>::max(), 0};
     for (std::uint32_t index = 0; index < codeCount; ++index) {
         const Code code = codeOf(index);
-        if (!codeHolds(code, statistics.largest + offset)) {
+        if (!codeHolds(code, largest)) {
             continue;
         }
-        const LengthTable& lengths = lengthTable(index);
-        std::uint64_t bits = weigh(statistics.counts.data(), lengths.data() + offset, bins) +
-                             zeros * static_cast<std::uint64_t>(lengths[0]);
-        for (const std::uint16_t value : statistics.large) {
-            bits += codeLength(code, value + offset);
+        std::uint64_t bits = words * (1U + code.k) + (code.golomb ? excess.golomb : excess.unary)[code.k];
+        if (!code.golomb && largest >> code.k == longestUnaryPrefix) {
+            // The longest prefix is not ended by a one.
+            bits -= statistics.atLeast((longestUnaryPrefix << code.k) - offset);
         }
         if (bits < best.bits) {
-            best = {index, bits};
+            best = {index, bits, codeLength(code, largest)};
         }
     }
     return best;
@@ -149,19 +263,22 @@ std::uint64_t SliceCoder::chooseBand(std::size_t band)
         const Choice run = cheapest(state.runs, 0, 0);
         state.levelCode = level.code;
         state.runCode = run.code;
+        state.longestPair = level.longest + run.longest;
         skippingBits = 1 + 2 * codeFieldBits + level.bits + run.bits;
     }
-    const bool dense = 3 * state.tokenCount > coefficients;
+    const bool dense = 3 * state.levelCount > coefficients;
     if (!forced && !dense) {
         return skippingBits;
     }
-    const Choice spelled = cheapest(state.levels, 1, coefficients - state.tokenCount);
+    const Choice spelled = cheapest(state.levels, 1, coefficients - state.levelCount);
     const std::uint64_t spelledBits = 1 + codeFieldBits + spelled.bits;
     if (skippingBits <= spelledBits) {
         return skippingBits;
     }
+    const Code code = codeOf(spelled.code);
     state.skips = false;
     state.levelCode = spelled.code;
+    state.longestPair = spelled.longest + (code.k + 1U) * std::min(state.runs.largest(), longestZeroRow(code));
     return spelledBits;
 }
 
@@ -174,68 +291,51 @@ std::size_t SliceCoder::choose()
     return static_cast<std::size_t>((bits + 31) / 32 * 4);
 }
 
-void SliceCoder::writeSkipping(BitWriter& writer, std::size_t band) const
+template <bool Tabled, bool Fits> void SliceCoder::writeSkipping(BitWriter& writer, const BandState& state)
 {
-    const BandState& state = bands_[band];
-    const int count = bands[band].count;
-    const CodeTable& levelTable = codeTable(state.levelCode);
-    const CodeTable& runTable = codeTable(state.runCode);
-    const Token* token = state.tokens.data();
-    for (int macroblock = 0; macroblock < macroblocks_; ++macroblock) {
-        int next = 0;
-        for (int left = state.tokensOfMacroblock[static_cast<std::size_t>(macroblock)]; left > 0; --left, ++token) {
-            writer.put(runTable[token->run], wordOf(levelTable, state.levelCode, token->level));
-            next += token->run + 1;
-        }
-        if (next < count) {
-            writer.put(runTable[static_cast<std::size_t>(count - next)]);
-        }
+    const CodeTable& levels = levelTable(state.levelCode, true);
+    const CodeTable& runs = codeTable(state.runCode);
+    const Token* const end = state.tokens.data() + state.tokenCount;
+    for (const Token* token = state.tokens.data(); token != end; ++token) {
+        const CodeWord level =
+            Tabled ? levels[token->value] : levelWord(levels, state.levelCode, token->value, token->value - 1U);
+        writer.put<Fits>(runs[token->run], level);
     }
 }
 
-void SliceCoder::writeSpelled(BitWriter& writer, std::size_t band) const
+template <bool Tabled, bool Fits> void SliceCoder::writeSpelled(BitWriter& writer, const BandState& state)
 {
-    const BandState& state = bands_[band];
-    const int count = bands[band].count;
-    const CodeTable& table = codeTable(state.levelCode);
-    const Token* token = state.tokens.data();
-    const Code code = codeOf(state.levelCode);
-    const std::uint32_t longestRow = longestZeroRow(code);
-    std::array<CodeWord, 33> rows;
-    for (std::uint32_t zeros = 0; zeros <= longestRow; ++zeros) {
-        rows[zeros] = zeroRow(code, zeros);
-    }
-    // Answers the last part of a row of zeros, to be written together with what follows.
-    const auto putZeros = [&](std::uint32_t zeros) {
+    const CodeTable& levels = levelTable(state.levelCode, false);
+    const ZeroRows& rows = zeroRows(state.levelCode);
+    const std::uint32_t longestRow = longestZeroRow(codeOf(state.levelCode));
+    const Token* const end = state.tokens.data() + state.tokenCount;
+    for (const Token* token = state.tokens.data(); token != end; ++token) {
+        std::uint32_t zeros = token->run;
         for (; zeros > longestRow; zeros -= longestRow) {
             writer.put(rows[longestRow]);
         }
-        return rows[zeros];
-    };
-    for (int macroblock = 0; macroblock < macroblocks_; ++macroblock) {
-        int next = 0;
-        for (int left = state.tokensOfMacroblock[static_cast<std::size_t>(macroblock)]; left > 0; --left, ++token) {
-            const CodeWord zeros = putZeros(token->run);
-            writer.put(zeros, wordOf(table, state.levelCode, token->level + 1U));
-            next += token->run + 1;
-        }
-        if (next < count) {
-            writer.put(putZeros(static_cast<std::uint32_t>(count - next)));
-        }
+        const CodeWord level =
+            Tabled ? levels[token->value] : levelWord(levels, state.levelCode, token->value, token->value);
+        writer.put<Fits>(rows[zeros], level);
     }
 }
 
 void SliceCoder::write(std::uint8_t* at) const
 {
     BitWriter writer(at);
-    for (std::size_t band = 0; band < bands_.size(); ++band) {
-        const BandState& state = bands_[band];
+    for (const BandState& state : bands_) {
+        const bool fits = state.longestPair <= BitWriter::longestPair;
+        const bool tabled = state.levels.largest() + 1 < tabledValues;
         writer.put({state.skips ? 1U : 0U, 1}, {state.levelCode, codeFieldBits});
         if (state.skips) {
             writer.put({state.runCode, codeFieldBits});
-            writeSkipping(writer, band);
+            (!fits    ? writeSkipping<false, false>
+             : tabled ? writeSkipping<true, true>
+                      : writeSkipping<false, true>)(writer, state);
         } else {
-            writeSpelled(writer, band);
+            (!fits    ? writeSpelled<false, false>
+             : tabled ? writeSpelled<true, true>
+                      : writeSpelled<false, true>)(writer, state);
         }
     }
     writer.finish();

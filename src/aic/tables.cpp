@@ -1,8 +1,6 @@
 #include "aic/tables.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <span>
 
 namespace tavrix::aic
 {
@@ -15,129 +13,31 @@ const std::array<std::uint8_t, 64> quantisationMatrix{8,  16, 19, 22, 22, 26, 26
 namespace
 {
 
-// A tile of 4x4 positions inside a band, walked forwards or turned by half a circle.
-struct Tile {
-    int base;
-    int stride;
-    bool reversed;
-};
+// The tiles in their order, each as 4 * block + quarter.
+using TileRow = std::array<std::uint8_t, coefficientsPerMacroblock / coefficientsPerTile>;
 
-struct Cell {
-    int row;
-    int column;
-};
-constexpr std::array<Cell, 16> tileWalk{{{0, 0},
-                                         {1, 0},
-                                         {0, 1},
-                                         {0, 2},
-                                         {1, 1},
-                                         {2, 0},
-                                         {3, 0},
-                                         {2, 1},
-                                         {1, 2},
-                                         {0, 3},
-                                         {1, 3},
-                                         {2, 2},
-                                         {3, 1},
-                                         {3, 2},
-                                         {2, 3},
-                                         {3, 3}}};
+// Luma base: the upper left quarters. Chroma base: the same. Luma extension: what is left, block by block, and of every
+// other block from its end. Chroma extension likewise.
+constexpr TileRow frameTiles{0, 4, 8, 12, 16, 20, 2, 1, 3, 7, 5, 6, 10, 9, 11, 15, 13, 14, 18, 17, 19, 23, 21, 22};
+// The lines of the first field are in the blocks 0 and 1: their left halves are the luma base.
+constexpr TileRow fieldTiles{0, 4, 2, 6, 16, 20, 8, 1, 3, 12, 5, 7, 10, 9, 11, 14, 13, 15, 18, 17, 19, 23, 21, 22};
 
-constexpr std::array<Tile, 4> frameBaseTiles{{{0, 4, false}, {16, 4, true}, {32, 4, false}, {48, 4, true}}};
-constexpr std::array<Tile, 4> fieldBaseTiles{{{0, 4, false}, {32, 4, true}, {16, 4, false}, {48, 4, true}}};
-constexpr std::array<Tile, 12> frameExtensionTiles{{{16, 8, false},
-                                                    {0, 4, false},
-                                                    {20, 8, false},
-                                                    {68, 8, true},
-                                                    {48, 4, true},
-                                                    {64, 8, true},
-                                                    {112, 8, false},
-                                                    {96, 4, false},
-                                                    {116, 8, false},
-                                                    {164, 8, true},
-                                                    {144, 4, true},
-                                                    {160, 8, true}}};
-constexpr std::array<Tile, 12> fieldExtensionTiles{{{64, 8, false},
-                                                    {0, 4, false},
-                                                    {16, 4, false},
-                                                    {128, 8, true},
-                                                    {32, 4, true},
-                                                    {48, 4, true},
-                                                    {96, 8, false},
-                                                    {68, 8, false},
-                                                    {100, 8, false},
-                                                    {160, 8, true},
-                                                    {132, 8, true},
-                                                    {164, 8, true}}};
-
-constexpr int place(int block, int v, int u)
-{
-    return 64 * block + 8 * v + u;
-}
-
-// The low 4x4 of every block, 16 positions each.
-constexpr int frameBasePlace(int position)
-{
-    return place(position / 16, position % 16 / 4, position % 4);
-}
-
-// What the low 4x4 leaves of every block, 48 positions each.
-constexpr int frameExtensionPlace(int position)
-{
-    const int rest = position % 48;
-    return rest < 16 ? place(position / 48, rest / 4, 4 + rest % 4)
-                     : place(position / 48, 4 + (rest - 16) / 8, (rest - 16) % 8);
-}
-
-// The left halves of the two blocks of the even lines.
-constexpr int fieldBasePlace(int position)
-{
-    return place(position / 32, position % 32 / 4, position % 4);
-}
-
-// The right halves of the blocks of the even lines, then the whole blocks of the odd lines.
-constexpr int fieldExtensionPlace(int position)
-{
-    return position < 64 ? place(position / 32, position % 32 / 4, 4 + position % 4)
-                         : place(2 + (position - 64) / 64, (position - 64) % 64 / 8, position % 8);
-}
-
-using PlaceOf = int (*)(int);
-
-void appendBand(CodingOrder& order, const Band& band, std::span<const Tile> tiles, PlaceOf placeOf, int firstBlock)
-{
-    auto next = static_cast<std::size_t>(band.offset);
-    for (const Tile& tile : tiles.first(static_cast<std::size_t>(band.count / 16))) {
-        for (const Cell& cell : tileWalk) {
-            const int row = tile.reversed ? 3 - cell.row : cell.row;
-            const int column = tile.reversed ? 3 - cell.column : cell.column;
-            const int position = tile.base + row * tile.stride + column;
-            order[next++] = static_cast<std::uint16_t>(64 * firstBlock + placeOf(position));
-        }
-    }
-}
-
-CodingOrder makeOrder(bool interlaced)
+constexpr CodingOrder makeOrder(const TileRow& tiles)
 {
     CodingOrder order{};
-    if (interlaced) {
-        appendBand(order, bands[0], fieldBaseTiles, fieldBasePlace, 0);
-        appendBand(order, bands[2], fieldExtensionTiles, fieldExtensionPlace, 0);
-    } else {
-        appendBand(order, bands[0], frameBaseTiles, frameBasePlace, 0);
-        appendBand(order, bands[2], frameExtensionTiles, frameExtensionPlace, 0);
+    for (std::size_t i = 0; i < tiles.size(); ++i) {
+        order[tiles[i] / 4][tiles[i] % 4] = static_cast<std::uint16_t>(coefficientsPerTile * i);
     }
-    appendBand(order, bands[1], frameBaseTiles, frameBasePlace, 4);
-    appendBand(order, bands[3], frameExtensionTiles, frameExtensionPlace, 4);
     return order;
 }
+
+constexpr CodingOrder progressiveOrder = makeOrder(frameTiles);
+constexpr CodingOrder interlacedOrder = makeOrder(fieldTiles);
 
 } // namespace
 
 const CodingOrder& codingOrder(bool interlaced)
 {
-    static const CodingOrder progressiveOrder = makeOrder(false);
-    static const CodingOrder interlacedOrder = makeOrder(true);
     return interlaced ? interlacedOrder : progressiveOrder;
 }
 

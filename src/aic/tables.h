@@ -4,6 +4,7 @@
 // of a macroblock are coded.
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace tavrix::aic
@@ -25,10 +26,23 @@ inline constexpr std::array<Band, bandCount> bands{{{0, 64}, {64, 32}, {96, 192}
 // Weight of the coefficient of vertical frequency v and horizontal frequency u at 8 * v + u.
 extern const std::array<std::uint8_t, 64> quantisationMatrix;
 
-// Coding order of all four bands, one after the other: entry i is the place 64 * block + 8 * v + u of the coefficient
-// that is coded i-th. Blocks 0 to 3 are luma, 4 is Cb, 5 is Cr.
-using CodingOrder = std::array<std::uint16_t, coefficientsPerMacroblock>;
+// Where the quarters of a block stand in a macroblock's coding order: upper left, upper right, lower left, lower right.
+// Each quarter is a tile of 4x4 coefficients that are coded one after the other.
+inline constexpr int coefficientsPerTile = 16;
+using QuarterPlaces = std::array<std::uint16_t, 4>;
+// Of the six blocks of a macroblock; 0 to 3 are luma, 4 is Cb, 5 is Cr.
+using CodingOrder = std::array<QuarterPlaces, 6>;
 const CodingOrder& codingOrder(bool interlaced);
+// The tiles of the blocks 1, 3 and 5 are walked from their ends, in either order.
+constexpr bool isTurned(std::size_t block)
+{
+    return block % 2 == 1;
+}
+
+// The walk through a tile: entry i is the place 4 * v + u inside the tile of the coefficient that is coded i-th. Turned
+// by half a circle it is the same walk backwards.
+inline constexpr std::array<std::uint8_t, coefficientsPerTile> tileWalk{0, 4, 1, 2,  5,  8,  12, 9,
+                                                                        6, 3, 7, 10, 13, 14, 11, 15};
 
 // How a picture is cut: macroblocks per row and column, macroblocks in a full slice, slices in a row.
 struct Geometry {

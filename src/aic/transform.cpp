@@ -49,10 +49,25 @@ void loadSamples(const std::uint8_t* samples, std::ptrdiff_t stride, Lanes* bloc
     }
 }
 
-void transformPlain(const std::uint8_t* samples, std::ptrdiff_t stride, const float* factors, std::int32_t* levels)
+// Puts levels that stand column by column where they are coded.
+void placeLevels(const std::int32_t* levels, const std::uint16_t* places, bool turned, CodeValue* values)
+{
+    constexpr std::array<std::size_t, 4> firstOfQuarter{0, 32, 4, 36};
+    for (std::size_t quarter = 0; quarter < 4; ++quarter) {
+        CodeValue* to = values + places[quarter];
+        for (std::size_t i = 0; i < tileWalk.size(); ++i) {
+            const std::size_t place = tileWalk[turned ? tileWalk.size() - 1 - i : i];
+            to[i] = codeValue(levels[firstOfQuarter[quarter] + place % 4 * 8 + place / 4]);
+        }
+    }
+}
+
+void transformPlain(const std::uint8_t* samples, std::ptrdiff_t stride, const float* factors,
+                    const std::uint16_t* places, bool turned, CodeValue* values)
 {
     float rows[64];
     float columns[64];
+    std::int32_t levels[64];
     for (std::ptrdiff_t i = 0; i < 64; ++i) {
         rows[i] = static_cast<float>(samples[i / 8 * stride + i % 8]);
     }
@@ -70,12 +85,15 @@ void transformPlain(const std::uint8_t* samples, std::ptrdiff_t stride, const fl
         const float rounded = columns[i] * factors[i] + roundingBias;
         levels[i] = std::bit_cast<std::int32_t>(rounded) - std::bit_cast<std::int32_t>(roundingBias);
     }
+    placeLevels(levels, places, turned, values);
 }
 
-void transformVectors(const std::uint8_t* samples, std::ptrdiff_t stride, const float* factors, std::int32_t* levels)
+void transformVectors(const std::uint8_t* samples, std::ptrdiff_t stride, const float* factors,
+                      const std::uint16_t* places, bool turned, CodeValue* values)
 {
     Lanes rows[16];
     Lanes columns[16];
+    std::int32_t levels[64];
     loadSamples(samples, stride, rows);
     transformLanes<2>(rows);
     transformLanes<2>(rows + 1);
@@ -93,6 +111,7 @@ void transformVectors(const std::uint8_t* samples, std::ptrdiff_t stride, const 
         const LaneBits integers = reinterpret_cast<LaneBits>(rounded) - std::bit_cast<std::int32_t>(roundingBias);
         std::memcpy(levels + 4 * i, &integers, sizeof integers);
     }
+    placeLevels(levels, places, turned, values);
 }
 
 } // namespace

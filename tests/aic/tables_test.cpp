@@ -16,15 +16,43 @@ using tavrix::test::SteadyRandom;
 namespace
 {
 
+struct Place {
+    std::size_t block;
+    std::size_t v;
+    std::size_t u;
+};
+
+// The coefficient that is coded i-th.
+Place placeOf(const CodingOrder& order, std::size_t i)
+{
+    for (std::size_t block = 0; block < order.size(); ++block) {
+        for (std::size_t quarter = 0; quarter < 4; ++quarter) {
+            const std::size_t first = order[block][quarter];
+            if (i >= first && i < first + 16) {
+                const std::size_t place = tileWalk[isTurned(block) ? 15 - (i - first) : i - first];
+                return {block, place / 4 + quarter / 2 * 4, place % 4 + quarter % 2 * 4};
+            }
+        }
+    }
+    return {};
+}
+
 TEST(AicTables, CodingOrdersArePermutations)
 {
     for (const bool interlaced : {false, true}) {
         std::array<int, coefficientsPerMacroblock> seen{};
-        for (const std::uint16_t place : codingOrder(interlaced)) {
-            ASSERT_LT(place, coefficientsPerMacroblock);
-            ++seen[place];
+        for (std::size_t i = 0; i < seen.size(); ++i) {
+            const Place place = placeOf(codingOrder(interlaced), i);
+            ++seen[64 * place.block + 8 * place.v + place.u];
         }
         EXPECT_TRUE(std::all_of(seen.begin(), seen.end(), [](int count) { return count == 1; })) << interlaced;
+    }
+}
+
+TEST(AicTables, AWalkTurnedIsTheWalkBackwards)
+{
+    for (std::size_t i = 0; i < tileWalk.size(); ++i) {
+        EXPECT_EQ(tileWalk[i] + tileWalk[15 - i], 15) << i;
     }
 }
 
@@ -43,9 +71,7 @@ TEST(AicTables, BandsHoldTheirBlocksAndFrequencies)
     for (const bool interlaced : {false, true}) {
         const CodingOrder& order = codingOrder(interlaced);
         for (int i = 0; i < coefficientsPerMacroblock; ++i) {
-            const int block = order[static_cast<std::size_t>(i)] / 64;
-            const int v = order[static_cast<std::size_t>(i)] % 64 / 8;
-            const int u = order[static_cast<std::size_t>(i)] % 8;
+            const auto [block, v, u] = placeOf(order, static_cast<std::size_t>(i));
             const bool luma = i < 64 || (i >= 96 && i < 288);
             EXPECT_EQ(luma, block < 4) << i;
             const bool low = luma && interlaced ? block < 2 && u < 4 : v < 4 && u < 4;
@@ -56,9 +82,13 @@ TEST(AicTables, BandsHoldTheirBlocksAndFrequencies)
 
 TEST(AicTables, DirectCurrentOfTheFirstBlockComesFirst)
 {
-    EXPECT_EQ(codingOrder(false)[0], 0);
-    EXPECT_EQ(codingOrder(true)[0], 0);
-    EXPECT_EQ(codingOrder(false)[64], 4 * 64);
+    for (const bool interlaced : {false, true}) {
+        const Place luma = placeOf(codingOrder(interlaced), 0);
+        EXPECT_EQ(luma.block + luma.v + luma.u, 0U);
+        const Place chroma = placeOf(codingOrder(interlaced), 64);
+        EXPECT_EQ(chroma.block, 4U);
+        EXPECT_EQ(chroma.v + chroma.u, 0U);
+    }
     EXPECT_EQ(quantisationMatrix[0], 8);
     EXPECT_EQ(quantisationMatrix[63], 83);
 }
@@ -189,9 +219,13 @@ TEST(AicBits, TablesAgreeWithTheCodes)
             if (!codeHolds(codeOf(index), value)) {
                 continue;
             }
-            EXPECT_EQ(codeTable(index)[value].bits, codeWord(codeOf(index), value).bits);
-            EXPECT_EQ(codeTable(index)[value].length, codeLength(codeOf(index), value));
-            EXPECT_EQ(static_cast<std::uint32_t>(lengthTable(index)[value]), codeLength(codeOf(index), value));
+            const CodeWord word = codeWord(codeOf(index), value);
+            const auto isWord = [&word](const CodeWord& tabled) {
+                return tabled.bits == word.bits && tabled.length == word.length;
+            };
+            EXPECT_TRUE(isWord(codeTable(index)[value]));
+            EXPECT_TRUE(value == 0 || isWord(levelTable(index, false)[value]));
+            EXPECT_TRUE(value + 1 == tabledValues || isWord(levelTable(index, true)[value + 1]));
         }
     }
 }
@@ -202,6 +236,7 @@ TEST(AicBits, RowsOfZerosAreTheSingleOnesInARow)
         const Code code = codeOf(index);
         for (std::uint32_t zeros = 0; zeros <= longestZeroRow(code); ++zeros) {
             EXPECT_EQ(bitsOf({zeroRow(code, zeros)}), bitsOf(std::vector<CodeWord>(zeros, codeWord(code, 0))));
+            EXPECT_EQ(bitsOf({zeroRows(index)[zeros]}), bitsOf({zeroRow(code, zeros)}));
         }
     }
 }

@@ -19,7 +19,8 @@ namespace
 
 constexpr std::ptrdiff_t stride = 24;
 using Samples = std::array<std::uint8_t, 8 * stride>;
-using Levels = std::array<std::int32_t, 64>;
+using Values = std::array<CodeValue, 64>;
+using Levels = std::array<int, 64>; // column by column
 
 Samples samplesOf(SteadyRandom& random, int kind)
 {
@@ -31,11 +32,30 @@ Samples samplesOf(SteadyRandom& random, int kind)
     return samples;
 }
 
-Levels levelsOf(Transform transform, const Samples& samples, int quantiser)
+// Lower right, upper left, lower left, upper right: any order that is none of the encoder's.
+constexpr QuarterPlaces places{16, 48, 32, 0};
+
+Values valuesOf(Transform transform, const Samples& samples, int quantiser, bool turned)
+{
+    Values values{};
+    const LevelFactors factors = levelFactors(quantiser);
+    transform(samples.data(), stride, factors.data(), places.data(), turned, values.data());
+    return values;
+}
+
+// What the places, the walk and the folding made of the levels, undone.
+Levels levelsOf(const Values& values, bool turned)
 {
     Levels levels{};
-    const LevelFactors factors = levelFactors(quantiser);
-    transform(samples.data(), stride, factors.data(), levels.data());
+    for (std::size_t quarter = 0; quarter < 4; ++quarter) {
+        for (std::size_t i = 0; i < 16; ++i) {
+            const std::size_t place = tileWalk[turned ? 15 - i : i];
+            const int value = values[places[quarter] + i];
+            const std::size_t u = place % 4 + quarter % 2 * 4;
+            const std::size_t v = place / 4 + quarter / 2 * 4;
+            levels[8 * u + v] = value % 2 == 1 ? -(value + 1) / 2 : value / 2;
+        }
+    }
     return levels;
 }
 
@@ -46,11 +66,12 @@ TEST(AicTransform, AllFormsGiveTheSameLevels)
     for (int i = 0; i < 3000; ++i) {
         const Samples samples = samplesOf(random, i % 3);
         const int quantiser = 1 + i % 255;
-        const Levels plain = levelsOf(plainTransform(), samples, quantiser);
-        ASSERT_EQ(levelsOf(vectorTransform(), samples, quantiser), plain);
-        ASSERT_EQ(levelsOf(bestTransform(), samples, quantiser), plain);
+        const bool turned = i / 3 % 2 == 1;
+        const Values plain = valuesOf(plainTransform(), samples, quantiser, turned);
+        ASSERT_EQ(valuesOf(vectorTransform(), samples, quantiser, turned), plain);
+        ASSERT_EQ(valuesOf(bestTransform(), samples, quantiser, turned), plain);
         if (wide != nullptr) {
-            ASSERT_EQ(levelsOf(wide, samples, quantiser), plain);
+            ASSERT_EQ(valuesOf(wide, samples, quantiser, turned), plain);
         }
     }
 }
@@ -59,7 +80,8 @@ TEST(AicTransform, PlainFormIsTheCosineTransform)
 {
     SteadyRandom random(8);
     const Samples samples = samplesOf(random, 0);
-    const Levels levels = levelsOf(plainTransform(), samples, 1);
+    const Levels levels = levelsOf(valuesOf(plainTransform(), samples, 1, false), false);
+    EXPECT_EQ(levelsOf(valuesOf(plainTransform(), samples, 1, true), true), levels);
     const LevelFactors factors = levelFactors(1);
     for (int u = 0; u < 8; ++u) {
         for (int v = 0; v < 8; ++v) {
