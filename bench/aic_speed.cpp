@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints how many pictures a second the Apple Intermediate encoder and the two ProRes encoders of the FFmpeg libraries
 // make of the same pictures, on one core and on all, and the ratios.
 #include "aic/encoder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints how long the console program takes to analyse clips, from the moment they are queued to the last verdict, how
 // long a plain loop of ffprobe and one thumbnail per clip takes, and the ratio of the two.
 #include "batchprocess.h"

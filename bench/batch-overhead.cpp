@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints how long the console program takes for a batch in format 0, from the start of the first row to the end of the
 // last one, how long a plain loop over the very same ffmpeg commands takes, and the ratio of the two.
 #include "batchprocess.h"

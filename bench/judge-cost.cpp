@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints how long the judge takes over an output, how long the work took that made the output, and the ratio of the
 // two: for a rewrap, and for an encode into a small H.264 movie.
 #include "batchprocess.h"

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Prints how long the controller takes to take in 1,000 and 10,000 small files of nested folders, per file, the ratio,
 // and the most memory the process had. Each number of files is measured in a process of its own.
 #include "app/appdelegate.h"
 #include "app/face.h"
-#include "base/alerts.h"
-#include "base/bundle.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/alerts.h"
+#include "base/store/settings.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/appdelegate.h"
-#include "base/bundle.h"
-#include "gui/mainwindow.h"
-#include "gui/windowprogram.h"
+#include "base/bundle/bundle.h"
+#include "gui/window/mainwindow.h"
+#include "gui/window/windowprogram.h"
 #include "platform/desktop.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # cmake -DROOT=FOLDER -DBUILD=FOLDER -DSETTINGS="..." -P CheckHeadless.cmake: the program without its faces can be
 # configured and built. Building all of it a second time would double the time of the tests. So the commands that would
 # compile it are compared with those that have compiled BUILD, and what these have made is linked without the faces.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # cmake -DFLOORS=FILE -DROOT=FOLDER -P CheckLayers.cmake: fails when a file below src or tests includes one of a folder
 # that its own does not link. FLOORS is what tavrix_write_floors has written.
 cmake_minimum_required(VERSION 3.25)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The link line is the architecture, and the test `layers` holds the include lines to it: what a folder's target links
 # is all that the folder's files may include.
 
@@ -11,7 +12,8 @@ function(tavrix_floor folder)
     elseif(link MATCHES "^tavrix_test_(.*)$")
       list(APPEND below tests/${CMAKE_MATCH_1})
     elseif(link MATCHES "^tavrix(::|_)(.*)$")
-      list(APPEND below src/${CMAKE_MATCH_2})
+      string(REPLACE "_" "/" wing ${CMAKE_MATCH_2})
+      list(APPEND below src/${wing})
     endif()
   endforeach()
   set_property(GLOBAL PROPERTY TAVRIX_BELOW_${folder} "${below}")

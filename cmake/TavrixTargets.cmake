@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Language level, warnings and strict Qt text rules, shared by every target of our own. A warning is an error in the
 # developers' presets only (CMAKE_COMPILE_WARNING_AS_ERROR): the next compiler may know one more.
 add_library(tavrix_options INTERFACE)
@@ -24,16 +25,27 @@ function(tavrix_precompile target)
   endif()
 endfunction()
 
-# One static library per source folder: src/<name>/*.cpp becomes tavrix::<name>.
-function(tavrix_library name)
+# One static library per source folder: src/<folder>/*.cpp becomes tavrix::<folder>, with "_" for each "/".
+function(tavrix_library folder)
   file(GLOB sources CONFIGURE_DEPENDS
-    ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp ${CMAKE_SOURCE_DIR}/src/${name}/*.h)
+    ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+  string(REPLACE "/" "_" name ${folder})
   add_library(tavrix_${name} STATIC ${sources})
   add_library(tavrix::${name} ALIAS tavrix_${name})
   target_link_libraries(tavrix_${name} PUBLIC tavrix_options ${ARGN})
   set_target_properties(tavrix_${name} PROPERTIES LINKER_LANGUAGE CXX)
-  tavrix_floor(src/${name} ${ARGN})
+  tavrix_floor(src/${folder} ${ARGN})
+endfunction()
+
+# tavrix_wings(FOLDER WING...): the libraries of src/<folder>/<wing> under one name, for those who stand on all of them.
+function(tavrix_wings folder)
+  set(wings ${ARGN})
+  list(TRANSFORM wings PREPEND tavrix::${folder}_)
+  add_library(tavrix_${folder} INTERFACE)
+  add_library(tavrix::${folder} ALIAS tavrix_${folder})
+  target_link_libraries(tavrix_${folder} INTERFACE ${wings})
+  tavrix_floor(src/${folder} ${wings})
 endfunction()
 
 # A tool executable of the resource folder, free of Qt: src/tools/<folder>/*.cpp on the named libraries.

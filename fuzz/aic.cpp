@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a picture, its size, a quantiser and a limit: a frame is never empty, says its own size, and holds the
 // limit unless even the coarsest quantiser does not.
 #include "aic/encoder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads any bytes as a movie file, asks everything that can be asked of it, cuts it and plans a new file.
 #include "media/movierewriter.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text as the tool's description of a source: what is accepted as a camera clip keeps within the limits.
 #include "input.h"
 #include "probe/cameraclip.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any words as the front's command line: no file is lost or invented on the way to the installed ffmpeg.
 #include "input.h"
 #include "tools/ffmpeg/arguments.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads any bytes as a clip of any kind and asks for its dates; a date that is found must be on the calendar.
 #include "media/clipdates.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the targets share: values taken from a fuzzer's bytes, and promises that end the run when they do not hold.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as measurements of a source and its output: an output is never called whole that lacks what was asked for.
 #include "input.h"
 #include "judge/compare.h"

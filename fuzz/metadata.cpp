@@ -1,5 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text as what a clip says of itself: it adds no stream to its description and no character that a terminal obeys.
-#include "base/shownname.h"
+#include "base/text/shownname.h"
 #include "input.h"
 #include "probe/ffinfos.h"
 #include "tools/ffmpeg/metadatalines.h"

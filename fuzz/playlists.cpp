@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as an AVCHD playlist: each line has the form that the program reads. The marker scan prints what stands
 // beside a marker, in as many digits as it takes; the structure gives dates and names of five digits only.
 #include "input.h"

@@ -1,5 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a property list: what can be read can be written, and reads as the same again.
-#include "base/propertylist.h"
+#include "base/bundle/propertylist.h"
 #include "input.h"
 #include "sys/plistcheck.h"
 #include "tools/movencoder/settings.h"

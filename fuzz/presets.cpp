@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text as a preset file: names and values alternate, and no name is taken for anything but an option.
 #include "encode/presets.h"
 

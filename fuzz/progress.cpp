@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text as progress of a tool, and its first bytes as a maximum: what counts is above 0 and not above it.
 #include "encode/progress.h"
 

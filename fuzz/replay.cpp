@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs a target on every file of the folders given, for builds without a fuzzer.
 #include <algorithm>
 #include <cstdint>

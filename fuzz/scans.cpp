@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a transport stream or an AVI on the disk: the marks of damage lie within the file.
 #include "input.h"
 #include "media/riffscan.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes small movies, streams, playlists and AVIs into the folder given, one folder for each target.
 #include "support/moviebuilder.h"
 #include "support/playlistbuilder.h"

@@ -1,5 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text as a string table: each entry stands in the text, and an entry written out reads as itself.
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
 #include "input.h"
 
 namespace

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any text as timestamp-debugging output: at most four sound tracks, and only offsets that matter.
 #include "input.h"
 #include "probe/streamoffsets.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as what ffmpeg prints: the translation is the same however they arrive, stays on lines, and can be read.
 #include "tools/ffmpeg/transcript.h"
 #include "input.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # What the package shows beside the programs: manual pages, change log, AppStream data, icons in their sizes. Included by
 # Install.cmake.
 execute_process(COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C date -u -R -d ${TAVRIX_RELEASE_DATE}

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Where an installation puts things: programs in bin, the resource folder with its tools in lib/tavrix (where the
 # programs look for it), and the Debian package of it all (cpack -G DEB).
 include(GNUInstallDirs)

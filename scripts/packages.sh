@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Debian packages that the program is built, run and tested with; sourced by ./run and ./test.
 # shellcheck disable=SC2034
 

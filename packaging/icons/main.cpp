@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the program's icon in the sizes of the icon theme: tavrix_icons SVG FOLDER SIZE... makes FOLDER/SIZE.png.
 #include <QCoreApplication>
 #include <QImage>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The bit level of the Apple Intermediate Codec: a writer, most significant bit first, and its variable-length codes.

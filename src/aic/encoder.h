@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Encoder for the Apple Intermediate Codec ("icod"): every frame by itself, 8 bit, 4:2:0. Picture in, packet out; it

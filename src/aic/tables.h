@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The fixed tables of the Apple Intermediate Codec: how a frame is cut into slices and in which order the coefficients

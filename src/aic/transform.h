@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Forward 8x8 transform and quantisation, up to the order in which coefficients are coded.

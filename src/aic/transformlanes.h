@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The transform's arithmetic, written once for any number of columns side by side: a float, or a vector of them. All

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The words of the controller's alerts.
 
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
 
 namespace tavrix
 {

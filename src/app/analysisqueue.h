@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The sources that wait for their analysis, kept in the preferences store under the keys "0", "1", ... in order.

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/appdelegate.h"
 
 #include "app/currentrow.h"
 #include "app/face.h"
 #include "app/machines.h"
 #include "app/stepflags.h"
-#include "base/log.h"
-#include "base/runloopgate.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/text/log.h"
 
 namespace tavrix
 {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/appdelegate.h"
 
 #include "app/alerttext.h"
@@ -7,11 +8,11 @@
 #include "app/machines.h"
 #include "app/mailaddress.h"
 #include "app/stepflags.h"
-#include "base/bundle.h"
-#include "base/format.h"
-#include "base/preferences.h"
-#include "base/runloopgate.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "base/text/format.h"
 #include "platform/desktop.h"
 #include "probe/ffprobes.h"
 

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/appdelegate.h"
 
 #include "app/alerttext.h"
 #include "app/face.h"
 #include "app/machines.h"
-#include "base/filedelete.h"
-#include "base/log.h"
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/files/filedelete.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "base/text/log.h"
 
 // The end of the program.
 namespace tavrix

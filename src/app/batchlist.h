@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/cliptime.h"
+#include "base/text/cliptime.h"
 #include "probe/mediainforecord.h"
 
 #include <QAbstractListModel>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/batchmachine.h"
 
 #include "app/alerttext.h"
@@ -9,11 +10,11 @@
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/log.h"
-#include "base/preferences.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/store/preferences.h"
+#include "base/text/format.h"
+#include "base/text/log.h"
 #include "encode/outputname.h"
 #include "encode/progress.h"
 #include "probe/batchtexts.h"

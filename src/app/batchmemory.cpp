@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/batchmemory.h"
 
 #include "app/face.h"
@@ -5,8 +6,8 @@
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
-#include "base/log.h"
-#include "base/preferences.h"
+#include "base/store/preferences.h"
+#include "base/text/log.h"
 
 #include <utility>
 

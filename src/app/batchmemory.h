@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What the list holds and has not converted yet, kept in the preferences store for a run that never comes to its end: a

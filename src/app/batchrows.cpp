@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/batchrows.h"
 
 #include "app/alerttext.h"
 #include "app/currentrow.h"
 #include "app/session.h"
 #include "app/windowmodel.h"
-#include "base/filedelete.h"
-#include "base/log.h"
-#include "base/settings.h"
+#include "base/files/filedelete.h"
+#include "base/store/settings.h"
+#include "base/text/log.h"
 
 #include <algorithm>
 #include <functional>

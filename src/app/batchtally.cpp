@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/batchtally.h"
 
-#include "base/format.h"
-#include "base/plurals.h"
+#include "base/dialogue/plurals.h"
+#include "base/text/format.h"
 #include "probe/batchtexts.h"
 
 #include <QStringList>

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/currentrow.h"
 
 #include "app/batchlist.h"
 #include "app/stepflags.h"
-#include "base/format.h"
-#include "base/preferences.h"
-#include "base/text.h"
+#include "base/store/preferences.h"
+#include "base/text/format.h"
+#include "base/text/text.h"
 
 namespace tavrix
 {

@@ -1,14 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/destination.h"
 
 #include "app/alerttext.h"
 #include "app/session.h"
 #include "app/stepflags.h"
 #include "app/windowmodel.h"
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/paths.h"
-#include "base/preferences.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/store/preferences.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
 #include "encode/outputname.h"
 #include "platform/desktop.h"
 

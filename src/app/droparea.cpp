@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/droparea.h"
 
-#include "base/settings.h"
+#include "base/store/settings.h"
 
 namespace tavrix
 {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The place where clips are dropped: open, closed for the time of an intake, or closed and knocked at.

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/encodefailure.h"
 
-#include "base/conversions.h"
-#include "base/format.h"
-#include "base/paths.h"
+#include "base/text/format.h"
+#include "base/text/listconversions.h"
+#include "base/text/paths.h"
 #include "probe/batchtexts.h"
 
 #include <QStringList>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/encodeprogress.h"
 
-#include "base/format.h"
-#include "base/log.h"
+#include "base/text/format.h"
+#include "base/text/log.h"
 #include "encode/progress.h"
 
 namespace tavrix

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/instancelock.h"
 
-#include "base/fileops.h"
-#include "base/paths.h"
+#include "base/files/fileops.h"
+#include "base/text/paths.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

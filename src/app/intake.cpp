@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/intake.h"
 
 #include "app/analysismachine.h"
@@ -5,7 +6,7 @@
 #include "app/droparea.h"
 #include "app/session.h"
 #include "app/windowmodel.h"
-#include "base/log.h"
+#include "base/text/log.h"
 
 #include <QFileInfo>
 #include <QSet>

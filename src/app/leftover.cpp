@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/leftover.h"
 
 #include "app/alerttext.h"
@@ -5,11 +6,11 @@
 #include "app/batchmemory.h"
 #include "app/face.h"
 #include "app/session.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/paths.h"
-#include "base/plurals.h"
-#include "base/shownname.h"
+#include "base/dialogue/plurals.h"
+#include "base/files/fileinfo.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
+#include "base/text/shownname.h"
 
 namespace tavrix
 {

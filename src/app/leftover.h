@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Clips that an earlier run has had in its list or its queue, because it was killed.

@@ -1,14 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/logs.h"
 
 #include "app/privatefiles.h"
-#include "base/bundle.h"
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/log.h"
-#include "base/paths.h"
-#include "base/text.h"
-#include "base/textfiles.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/textfiles.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/text/format.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
+#include "base/text/text.h"
 
 #include <sys/stat.h>
 

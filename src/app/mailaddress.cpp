@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/mailaddress.h"
 
-#include "base/bundle.h"
-#include "base/format.h"
-#include "base/localisation.h"
-#include "base/text.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/format.h"
+#include "base/text/text.h"
 
 #include <QStringList>
 

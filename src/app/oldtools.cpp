@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/oldtools.h"
 
-#include "base/bundle.h"
-#include "base/format.h"
-#include "base/log.h"
-#include "base/paths.h"
+#include "base/bundle/bundle.h"
+#include "base/text/format.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/outputguard.h"
 
 #include "app/batchlist.h"
-#include "base/filedelete.h"
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/paths.h"
+#include "base/files/filedelete.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
 #include "encode/outputname.h"
 #include "probe/batchtexts.h"
 

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/partfile.h"
 
 #include "app/batchlist.h"
-#include "base/filedelete.h"
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/log.h"
-#include "base/settings.h"
+#include "base/files/filedelete.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/store/settings.h"
+#include "base/text/log.h"
 
 #include <QCoreApplication>
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The movie that holds the part of a clip that a row converts.
 
-#include "base/cliptime.h"
+#include "base/text/cliptime.h"
 #include "probe/mediainforecord.h"
 
 #include <QString>

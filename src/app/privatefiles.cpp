@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/privatefiles.h"
 
-#include "base/log.h"
-#include "base/paths.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
 #include "sys/errortext.h"
 
 #include <sys/stat.h>

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/rowchildren.h"
 
 #include "app/encodefailure.h"
 #include "app/verdictwords.h"
-#include "base/format.h"
-#include "base/paths.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
 #include "probe/batchtexts.h"
 #include "process/childprocess.h"
 

@@ -1,13 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/rowwords.h"
 
 #include "app/alerttext.h"
 #include "app/verdictwords.h"
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/paths.h"
-#include "base/shownname.h"
-#include "base/shownvalues.h"
+#include "base/dialogue/shownvalues.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
+#include "base/text/shownname.h"
 #include "probe/batchtexts.h"
 
 namespace tavrix

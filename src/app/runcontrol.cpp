@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/runcontrol.h"
 
 #include "app/toolchild.h"
 #include "app/windowmodel.h"
-#include "base/log.h"
+#include "base/text/log.h"
 
 #include <utility>
 

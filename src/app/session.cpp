@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/session.h"
 
 #include "app/face.h"
 #include "app/windowmodel.h"
-#include "base/alerts.h"
+#include "base/dialogue/alerts.h"
 
 #include <utility>
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/settingstable.h"
 
 #include "app/stepflags.h"
-#include "base/preferences.h"
-#include "base/text.h"
+#include "base/store/preferences.h"
+#include "base/text/text.h"
 #include "encode/outputformats.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What stands in the preferences: a row for each key that the program keeps there. A key without a row is deleted at

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/stepflags.h"
 
 #include "app/settingstable.h"
-#include "base/preferences.h"
-#include "base/text.h"
+#include "base/store/preferences.h"
+#include "base/text/text.h"
 
 namespace tavrix
 {

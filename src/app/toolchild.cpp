@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/toolchild.h"
 
 #include "app/face.h"
 #include "app/oldtools.h"
 #include "app/session.h"
-#include "base/log.h"
-#include "base/runloopgate.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/text/log.h"
 
 #include <QCoreApplication>
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/verdictwords.h"
 
-#include "base/format.h"
-#include "base/shownvalues.h"
+#include "base/dialogue/shownvalues.h"
+#include "base/text/format.h"
 #include "probe/batchtexts.h"
 
 #include <QStringList>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/windowmodel.h"
 
-#include "base/format.h"
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/format.h"
 
 namespace tavrix
 {

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/workfolder.h"
 
 #include "app/privatefiles.h"
-#include "base/bundle.h"
-#include "base/filedelete.h"
-#include "base/fileops.h"
-#include "base/format.h"
-#include "base/paths.h"
+#include "base/bundle/bundle.h"
+#include "base/files/filedelete.h"
+#include "base/files/fileops.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
 #include "probe/batchtexts.h"
 #include "sys/descriptor.h"
 #include "sys/errortext.h"

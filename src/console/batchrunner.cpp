@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/batchrunner.h"
 
 #include "app/batchtally.h"
 #include "app/partfile.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/plurals.h"
-#include "base/runloopgate.h"
+#include "base/dialogue/plurals.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/files/fileinfo.h"
+#include "base/text/format.h"
 #include "console/consoletext.h"
 #include "encode/outputname.h"
 #include "encode/rowforecast.h"

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/consoleface.h"
 
-#include "base/format.h"
-#include "base/text.h"
+#include "base/text/format.h"
+#include "base/text/text.h"
 #include "console/consoletext.h"
 #include "console/unixsignals.h"
 

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The words of the console.
 
-#include "base/format.h"
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/format.h"
 
 namespace tavrix
 {

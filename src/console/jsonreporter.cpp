@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/jsonreporter.h"
 
-#include "base/format.h"
-#include "base/shownname.h"
+#include "base/text/format.h"
+#include "base/text/shownname.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

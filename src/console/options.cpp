@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/options.h"
 
 #include "app/windowmodel.h"
-#include "base/format.h"
+#include "base/text/format.h"
 #include "console/consoletext.h"
 
 #include <QHash>

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/progressline.h"
 
-#include "base/format.h"
-#include "base/shownname.h"
-#include "base/shownvalues.h"
+#include "base/dialogue/shownvalues.h"
+#include "base/text/format.h"
+#include "base/text/shownname.h"
 #include "console/consoletext.h"
 
 #include <algorithm>

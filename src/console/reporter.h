@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/cliptime.h"
+#include "base/text/cliptime.h"
 
 #include <QString>
 #include <QStringList>

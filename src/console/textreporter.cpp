@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/textreporter.h"
 
 #include "app/partfile.h"
-#include "base/format.h"
-#include "base/paths.h"
-#include "base/plurals.h"
-#include "base/shownname.h"
-#include "base/shownvalues.h"
+#include "base/dialogue/plurals.h"
+#include "base/dialogue/shownvalues.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
+#include "base/text/shownname.h"
 #include "console/consoletext.h"
 #include "probe/cameraclip.h"
 #include "probe/mediainforecord.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Argument lists of the two tool runs that look at a source.
 #pragma once
 

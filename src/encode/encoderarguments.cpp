@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/encoderarguments.h"
 
-#include "base/bundle.h"
-#include "base/log.h"
+#include "base/bundle/bundle.h"
+#include "base/text/log.h"
 #include "encode/outputformats.h"
 
 namespace tavrix

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/movencoderstep.h"
 
-#include "base/bundle.h"
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/log.h"
-#include "base/paths.h"
-#include "base/preferences.h"
+#include "base/bundle/bundle.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/store/preferences.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
 #include "encode/outputname.h"
 #include "probe/aspectclass.h"
 #include "probe/mediainforecord.h"

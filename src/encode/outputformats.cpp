@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/outputformats.h"
 
-#include "base/format.h"
-#include "base/log.h"
-#include "base/paths.h"
-#include "base/settings.h"
+#include "base/store/settings.h"
+#include "base/text/format.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
 #include "encode/presets.h"
 #include "encode/sizeforecast.h"
 #include "probe/aspectclass.h"

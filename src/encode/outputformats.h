@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The output formats, a row each: what differs from one to the other stands here, and in the texts of the format

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where an output goes and what it is called: the one place that puts these paths together.
 #pragma once
 

@@ -1,14 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/presets.h"
 
-#include "base/alerts.h"
-#include "base/bundle.h"
-#include "base/conversions.h"
-#include "base/filesizes.h"
-#include "base/log.h"
-#include "base/paths.h"
-#include "base/settings.h"
-#include "base/text.h"
-#include "base/textfiles.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/alerts.h"
+#include "base/dialogue/textfiles.h"
+#include "base/files/fileinfo.h"
+#include "base/store/settings.h"
+#include "base/text/listconversions.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
+#include "base/text/text.h"
 
 namespace tavrix
 {

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/progress.h"
 
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/text.h"
+#include "base/files/fileinfo.h"
+#include "base/text/format.h"
+#include "base/text/text.h"
 
 namespace tavrix
 {

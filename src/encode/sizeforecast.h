@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // How large an output becomes, as far as format, rate, size and length tell. The estimate that decides about the free

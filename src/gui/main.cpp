@@ -1,9 +1,10 @@
-#include "base/bundle.h"
-#include "base/utf8locale.h"
-#include "gui/clipplayer.h"
-#include "gui/endsignals.h"
-#include "gui/handover.h"
-#include "gui/windowprogram.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/bundle.h"
+#include "base/text/utf8locale.h"
+#include "gui/desktop/endsignals.h"
+#include "gui/desktop/handover.h"
+#include "gui/preview/clipplayer.h"
+#include "gui/window/windowprogram.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/describe.h"
 
-#include "base/paths.h"
-#include "base/shownname.h"
+#include "base/text/paths.h"
+#include "base/text/shownname.h"
 #include "inspect/describestreams.h"
 #include "inspect/words.h"
 #include "probe/vocabulary.h"

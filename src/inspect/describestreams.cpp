@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/describestreams.h"
 
-#include "base/conversions.h"
-#include "base/shownname.h"
+#include "base/dialogue/numberconversions.h"
+#include "base/text/shownname.h"
 #include "inspect/soundoffsets.h"
 #include "inspect/words.h"
 

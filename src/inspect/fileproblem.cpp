@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/fileproblem.h"
 
-#include "base/filesizes.h"
+#include "base/files/fileinfo.h"
 #include "probe/batchtexts.h"
 
 #include <QFileInfo>

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/formatpreview.h"
 
-#include "base/bundle.h"
-#include "base/paths.h"
-#include "base/propertylist.h"
-#include "base/text.h"
+#include "base/bundle/bundle.h"
+#include "base/bundle/propertylist.h"
+#include "base/text/paths.h"
+#include "base/text/text.h"
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
 #include "encode/outputformats.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What is known of one file, gathered by the inspector and put into words or JSON by others.

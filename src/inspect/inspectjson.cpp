@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/inspectjson.h"
 
-#include "base/format.h"
+#include "base/text/format.h"
 #include "inspect/ratename.h"
 #include "inspect/soundoffsets.h"
 

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/inspector.h"
 
-#include "base/bundle.h"
-#include "base/conversions.h"
-#include "base/paths.h"
-#include "base/text.h"
+#include "base/bundle/bundle.h"
+#include "base/text/listconversions.h"
+#include "base/text/paths.h"
+#include "base/text/text.h"
 #include "inspect/fileproblem.h"
 #include "inspect/formatpreview.h"
 #include "inspect/recorderfacts.h"
@@ -19,9 +20,9 @@
 #include "probe/streamoffsets.h"
 #include "probe/vocabulary.h"
 #include "process/runners.h"
-#include "quicktime/framerate.h"
-#include "quicktime/movieslots.h"
-#include "quicktime/trackinformation.h"
+#include "quicktime/rules/framerate.h"
+#include "quicktime/rules/movieslots.h"
+#include "quicktime/rules/trackinformation.h"
 
 #include <QDir>
 #include <QFileInfo>

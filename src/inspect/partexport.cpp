@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/partexport.h"
 
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/paths.h"
-#include "base/posixfile.h"
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/files/posixfile.h"
+#include "base/text/paths.h"
 #include "inspect/fileproblem.h"
 #include "inspect/readprogress.h"
 #include "inspect/words.h"
@@ -13,10 +14,10 @@
 #include "media/headerchange.h"
 #include "media/reading.h"
 #include "probe/recordingname.h"
-#include "quicktime/movieedit.h"
-#include "quicktime/moviefiles.h"
-#include "quicktime/moviequeries.h"
-#include "quicktime/movieslots.h"
+#include "quicktime/rules/movieedit.h"
+#include "quicktime/rules/moviefiles.h"
+#include "quicktime/rules/moviequeries.h"
+#include "quicktime/rules/movieslots.h"
 
 #include <QFileInfo>
 

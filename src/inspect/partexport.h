@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // A clip, or a part of it, as a file of its own, without decoding its pictures.
 
-#include "base/cliptime.h"
+#include "base/text/cliptime.h"
 #include "judge/verdict.h"
 #include "sys/result.h"
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/problemreport.h"
 
-#include "base/bundle.h"
-#include "base/paths.h"
-#include "base/shownname.h"
+#include "base/bundle/bundle.h"
+#include "base/text/paths.h"
+#include "base/text/shownname.h"
 #include "inspect/pathshortening.h"
 
 #include <QFile>

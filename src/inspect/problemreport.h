@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The text that goes with a report of a problem: all of it is shown before anything leaves.

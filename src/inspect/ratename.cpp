@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/ratename.h"
 
-#include "base/format.h"
+#include "base/text/format.h"
 #include "probe/vocabulary.h"
 
 #include <cmath>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/recorderfacts.h"
 
-#include "base/filelisting.h"
-#include "base/paths.h"
+#include "base/files/filelisting.h"
+#include "base/text/paths.h"
 #include "probe/recordersources.h"
 
 namespace tavrix

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/soundoffsets.h"
 
 #include "probe/streamoffsets.h"
-#include "quicktime/moviequeries.h"
+#include "quicktime/rules/moviequeries.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // How the sound starts against the picture, by two ways of reading, and whether these agree.
 
 #include "inspect/inspection.h"
-#include "quicktime/medialibrary.h"
+#include "quicktime/model/medialibrary.h"
 
 namespace tavrix
 {

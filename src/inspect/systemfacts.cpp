@@ -1,14 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/systemfacts.h"
 
-#include "base/bundle.h"
-#include "base/conversions.h"
-#include "base/format.h"
-#include "base/localisation.h"
-#include "base/text.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/format.h"
+#include "base/text/listconversions.h"
+#include "base/text/text.h"
 #include "inspect/toolrun.h"
 #include "platform/systeminfo.h"
 #include "process/runners.h"
-#include "quicktime/codecinventory.h"
+#include "quicktime/av/codecinventory.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/toolrun.h"
 
-#include "base/posixfile.h"
+#include "base/files/posixfile.h"
 #include "sys/transfer.h"
 
 #include <algorithm>

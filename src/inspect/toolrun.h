@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // One run of a tool beside this program's own work, with both of its streams and a limit in time.

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/words.h"
 
-#include "base/shownname.h"
+#include "base/text/shownname.h"
 #include "inspect/ratename.h"
 
 #include <QStringList>

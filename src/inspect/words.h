@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Short texts that the description is made of.
 
-#include "base/format.h"
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/format.h"
 #include "media/sourcefacts.h"
 
 #include <QString>

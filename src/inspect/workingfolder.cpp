@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/workingfolder.h"
 
-#include "base/paths.h"
-#include "base/posixfile.h"
+#include "base/files/posixfile.h"
+#include "base/text/paths.h"
 #include "inspect/words.h"
 
 #include <QFile>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The judgement itself: what was measured of an output against what a player shows of its source. Nothing is read here.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Says of an output whether it holds what it should, by reading it and its source. It is not the code that wrote it.
 #pragma once
 

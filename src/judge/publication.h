@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether an output may take its name: the same rules for what ffmpeg writes and for what `movencoder` writes.
 #pragma once
 

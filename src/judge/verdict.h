@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What became of an output, in terms that a program can act on and a person can read.
 #pragma once
 

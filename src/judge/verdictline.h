@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A verdict on one line of text, by which the tools tell it to the program on their error stream:
 //
 //     tavrix-verdict: incomplete ended-early seconds=9.80 of-seconds=20.00 damaged-pictures count=12 from=4.20

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Reading of QuickTime and ISO base media files atom by atom. Every access is checked against the bytes at hand: a

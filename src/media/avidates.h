@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The date that a camera wrote into an AVI. Free of Qt.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Ownership of the FFmpeg libraries' objects, and their error texts.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dates that a clip holds, whatever its container. Free of Qt.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a clip says of itself, whatever its container calls it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decoding of a clip's pictures, to see which of them can be. It is slow and done where something is doubtful.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Edits kept as a list over the source: which stretches of it the movie still shows, in order, and how long.

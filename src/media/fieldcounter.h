@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Two fields of one picture, in packets of their own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes of a movie file's header that leave its media where they are: edit lists and what the clip says of itself.
 #pragma once
 

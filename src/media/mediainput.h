@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opening of media files with libavformat: local regular files, in the containers that the program handles, and never
 // for longer than allowed.
 #pragma once

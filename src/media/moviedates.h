@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dates that a QuickTime, MP4 or 3GP file holds, and who wrote them. Free of Qt.
 #pragma once
 

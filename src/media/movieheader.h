@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Atoms of a new movie header, made from those of the source: what is not changed is copied byte for byte.

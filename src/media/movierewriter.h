@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Planning of a new, self-contained movie file from an edited one, without decoding.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a movie says in words about its maker, and what sort of maker that is. Free of Qt.
 #pragma once
 

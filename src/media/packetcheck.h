@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether the bytes of a packet can be what its codec writes, seen without decoding it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The times of a clip's packets on one timeline.
 #pragma once
 

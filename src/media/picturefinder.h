@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Single pictures of a clip by their time, as a player shows them.
 #pragma once
 

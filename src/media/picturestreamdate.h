@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The recording date that AVCHD cameras write into the H.264 pictures themselves. Free of Qt.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Recording dates of AVCHD playlists: the program names clips by them, the gettimestamps tool prints them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A whole clip read once, packet by packet: what is there, as against what its header promises. Nothing is decoded.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // When a clip was recorded: the dates that it holds, and the choice among them. Free of Qt.
 #pragma once
 

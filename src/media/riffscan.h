@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the outer structure of an AVI file promises, against what is there.
 #pragma once
 

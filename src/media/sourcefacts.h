@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a player shows of a clip, as far as its header, its index and its first packets tell.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The marks of damage that a transport stream itself carries: counters that break, bytes that are no packets.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a display matrix turns and mirrors a picture.
 #pragma once
 

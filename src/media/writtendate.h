@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Dates as cameras write them into their files: a clock's reading, sometimes with its zone. Free of Qt.
 #pragma once
 

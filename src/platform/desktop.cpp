@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/desktop.h"
 
-#include "base/filedelete.h"
-#include "base/log.h"
-#include "base/paths.h"
-#include "base/replaceable.h"
+#include "base/dialogue/replaceable.h"
+#include "base/files/filedelete.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
 
 #include <QFileInfo>
 #include <QProcess>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/network.h"
 
-#include "base/log.h"
-#include "base/paths.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
 #include "platform/desktop.h"
 #include "platform/pagefetch.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // http and https only, limited in time and size; the caller waits while a worker thread fetches.

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/systeminfo.h"
 
-#include "base/format.h"
-#include "base/log.h"
-#include "base/text.h"
+#include "base/text/format.h"
+#include "base/text/log.h"
+#include "base/text/text.h"
 
 #include <QDir>
 #include <QSysInfo>

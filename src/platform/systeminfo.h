@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Questions about the machine and the system. Versions a.b.c are the float a + b/100 + c/10000.

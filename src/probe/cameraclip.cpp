@@ -1,12 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/cameraclip.h"
 
 #include "probe/aspectclass.h"
 #include "probe/batchtexts.h"
 
-#include "base/conversions.h"
-#include "base/format.h"
-#include "base/localisation.h"
-#include "base/text.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/format.h"
+#include "base/text/listconversions.h"
+#include "base/text/roundingconversions.h"
+#include "base/text/text.h"
 
 #include <cmath>
 

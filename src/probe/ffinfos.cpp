@@ -1,11 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/ffinfos.h"
 
-#include "base/alerts.h"
-#include "base/conversions.h"
-#include "base/log.h"
-#include "base/settings.h"
-#include "base/text.h"
-#include "base/textfiles.h"
+#include "base/dialogue/alerts.h"
+#include "base/dialogue/numberconversions.h"
+#include "base/dialogue/textfiles.h"
+#include "base/store/settings.h"
+#include "base/text/listconversions.h"
+#include "base/text/log.h"
+#include "base/text/roundingconversions.h"
+#include "base/text/text.h"
 #include "process/runners.h"
 #include "process/shelltext.h"
 

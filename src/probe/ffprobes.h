@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Small questions put to ffmpeg about a source or about itself. None reports to the user: false, 0 or nothing.

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/intakelist.h"
 
-#include "base/bundle.h"
-#include "base/filelisting.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/paths.h"
-#include "base/text.h"
+#include "base/bundle/bundle.h"
+#include "base/files/fileinfo.h"
+#include "base/files/filelisting.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
+#include "base/text/text.h"
 #include "probe/batchtexts.h"
 
 #include <QFileInfo>

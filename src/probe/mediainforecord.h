@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The media info record: a flat dictionary that describes one source. A missing key means unknown.

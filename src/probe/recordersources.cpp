@@ -1,14 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/recordersources.h"
 
-#include "base/alerts.h"
-#include "base/conversions.h"
-#include "base/filelisting.h"
-#include "base/filesizes.h"
-#include "base/log.h"
-#include "base/paths.h"
-#include "base/posixfile.h"
-#include "base/settings.h"
-#include "base/text.h"
+#include "base/dialogue/alerts.h"
+#include "base/files/fileinfo.h"
+#include "base/files/filelisting.h"
+#include "base/files/posixfile.h"
+#include "base/store/settings.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
+#include "base/text/text.h"
 #include "platform/datasearch.h"
 #include "probe/recordingname.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The name of an output: "clip-", the date of the recording, the clip's name. And where that date was found.
 #pragma once
 

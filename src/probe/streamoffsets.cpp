@@ -1,13 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/streamoffsets.h"
 
-#include "base/alerts.h"
-#include "base/bundle.h"
-#include "base/conversions.h"
-#include "base/fileops.h"
-#include "base/log.h"
-#include "base/paths.h"
-#include "base/settings.h"
-#include "base/text.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/alerts.h"
+#include "base/files/fileops.h"
+#include "base/store/settings.h"
+#include "base/text/listconversions.h"
+#include "base/text/log.h"
+#include "base/text/paths.h"
+#include "base/text/roundingconversions.h"
+#include "base/text/text.h"
 #include "process/runners.h"
 #include "process/shelltext.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Start offsets of a source's streams, in milliseconds, from timestamp-debugging output.

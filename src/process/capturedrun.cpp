@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/capturedrun.h"
 
-#include "base/log.h"
-#include "base/posixfile.h"
+#include "base/files/posixfile.h"
+#include "base/text/log.h"
 #include "process/silencewatch.h"
 #include "sys/transfer.h"
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/chain.h"
 
-#include "base/log.h"
+#include "base/text/log.h"
 #include "process/programlookup.h"
 
 namespace tavrix

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/childprocess.h"
 
-#include "base/log.h"
-#include "base/posixfile.h"
+#include "base/files/posixfile.h"
+#include "base/text/log.h"
 #include "sys/childend.h"
 #include "sys/spawn.h"
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/notificationcenter.h"
 
-#include "base/runloopgate.h"
+#include "base/dialogue/runloopgate.h"
 
 #include <algorithm>
 

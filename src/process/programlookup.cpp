@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/programlookup.h"
 
-#include "base/bundle.h"
-#include "base/paths.h"
+#include "base/bundle/bundle.h"
+#include "base/text/paths.h"
 
 #include <QFileInfo>
 

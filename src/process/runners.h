@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Short synchronous runs. Each blocks until the child has exited, drains its output meanwhile, runs no event loop,

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Putting values into shell command texts so that any file name is data, while ordinary paths stay as they are.
 
-#include "base/shellquoting.h"
+#include "base/text/shellquoting.h"
 
 #include <QString>
 

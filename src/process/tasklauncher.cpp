@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/tasklauncher.h"
 
-#include "base/log.h"
-#include "base/runloopgate.h"
-#include "base/text.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/text/log.h"
+#include "base/text/text.h"
 #include "process/chain.h"
 #include "process/childprocess.h"
 #include "process/notificationcenter.h"

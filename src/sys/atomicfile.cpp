@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sys/atomicfile.h"
 
 #include "sys/errortext.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Which property lists may be handed to the library that reads them: it ends the program at a NUL inside a text, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What differs between the versions of libplist, in one place. Who includes this links libplist.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What the program and its tools agree on about the name that an output takes, beyond the arguments: these name the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What the program and `movencoder` must agree on without a word between them: the arguments of the second pass do not

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "analysisfixture.h"
 
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
 #include "process/notificationcenter.h"
 #include "testpaths.h"
 

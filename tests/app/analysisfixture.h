@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "controllertest.h"
 
-#include "base/settings.h"
+#include "base/store/settings.h"
 
 #include <QStringList>
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/batchmemory.h"
 
 #include "app/stepflags.h"
-#include "base/preferences.h"
+#include "base/store/preferences.h"
 #include "controllertest.h"
 #include "support/waituntil.h"
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
 
 using namespace tavrix;
 using namespace tavrix::test;

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/encodefailure.h"
 
-#include "base/filesizes.h"
-#include "base/localisation.h"
-#include "base/settings.h"
+#include "base/dialogue/localisation.h"
+#include "base/files/fileinfo.h"
+#include "base/store/settings.h"
 #include "controllertest.h"
 #include "testresources.h"
 

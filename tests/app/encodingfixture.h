@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "controllertest.h"
 
 #include "app/logs.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/files/fileinfo.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "base/text/format.h"
 
 #include <QFile>
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encodingfixture.h"
 
-#include "base/paths.h"
+#include "base/text/paths.h"
 
 #include <QDir>
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
-#include "base/preferences.h"
-#include "base/runloopgate.h"
-#include "base/settings.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

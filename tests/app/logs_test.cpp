@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/logs.h"
 #include "app/mailaddress.h"
-#include "base/bundle.h"
-#include "base/localisation.h"
-#include "base/log.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/log.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 #include "testpaths.h"

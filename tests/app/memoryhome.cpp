@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "memoryhome.h"
 
-#include "base/preferences.h"
+#include "base/store/preferences.h"
 
 #include <sys/statfs.h>
 #include <unistd.h>

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
 #include "app/logs.h"
-#include "base/bundle.h"
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
 #include "testresources.h"
 
 using namespace tavrix;

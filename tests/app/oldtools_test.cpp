@@ -1,5 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/oldtools.h"
-#include "base/bundle.h"
+#include "base/bundle/bundle.h"
 #include "support/qtprinters.h"
 #include "support/waituntil.h"
 #include "testresources.h"

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
-#include "base/fileops.h"
-#include "base/preferences.h"
+#include "base/files/fileops.h"
+#include "base/store/preferences.h"
 
 #include <QDateTime>
 #include <QFile>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
 #include "app/partfile.h"
-#include "base/settings.h"
+#include "base/store/settings.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
-#include "base/conversions.h"
-#include "base/settings.h"
+#include "base/store/settings.h"
+#include "base/text/listconversions.h"
 #include "support/qtprinters.h"
 
 #include <QDir>

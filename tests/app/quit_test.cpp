@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
-#include "base/filesizes.h"
-#include "base/preferences.h"
-#include "base/runloopgate.h"
-#include "base/settings.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/files/fileinfo.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
 
 #include <QDir>
 

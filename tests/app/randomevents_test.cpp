@@ -1,13 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 #include "memoryhome.h"
 #include "randomworld.h"
 
 #include "app/logs.h"
-#include "base/filesizes.h"
-#include "base/log.h"
-#include "base/preferences.h"
-#include "base/runloopgate.h"
-#include "base/settings.h"
+#include "base/dialogue/runloopgate.h"
+#include "base/files/fileinfo.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "base/text/log.h"
 #include "process/notificationcenter.h"
 
 #include <QDir>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
-#include "base/settings.h"
+#include "base/store/settings.h"
 #include "support/waituntil.h"
 #include "testresources.h"
 

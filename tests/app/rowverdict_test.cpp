@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encodingfixture.h"
 
 #include "app/rowverdict.h"
 #include "app/verdictwords.h"
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
 #include "judge/verdictline.h"
 
 using namespace tavrix;

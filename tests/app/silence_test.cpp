@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
-#include "base/localisation.h"
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/dialogue/localisation.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
 #include "probe/batchtexts.h"
 
 #include <functional>

@@ -1,13 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
 #include "app/instancelock.h"
 #include "app/logs.h"
 #include "app/oldtools.h"
 #include "app/outputguard.h"
-#include "base/bundle.h"
-#include "base/conversions.h"
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "base/text/listconversions.h"
 #include "support/waituntil.h"
 #include "sys/publication.h"
 #include "testresources.h"

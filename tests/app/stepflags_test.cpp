@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/appdelegate.h"
 #include "app/stepflags.h"
-#include "base/preferences.h"
+#include "base/store/preferences.h"
 #include "support/qtprinters.h"
 
 using namespace Qt::StringLiterals;

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "testresources.h"
 
-#include "base/bundle.h"
+#include "base/bundle/bundle.h"
 #include "testpaths.h"
 
 #include <QDir>

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "controllertest.h"
 
 #include "app/workfolder.h"
-#include "base/bundle.h"
-#include "base/localisation.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "base/store/settings.h"
 #include "probe/batchtexts.h"
 
 #include <QDir>

@@ -1,7 +1,8 @@
-#include "base/alerts.h"
-#include "base/bundle.h"
-#include "base/localisation.h"
-#include "base/runloopgate.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/bundle.h"
+#include "base/dialogue/alerts.h"
+#include "base/dialogue/localisation.h"
+#include "base/dialogue/runloopgate.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,7 +1,8 @@
-#include "base/bundle.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/bundle.h"
 
-#include "base/log.h"
-#include "base/settings.h"
+#include "base/store/settings.h"
+#include "base/text/log.h"
 #include "support/ordinaryuser.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"

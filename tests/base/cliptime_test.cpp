@@ -1,4 +1,5 @@
-#include "base/cliptime.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/cliptime.h"
 
 #include "support/qtprinters.h"
 

@@ -1,6 +1,7 @@
-#include "base/datetext.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/datetext.h"
 
-#include "base/fileops.h"
+#include "base/files/fileops.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,4 +1,5 @@
-#include "base/filebeginnings.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/files/filebeginnings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,6 +1,7 @@
-#include "base/filedelete.h"
-#include "base/settings.h"
-#include "base/treeremoval.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/files/filedelete.h"
+#include "base/files/treeremoval.h"
+#include "base/store/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,6 +1,7 @@
-#include "base/filelisting.h"
-#include "base/posixfile.h"
-#include "base/settings.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/files/filelisting.h"
+#include "base/files/posixfile.h"
+#include "base/store/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,6 +1,7 @@
-#include "base/fileops.h"
-#include "base/filesizes.h"
-#include "base/settings.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/files/fileinfo.h"
+#include "base/files/fileops.h"
+#include "base/store/settings.h"
 #include "support/ordinaryuser.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"

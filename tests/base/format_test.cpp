@@ -1,4 +1,5 @@
-#include "base/format.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/format.h"
 
 #include "support/qtprinters.h"
 #include "support/temphome.h"

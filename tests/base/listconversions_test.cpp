@@ -1,4 +1,5 @@
-#include "base/conversions.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/listconversions.h"
 
 #include "support/qtprinters.h"
 

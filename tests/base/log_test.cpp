@@ -1,6 +1,7 @@
-#include "base/log.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/log.h"
 
-#include "base/settings.h"
+#include "base/store/settings.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

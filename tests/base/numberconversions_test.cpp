@@ -1,6 +1,8 @@
-#include "base/conversions.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/dialogue/numberconversions.h"
+#include "base/text/roundingconversions.h"
 
-#include "base/settings.h"
+#include "base/store/settings.h"
 #include "support/alertrecorder.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"

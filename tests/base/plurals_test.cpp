@@ -1,6 +1,7 @@
-#include "base/plurals.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/dialogue/plurals.h"
 
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
 #include "support/qtprinters.h"
 
 #include <gtest/gtest.h>

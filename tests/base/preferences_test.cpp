@@ -1,4 +1,5 @@
-#include "base/preferences.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/store/preferences.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 #include "support/waituntil.h"

@@ -1,6 +1,7 @@
-#include "base/format.h"
-#include "base/propertylist.h"
-#include "base/propertylistfile.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/propertylist.h"
+#include "base/store/propertylistfile.h"
+#include "base/text/format.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

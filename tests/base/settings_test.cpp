@@ -1,4 +1,5 @@
-#include "base/settings.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/store/settings.h"
 
 #include "support/qtprinters.h"
 

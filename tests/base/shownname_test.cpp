@@ -1,4 +1,5 @@
-#include "base/shownname.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/shownname.h"
 #include "support/qtprinters.h"
 
 #include <QJsonDocument>

@@ -1,7 +1,8 @@
-#include "base/shownvalues.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/dialogue/shownvalues.h"
 
-#include "base/bundle.h"
-#include "base/localisation.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
 #include "support/qtprinters.h"
 #include "testpaths.h"
 

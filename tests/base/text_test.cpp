@@ -1,4 +1,5 @@
-#include "base/text.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/text.h"
 
 #include "support/qtprinters.h"
 

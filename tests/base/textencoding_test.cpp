@@ -1,5 +1,6 @@
-#include "base/textencoding.h"
-#include "base/textfiles.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/dialogue/textfiles.h"
+#include "base/text/textencoding.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

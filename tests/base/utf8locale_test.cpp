@@ -1,4 +1,5 @@
-#include "base/utf8locale.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text/utf8locale.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/batchrunner.h"
 
-#include "base/alerts.h"
-#include "base/paths.h"
+#include "base/dialogue/alerts.h"
+#include "base/text/paths.h"
 #include "consoletest.h"
 #include "encode/outputname.h"
 #include "platform/desktop.h"

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "consoletest.h"
 
-#include "base/bundle.h"
-#include "base/filesizes.h"
-#include "base/format.h"
-#include "base/paths.h"
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/files/fileinfo.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "base/text/format.h"
+#include "base/text/paths.h"
 #include "testpaths.h"
 
 namespace tavrix::test

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "app/appdelegate.h"
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
 #include "console/reporter.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"

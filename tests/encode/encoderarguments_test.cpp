@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/encoderarguments.h"
 
-#include "base/bundle.h"
-#include "base/format.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/store/settings.h"
+#include "base/text/format.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

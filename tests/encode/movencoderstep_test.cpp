@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/movencoderstep.h"
 
-#include "base/bundle.h"
-#include "base/conversions.h"
-#include "base/filesizes.h"
-#include "base/preferences.h"
-#include "base/propertylist.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/bundle/propertylist.h"
+#include "base/files/fileinfo.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "base/text/listconversions.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

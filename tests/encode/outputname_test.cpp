@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/outputname.h"
 
-#include "base/conversions.h"
-#include "base/paths.h"
+#include "base/text/listconversions.h"
+#include "base/text/paths.h"
 #include "support/qtprinters.h"
 
 using namespace tavrix;

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/presets.h"
 
-#include "base/alerts.h"
-#include "base/bundle.h"
-#include "base/format.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/alerts.h"
+#include "base/store/settings.h"
+#include "base/text/format.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 #include "testpaths.h"

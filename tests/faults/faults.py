@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The faults of the matrix: how each is made, and what may come of it."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the trials share: clips, a home of its own for the console program, and what is looked at afterwards."""
 
 import hashlib

@@ -1,5 +1,6 @@
-#include "gui/desktopbus.h"
-#include "gui/desktopscheme.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/desktop/desktopbus.h"
+#include "gui/desktop/desktopscheme.h"
 
 #include "progresslistener.h"
 #include "support/qtprinters.h"

@@ -1,6 +1,7 @@
-#include "gui/ecran.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/widgets/ecran.h"
 
-#include "base/log.h"
+#include "base/text/log.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

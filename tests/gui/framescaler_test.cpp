@@ -1,6 +1,7 @@
-#include "gui/framescaler.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/preview/framescaler.h"
 
-#include "gui/newestframe.h"
+#include "gui/preview/newestframe.h"
 #include "support/qtprinters.h"
 
 #include <QVideoFrameFormat>

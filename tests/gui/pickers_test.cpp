@@ -1,8 +1,9 @@
-#include "gui/pickers.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/dialogs/pickers.h"
 
-#include "base/bundle.h"
-#include "base/localisation.h"
-#include "base/runloopgate.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "base/dialogue/runloopgate.h"
 #include "support/ordinaryuser.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"

@@ -1,4 +1,5 @@
-#include "base/localisation.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/dialogue/localisation.h"
 #include "support/qtprinters.h"
 #include "testpaths.h"
 

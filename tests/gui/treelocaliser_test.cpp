@@ -1,7 +1,8 @@
-#include "gui/treelocaliser.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/widgets/treelocaliser.h"
 
-#include "base/localisation.h"
-#include "gui/segmentedview.h"
+#include "base/dialogue/localisation.h"
+#include "gui/widgets/segmentedview.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

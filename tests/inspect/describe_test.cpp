@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/describe.h"
 
-#include "base/localisation.h"
+#include "base/dialogue/localisation.h"
 #include "inspecttest.h"
 
 using namespace tavrix;

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/inspector.h"
 
-#include "base/bundle.h"
+#include "base/bundle/bundle.h"
 #include "inspecttest.h"
 #include "probe/batchtexts.h"
 #include "probe/ffinfos.h"

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspecttest.h"
 
-#include "base/bundle.h"
-#include "base/localisation.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
 #include "testpaths.h"
 
 #include <QProcess>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // What the tests of the inspection share: the program's English texts, and clips made by the installed ffmpeg.

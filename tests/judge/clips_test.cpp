@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Damaged and harmless sources through the formats: the table of what each is judged to be.
 #include "judge/judge.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The judgement from figures alone; tests/judge/clips_test.cpp has the real files.
 #include "judge/compare.h"
 

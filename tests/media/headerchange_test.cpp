@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Edit lists and texts put into a finished movie.
 #include "media/headerchange.h"
 #include "support/moviebuilder.h"

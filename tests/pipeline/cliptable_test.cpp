@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Damaged and harmless sources through both tools, as a row of the program runs them: formats 1, 2, 4 and 5. What the
 // plain formats make of them is the table of the judge's own tests.
 #include "app/rowverdict.h"

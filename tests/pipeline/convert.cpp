@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "pipeline/convert.h"
 
-#include "base/bundle.h"
-#include "base/preferences.h"
+#include "base/bundle/bundle.h"
+#include "base/store/preferences.h"
 #include "encode/encoderarguments.h"
 #include "encode/movencoderstep.h"
 #include "probe/ffinfos.h"

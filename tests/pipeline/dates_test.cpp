@@ -1,5 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The recording date names the output, stands in the record with its origin, and is the output's file date.
-#include "base/fileops.h"
+#include "base/files/fileops.h"
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
 #include "pipeline/words.h"

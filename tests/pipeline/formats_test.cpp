@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
 #include "pipeline/words.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What stands under an output's name, by the whole program with its tools: before ffmpeg stands a script that waits in
 // the middle of an encode until the test lets it go on.
 #include "encode/outputname.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A part of a clip is shown and heard as the clip shows it there, whatever it becomes.
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Clips whose pictures cannot come out are refused at the analysis, with the reason.
-#include "base/bundle.h"
-#include "base/localisation.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
 #include "pipeline/batchprogram.h"
 #include "pipeline/clips.h"
 #include "pipeline/words.h"

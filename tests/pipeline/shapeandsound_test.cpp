@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turned pictures come out upright in their own shape; sound comes out at its own level on both sides.
 #include "pipeline/clips.h"
 #include "pipeline/convert.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every output picture belongs to its source time, and to the sound.
 #include "pipeline/clips.h"
 #include "pipeline/convert.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a player shows of a trimmed clip is what comes out, in copies too.
 #include "media/headerchange.h"
 #include "pipeline/clips.h"

@@ -1,5 +1,6 @@
-#include "base/filedelete.h"
-#include "base/paths.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/files/filedelete.h"
+#include "base/text/paths.h"
 #include "platform/desktop.h"
 #include "platform/network.h"
 #include "support/qtprinters.h"

@@ -1,5 +1,6 @@
-#include "base/bundle.h"
-#include "base/localisation.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
 #include "probe/aspectclass.h"
 #include "probe/cameraclip.h"
 #include "support/qtprinters.h"

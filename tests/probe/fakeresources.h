@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/bundle.h"
+#include "base/bundle/bundle.h"
 #include "support/temphome.h"
 
 #include <QFile>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/ffinfos.h"
 
-#include "base/settings.h"
+#include "base/store/settings.h"
 #include "probe/recordtext.h"
 #include "support/alertrecorder.h"
 #include "support/qtprinters.h"

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/ffprobes.h"
 
-#include "base/bundle.h"
-#include "base/localisation.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "base/store/settings.h"
 #include "probe/fakeresources.h"
 #include "probe/ffinfos.h"
 #include "support/alertrecorder.h"

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/recordersources.h"
 
-#include "base/fileops.h"
-#include "base/settings.h"
+#include "base/files/fileops.h"
+#include "base/store/settings.h"
 #include "probe/fakeresources.h"
 #include "probe/recordingname.h"
 #include "support/alertrecorder.h"

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/recordingname.h"
 
-#include "base/fileops.h"
+#include "base/files/fileops.h"
 #include "media/writtendate.h"
 #include "probe/fakeresources.h"
 #include "support/qtprinters.h"

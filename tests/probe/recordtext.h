@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/format.h"
+#include "base/text/format.h"
 #include "probe/mediainforecord.h"
 
 #include <string>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "probe/streamoffsets.h"
 
-#include "base/bundle.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/store/settings.h"
 #include "probe/fakeresources.h"
 #include "support/alertrecorder.h"
 #include "support/qtprinters.h"

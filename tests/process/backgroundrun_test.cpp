@@ -1,4 +1,5 @@
-#include "base/bundle.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/bundle.h"
 #include "process/backgroundrun.h"
 #include "process/processinfo.h"
 #include "processsupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/childprocess.h"
 #include "process/tasklauncher.h"
 #include "processsupport.h"

@@ -1,4 +1,5 @@
-#include "base/runloopgate.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/dialogue/runloopgate.h"
 #include "process/notificationcenter.h"
 #include "support/qtprinters.h"
 #include "support/waituntil.h"

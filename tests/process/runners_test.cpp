@@ -1,7 +1,8 @@
-#include "base/bundle.h"
-#include "base/filesizes.h"
-#include "base/paths.h"
-#include "base/settings.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/bundle.h"
+#include "base/files/fileinfo.h"
+#include "base/store/settings.h"
+#include "base/text/paths.h"
 #include "process/capturedrun.h"
 #include "process/runners.h"
 #include "processsupport.h"

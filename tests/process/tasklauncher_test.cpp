@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "process/tasklauncher.h"
 #include "processsupport.h"
 #include "support/qtprinters.h"
 #include "support/waituntil.h"
 
-#include "base/bundle.h"
-#include "base/paths.h"
+#include "base/bundle/bundle.h"
+#include "base/text/paths.h"
 
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>

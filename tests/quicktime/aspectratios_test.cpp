@@ -1,4 +1,5 @@
-#include "quicktime/aspectratios.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/rules/aspectratios.h"
 
 #include "support/qtprinters.h"
 

@@ -1,4 +1,5 @@
-#include "quicktime/codecinventory.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/av/codecinventory.h"
 
 #include "fakemedialibrary.h"
 #include "support/qtprinters.h"

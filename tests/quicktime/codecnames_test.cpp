@@ -1,6 +1,7 @@
-#include "quicktime/codecnames.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/rules/codecnames.h"
 
-#include "quicktime/componentregistry.h"
+#include "quicktime/model/componentregistry.h"
 #include "support/qtprinters.h"
 
 namespace tavrix::test

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakemedialibrary.h"
 
-#include "base/format.h"
+#include "base/text/format.h"
 #include "support/temphome.h"
 
 #include <algorithm>

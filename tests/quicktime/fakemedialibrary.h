@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/settings.h"
-#include "quicktime/activelibrary.h"
-#include "quicktime/movieslots.h"
+#include "base/store/settings.h"
+#include "quicktime/av/activelibrary.h"
+#include "quicktime/rules/movieslots.h"
 
 #include <QHash>
 

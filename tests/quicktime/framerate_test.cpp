@@ -1,7 +1,8 @@
-#include "quicktime/framerate.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/rules/framerate.h"
 
 #include "fakemedialibrary.h"
-#include "quicktime/componentregistry.h"
+#include "quicktime/model/componentregistry.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

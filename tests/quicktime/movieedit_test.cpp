@@ -1,8 +1,9 @@
-#include "quicktime/movieedit.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/rules/movieedit.h"
 
 #include "fakemedialibrary.h"
-#include "quicktime/componentregistry.h"
-#include "quicktime/moviequeries.h"
+#include "quicktime/model/componentregistry.h"
+#include "quicktime/rules/moviequeries.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

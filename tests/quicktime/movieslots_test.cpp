@@ -1,4 +1,5 @@
-#include "quicktime/movieslots.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/rules/movieslots.h"
 
 #include "fakemedialibrary.h"
 #include "support/qtprinters.h"

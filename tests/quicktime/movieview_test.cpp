@@ -1,4 +1,5 @@
-#include "quicktime/movieview.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/rules/movieview.h"
 
 #include "fakemedialibrary.h"
 #include "support/qtprinters.h"

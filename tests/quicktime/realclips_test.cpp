@@ -1,14 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Cutting, resizing and exporting generated clips, judged by ffmpeg and ffprobe.
 #include "mediatools.h"
 
 #include "fakemedialibrary.h"
-#include "quicktime/componentregistry.h"
-#include "quicktime/framerate.h"
-#include "quicktime/movieedit.h"
-#include "quicktime/moviefiles.h"
-#include "quicktime/movieoffsets.h"
-#include "quicktime/moviequeries.h"
-#include "quicktime/trackinformation.h"
+#include "quicktime/model/componentregistry.h"
+#include "quicktime/rules/framerate.h"
+#include "quicktime/rules/movieedit.h"
+#include "quicktime/rules/moviefiles.h"
+#include "quicktime/rules/movieoffsets.h"
+#include "quicktime/rules/moviequeries.h"
+#include "quicktime/rules/trackinformation.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,10 +1,11 @@
-#include "quicktime/trackinformation.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/rules/trackinformation.h"
 
-#include "base/settings.h"
+#include "base/store/settings.h"
 #include "fakemedialibrary.h"
-#include "quicktime/componentregistry.h"
-#include "quicktime/moviefiles.h"
-#include "quicktime/movieoffsets.h"
+#include "quicktime/model/componentregistry.h"
+#include "quicktime/rules/moviefiles.h"
+#include "quicktime/rules/movieoffsets.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/alerts.h"
+#include "base/dialogue/alerts.h"
 
 namespace tavrix::test
 {

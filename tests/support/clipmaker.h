@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small clips made with the installed ffmpeg, and the ways in which files get damaged. Free of Qt.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A child process that misbehaves on request. Its arguments are actions, carried out in order; each takes the words
 // that its name stands with in the table at the end. It knows no Qt, so that it starts fast and does only what it is
 // told.

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/log.h"
+#include "base/text/log.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support_app/fakeface.h"
 
 namespace tavrix::test

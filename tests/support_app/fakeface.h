@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "app/face.h"
-#include "base/alerts.h"
+#include "base/dialogue/alerts.h"
 #include "platform/desktop.h"
 
 #include <QList>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support_app/fakelauncher.h"
 
-#include "base/runloopgate.h"
+#include "base/dialogue/runloopgate.h"
 
 #include <QPointer>
 

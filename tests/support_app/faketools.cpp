@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support_app/faketools.h"
 
-#include "base/format.h"
+#include "base/text/format.h"
 #include "judge/publication.h"
 #include "judge/verdictline.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The ways in which files get damaged. Places are shares of the whole, 0 to 1.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support_clips/sources.h"
 
 #include "support_clips/damage.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sources of both kinds: such as are damaged, and such as only look odd.
 #pragma once
 

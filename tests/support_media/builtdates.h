@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Parts of movies and AVI files that tell a date or a maker, built byte by byte.
 #pragma once
 

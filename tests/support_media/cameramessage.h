@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Messages, units and streams as AVCHD cameras write them, built byte by byte.
 #pragma once
 

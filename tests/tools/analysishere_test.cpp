@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An analysis in the tool's own process against the same one by the installed ffmpeg: not a byte may differ.
 #include "tools/ffmpeg/analysisversions.h"
 #include "tools/toolrun.h"

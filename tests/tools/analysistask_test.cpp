@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The pure parts of an analysis without ffmpeg: which command lines it serves, and how pictures are spaced.
 #include "tools/ffmpeg/analysistask.h"
 #include "tools/ffmpeg/picturespacing.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tool before scripts in the place of ffmpeg, for what the installed one does not do on request.
 #include "tools/toolrun.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From the old command line to the present one.
 #include "tools/ffmpeg/arguments.h"
 #include "tools/ffmpeg/commandline.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is left when the tool or the encoder is stopped from outside.
 #include "sys/descriptor.h"
 #include "sys/transfer.h"

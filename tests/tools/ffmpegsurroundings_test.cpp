@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tool in odd surroundings: streams that are closed or nobody's, names that are no files of their own.
 #include "sys/descriptor.h"
 #include "sys/transfer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tool before the installed ffmpeg, on real clips.
 #include "tools/toolrun.h"
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/playlistdates.h"
 
-#include "base/bundle.h"
+#include "base/bundle/bundle.h"
 #include "probe/recordersources.h"
 #include "support/ordinaryuser.h"
 #include "support/playlistbuilder.h"

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Records what the installed ffmpeg prints when the tool runs it on small clips of the common kinds, and what ffprobe
 # says of the same clips. Usage: make-fixtures.sh TOOL, with TOOL the built resources/tools/ffmpeg. The expected classic
 # transcripts beside the recordings are written by

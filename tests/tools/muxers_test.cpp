@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From an output's name to the container that is written.
 #include "tools/ffmpeg/muxers.h"
 

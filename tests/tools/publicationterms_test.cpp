@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The terms on which the program lets the tool give its output a name.
 #include "tools/toolrun.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Recordings of real runs of Debian 11, 12 and 13's ffmpeg (see make-fixtures.sh), each with the transcript that the
 // tool makes of it. No Debian has had version 6: its lines are rows of transcriptlines_test.cpp, written by hand.
 #include "tools/ffmpeg/linesplitter.h"

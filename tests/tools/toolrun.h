@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the built ffmpeg tool on small clips made with the installed ffmpeg.
 #pragma once
 

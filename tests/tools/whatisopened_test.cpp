@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file under a clip's name that leads to other files or to addresses is refused.
 #include "tools/toolrun.h"
 

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "buslistener.h"
 #include "support/testbus.h"
 #include "windowharness.h"
 
-#include "gui/buscontrol.h"
-#include "gui/encodingpresence.h"
-#include "gui/sleeppause.h"
+#include "gui/desktop/buscontrol.h"
+#include "gui/desktop/encodingpresence.h"
+#include "gui/desktop/sleeppause.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCall>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "gui/mainwindow.h"
-#include "gui/preferencessheet.h"
+#include "gui/dialogs/preferencessheet.h"
+#include "gui/window/mainwindow.h"
 #include "support/qtprinters.h"
 
 #include <QApplication>

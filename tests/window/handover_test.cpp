@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "gui/handover.h"
+#include "gui/desktop/handover.h"
 #include "support/qtprinters.h"
 
 #include <QFile>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "gui/toolwindow.h"
+#include "gui/dialogs/toolwindow.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

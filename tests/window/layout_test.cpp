@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "base/localisation.h"
-#include "base/shownname.h"
-#include "gui/batchdrawer.h"
-#include "gui/preferencessheet.h"
-#include "gui/rowdetails.h"
+#include "base/dialogue/localisation.h"
+#include "base/text/shownname.h"
+#include "gui/dialogs/preferencessheet.h"
+#include "gui/window/batchdrawer.h"
+#include "gui/window/rowdetails.h"
 #include "support/qtprinters.h"
 
 #include <QAbstractButton>

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "base/localisation.h"
-#include "gui/batchdrawer.h"
-#include "gui/rowdetails.h"
+#include "base/dialogue/localisation.h"
+#include "gui/window/batchdrawer.h"
+#include "gui/window/rowdetails.h"
 #include "support/qtprinters.h"
 
 #include <QApplication>

@@ -1,14 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "base/localisation.h"
-#include "base/preferences.h"
-#include "base/settings.h"
-#include "gui/helpwindow.h"
-#include "gui/moviewidget.h"
-#include "gui/preferencessheet.h"
-#include "gui/previewwindow.h"
-#include "gui/theme.h"
-#include "quicktime/movieslots.h"
+#include "base/dialogue/localisation.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
+#include "gui/dialogs/helpwindow.h"
+#include "gui/dialogs/preferencessheet.h"
+#include "gui/preview/moviewidget.h"
+#include "gui/preview/previewwindow.h"
+#include "gui/widgets/theme.h"
+#include "quicktime/rules/movieslots.h"
 #include "support/qtprinters.h"
 
 #include <QApplication>

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "gui/moviewidget.h"
-#include "gui/previewwindow.h"
-#include "quicktime/movieslots.h"
+#include "gui/preview/moviewidget.h"
+#include "gui/preview/previewwindow.h"
+#include "quicktime/rules/movieslots.h"
 
 #include <QAudioDevice>
 #include <QFile>

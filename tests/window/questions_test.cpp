@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "base/localisation.h"
-#include "base/preferences.h"
+#include "base/dialogue/localisation.h"
+#include "base/store/preferences.h"
 #include "support/qtprinters.h"
 
 #include <QApplication>

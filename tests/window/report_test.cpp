@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
 #include "app/logs.h"
-#include "gui/reportwindow.h"
+#include "gui/dialogs/reportwindow.h"
 
 #include <QCheckBox>
 #include <QFileDialog>

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
-#include "base/preferences.h"
-#include "gui/batchdrawer.h"
-#include "gui/batchview.h"
+#include "base/store/preferences.h"
+#include "gui/window/batchdrawer.h"
+#include "gui/window/batchview.h"
 #include "support/qtprinters.h"
 
 #include <QApplication>

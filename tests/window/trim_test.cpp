@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Marks, steps, saving and converting of a part, with the real window, the real player and the real tool.
 #include "windowharness.h"
 
-#include "gui/moviewidget.h"
-#include "gui/partdialog.h"
-#include "gui/previewwindow.h"
-#include "gui/trimline.h"
-#include "gui/trimpanel.h"
+#include "gui/preview/moviewidget.h"
+#include "gui/preview/partdialog.h"
+#include "gui/preview/previewwindow.h"
+#include "gui/preview/trimline.h"
+#include "gui/preview/trimpanel.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "windowharness.h"
 
 #include "app/stepflags.h"
-#include "base/bundle.h"
-#include "base/localisation.h"
-#include "base/preferences.h"
-#include "base/settings.h"
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "base/store/preferences.h"
+#include "base/store/settings.h"
 #include "testpaths.h"
 
 #include <QAbstractButton>

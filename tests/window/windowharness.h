@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "app/appdelegate.h"
-#include "gui/mainwindow.h"
-#include "gui/windowprogram.h"
+#include "gui/window/mainwindow.h"
+#include "gui/window/windowprogram.h"
 #include "platform/desktop.h"
 #include "support/temphome.h"
 #include "support/waituntil.h"

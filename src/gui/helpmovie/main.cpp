@@ -1,6 +1,7 @@
-#include "base/bundle.h"
-#include "base/localisation.h"
-#include "gui/helpslides.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/bundle/bundle.h"
+#include "base/dialogue/localisation.h"
+#include "gui/dialogs/helpslides.h"
 
 #include <QDir>
 #include <QGuiApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/atompatch/atompatch.h"
 
 #include "media/movieatoms.h"

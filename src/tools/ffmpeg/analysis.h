@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An analysis in this process: what ffmpeg would say of a clip, and the pictures that it would write.
 #pragma once
 

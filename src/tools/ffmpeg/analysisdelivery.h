@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The end of an analysis whose answer is known: the transcript, and the output under its name.
 #pragma once
 

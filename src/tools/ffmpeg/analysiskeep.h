@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What one run of an analysis leaves for the next one.
 #pragma once
 

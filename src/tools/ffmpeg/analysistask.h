@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The runs that look at a clip and can be done without the installed ffmpeg.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What differs between the versions of the FFmpeg libraries for pictures made in this process.
 #pragma once
 

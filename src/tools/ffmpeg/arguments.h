@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From the old command line to that of the installed ffmpeg.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The first pictures of a clip, as ffmpeg would take them for an output of even rate.
 #pragma once
 

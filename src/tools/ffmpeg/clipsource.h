@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The source of a clip's conversion, as far as it decides on arguments, on the output's header and on words.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Edit lists of movies whose pictures are copied: what a player shows of the source is what the copy shows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Failures, in the words of the old build and as facts.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tool's own error stream, where its transcript goes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The files of a run: how the installed ffmpeg reaches them, and what becomes of the outputs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whether the installed ffmpeg is a program on the libraries that this process has loaded.
 #pragma once
 

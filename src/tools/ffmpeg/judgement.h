@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Before an output takes its name it is judged by what is in it: ffmpeg's status says little.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is known from earlier runs of an analysis: the words of the installed ffmpeg about itself, and a picture made
 // beside the frames.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the FFmpeg libraries say while this process uses them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tool itself is small: what needs the media libraries stands in a module, and most of a short run's time would be
 // their loading.
 #include "tools/ffmpeg/errorstream.h"

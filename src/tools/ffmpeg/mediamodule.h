@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The seam between the tool and the module with all that needs the media libraries.
 #pragma once
 

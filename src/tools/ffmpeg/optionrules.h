@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tool knows about single options of the old command line.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an output wants of its source's picture and sound.
 #pragma once
 

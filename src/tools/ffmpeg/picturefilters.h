@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Filters that give an encoded picture its place in time and its shape.
 #pragma once
 

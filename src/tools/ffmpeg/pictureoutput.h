@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Scaled pictures as YUV4MPEG or JPEG, with the words that ffmpeg has for them.
 #pragma once
 

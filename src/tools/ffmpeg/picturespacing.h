@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which pictures of a clip an output of even rate shows, and how often.
 #pragma once
 

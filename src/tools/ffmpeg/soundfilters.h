@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Filters that make two channels of any source at its own level.
 #pragma once
 

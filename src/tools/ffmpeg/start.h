@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The beginning of a run, and all of one that needs none of the media libraries.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is read, without its indentation (three lines of ffmpeg 5, one of 4, one of 7, and one of an output):
 //
 //   Stream #0:0[0x1011]: Video: h264 (High) (HDMV / 0x564D4448), yuv420p(tv), 1280x720 [SAR 1:1 DAR 16:9], 50 fps

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What ffmpeg prints, in the words of the old build.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The files of a run, as the installed ffmpeg names them and as the caller does.
 #pragma once
 

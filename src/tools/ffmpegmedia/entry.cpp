@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the tool `ffmpeg` loads when it needs the media libraries.
 #include "tools/common/childprocess.h"
 #include "tools/ffmpeg/run.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Ownership of the FFmpeg libraries' objects, and what differs between their versions.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Jumps of a recorder's clock: the streams of a recording that goes on with another clock stay together.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The colour tags of the output: true to the pictures, and such as a QuickTime movie can express.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The FFmpeg libraries' messages: they are not printed, as the tool has words of its own, but those of decoders count.

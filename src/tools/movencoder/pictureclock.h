@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // The output's times of the pictures: in order, and exactly a rate apart where the source means that rate.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Decoding that goes on after errors: a damaged picture must not cost the rest of the clip.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/movencoder/picturesequence.h"
 
 #include "tools/movencoder/decoderlog.h"

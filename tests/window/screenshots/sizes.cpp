@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "sizes.h"
 
 #include "app/appdelegate.h"
-#include "base/format.h"
-#include "base/localisation.h"
-#include "base/preferences.h"
-#include "gui/mainwindow.h"
-#include "gui/windowprogram.h"
+#include "base/dialogue/localisation.h"
+#include "base/store/preferences.h"
+#include "base/text/format.h"
+#include "gui/window/mainwindow.h"
+#include "gui/window/windowprogram.h"
 #include "probe/batchtexts.h"
 #include "support/waituntil.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window at several sizes, with lists of several lengths.
 #pragma once
 
