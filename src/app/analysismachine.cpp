@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/analysismachine.h"
 
+#include "app/analysedclip.h"
 #include "app/droparea.h"
 #include "app/encodefailure.h"
 #include "app/face.h"
@@ -9,7 +10,6 @@
 #include "app/windowmodel.h"
 #include "app/workfolder.h"
 #include "base/bundle/bundle.h"
-#include "base/files/filebeginnings.h"
 #include "base/files/filedelete.h"
 #include "base/files/fileinfo.h"
 #include "base/store/preferences.h"
@@ -24,11 +24,8 @@
 #include "probe/ffinfos.h"
 #include "probe/ffprobes.h"
 #include "probe/pictureobstacle.h"
-#include "probe/recordingname.h"
 #include "process/childprocess.h"
 #include "sys/keepfolder.h"
-
-#include <QRandomGenerator>
 
 #include <utility>
 
@@ -40,52 +37,9 @@ namespace
 
 constexpr qint64 silentStopMilliseconds = 3000;
 
-QString existingFile(const QString& path)
-{
-    return !path.isEmpty() && testPresenceCocoa(path) ? path : QString();
-}
-
 QString ffmpegTool()
 {
     return toolPath(QStringLiteral("ffmpeg"));
-}
-
-QString frameFile()
-{
-    return formatText(QStringLiteral("%@frame.yuv"), {getTMPFOLDER()});
-}
-
-// Interlacing code of the decoded frames, which are deleted.
-QString interlacingOfFrames()
-{
-    QString letter;
-    if (testPresenceCocoa(frameFile())) {
-        letter = interlacingLetter(firstLineOfFile(frameFile()));
-        removeOwnFile(frameFile(), getTMPFOLDER());
-    }
-    return interlacedYuvheaders2tvxStr(letter);
-}
-
-// Of a clip that the tool has not described.
-QString unreadableReason(const QString& text)
-{
-    const QString line = failureLine(text);
-    if (line.isNull()) {
-        return batchText("Clip_noVideo");
-    }
-    const QString reason = plainReason(line);
-    return reason != line ? reason : formatText(QStringLiteral("%@ (%@)"), {batchText("Clip_noVideo"), line});
-}
-
-// A file name of the temporary folder that is still free, or nearly so.
-QString thumbnailPath(const QString& source)
-{
-    const QString image = formatText(QStringLiteral("%@%@.jpg"), {getTMPFOLDER(), lastPathComponent(source)});
-    if (!testPresenceCocoa(image)) {
-        return image;
-    }
-    const int number = static_cast<int>(QRandomGenerator::global()->generate() & 0x7FFFFFFFU);
-    return formatText(QStringLiteral("%@_%d.jpg"), {stringByDeletingPathExtension(image), number});
 }
 
 } // namespace
@@ -326,7 +280,8 @@ void AnalysisMachine::finishSource()
 void AnalysisMachine::addRow(MediaInfoRecord infos)
 {
     const QString source = prefRead(pref::analysisSrcPathStr);
-    const QString image = existingFile(prefRead(pref::imgPathStr));
+    const QString thumbnail = prefRead(pref::imgPathStr);
+    const QString image = !thumbnail.isEmpty() && testPresenceCocoa(thumbnail) ? thumbnail : QString();
     prefDelete(pref::imgPathStr);
     WindowModel& model = session_.model();
     BatchList& rows = model.encBatchArrayController;
@@ -337,25 +292,8 @@ void AnalysisMachine::addRow(MediaInfoRecord infos)
         }
         return;
     }
-    infos.insert(record::v0_aspect, clipAspect(infos));
-    infos.insert(record::mainEncSrcPathStr, source);
-    if (!image.isNull()) {
-        infos.insert(record::imgPathStr, image);
-    }
-    const RecordingName named = recordingName(source);
-    if (!named.date.isNull()) {
-        infos.insert(record::recordingDate, named.date);
-        infos.insert(record::recordingDateSource, named.source);
-    }
-    const int out = model.prefCheckMatrix.selectedSegment();
-    infos.insert(record::out, out);
-    BatchRow row;
+    BatchRow row = analysedRow(source, std::move(infos), image, model.prefCheckMatrix.selectedSegment());
     row.order = rows.count() + 1;
-    row.src = lastPathComponent(source);
-    row.out = out;
-    row.resultat = rowIcon::pending;
-    row.dico = infos;
-    row.img = isJpegFile(image) ? image : QString();
     rows.append(row);
     if (!model.drawer.isOpen()) {
         session_.face().ecran(QStringLiteral("b"), drawerHeight);

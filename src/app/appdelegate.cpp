@@ -80,7 +80,7 @@ void appDelegate::setLauncherFactory(LauncherFactory factory)
 
 void appDelegate::setReplacePolicy(std::optional<int> policy)
 {
-    machines_->batch.row().setReplacePolicy(policy);
+    machines_->batch.row().clearance().setReplacePolicy(policy);
 }
 
 bool appDelegate::awakeFromNib()

@@ -10,11 +10,11 @@
 #include "app/verdictwords.h"
 #include "app/windowmodel.h"
 #include "base/bundle/bundle.h"
-#include "base/dialogue/shownvalues.h"
 #include "base/files/filedelete.h"
 #include "base/files/fileinfo.h"
 #include "base/files/fileops.h"
 #include "base/store/preferences.h"
+#include "base/text/cliptime.h"
 #include "base/text/datetext.h"
 #include "base/text/format.h"
 #include "base/text/paths.h"
@@ -26,7 +26,6 @@
 #include "encode/outputname.h"
 #include "encode/presets.h"
 #include "encode/progress.h"
-#include "encode/rowforecast.h"
 #include "probe/batchtexts.h"
 #include "probe/recordersources.h"
 #include "probe/recordingname.h"
@@ -40,10 +39,6 @@ namespace tavrix
 namespace
 {
 
-constexpr int replaceAlertSeconds = 60;
-constexpr int replaceButton = 0;
-constexpr int keepButton = 1;
-constexpr int stopButton = 2;
 constexpr double smallestOutputKilobytes = 200;
 
 // A batch that was stopped under an alert goes on to the place where that is honoured; one that is no more does not.
@@ -68,18 +63,6 @@ void warn(BatchList& rows, int row, const std::optional<judge::Verdict>& verdict
     }
 }
 
-qint64 freeBytes(const QString& output)
-{
-    return qint64{espaceDiskDispo(stringByDeletingLastPathComponent(output))} * 1024 * 1024;
-}
-
-// In units of a million bytes, at least one.
-qint64 megabytes(qint64 bytes)
-{
-    constexpr qint64 million = 1000000;
-    return (bytes + million - 1) / million;
-}
-
 bool bringsPresets()
 {
     return ffpresetParserFunction(QStringLiteral("presets"), QStringLiteral("libx264-0.ffpreset")).has_value() &&
@@ -99,7 +82,7 @@ taskLauncher::Environment terms(const std::optional<FileIdentity>& replaceable, 
 
 } // namespace
 
-RowEncode::RowEncode(Session& session) : session_(session), guard_(rows()) {}
+RowEncode::RowEncode(Session& session) : session_(session), guard_(rows()), clearance_(session_, guard_) {}
 
 BatchList& RowEncode::rows() const
 {
@@ -154,84 +137,19 @@ RowEncode::Next RowEncode::prepare()
     return current.part ? partPass(row) : firstPass(row, output);
 }
 
-// Why the row cannot have its names, whatever a person would answer; nothing when it can.
-QString RowEncode::refusal(int row, const QString& output) const
-{
-    const QString refused = guard_.isTaken() ? guard_.refusal(output) : QString();
-    if (refused.isNull() && hasSecondPass(rows().row(row).out)) {
-        return guard_.intermediateRefusal(output);
-    }
-    return refused;
-}
-
-// Launch when the output can be written.
 RowEncode::Next RowEncode::clearWay(int row, const QString& output)
 {
-    if (const QString refused = refusal(row, output); !refused.isNull()) {
-        logResume(
-            formatText(QStringLiteral("\n----------\n\nsource              : %@\nfailure             : %@ (%@)\n"),
-                       {shownText(currentValue(record::mainEncSrcPathStr)), refused, shownText(output)}));
-        return refuse(row, refused);
+    const RowClearance::Ruling ruling = clearance_.look(row, output);
+    if (ruling.after != After::GoOn) {
+        return afterAlert(ruling.after);
     }
-    if (guard_.isTaken()) {
-        const Answer answer = replaceAnswer(output);
-        if (answer.after != After::GoOn) {
-            return afterAlert(answer.after);
-        }
-        if (answer.button == stopButton) {
-            return Next::Stop;
-        }
-        if (answer.button == keepButton) {
-            rows().setKept(row, true);
-            return refuse(row, batchText("Enc_kept"));
-        }
+    if (ruling.stopsBatch) {
+        return Next::Stop;
     }
-    if (const QString gone = folderGone(output); !gone.isNull()) {
-        return refuse(row, gone);
+    if (ruling.keepsOlder) {
+        rows().setKept(row, true);
     }
-    // The rule's own estimate knows nothing of rate and content; where it lets pass what cannot fit, this one does not.
-    const qint64 room = leastRoom(convertedRecord(rows().row(row)), rows().row(row).out);
-    if (!hasSpace(row, output)) {
-        // The same words twice are no slip: there is nothing else to say.
-        const After after = session_.tell(alertText("D_keep"), alertText("D_keep"));
-        return after == After::GoOn ? refuse(row, batchText("Enc_noSpace")) : afterAlert(after);
-    }
-    if (const qint64 available = freeBytes(output); room > available) {
-        return refuse(row, formatText(batchText("Enc_noRoom"), {megabytes(room), megabytes(available)}));
-    }
-    return Next::Launch;
-}
-
-// From what was answered for the whole batch, from what the face has chosen beforehand, else from a person.
-Answer RowEncode::replaceAnswer(const QString& output)
-{
-    const QString stored = prefRead(pref::replaceFilesCheck);
-    if (!stored.isEmpty()) {
-        return {After::GoOn, leadingInteger(stored) == 1 ? replaceButton : keepButton};
-    }
-    if (replacePolicy_) {
-        return {After::GoOn, *replacePolicy_ == 1 ? replaceButton : keepButton};
-    }
-    const Answer answer = session_.ask({lastPathComponent(output),
-                                        replaceWords(currentValue(record::mainEncSrcPathStr), output),
-                                        {alertText("D_replace"), alertText("D_keep"), alertText("D_stopBatch")},
-                                        keepButton,
-                                        replaceAlertSeconds,
-                                        alertText("D_applyToAll")});
-    if (answer.after == After::GoOn && answer.checked && answer.button != stopButton) {
-        prefWrite(pref::replaceFilesCheck, answer.button == replaceButton ? 1 : 0);
-    }
-    return answer;
-}
-
-// By the estimate of the output's size, in megabytes.
-bool RowEncode::hasSpace(int row, const QString& output)
-{
-    const double sourceSize =
-        poidsFile(currentValue(record::mainEncSrcPathStr), QStringLiteral("m")) * convertedShare(rows().row(row));
-    const float estimate = encDstPoidsEstimatif(currentNumber(record::w_duration), sourceSize, rows().row(row).out);
-    const int available = espaceDiskDispo(stringByDeletingLastPathComponent(output));
-    return static_cast<double>(estimate) <= available;
+    return ruling.refusal.isNull() ? Next::Launch : refuse(row, ruling.refusal);
 }
 
 // A movie of the part alone, from which the row is encoded as from any other clip.

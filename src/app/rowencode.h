@@ -6,12 +6,11 @@
 #include "app/outputguard.h"
 #include "app/partfile.h"
 #include "app/rowchildren.h"
+#include "app/rowclearance.h"
 #include "app/session.h"
 #include "process/tasklauncher.h"
 
 #include <QStringList>
-
-#include <optional>
 
 namespace tavrix
 {
@@ -72,16 +71,12 @@ public:
 
     [[nodiscard]] const Pass& pass() const { return pass_; }
     [[nodiscard]] OutputGuard& guard() { return guard_; }
-    // The answer to the replace question for every batch: 1 replace, 0 keep, no value asks.
-    void setReplacePolicy(std::optional<int> policy) { replacePolicy_ = policy; }
+    [[nodiscard]] RowClearance& clearance() { return clearance_; }
 
 private:
     enum class State { None, Open, Vanished };
 
     [[nodiscard]] Next clearWay(int row, const QString& output);
-    [[nodiscard]] QString refusal(int row, const QString& output) const;
-    [[nodiscard]] Answer replaceAnswer(const QString& output);
-    [[nodiscard]] bool hasSpace(int row, const QString& output);
     [[nodiscard]] Next partPass(int row);
     [[nodiscard]] Next firstPass(int row, const QString& output);
     void launches(Pass pass);
@@ -95,12 +90,12 @@ private:
 
     Session& session_;
     OutputGuard guard_;
+    RowClearance clearance_;
     PartFile part_;
     Pass pass_;
     State state_ = State::None;
     qint64 startedAt_ = 0; // seconds since 1970
     RowChildren children_;
-    std::optional<int> replacePolicy_;
 };
 
 } // namespace tavrix
