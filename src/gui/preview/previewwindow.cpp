@@ -7,23 +7,19 @@
 #include "gui/preview/clippictures.h"
 #include "gui/preview/moviewidget.h"
 #include "gui/preview/partdialog.h"
+#include "gui/preview/playbar.h"
 #include "gui/preview/trimline.h"
 #include "gui/preview/trimpanel.h"
 #include "gui/widgets/images.h"
 #include "gui/widgets/windowtext.h"
 #include "quicktime/rules/movieslots.h"
 
-#include <QCheckBox>
 #include <QCloseEvent>
-#include <QHBoxLayout>
 #include <QLabel>
-#include <QSlider>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
 #include <utility>
 
 namespace tavrix
@@ -33,33 +29,11 @@ namespace
 {
 
 constexpr double perSecond = 1000;
-constexpr int volumeSteps = 100;
-
-QToolButton* imageButton(const QString& image, const QString& name, QWidget* parent)
-{
-    auto* button = new QToolButton(parent);
-    button->setIcon(imageNamed(image));
-    button->setObjectName(name);
-    button->setFocusPolicy(Qt::StrongFocus);
-    return button;
-}
-
-QString minutesText(double seconds)
-{
-    const int whole = truncatedInt(seconds);
-    return formatText(QStringLiteral("%d:%02d"), {whole / 60, whole % 60});
-}
-
-void nameControl(QWidget* widget, const QString& words)
-{
-    widget->setAccessibleName(words);
-    widget->setToolTip(words);
-}
-
 } // namespace
 
 PreviewWindow::PreviewWindow(BatchList& rows)
-    : rows_(&rows), movie_(new MovieWidget(this)), pictures_(new ClipPictures(this)), words_(new QLabel(this))
+    : rows_(&rows), movie_(new MovieWidget(this)), pictures_(new ClipPictures(this)), words_(new QLabel(this)),
+      bar_(new PlayBar(*movie_, this))
 {
     setObjectName(QStringLiteral("previewWindow"));
     setWindowIcon(imageNamed(QStringLiteral("tavrix")));
@@ -75,10 +49,14 @@ PreviewWindow::PreviewWindow(BatchList& rows)
     layout->addWidget(words_);
     buildTrim();
     layout->addWidget(time_);
-    auto* line = new QHBoxLayout;
-    buildControls(line);
-    layout->addLayout(line);
+    layout->addWidget(bar_);
     layout->addWidget(trim_);
+    connect(bar_, &PlayBar::playWished, this, &PreviewWindow::togglePlay);
+    connect(bar_, &PlayBar::stopWished, this, &PreviewWindow::stop);
+    connect(bar_, &PlayBar::stepWished, this, &PreviewWindow::step);
+    connect(movie_, &MovieWidget::positionChanged, this, &PreviewWindow::showTime);
+    connect(movie_, &MovieWidget::firstFrame, this, &PreviewWindow::noteClock);
+    connect(movie_, &MovieWidget::playingChanged, this, &PreviewWindow::stayOnLastPicture);
     connect(pictures_, &ClipPictures::picture, this, &PreviewWindow::takePicture);
     connect(pictures_, &ClipPictures::thumbnail, time_, &TrimLine::setThumbnail);
     connect(&rows, &QAbstractItemModel::dataChanged, this, &PreviewWindow::followRow);
@@ -93,7 +71,8 @@ void PreviewWindow::buildTrim()
 {
     time_ = new TrimLine(this);
     time_->setObjectName(QStringLiteral("previewTime"));
-    nameControl(time_, windowText("Win_acc_time"));
+    time_->setAccessibleName(windowText("Win_acc_time"));
+    time_->setToolTip(windowText("Win_acc_time"));
     connect(time_, &TrimLine::wentTo, this, &PreviewWindow::goTo);
     connect(time_, &TrimLine::fromMoved, this, [this](double seconds) { dragMark(Dragged::From, seconds); });
     connect(time_, &TrimLine::toMoved, this, [this](double seconds) { dragMark(Dragged::To, seconds); });
@@ -114,84 +93,6 @@ void PreviewWindow::buildTrim()
     });
 }
 
-void PreviewWindow::buildControls(QHBoxLayout* line)
-{
-    play_ = imageButton(QStringLiteral("btPlay"), QStringLiteral("previewPlayBt"), this);
-    nameControl(play_, windowText("Win_play"));
-    connect(play_, &QToolButton::clicked, this, &PreviewWindow::togglePlay);
-    line->addWidget(play_);
-    auto* stopButton = imageButton(QStringLiteral("btStop"), QStringLiteral("previewStopBt"), this);
-    nameControl(stopButton, windowText("Win_image_btStop"));
-    connect(stopButton, &QToolButton::clicked, this, &PreviewWindow::stop);
-    line->addWidget(stopButton);
-    for (const auto& [name, text, words, pictures] :
-         {std::tuple("previewBackBt", "<", "Win_stepBack", -1), std::tuple("previewOnBt", ">", "Win_stepOn", 1)}) {
-        auto* button = new QToolButton(this);
-        button->setObjectName(QLatin1String(name));
-        button->setText(QLatin1String(text));
-        button->setAutoRepeat(true);
-        nameControl(button, windowText(words));
-        connect(button, &QToolButton::clicked, this, [this, count = pictures] { step(count); });
-        line->addWidget(button);
-    }
-    timeText_ = new QLabel(this);
-    timeText_->setObjectName(QStringLiteral("previewTimeStr"));
-    line->addWidget(timeText_);
-    line->addStretch(1);
-    auto* loop = new QCheckBox(windowText("Win_loop"), this);
-    loop->setObjectName(QStringLiteral("previewLoop"));
-    connect(loop, &QCheckBox::toggled, this, [this](bool on) {
-        if (on) {
-            movieviewLoop(*movie_);
-        } else if (movie_->movie()) {
-            movie_->movie()->setLoops(false);
-            movie_->movieSettingsChanged();
-        }
-    });
-    line->addWidget(loop);
-    buildVolume(line);
-    connect(movie_, &MovieWidget::positionChanged, this, &PreviewWindow::showTime);
-    connect(movie_, &MovieWidget::firstFrame, this, &PreviewWindow::noteClock);
-    connect(movie_, &MovieWidget::playingChanged, this, [this](bool playing) {
-        play_->setIcon(imageNamed(playing ? QStringLiteral("btPause") : QStringLiteral("btPlay")));
-        nameControl(play_, playing ? windowText("Win_image_btPause") : windowText("Win_play"));
-        // At the clip's end, for example: the last picture stays, and a step leads to the one before it.
-        if (!playing && movie_->frameStart()) {
-            goTo(*movie_->frameStart() - clockAhead_);
-        }
-    });
-}
-
-void PreviewWindow::buildVolume(QHBoxLayout* line)
-{
-    auto* caption = new QLabel(windowText("Win_acc_volume"), this);
-    caption->setProperty("role", QStringLiteral("caption"));
-    line->addSpacing(6);
-    line->addWidget(caption);
-    volume_ = new QSlider(Qt::Horizontal, this);
-    volume_->setObjectName(QStringLiteral("previewVolume"));
-    volume_->setRange(0, volumeSteps);
-    volume_->setValue(volumeSteps);
-    volume_->setFixedWidth(80);
-    nameControl(volume_, windowText("Win_acc_volume"));
-    connect(volume_, &QSlider::valueChanged, this, &PreviewWindow::applyVolume);
-    line->addWidget(volume_);
-    connect(&movie_->player(), &ClipPlayer::soundDeviceChanged, this, &PreviewWindow::showSoundDevice);
-    showSoundDevice();
-}
-
-void PreviewWindow::showSoundDevice()
-{
-    const bool heard = movie_->player().hasSoundDevice();
-    volume_->setEnabled(heard);
-    volume_->setToolTip(windowText(heard ? "Win_acc_volume" : "Win_noSoundDevice"));
-}
-
-void PreviewWindow::applyVolume()
-{
-    movieviewVolume(*movie_, static_cast<float>(volume_->value()) / volumeSteps);
-}
-
 void PreviewWindow::showMovie(const QString& path)
 {
     path_ = path;
@@ -199,7 +100,7 @@ void PreviewWindow::showMovie(const QString& path)
     const bool opened = movie2MovieView(path, *movie_, false);
     words_->setVisible(!opened);
     words_->setText(opened ? QString() : windowText("Win_cannotOpen", {lastPathComponent(path)}));
-    findChild<QCheckBox*>(QStringLiteral("previewLoop"))->setChecked(false);
+    bar_->beginClip();
     duration_ = movieviewDuration(*movie_);
     time_->setRange(0, truncatedInt(duration_ * perSecond));
     stillFrom_ = 0;
@@ -215,12 +116,11 @@ void PreviewWindow::showMovie(const QString& path)
     show();
     raise();
     activateWindow();
-    play_->setFocus();
+    bar_->setFocus();
     if (opened) {
         pictures_->wish(0);
         wishThumbnails();
-        // The volume stays what it was for the clip before.
-        applyVolume();
+        bar_->applyVolume();
         movieviewPlay(*movie_);
     }
 }
@@ -255,6 +155,14 @@ void PreviewWindow::pause()
         const double now = shownFrom();
         movieviewStop(*movie_);
         goTo(now);
+    }
+}
+
+// At the clip's end, for example; a step leads to the picture before it.
+void PreviewWindow::stayOnLastPicture(bool playing)
+{
+    if (!playing && movie_->frameStart()) {
+        goTo(*movie_->frameStart() - clockAhead_);
     }
 }
 
@@ -380,7 +288,7 @@ void PreviewWindow::showTime()
     const QSignalBlocker quiet(time_);
     time_->setValue(truncatedInt(now * perSecond));
     time_->update();
-    timeText_->setText(windowText("Win_timeOf", {minutesText(now), minutesText(duration_)}));
+    bar_->showTime(now, duration_);
 }
 
 void PreviewWindow::closeEvent(QCloseEvent* event)

@@ -8,10 +8,7 @@
 
 #include <optional>
 
-class QHBoxLayout;
 class QLabel;
-class QSlider;
-class QToolButton;
 
 namespace tavrix
 {
@@ -19,6 +16,7 @@ namespace tavrix
 class BatchList;
 class ClipPictures;
 class MovieWidget;
+class PlayBar;
 class TrimLine;
 class TrimPanel;
 
@@ -47,14 +45,11 @@ protected:
 private:
     enum class Dragged { Nothing, From, To };
 
-    void buildControls(QHBoxLayout* line);
     void buildTrim();
-    void buildVolume(QHBoxLayout* line);
-    void applyVolume();
-    void showSoundDevice();
     void togglePlay();
     void pause();
     void stop();
+    void stayOnLastPicture(bool playing);
     void showTime();
     // To the picture of that time; a clip that plays goes on from there.
     void goTo(double seconds);
@@ -74,11 +69,9 @@ private:
     MovieWidget* movie_;
     ClipPictures* pictures_;
     QLabel* words_;
-    QToolButton* play_ = nullptr;
+    PlayBar* bar_;
     TrimLine* time_ = nullptr;
     TrimPanel* trim_ = nullptr;
-    QSlider* volume_ = nullptr;
-    QLabel* timeText_ = nullptr;
     double duration_ = 0;
     double stillFrom_ = 0; // of the picture that was shown last while the clip did not play
     double stillTo_ = 0;
