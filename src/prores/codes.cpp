@@ -11,8 +11,8 @@ constexpr std::array<RunTable, runCodes.size()> makeRunTables()
 {
     std::array<RunTable, runCodes.size()> tables{};
     for (std::size_t before = 0; before < tables.size(); ++before) {
-        for (std::uint32_t value = 0; value < tabledValues; ++value) {
-            tables[before][value] = codeWord(runCodes[before], value);
+        for (std::size_t value = 0; value < tabledValues; ++value) {
+            tables[before][value] = codeWord(runCodes[before], static_cast<std::uint32_t>(value));
         }
     }
     return tables;
@@ -22,9 +22,10 @@ constexpr std::array<LevelTable, levelCodes.size()> makeLevelTables()
 {
     std::array<LevelTable, levelCodes.size()> tables{};
     for (std::size_t before = 0; before < tables.size(); ++before) {
-        for (std::uint32_t value = 0; value < tabledValues; ++value) {
-            tables[before][2 * value] = signedWord(levelCodes[before], value, 0);
-            tables[before][2 * value + 1] = signedWord(levelCodes[before], value, 1);
+        for (std::size_t value = 0; value < tabledValues; ++value) {
+            const auto level = static_cast<std::uint32_t>(value);
+            tables[before][2 * value] = signedWord(levelCodes[before], level, 0);
+            tables[before][2 * value + 1] = signedWord(levelCodes[before], level, 1);
         }
     }
     return tables;

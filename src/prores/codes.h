@@ -63,7 +63,7 @@ inline constexpr std::uint32_t levelBeforeFirst = 2;
 
 // Words of values below this are looked up, the others are computed. They stand by the run or level before, brought
 // into range.
-inline constexpr std::uint32_t tabledValues = 64;
+inline constexpr std::size_t tabledValues = 64;
 using RunTable = std::array<CodeWord, tabledValues>;
 extern const std::array<RunTable, runCodes.size()> runTables;
 // A level takes two words: without its sign, which is the last bit of the code, and with it.

@@ -12,7 +12,7 @@ namespace
 
 constexpr std::size_t pictureHeaderSize = 8;
 constexpr std::size_t sliceHeaderSize = 6;
-constexpr int widestSlice = 8; // macroblocks
+constexpr std::size_t widestSlice = 8; // macroblocks
 constexpr std::size_t matrixSize = 64;
 constexpr std::size_t lumaMatrixAt = 28;
 constexpr std::size_t chromaMatrixAt = lumaMatrixAt + matrixSize;
@@ -91,7 +91,7 @@ int Encoder::slicesPerRow() const
 {
     int rest = columns_;
     int count = 0;
-    for (int width = widestSlice; width > 0; width /= 2) {
+    for (int width = int{widestSlice}; width > 0; width /= 2) {
         count += rest / width;
         rest %= width;
     }
@@ -118,16 +118,16 @@ void Encoder::transformPlane(const Picture& picture, std::size_t plane, const Pl
         samples = copy.data();
         stride = longestLine;
     }
-    const int across = macroblockWidth / 8;
-    const int blocks = 2 * across * place.macroblocks;
-    for (int first = 0; first < blocks; first += static_cast<int>(blocksTogether)) {
+    const std::ptrdiff_t across = macroblockWidth / 8;
+    const std::ptrdiff_t blocks = 2 * across * place.macroblocks;
+    for (std::ptrdiff_t first = 0; first < blocks; first += blocksTogether) {
         std::array<const std::uint16_t*, blocksTogether> at;
-        for (int i = 0; i < static_cast<int>(blocksTogether); ++i) {
+        for (std::size_t i = 0; i < blocksTogether; ++i) {
             // Beyond the last block any samples will do.
-            const int block = std::min(first + i, blocks - 1);
-            const int inside = block % (2 * across);
-            at[static_cast<std::size_t>(i)] =
-                samples + block / (2 * across) * macroblockWidth + inside % across * 8 + inside / across * 8 * stride;
+            const std::ptrdiff_t block = std::min(first + static_cast<std::ptrdiff_t>(i), blocks - 1);
+            const std::ptrdiff_t inside = block % (2 * across);
+            const std::ptrdiff_t column = block / (2 * across) * macroblockWidth + inside % across * 8;
+            at[i] = samples + inside / across * 8 * stride + column;
         }
         transform_(at.data(), stride, coefficients_[plane].data() + first);
     }
@@ -175,13 +175,13 @@ std::size_t Encoder::codeSlice(const Picture& picture, const Place& place)
 
 void Encoder::encode(const Picture& picture, std::vector<std::uint8_t>& frame)
 {
-    const auto slices = static_cast<std::size_t>(slicesPerRow() * rows_);
+    const std::size_t slices = static_cast<std::size_t>(slicesPerRow()) * static_cast<std::size_t>(rows_);
     std::size_t entry = headerSize + pictureHeaderSize;
     frame.assign(header_.begin(), header_.end());
     frame.resize(entry + 2 * slices);
     quantiser_ = finest_;
     for (int y = 0; y < rows_; ++y) {
-        int width = widestSlice;
+        int width = int{widestSlice};
         for (int x = 0; x < columns_; x += width, entry += 2) {
             while (x + width > columns_) {
                 width /= 2;

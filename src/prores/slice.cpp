@@ -120,7 +120,7 @@ std::uint8_t* PlaneCoder::write(const PlaneCoefficients& coefficients, std::size
             const std::uint32_t sign = static_cast<std::uint16_t>(values[block]) >> 15;
             const CodeWord runWord =
                 run < tabledValues ? runTables[runBefore][run] : codeWord(runCodes[runBefore], run);
-            const CodeWord levelWord = level < tabledValues ? levelTables[levelBefore][2 * level + sign]
+            const CodeWord levelWord = level < tabledValues ? levelTables[levelBefore][std::size_t{2} * level + sign]
                                                             : signedWord(levelCodes[levelBefore], level, sign);
             writer.put<true>(runWord, levelWord);
             runBefore = std::min<std::size_t>(run, runCodes.size() - 1);

@@ -17,10 +17,10 @@ void transformPlain(const std::uint16_t* const* blocks, std::ptrdiff_t stride, s
         for (std::ptrdiff_t i = 0; i < 64; ++i) {
             values[i] = blocks[block][i / 8 * stride + i % 8];
         }
-        for (int line = 0; line < 8; ++line) {
+        for (std::ptrdiff_t line = 0; line < 8; ++line) {
             transformLanes<true, 1>(values + 8 * line);
         }
-        for (int column = 0; column < 8; ++column) {
+        for (std::ptrdiff_t column = 0; column < 8; ++column) {
             transformLanes<false, 8>(values + column);
         }
         for (std::size_t i = 0; i < 64; ++i) {

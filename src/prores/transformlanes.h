@@ -4,7 +4,7 @@
 // The integer transform's arithmetic, written once for any number of blocks side by side: an integer, or a vector of
 // them. All forms do the same operations, so that their results are equal.
 
-#include <cstdint>
+#include <cstddef>
 
 namespace tavrix::prores
 {
@@ -45,7 +45,7 @@ template <int Shift, typename Lanes> [[gnu::always_inline]] inline void rotate(L
 }
 
 // Eight values at stride `Step`, in place.
-template <bool Rows, int Step, typename Lanes> [[gnu::always_inline]] inline void transformLanes(Lanes* v)
+template <bool Rows, std::ptrdiff_t Step, typename Lanes> [[gnu::always_inline]] inline void transformLanes(Lanes* v)
 {
     const Lanes s0 = v[0] + v[7 * Step];
     const Lanes s1 = v[Step] + v[6 * Step];

@@ -6,6 +6,9 @@
 #include "prores/transform.h"
 #include "prores/transformlanes.h"
 
+#include <cstddef>
+#include <cstdint>
+
 namespace tavrix::prores
 {
 
@@ -18,22 +21,22 @@ using Coefficients = std::int16_t __attribute__((vector_size(16)));
 {
     Words v[8];
     Words w[8];
-    for (int i = 0; i < 8; ++i) {
+    for (std::ptrdiff_t i = 0; i < 8; ++i) {
         __builtin_memcpy(&v[i], blocks[i] + offset, sizeof v[i]);
     }
-    for (int i = 0; i < 4; ++i) {
+    for (std::ptrdiff_t i = 0; i < 4; ++i) {
         w[2 * i] = __builtin_shufflevector(v[i], v[i + 4], 0, 8, 1, 9, 2, 10, 3, 11);
         w[2 * i + 1] = __builtin_shufflevector(v[i], v[i + 4], 4, 12, 5, 13, 6, 14, 7, 15);
     }
-    for (int i = 0; i < 4; ++i) {
+    for (std::ptrdiff_t i = 0; i < 4; ++i) {
         v[2 * i] = __builtin_shufflevector(w[i], w[i + 4], 0, 8, 1, 9, 2, 10, 3, 11);
         v[2 * i + 1] = __builtin_shufflevector(w[i], w[i + 4], 4, 12, 5, 13, 6, 14, 7, 15);
     }
-    for (int i = 0; i < 4; ++i) {
+    for (std::ptrdiff_t i = 0; i < 4; ++i) {
         w[2 * i] = __builtin_shufflevector(v[i], v[i + 4], 0, 8, 1, 9, 2, 10, 3, 11);
         w[2 * i + 1] = __builtin_shufflevector(v[i], v[i + 4], 4, 12, 5, 13, 6, 14, 7, 15);
     }
-    for (int i = 0; i < 8; ++i) {
+    for (std::ptrdiff_t i = 0; i < 8; ++i) {
         line[i] = __builtin_convertvector(w[i], Lanes);
     }
 }
@@ -46,7 +49,7 @@ using Coefficients = std::int16_t __attribute__((vector_size(16)));
         loadLine(blocks, line * stride, values + 8 * line);
         transformLanes<true, 1>(values + 8 * line);
     }
-    for (int column = 0; column < 8; ++column) {
+    for (std::ptrdiff_t column = 0; column < 8; ++column) {
         transformLanes<false, 8>(values + column);
     }
     for (std::size_t i = 0; i < 64; ++i) {
