@@ -183,7 +183,7 @@ std::size_t SliceCoder::addSmall(Excess& excess, const Statistics& statistics, s
             excess.unary[k] += reaching[value];
         }
         for (std::uint32_t prefix = 1; prefix << k < end; prefix = 2 * prefix + 1) {
-            excess.golomb[k] += 2U * reaching[prefix << k];
+            excess.golomb[k] += std::uint64_t{2} * reaching[prefix << k];
         }
     }
     return reaching[offset];

@@ -70,7 +70,8 @@ void transformPlain(const std::uint8_t* samples, std::ptrdiff_t stride, const fl
     float columns[64];
     std::int32_t levels[64];
     for (std::ptrdiff_t i = 0; i < 64; ++i) {
-        rows[i] = static_cast<float>(samples[i / 8 * stride + i % 8]);
+        const std::ptrdiff_t place = i / 8 * stride + i % 8;
+        rows[i] = static_cast<float>(samples[place]);
     }
     for (int i = 0; i < 8; ++i) {
         transformLanes<8>(rows + i);
