@@ -11,13 +11,15 @@ namespace tavrix
 {
 
 class ToolRun;
+struct ToolAnswer;
 
 struct InspectionWish {
     bool thorough = false; // also what takes seconds
 };
 
-// One tool runs from the construction on, beside this program's own reading, so that several can be prepared while one
-// is finished. Main thread only: the movie that is open serves all.
+// One tool, or a copy of this program, runs from the construction on, beside the program's own reading, so that several
+// can be prepared while one is finished. Main thread only, and no other is running when one begins; the movie that is
+// open serves all.
 class Inspector
 {
 public:
@@ -31,6 +33,8 @@ public:
     [[nodiscard]] Inspection finish();
 
 private:
+    [[nodiscard]] int inspectHere(int output, int errors) const;
+    [[nodiscard]] ToolAnswer toolAnswer();
     void readMovie();
     void readToolAnswer();
     void describeAgain();
@@ -38,7 +42,8 @@ private:
     void lookThoroughly();
 
     InspectionWish wish_;
-    QString file_; // absolute
+    QString file_;      // absolute
+    bool here_ = false; // the run is the program's own
     std::unique_ptr<ToolRun> run_;
     QString transcript_; // about the file alone
     Inspection inspection_;

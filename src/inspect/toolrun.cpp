@@ -25,28 +25,47 @@ constexpr int roomyPipe = 1 << 20;
 ToolRun::ToolRun(const QStringList& arguments, const ToolLimits& limits)
     : limits_(limits), deadline_(std::chrono::steady_clock::now() + std::chrono::seconds(limits.seconds))
 {
+    if (arguments.isEmpty()) {
+        answer_.failure = systemErrorText(EINVAL);
+        return;
+    }
+    begin([&arguments](int output, int errors) {
+        ChildSetup setup;
+        setup.program = arguments.first();
+        setup.arguments = arguments.mid(1);
+        setup.toolLocale = true;
+        setup.output = output;
+        setup.error = errors;
+        return ChildProcess::start(setup);
+    });
+}
+
+ToolRun::ToolRun(const Work& work, const ToolLimits& limits)
+    : limits_(limits), deadline_(std::chrono::steady_clock::now() + std::chrono::seconds(limits.seconds))
+{
+    begin([&work](int output, int errors) {
+        return ChildProcess::startCopy([&work, output, errors] { return work(output, errors); });
+    });
+}
+
+void ToolRun::begin(const std::function<Started(int output, int errors)>& start)
+{
     Pipe output = makePipe(PipeReader::Parent);
     Pipe errors = makePipe(PipeReader::Parent);
-    if (arguments.isEmpty() || !output.isOpen() || !errors.isOpen()) {
+    if (!output.isOpen() || !errors.isOpen()) {
         answer_.failure = systemErrorText();
         return;
     }
     ::fcntl(output.readEnd.get(), F_SETPIPE_SZ, roomyPipe);
     ::fcntl(errors.readEnd.get(), F_SETPIPE_SZ, roomyPipe);
-    ChildSetup setup;
-    setup.program = arguments.first();
-    setup.arguments = arguments.mid(1);
-    setup.toolLocale = true;
-    setup.output = output.writeEnd.get();
-    setup.error = errors.writeEnd.get();
-    Result<ChildProcess, QString> child = ChildProcess::start(setup);
+    Started child = start(output.writeEnd.get(), errors.writeEnd.get());
     if (!child) {
         answer_.failure = child.reason();
         return;
     }
     child_.push_back(std::move(*child));
-    output_ = {std::move(output.readEnd), &answer_.output, limits.outputBytes};
-    errors_ = {std::move(errors.readEnd), &answer_.errors, limits.errorBytes};
+    output_ = {std::move(output.readEnd), &answer_.output, limits_.outputBytes};
+    errors_ = {std::move(errors.readEnd), &answer_.errors, limits_.errorBytes};
 }
 
 ToolRun::~ToolRun()
@@ -103,6 +122,7 @@ void ToolRun::collect()
             }
         }
         if (ended && !any) {
+            answer_.succeeded = !child_.front().endedBySignal() && child_.front().status() == 0;
             return;
         }
         ended = ended || (ready > 0 && watched.back().revents != 0 && child_.front().reapIfEnded());

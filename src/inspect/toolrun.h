@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// One run of a tool beside this program's own work, with both of its streams and a limit in time.
+// One run of a tool, or of work in a copy of this program, beside the program's own work, with both of its streams and
+// a limit in time.
 
 #include "process/childprocess.h"
 
@@ -9,6 +10,7 @@
 #include <QStringList>
 
 #include <chrono>
+#include <functional>
 #include <vector>
 
 namespace tavrix
@@ -19,6 +21,7 @@ struct ToolAnswer {
     QByteArray errors;
     QString failure;        // why it could not be run; nothing when it ran
     bool outOfTime = false; // it was ended because it took too long
+    bool succeeded = false; // it has ended by itself with status 0
 };
 
 struct ToolLimits {
@@ -32,8 +35,13 @@ struct ToolLimits {
 class ToolRun
 {
 public:
+    // Work gets the descriptors of the two streams and returns the status.
+    using Work = std::function<int(int output, int errors)>;
+
     // Element 0 is the tool's path.
     explicit ToolRun(const QStringList& arguments, const ToolLimits& limits = {});
+    // Only while this program has no other thread.
+    explicit ToolRun(const Work& work, const ToolLimits& limits = {});
     ~ToolRun();
     ToolRun(const ToolRun&) = delete;
     ToolRun& operator=(const ToolRun&) = delete;
@@ -48,6 +56,8 @@ private:
         qsizetype limit = 0;
         bool read();
     };
+    using Started = Result<ChildProcess, QString>;
+    void begin(const std::function<Started(int output, int errors)>& start);
     void collect();
     [[nodiscard]] int millisecondsLeft() const;
     void end();

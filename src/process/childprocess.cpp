@@ -72,7 +72,16 @@ void reapLater(ChildProcess&& child)
 
 Result<ChildProcess, QString> ChildProcess::start(const ChildSetup& setup)
 {
-    const Result<pid_t> started = spawn(requestFor(setup));
+    return watched(spawn(requestFor(setup)));
+}
+
+Result<ChildProcess, QString> ChildProcess::startCopy(const std::function<int()>& work)
+{
+    return watched(spawnCopy(work));
+}
+
+Result<ChildProcess, QString> ChildProcess::watched(const Result<pid_t>& started)
+{
     if (!started) {
         return Failure{QString::fromStdString(started.reason())};
     }

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <sys/types.h>
 #include <utility>
 #include <vector>
@@ -42,6 +43,8 @@ public:
 
     // Main thread only: the system kills a child together with the thread that has started it.
     [[nodiscard]] static Result<ChildProcess, QString> start(const ChildSetup& setup);
+    // A copy of this program that does this work and ends with its answer; see `spawnCopy`.
+    [[nodiscard]] static Result<ChildProcess, QString> startCopy(const std::function<int()>& work);
 
     [[nodiscard]] pid_t pid() const { return pid_; }
     // Becomes readable when the process has ended.
@@ -58,6 +61,7 @@ public:
 
 private:
     ChildProcess() = default;
+    [[nodiscard]] static Result<ChildProcess, QString> watched(const Result<pid_t>& started);
 
     pid_t pid_ = -1;
     Descriptor exit_;

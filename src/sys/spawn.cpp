@@ -173,6 +173,20 @@ void closeOtherDescriptors(const Image& image)
     fail(image);
 }
 
+// Runs in the copy.
+[[noreturn]] void doWork(const std::function<int()>& work, pid_t parent)
+{
+    if (setpgid(0, 0) != 0 || prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) {
+        _exit(statusNotStarted);
+    }
+    resetSignals();
+    try {
+        _exit(work());
+    } catch (...) {
+        _exit(statusNotStarted);
+    }
+}
+
 // With an ignored SIGCHLD, which a parent may hand down, the system would throw every exit status away.
 void keepExitStatuses()
 {
@@ -227,6 +241,23 @@ Result<pid_t> spawn(const SpawnRequest& request)
     while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
     }
     return Failure{errorText(reason)};
+}
+
+Result<pid_t> spawnCopy(const std::function<int()>& work)
+{
+    keepExitStatuses();
+    const pid_t parent = getpid();
+    const SignalBlock block;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        doWork(work, parent);
+    }
+    if (pid < 0) {
+        return Failure{errorText(errno)};
+    }
+    // Whoever signals the group must find it, however late the copy runs first.
+    setpgid(pid, pid);
+    return pid;
 }
 
 } // namespace tavrix

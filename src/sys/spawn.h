@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// Starting of child processes: the only fork and exec of programs.
+// Starting of child processes: the only fork.
 
 #include "sys/result.h"
 
+#include <functional>
 #include <string>
 #include <sys/types.h>
 #include <utility>
@@ -35,5 +36,11 @@ struct SpawnRequest {
 // has default signal handling, an empty signal mask and no other descriptors, and the system kills it when the thread
 // that has started it ends, as all do with their program. When it cannot be started, no process is left.
 [[nodiscard]] Result<pid_t> spawn(const SpawnRequest& request);
+
+// Does the work in a copy of this process, which ends with its answer as status, and returns the copy's id; it is the
+// caller's to reap. For what may crash or never end, and would cost more to start as a program than to do. The copy
+// leads a group of its own, has default signal handling and all descriptors, writes out nothing that this process has
+// buffered, and ends with the thread that has started it. Only while this process has no other thread.
+[[nodiscard]] Result<pid_t> spawnCopy(const std::function<int()>& work);
 
 } // namespace tavrix

@@ -40,7 +40,7 @@ bool hasFittingShape(const AVFrame& a, const AVFrame& b)
 
 } // namespace
 
-std::unique_ptr<ClipPictures> ClipPictures::open(const std::string& url)
+std::unique_ptr<ClipPictures> ClipPictures::open(const std::string& url, Telling telling)
 {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "scan_all_pmts", "1", 0);
@@ -49,6 +49,7 @@ std::unique_ptr<ClipPictures> ClipPictures::open(const std::string& url)
     AVFormatContext* context = avformat_alloc_context();
     if (context != nullptr) {
         context->flags |= AVFMT_FLAG_NONBLOCK;
+        context->debug |= telling == Telling::Packets ? FF_FDEBUG_TS : 0;
     }
     const int opened = context == nullptr ? -1 : avformat_open_input(&context, url.c_str(), nullptr, &options);
     av_dict_free(&options);

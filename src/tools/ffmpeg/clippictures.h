@@ -17,8 +17,10 @@ namespace tavrix::front
 class ClipPictures
 {
 public:
+    // What the libraries say of the clip while they read it.
+    enum class Telling { Remarks, Packets };
     // Null when the clip cannot be opened.
-    [[nodiscard]] static std::unique_ptr<ClipPictures> open(const std::string& url);
+    [[nodiscard]] static std::unique_ptr<ClipPictures> open(const std::string& url, Telling telling = Telling::Remarks);
 
     ClipPictures(const ClipPictures&) = delete;
     ClipPictures& operator=(const ClipPictures&) = delete;

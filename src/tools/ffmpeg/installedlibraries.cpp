@@ -66,9 +66,11 @@ bool standsOnOwnLibraries(const std::string& program, const std::string& banner)
     const auto isTold = [&](const Library& library) {
         return banner.find(bannerLine(library)) != std::string::npos;
     };
-    if (!sameBuild || !std::ranges::all_of(libraries, isTold)) {
-        return false;
-    }
+    return sameBuild && std::ranges::all_of(libraries, isTold) && namesOwnLibraries(program);
+}
+
+bool namesOwnLibraries(const std::string& program)
+{
     const Descriptor file = openFile(program.c_str(), O_RDONLY);
     const auto bytes = file.isOpen() ? readAll<std::string>(file.get(), largestProgram) : std::nullopt;
     const auto isNamed = [&](const Library& library) {
@@ -78,7 +80,7 @@ bool standsOnOwnLibraries(const std::string& program, const std::string& banner)
     return bytes &&
            bytes->starts_with("\x7f"
                               "ELF") &&
-           std::ranges::all_of(libraries, isNamed);
+           std::ranges::all_of(loadedLibraries(), isNamed);
 }
 
 } // namespace tavrix::front

@@ -10,4 +10,7 @@ namespace tavrix::front
 // `banner` is what it prints of itself. False in doubt: a script in its place, another build, other versions.
 [[nodiscard]] bool standsOnOwnLibraries(const std::string& program, const std::string& banner);
 
+// Whether its file asks for libraries of these names: the weaker part of that, without a word from the program.
+[[nodiscard]] bool namesOwnLibraries(const std::string& program);
+
 } // namespace tavrix::front
