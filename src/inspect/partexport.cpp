@@ -18,6 +18,7 @@
 #include "quicktime/rules/moviefiles.h"
 #include "quicktime/rules/moviequeries.h"
 #include "quicktime/rules/movieslots.h"
+#include "quicktime/soundunpacking.h"
 
 #include <QFileInfo>
 
@@ -218,7 +219,9 @@ judge::Verdict judged(const PartRequest& request, Survey& survey, const QString&
     given.output = nativePath(written).toStdString();
     const bool isWave = request.form == PartForm::Wave;
     given.asked.picture = isWave ? judge::Way::Left : judge::Way::Copied;
-    given.asked.sound = isWave ? judge::Way::Encoded : judge::Way::Copied;
+    const media::StreamReading* const sound = survey.reading.chosen(Kind::Sound);
+    const bool unpacked = sound != nullptr && isUnpackedInMovies(sound->facts.codec);
+    given.asked.sound = isWave || unpacked ? judge::Way::Encoded : judge::Way::Copied;
     return judge::judgePart(given, survey.span, std::move(survey.reading));
 }
 

@@ -55,6 +55,42 @@ TEST_F(PartExport, WritesTheWholeSoundAndNothingElse)
     EXPECT_TEXTS(entries(), (QStringList{QStringLiteral("a.mov"), QStringLiteral("a.wav")}));
 }
 
+// The sound of some recorders could not be stored in a movie, and the clip neither saved nor converted in part.
+TEST_F(PartExport, WritesTheUncompressedSoundOfDiscsAsPlainSamples)
+{
+    for (const char* samples : {"s16", "s32"}) {
+        const QString source = folder.path(QStringLiteral("00001.m2ts"));
+        ASSERT_TRUE(makeMedia(source, QStringLiteral("-f lavfi -i testsrc2=size=320x240:rate=25:duration=4 -f lavfi -i "
+                                                     "sine=sample_rate=48000:duration=4 -c:v libx264 -g 5 -c:a "
+                                                     "pcm_bluray -ac 2 -sample_fmt %1 -f mpegts -mpegts_m2ts_mode 1")
+                                          .arg(QLatin1String(samples))));
+        PartRequest request;
+        request.source = source;
+        request.form = PartForm::Movie;
+        request.destination = folder.path(QStringLiteral("whole.mov"));
+        const Result<ExportedPart, QString> whole = exportPart(request);
+        ASSERT_TRUE(whole) << whole.reason().toStdString();
+        EXPECT_EQ(whole->verdict.outcome, judge::Outcome::Whole);
+        request.destination = folder.path(QStringLiteral("part.mov"));
+        request.part = ClipPart{1, 2};
+        const Result<ExportedPart, QString> part = exportPart(request);
+        ASSERT_TRUE(part) << part.reason().toStdString();
+        EXPECT_EQ(part->verdict.outcome, judge::Outcome::Whole);
+        // Not a sample is changed.
+        const QString fromSource = folder.path(QStringLiteral("source.pcm"));
+        const QString fromPart = folder.path(QStringLiteral("part.pcm"));
+        const QString decode = QStringLiteral("-i %1 -vn -f s32le");
+        EXPECT_TRUE(makeMedia(fromSource, decode.arg(source)) && makeMedia(fromPart, decode.arg(request.destination)));
+        const QByteArray all = readBytes(fromSource).value_or(QByteArray());
+        const QByteArray cut = readBytes(fromPart).value_or(QByteArray());
+        EXPECT_GE(cut.size(), qsizetype{48000} * 8);
+        EXPECT_TRUE(all.contains(cut.left(qsizetype{40000} * 8))) << samples;
+        for (const QString& file : {source, folder.path(QStringLiteral("whole.mov")), request.destination}) {
+            QFile::remove(file);
+        }
+    }
+}
+
 TEST_F(PartExport, ReplacesNothing)
 {
     const QString source = movie();

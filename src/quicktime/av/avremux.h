@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// Copying of media into a QuickTime file without decoding.
+// Copying of media into a QuickTime file without decoding; uncompressed sound in another form becomes plain samples.
 
 #include "sys/result.h"
 
