@@ -18,6 +18,9 @@
 #include "base/text/log.h"
 #include "base/text/paths.h"
 #include "base/text/text.h"
+#include "base/filebeginnings.h"
+#include "base/filesizes.h"
+#include "base/plurals.h"
 #include "encode/analysisarguments.h"
 #include "probe/batchtexts.h"
 #include "probe/cameraclip.h"
@@ -310,7 +313,7 @@ void AnalysisMachine::passTime(qint64 milliseconds)
         return;
     }
     logLine(QStringLiteral("analysis silent     :-( %d s"), {limit / 1000});
-    source_.rejection = formatText(batchText("Clip_silent"), {limit / 1000});
+    source_.rejection = formatText(countedText("Clip_silent", limit / 1000, QStringLiteral("Batch")), {limit / 1000});
     silenced_ = true;
     child_.kill();
 }

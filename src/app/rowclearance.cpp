@@ -114,7 +114,7 @@ Answer RowClearance::replaceAnswer(const QString& output) const
     if (replacePolicy_) {
         return {After::GoOn, *replacePolicy_ == 1 ? replaceButton : keepButton};
     }
-    const Answer answer = session_.ask({lastPathComponent(output),
+    const Answer answer = session_.ask({alertText("D_go_dossier_destination4Bis"),
                                         replaceWords(currentValue(record::mainEncSrcPathStr), output),
                                         {alertText("D_replace"), alertText("D_keep"), alertText("D_stopBatch")},
                                         keepButton,

@@ -122,7 +122,7 @@ RowEncode::Next RowEncode::prepare()
     const BatchRow& current = rows().row(row);
     if (const double whole = current.dico.value(record::w_duration).toDouble();
         current.part && whole > 0 && convertedShare(current) <= 0) {
-        return refuse(row, formatText(batchText("Enc_partBehind"), {clipTimeText(whole)}));
+        return refuse(row, formatText(batchText("Enc_partBehind"), {shownClipTime(whole)}));
     }
     const QString output = outputPath(destination, dateCreation2iMovieName(current.source()), current.out,
                                       textOf(current.dico.value(record::v0_codec)));

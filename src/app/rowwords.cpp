@@ -30,8 +30,7 @@ QString fileWords(const char* key, const QString& path)
 
 QString replaceWords(const QString& source, const QString& output)
 {
-    return alertText("D_go_dossier_destination4Bis") + QLatin1Char('\n') + fileWords("D_replaceOld", output) +
-           QLatin1Char('\n') + fileWords("D_replaceNew", source);
+    return fileWords("D_replaceOld", output) + QLatin1Char('\n') + fileWords("D_replaceNew", source);
 }
 
 QString olderKeptWords(judge::Verdict verdict)

@@ -10,7 +10,8 @@
 namespace tavrix
 {
 
-// The question whether the new output may replace what stands there: what that is, and what the new one is made of.
+// What the question whether to replace an output tells beside its title: what stands there, and what the new one is
+// made of.
 [[nodiscard]] QString replaceWords(const QString& source, const QString& output);
 
 // Why an output that is not whole has not taken the place of an older one.

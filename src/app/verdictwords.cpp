@@ -3,6 +3,7 @@
 
 #include "base/dialogue/shownvalues.h"
 #include "base/text/format.h"
+#include "base/plurals.h"
 #include "probe/batchtexts.h"
 
 #include <QStringList>
@@ -59,7 +60,9 @@ constexpr std::array<Words, 25> table = {{
 
 QString filled(const Words& words, const Finding& finding)
 {
-    const QString text = batchText(words.key);
+    const QString text = words.fill == Fill::CountOfCount
+                             ? countedText(words.key, finding.count, QStringLiteral("Batch"))
+                             : batchText(words.key);
     switch (words.fill) {
     case Fill::Nothing:
         return text;

@@ -9,6 +9,12 @@
 #include "base/text/listconversions.h"
 #include "base/text/roundingconversions.h"
 #include "base/text/text.h"
+#include "base/cliptime.h"
+#include "base/conversions.h"
+#include "base/shownname.h"
+#include "base/shownvalues.h"
+
+#include <QHash>
 
 #include <cmath>
 
@@ -20,6 +26,14 @@ namespace
 
 constexpr int maximumWidth = 1280;
 constexpr int maximumHeight = 720;
+
+// As people write it, where the name is known.
+QString codecWords(const QString& codec)
+{
+    static const QHash<QString, QString> names{{QStringLiteral("h264"), QStringLiteral("H.264")},
+                                               {QStringLiteral("mjpeg"), QStringLiteral("Motion-JPEG")}};
+    return names.value(codec, codec);
+}
 
 bool isCameraContainer(const QString& wrapper, const QString& codec)
 {
@@ -116,25 +130,36 @@ std::optional<float> meanRate(const QString& banner)
     return std::nullopt;
 }
 
-QString clipDescription(const MediaInfoRecord& infos)
+QStringList pictureWords(const MediaInfoRecord& infos)
 {
-    QStringList parts;
+    QStringList words;
     if (infos.contains(record::v0_codec)) {
-        parts << infos.value(record::v0_codec).toString();
+        words << shownText(codecWords(infos.value(record::v0_codec).toString()));
     }
     if (infos.contains(record::v0_width) && infos.contains(record::v0_height)) {
-        parts << formatText(QStringLiteral("%dx%d"),
+        words << formatText(QStringLiteral("%d × %d"),
                             {infos.value(record::v0_width).toInt(), infos.value(record::v0_height).toInt()});
     }
     if (const std::optional<double> rate = clipRate(infos)) {
-        const QString number = textOf(static_cast<float>(*rate));
-        parts << (*rate > 0 ? number + QStringLiteral(" fps") : batchText("Clip_unevenRate"));
+        const bool whole = qAbs(*rate - qRound(*rate)) < 0.005;
+        words << (*rate > 0 ? formatText(batchText("Clip_rate"), {shownDecimal(*rate, whole ? 0 : 2)})
+                            : batchText("Clip_unevenRate"));
     }
+    return words;
+}
+
+QString besideEachOther(const QStringList& words)
+{
+    return words.join(QStringLiteral(" · "));
+}
+
+QString clipDescription(const MediaInfoRecord& infos)
+{
+    QStringList words = pictureWords(infos);
     if (infos.contains(record::w_duration)) {
-        const int seconds = infos.value(record::w_duration).toInt();
-        parts << formatText(QStringLiteral("%d:%02d"), {seconds / 60, seconds % 60});
+        words << clipTimeText(std::round(infos.value(record::w_duration).toDouble()));
     }
-    return parts.join(QStringLiteral(", "));
+    return besideEachOther(words);
 }
 
 } // namespace tavrix

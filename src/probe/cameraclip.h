@@ -33,7 +33,11 @@ struct ClipVerdict {
 // the record takes its digits for pictures. 0 when it gives none; no value when the rate is one of pictures.
 [[nodiscard]] std::optional<float> meanRate(const QString& banner);
 
-// One line that tells what a source is: codec, size, rate, duration.
+// What is known of the pictures, for people: codec, size, rate. Empty when nothing is.
+[[nodiscard]] QStringList pictureWords(const MediaInfoRecord& infos);
+// What stands beside one another in the description of a clip, on one line.
+[[nodiscard]] QString besideEachOther(const QStringList& words);
+// One line that tells what a source is: codec, size, rate, duration; "" when nothing is known.
 [[nodiscard]] QString clipDescription(const MediaInfoRecord& infos);
 
 } // namespace tavrix

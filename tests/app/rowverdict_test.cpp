@@ -92,6 +92,16 @@ TEST_F(VerdictWords, TellWhatIsMissingAndFromWhereOn)
                 QStringLiteral("the output had pictures for 1.0 of 5.0 s only and was discarded"));
 }
 
+// "the output had 1 pictures".
+TEST_F(VerdictWords, CountOnePictureInTheSingular)
+{
+    const auto words = [](std::int64_t count) {
+        return verdictWords({Outcome::Failed, {{.cause = Cause::PictureCount, .count = count, .ofCount = 300}}});
+    };
+    EXPECT_TEXT(words(1), QStringLiteral("the output had 1 picture instead of 300 and was discarded"));
+    EXPECT_TEXT(words(2), QStringLiteral("the output had 2 pictures instead of 300 and was discarded"));
+}
+
 TEST_F(VerdictWords, StandInTheTableForEveryCause)
 {
     for (int cause = 0; cause <= static_cast<int>(Cause::HiddenShown); ++cause) {

@@ -3,6 +3,7 @@
 
 #include "base/bundle/bundle.h"
 #include "base/dialogue/localisation.h"
+#include "base/cliptime.h"
 #include "support/qtprinters.h"
 #include "testpaths.h"
 
@@ -58,6 +59,15 @@ INSTANTIATE_TEST_SUITE_P(Sizes, ShownSize,
                                          SizeCase{"gigabytes", 12345678901, "12.3 GB", "12,3\u202fGo"},
                                          SizeCase{"terabytes", 2000000000000000, "2000.0 TB", "2000,0\u202fTo"}),
                          rowName<SizeCase>);
+
+TEST(ShownClipTime, HasTheDecimalSignOfTheLanguage)
+{
+    setLanguage(QStringLiteral("fr"));
+    EXPECT_TEXT(shownClipTime(8.44), QStringLiteral("0:08,44"));
+    EXPECT_NEAR(clipTime(shownClipTime(8.44)).value_or(-1), 8.44, 1e-9);
+    setLanguage(QStringLiteral("en"));
+    EXPECT_TEXT(shownClipTime(8.44), QStringLiteral("0:08.44"));
+}
 
 TEST(ShownDate, HasTheFormOfTheLanguage)
 {

@@ -113,7 +113,7 @@ const OptionsCase optionsCases[] = {
      wrong("the part is empty: --to must be later than --from")},
     {"noTime",
      {text("--from=1m"), text("a")},
-     wrong("--from: '1m' is no time: give seconds, m:ss or h:mm:ss, with a point before parts of a second")},
+     wrong("--from: '1m' is no time: give seconds, m:ss or h:mm:ss, with a point or a comma before parts of a second")},
     {"missingTime", {text("a"), text("--to")}, wrong("--to needs a value")},
     {"help", {text("--help")}, options(Mode::Help)},
     {"shortHelp", {text("-h")}, options(Mode::Help)},

@@ -65,7 +65,7 @@ TEST_F(InspectWords, AskForAPart)
     EXPECT_FALSE(parsed("--export mov a.mts").part);
     EXPECT_EQ(parsed("--export wav --to 3 a.mts").part, (ClipPart{0, 3}));
     for (const char* words :
-         {"--from 1 a.mts", "--to 1 a.mts", "--size 2x2 a.mts", "--replace a.mts", "--export mov --from 1,5 a.mts",
+         {"--from 1 a.mts", "--to 1 a.mts", "--size 2x2 a.mts", "--replace a.mts", "--export mov --from 1;5 a.mts",
           "--export mov --from 5 --to 5 a.mts", "--export mov --size 640 a.mts", "--export mov --size 0x9 a.mts",
           "--export mov --size 9999x9 a.mts", "--export wav --size 64x36 a.mts", "--export mp4 a.mts"}) {
         EXPECT_EQ(parsed(words).mode, Mode::Wrong) << words;

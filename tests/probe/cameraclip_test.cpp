@@ -220,14 +220,14 @@ TEST(CameraClip, DescriptionTellsWhatIsKnown)
     infos.insert(record::v0_width, 1280);
     infos.insert(record::v0_height, 720);
     infos.insert(record::v0_fps, QVariant(29.97F));
-    EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, 29.97 fps"));
+    EXPECT_TEXT(clipDescription(infos), QStringLiteral("H.264 · 1280 × 720 · 29.97 fps"));
     infos.insert(record::w_duration, 65);
-    EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, 29.97 fps, 1:05"));
+    EXPECT_TEXT(clipDescription(infos), QStringLiteral("H.264 · 1280 × 720 · 29.97 fps · 1:05"));
     // The unit of a clock is no rate: "90 fps" was shown.
     infos.insert(record::v0_meanRate, 10.51F);
-    EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, 10.51 fps, 1:05"));
+    EXPECT_TEXT(clipDescription(infos), QStringLiteral("H.264 · 1280 × 720 · 10.51 fps · 1:05"));
     infos.insert(record::v0_meanRate, 0.0F);
-    EXPECT_TEXT(clipDescription(infos), QStringLiteral("h264, 1280x720, uneven rate, 1:05"));
+    EXPECT_TEXT(clipDescription(infos), QStringLiteral("H.264 · 1280 × 720 · uneven rate · 1:05"));
 }
 
 struct MeanRow {

@@ -3,6 +3,7 @@
 
 #include "base/dialogue/localisation.h"
 #include "base/text/format.h"
+#include "base/cliptime.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -30,6 +31,11 @@ QLocale shownLocale()
 QString shownDecimal(double value, int decimals)
 {
     return fixedText(value, decimals).replace(QLatin1Char('.'), QLocale(currentLanguage()).decimalPoint());
+}
+
+QString shownClipTime(double seconds)
+{
+    return clipTimeText(seconds).replace(QLatin1Char('.'), QLocale(currentLanguage()).decimalPoint());
 }
 
 QString shownSize(qint64 bytes)

@@ -10,6 +10,8 @@ namespace tavrix
 
 // With the language's decimal sign and that many decimals.
 [[nodiscard]] QString shownDecimal(double value, int decimals);
+// As `clipTimeText`, with the language's decimal sign.
+[[nodiscard]] QString shownClipTime(double seconds);
 // "204 kB", "2.9 MB", "36 MB", "1.2 GB", in units of 1000; below 0 counts as 0.
 [[nodiscard]] QString shownSize(qint64 bytes);
 // Date and time in the short form of the user's region, where that speaks the language, else of the language. Seconds

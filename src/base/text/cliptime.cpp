@@ -29,7 +29,7 @@ std::optional<int> digits(const QString& text)
 std::optional<double> clipTime(const QString& text)
 {
     constexpr qsizetype mostPieces = 3;
-    const qsizetype point = text.indexOf(QLatin1Char('.'));
+    const qsizetype point = std::max(text.indexOf(QLatin1Char('.')), text.indexOf(QLatin1Char(',')));
     const QStringList pieces = text.left(point).split(QLatin1Char(':'));
     double seconds = 0;
     for (qsizetype i = 0; i < pieces.size(); ++i) {

@@ -20,8 +20,8 @@ struct ClipPart {
     bool operator==(const ClipPart&) const = default;
 };
 
-// "10", "0:10", "1:02:03" and each with thousandths, ".5" to ".500": seconds. Nothing for any other text, and for
-// minutes or seconds above 59 behind a colon.
+// "10", "0:10", "1:02:03" and each with decimals behind a point or a comma, ".5", ",500": seconds. Nothing for any
+// other text, and for minutes or seconds above 59 behind a colon.
 [[nodiscard]] std::optional<double> clipTime(const QString& text);
 
 // Takes the time of an option, "--from" or else "--to", into the part. False, and nothing is changed, when it is none.

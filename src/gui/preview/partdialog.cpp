@@ -5,6 +5,7 @@
 #include "app/verdictwords.h"
 #include "base/text/paths.h"
 #include "base/text/shownname.h"
+#include "base/shownvalues.h"
 #include "encode/progress.h"
 #include "gui/preview/toolprocess.h"
 #include "gui/widgets/windowtext.h"
@@ -50,7 +51,7 @@ PartDialog::PartDialog(const QString& clip, const std::optional<ClipPart>& part,
     connect(tool_, &ToolProcess::wrote, this, &PartDialog::takeOutput);
     connect(tool_, &ToolProcess::ended, this, &PartDialog::takeEnd);
     showWork(false);
-    say(part ? windowText("Win_partLength", {clipTimeText(part->from), clipTimeText(part->to.value_or(part->from))})
+    say(part ? windowText("Win_partLength", {shownClipTime(part->from), shownClipTime(part->to.value_or(part->from))})
              : windowText("Win_partWhole"),
         false);
     setMinimumWidth(460);

@@ -2,6 +2,7 @@
 #include "gui/preview/trimpanel.h"
 
 #include "gui/widgets/windowtext.h"
+#include "base/shownvalues.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -125,8 +126,8 @@ void TrimPanel::refresh()
         return;
     }
     const double end = marked->to.value_or(duration_);
-    words_->setText(
-        windowText("Win_partShown", {clipTimeText(marked->from), clipTimeText(end), clipTimeText(end - marked->from)}));
+    words_->setText(windowText("Win_partShown",
+                               {shownClipTime(marked->from), shownClipTime(end), shownClipTime(end - marked->from)}));
 }
 
 } // namespace tavrix

@@ -49,15 +49,7 @@ qint64 estimateOf(const BatchRow& row, double megabytes)
 QString partWords(const ClipPart& part, double whole)
 {
     return windowText("Win_rowPart",
-                      {clipTimeText(part.from), clipTimeText(part.to.value_or(whole)), durationWords(whole)});
-}
-
-// As people write it, where the name is known.
-QString codecWords(const QString& codec)
-{
-    static const QHash<QString, QString> names{{QStringLiteral("h264"), QStringLiteral("H.264")},
-                                               {QStringLiteral("mjpeg"), QStringLiteral("Motion-JPEG")}};
-    return names.value(codec, codec);
+                      {shownClipTime(part.from), shownClipTime(part.to.value_or(whole)), durationWords(whole)});
 }
 
 QString dateSourceWords(const QString& source)
@@ -157,24 +149,12 @@ QString RowDetails::estimatedSize(const BatchRow& row)
 QString RowDetails::description(const BatchRow& row)
 {
     const MediaInfoRecord& infos = row.dico;
-    QStringList parts;
-    if (infos.contains(record::v0_codec)) {
-        parts << shownText(codecWords(infos.value(record::v0_codec).toString()));
-    }
-    if (infos.contains(record::v0_width) && infos.contains(record::v0_height)) {
-        parts << formatText(QStringLiteral("%d × %d"),
-                            {infos.value(record::v0_width).toInt(), infos.value(record::v0_height).toInt()});
-    }
-    if (const std::optional<double> rate = clipRate(infos)) {
-        const bool whole = qAbs(*rate - qRound(*rate)) < 0.005;
-        parts << (*rate > 0 ? windowText("Win_rate", {shownDecimal(*rate, whole ? 0 : 2)})
-                            : batchText("Clip_unevenRate"));
-    }
+    QStringList parts = pictureWords(infos);
     if (infos.contains(record::w_duration)) {
         const double whole = infos.value(record::w_duration).toDouble();
         parts << (row.part ? partWords(*row.part, whole) : durationWords(whole));
     }
-    return parts.isEmpty() ? windowText("Win_unknownClip") : parts.join(QStringLiteral(" · "));
+    return parts.isEmpty() ? windowText("Win_unknownClip") : besideEachOther(parts);
 }
 
 qint64 RowDetails::outputBytes(const BatchRow& row)
