@@ -31,7 +31,8 @@ BatchControls::BatchControls()
     const auto follow = [this] {
         const BatchList& rows = encBatchArrayController;
         const bool any = rows.selectedRow() >= 0 && rows.selectedRow() < rows.count();
-        previewBt.setEnabled(any);
+        // Of the first row, where none is selected.
+        previewBt.setEnabled(rows.count() > 0);
         batchEncRemoveBt.setEnabled(any);
         batchEncRemoveAllBt.setEnabled(rows.count() > 0);
     };

@@ -6,15 +6,36 @@
 #include "base/text/log.h"
 #include "base/text/paths.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
+
+#include <unistd.h>
 
 namespace tavrix
 {
 
 namespace
 {
+
+// What the opener answers when it found no program, or the one that it found failed: 1 to 4.
+constexpr int lastOpenerFailure = 4;
+// Where it waits for the program, that program's own end comes much later.
+constexpr qint64 openerSeconds = 30;
+
+std::function<void(const QUrl&)>& unopenedListener()
+{
+    static std::function<void(const QUrl&)> listener;
+    return listener;
+}
+
+void tellUnopened(const QUrl& url)
+{
+    if (unopenedListener()) {
+        unopenedListener()(url);
+    }
+}
 
 class SystemDesktopServices : public DesktopServices
 {
@@ -28,7 +49,13 @@ public:
             logLine(QStringLiteral("open                :-( not an address: %@"), {url.toString(QUrl::RemoveUserInfo)});
             return false;
         }
-        return start(opener_, url.toString(QUrl::FullyEncoded));
+        if (!QFileInfo(opener_).isExecutable()) {
+            logLine(QStringLiteral("open                :-( cannot start %@"), {opener_});
+            tellUnopened(url);
+            return false;
+        }
+        startOpener(url);
+        return true;
     }
 
     bool openFileWith(const QString& path, const QString& application) override
@@ -38,7 +65,11 @@ public:
             logLine(QStringLiteral("open                :-( no application: %@"), {application});
             return false;
         }
-        return start(program, QFileInfo(path).absoluteFilePath());
+        if (QProcess::startDetached(program, {QFileInfo(path).absoluteFilePath()})) {
+            return true;
+        }
+        logLine(QStringLiteral("open                :-( cannot start %@"), {program});
+        return false;
     }
 
     bool reveal(const QString& path) override
@@ -50,13 +81,33 @@ public:
     void noteFileSystemChanged(const QString& /*path*/) override {}
 
 private:
-    static bool start(const QString& program, const QString& argument)
+    void startOpener(const QUrl& url) const
     {
-        if (QProcess::startDetached(program, {argument})) {
-            return true;
-        }
-        logLine(QStringLiteral("open                :-( cannot start %@"), {program});
-        return false;
+        // Nobody owns it: whoever deletes one that runs ends the program that it has opened.
+        auto* const process = new QProcess;
+        process->setChildProcessModifier([] { ::setsid(); });
+        process->setStandardInputFile(QProcess::nullDevice());
+        process->setStandardOutputFile(QProcess::nullDevice());
+        process->setStandardErrorFile(QProcess::nullDevice());
+        QElapsedTimer clock;
+        clock.start();
+        const auto over = [process, url, clock](bool failed) {
+            if (failed && clock.elapsed() < openerSeconds * 1000) {
+                logLine(QStringLiteral("open                :-( nothing opens %@"),
+                        {url.toString(QUrl::RemoveUserInfo | QUrl::RemoveQuery)});
+                tellUnopened(url);
+            }
+            process->deleteLater();
+        };
+        QObject::connect(process, &QProcess::finished, process, [over](int code, QProcess::ExitStatus status) {
+            over(status == QProcess::NormalExit && code > 0 && code <= lastOpenerFailure);
+        });
+        QObject::connect(process, &QProcess::errorOccurred, process, [over](QProcess::ProcessError error) {
+            if (error == QProcess::FailedToStart) {
+                over(true);
+            }
+        });
+        process->start(opener_, {url.toString(QUrl::FullyEncoded)});
     }
 
     QString opener_;
@@ -73,6 +124,11 @@ Replaceable<DesktopServices>& services()
 std::unique_ptr<DesktopServices> makeSystemDesktopServices(const QString& opener)
 {
     return std::make_unique<SystemDesktopServices>(opener);
+}
+
+void setUnopenedListener(std::function<void(const QUrl& address)> listener)
+{
+    unopenedListener() = std::move(listener);
 }
 
 void setDesktopServices(DesktopServices* other)

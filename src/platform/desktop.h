@@ -6,6 +6,7 @@
 #include <QString>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 
 namespace tavrix
@@ -24,9 +25,12 @@ public:
 };
 
 // The system's: everything goes to the opener program, revealing opens the folder that holds the item. Only the start
-// of the opener is reported, not what becomes of it.
+// of the opener is reported; what becomes of it is told to the listener.
 [[nodiscard]] std::unique_ptr<DesktopServices>
 makeSystemDesktopServices(const QString& opener = QStringLiteral("/usr/bin/xdg-open"));
+
+// Is told, at once or a moment later, each address for which the system's services found no program. Empty: nobody is.
+void setUnopenedListener(std::function<void(const QUrl& address)> listener);
 
 // Not owned; null returns to the system's. The services are told of every guarded delete.
 void setDesktopServices(DesktopServices* other);

@@ -153,6 +153,27 @@ TEST_F(SystemDesktop, OpensWithANamedProgram)
     EXPECT_TEXT(given(), QStringLiteral("/-a b\n"));
 }
 
+// Nothing was said where no file manager was installed.
+TEST_F(SystemDesktop, WhatNoProgramOpensIsTold)
+{
+    QStringList told;
+    setUnopenedListener([&told](const QUrl& url) { told << url.toString(); });
+    const QString failing = folder.makeFile(QStringLiteral("nothing"), "#!/bin/sh\nexit 3\n");
+    const QString working = folder.makeFile(QStringLiteral("works"), "#!/bin/sh\nexit 0\n");
+    for (const QString& script : {failing, working}) {
+        chmod(QFile::encodeName(script).constData(), 0700);
+    }
+    const LogCapture log;
+    EXPECT_TRUE(makeSystemDesktopServices(working)->openUrl(QUrl(QStringLiteral("http://good"))));
+    EXPECT_TRUE(makeSystemDesktopServices(failing)->reveal(QStringLiteral("/a b/clip.mts")));
+    EXPECT_TRUE(waitUntil([&told] { return !told.isEmpty(); }));
+    EXPECT_FALSE(
+        makeSystemDesktopServices(QStringLiteral("/nosuch/opener"))->openUrl(QUrl(QStringLiteral("http://x"))));
+    setUnopenedListener({});
+    EXPECT_TEXTS(told, QStringList({QStringLiteral("file:///a b"), QStringLiteral("http://x")}));
+    EXPECT_EQ(log.lines().size(), 2);
+}
+
 TEST_F(SystemDesktop, FailuresAreReported)
 {
     const LogCapture log;

@@ -61,14 +61,18 @@ TEST_F(Information, IsWhatTheInspectorSaysOfTheSelectedClip)
     EXPECT_TRUE(waitFor([this] { return information() == nullptr; }));
 }
 
-TEST_F(Information, NeedsASelectedClip)
+TEST_F(Information, NeedsAClipAndTakesTheFirstWhereNoneIsSelected)
 {
-    rowOfRealClip();
-    EXPECT_TRUE(find<QAction>("menuInformation")->isEnabled());
+    const QString clip = rowOfRealClip();
     rows().setSelectedRow(-1);
-    EXPECT_FALSE(find<QAction>("menuInformation")->isEnabled());
+    EXPECT_TRUE(find<QAction>("menuInformation")->isEnabled());
     window().showInformation();
-    EXPECT_EQ(information(), nullptr);
+    EXPECT_EQ(rows().selectedRow(), 0);
+    ASSERT_NE(information(), nullptr);
+    ASSERT_TRUE(waitFor([this] { return !information()->isWaiting(); }));
+    EXPECT_TRUE(information()->text().contains(clip)) << information()->text().toStdString();
+    rows().clear();
+    EXPECT_FALSE(find<QAction>("menuInformation")->isEnabled());
 }
 
 TEST_F(Information, TellsAFileThatHasGone)

@@ -111,7 +111,7 @@ TEST_F(PreferencesAndMenus, RowItemsNeedARow)
     EXPECT_TEXT(enabled(), QStringLiteral("0000"));
     analysedClips(2);
     rows().setSelectedRow(-1);
-    EXPECT_TEXT(enabled(), QStringLiteral("0011"));
+    EXPECT_TEXT(enabled(), QStringLiteral("1011"));
     rows().setSelectedRow(1);
     EXPECT_TEXT(enabled(), QStringLiteral("1111"));
     trigger("menuRemove");
@@ -210,8 +210,13 @@ TEST_F(PreferencesAndMenus, BatchMenuStartsPausesRemovesAndStops)
     trigger("menuPause");
     EXPECT_TRUE(tools_.current(ToolKind::Encode).launcher->isSuspended());
     trigger("menuPause");
+    // With no row selected nothing happened.
+    rows().setSelectedRow(-1);
+    trigger("menuPreview");
+    EXPECT_EQ(rows().selectedRow(), 0);
     rows().setSelectedRow(2);
     trigger("menuPreview");
+    EXPECT_EQ(rows().selectedRow(), 2);
     ASSERT_NE(program_->face().previewWindow(), nullptr);
     EXPECT_TRUE(program_->face().previewWindow()->isVisible());
     program_->face().previewWindow()->close();

@@ -157,7 +157,17 @@ void BatchDrawer::removeSelected()
 
 void BatchDrawer::previewSelected()
 {
+    selectAny();
     controller_.iba_preview(controller_.model().encBatchArrayController.selectedRow());
+}
+
+// What asks for one clip means the first where nobody has chosen.
+void BatchDrawer::selectAny()
+{
+    BatchList& rows = controller_.model().encBatchArrayController;
+    if (rows.selectedRow() < 0 && rows.count() > 0) {
+        rows.setSelectedRow(0);
+    }
 }
 
 void BatchDrawer::showOutputOfSelected()

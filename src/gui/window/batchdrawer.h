@@ -29,9 +29,11 @@ public:
     [[nodiscard]] BatchView& view() const { return *list_; }
     // The widgets that take the focus, in the order of the Tab key.
     [[nodiscard]] QList<QWidget*> tabOrder() const;
+    // Selects the first row where none is selected.
+    void selectAny();
+    void previewSelected(); // of any, where none is selected
     // These do nothing when no row is selected.
     void removeSelected();
-    void previewSelected();
     void showOutputOfSelected();
     // The texts that are not marked, in the language in force.
     void showTexts();

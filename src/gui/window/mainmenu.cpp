@@ -168,7 +168,7 @@ void MainMenu::buildRowItems(QMenu* menu)
     WindowModel& model = controller_.model();
     BatchList& rows = model.encBatchArrayController;
     QAction* preview = add(menu, "menuPreview", "@@Win_menuPreview", QKeySequence(Qt::CTRL | Qt::Key_Y),
-                           [this, &rows] { controller_.iba_preview(rows.selectedRow()); });
+                           [this] { window_.batchDrawer().previewSelected(); });
     QAction* information = add(menu, "menuInformation", "@@Win_menuInformation", QKeySequence(Qt::CTRL | Qt::Key_I),
                                [this] { window_.showInformation(); });
     QAction* remove = add(menu, "menuRemove", "@@Win_menuRemove", QKeySequence(Qt::CTRL | Qt::Key_Delete),

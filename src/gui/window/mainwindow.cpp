@@ -151,6 +151,7 @@ BatchList& MainWindow::rows() const
 
 void MainWindow::showInformation()
 {
+    drawer_->selectAny();
     const BatchList& rows = controller_.model().encBatchArrayController;
     const int selected = rows.selectedRow();
     if (selected < 0 || selected >= rows.count()) {

@@ -30,6 +30,10 @@ WindowProgram::WindowProgram(std::function<void()> end)
     presenter_.setWindow(window_.get());
     face_.setWindow(window_.get());
     setPickerWindow(window_.get());
+    setUnopenedListener([this](const QUrl& url) {
+        const QString what = url.isLocalFile() ? url.toLocalFile() : url.toString(QUrl::RemoveQuery);
+        window_->showNotice(windowText("Win_notOpened", {what}));
+    });
 }
 
 WindowProgram::~WindowProgram()
@@ -43,6 +47,7 @@ WindowProgram::~WindowProgram()
     presenter_.setWindow(nullptr);
     face_.setWindow(nullptr);
     setPickerWindow(nullptr);
+    setUnopenedListener({});
     window_.reset();
     controller_.reset();
     if (desktop_) {
