@@ -2,9 +2,12 @@
 #include "inspect/inspector.h"
 
 #include "base/bundle/bundle.h"
+#include "inspect/inspectjson.h"
 #include "inspecttest.h"
 #include "probe/batchtexts.h"
 #include "probe/ffinfos.h"
+#include "tools/ffmpeg/analysisversions.h"
+#include "tools/ffmpeg/clipinspection.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -90,6 +93,46 @@ TEST_F(Inspecting, TheRecordIsThatOfTheAnalysis)
         }
         EXPECT_EQ(clip.infos, analysed(path)) << path.toStdString();
     }
+}
+
+// One way starts two programs, the other none.
+TEST_F(Inspecting, TheCopyOfTheProgramTellsWhatTheToolTells)
+{
+    const QString picture = QStringLiteral("-f lavfi -i testsrc2=size=640x480:rate=30000/1001:duration=1 ");
+    const QString sound = QStringLiteral("-f lavfi -i sine=duration=1 ");
+    const QString h264 = QStringLiteral("-c:v libx264 -preset ultrafast -pix_fmt yuv420p ");
+    QStringList files;
+    const auto add = [&](const char* name, const QString& arguments) {
+        files << made(QLatin1String(name), arguments);
+    };
+    add("late.MTS",
+        QStringLiteral("-itsoffset 0.3 ") + picture + sound + h264 + QStringLiteral("-bf 2 -c:a ac3 -f mpegts"));
+    add("two.mov", picture + sound + sound + h264 + QStringLiteral("-map 0 -map 1 -map 2 -c:a aac -metadata title=Hi"));
+    add("jpeg.avi", picture + sound + QStringLiteral("-c:v mjpeg -pix_fmt yuvj422p -c:a pcm_u8 -ac 1"));
+    add("fields.ts", picture + QStringLiteral("-c:v mpeg2video -flags +ilme+ildct -f mpegts"));
+    add("pictures.mov", picture + picture + h264 + QStringLiteral("-map 0 -map 1"));
+    add("sound.mp4", sound + QStringLiteral("-c:a aac"));
+    QByteArray bytes = readBytes(files.first()).value_or(QByteArray());
+    for (qsizetype i = bytes.size() / 20; i < bytes.size() / 4; i += 700) {
+        bytes[i] = static_cast<char>(bytes[i] ^ 0x55);
+    }
+    files << folder.makeFile(QStringLiteral("damaged.MTS"), bytes)
+          << folder.makeFile(QStringLiteral("cut.avi"), readBytes(files.at(2)).value_or(QByteArray()).left(20000))
+          << folder.makeFile(QStringLiteral("text.mov"), "hello");
+    EXPECT_EQ(front::canInspectClips(), front::isAnalysisProven());
+    QList<QJsonObject> byCopy;
+    for (const QString& file : files) {
+        byCopy << inspectionObject(inspected(file));
+    }
+    const QString script = folder.makeFile(QStringLiteral("bin/ffmpeg"), "#!/bin/sh\nexec /usr/bin/ffmpeg \"$@\"\n");
+    ASSERT_EQ(::chmod(QFile::encodeName(script).constData(), 0700), 0);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QFile::encodeName(folder.path(QStringLiteral("bin"))) + ':' + path);
+    EXPECT_FALSE(front::canInspectClips());
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        EXPECT_EQ(inspectionObject(inspected(files.at(i))), byCopy.at(i)) << files.at(i).toStdString();
+    }
+    qputenv("PATH", path);
 }
 
 TEST_F(Inspecting, AMovieTellsItsSampleTables)

@@ -227,6 +227,23 @@ TEST(Spawn, TheChildDiesWithItsParent)
     EXPECT_EQ(readAll<std::string>(pipe.readEnd.get(), muchText).value_or("unreadable"), "");
 }
 
+TEST(SpawnCopy, LeadsAGroupOfItsOwnAndAnswersWithItsStatus)
+{
+    const auto started = spawnCopy([] { return getpgrp() == getpid() ? 7 : 1; });
+    ASSERT_TRUE(started) << started.reason();
+    int status = 0;
+    EXPECT_EQ(waitpid(*started, &status, 0), *started);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << status;
+}
+
+TEST(SpawnCopy, DiesWithItsParent)
+{
+    Pipe pipe = makePipe(PipeReader::Child);
+    EXPECT_TRUE(holdsInAProcess([] { return spawnCopy([] { return pause(); }).hasValue(); }));
+    pipe.writeEnd.reset();
+    EXPECT_EQ(readAll<std::string>(pipe.readEnd.get(), muchText).value_or("unreadable"), "");
+}
+
 class ExitDescriptor : public testing::TestWithParam<ExitWatch>
 {
 };
