@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/verdictwords.h"
 
+#include "base/dialogue/plurals.h"
 #include "base/dialogue/shownvalues.h"
 #include "base/text/format.h"
-#include "base/plurals.h"
 #include "probe/batchtexts.h"
 
 #include <QStringList>

@@ -14,11 +14,11 @@
 #include "media/headerchange.h"
 #include "media/reading.h"
 #include "probe/recordingname.h"
+#include "quicktime/av/soundunpacking.h"
 #include "quicktime/rules/movieedit.h"
 #include "quicktime/rules/moviefiles.h"
 #include "quicktime/rules/moviequeries.h"
 #include "quicktime/rules/movieslots.h"
-#include "quicktime/soundunpacking.h"
 
 #include <QFileInfo>
 

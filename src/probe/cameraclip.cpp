@@ -5,14 +5,13 @@
 #include "probe/batchtexts.h"
 
 #include "base/dialogue/localisation.h"
+#include "base/dialogue/shownvalues.h"
+#include "base/text/cliptime.h"
 #include "base/text/format.h"
 #include "base/text/listconversions.h"
 #include "base/text/roundingconversions.h"
+#include "base/text/shownname.h"
 #include "base/text/text.h"
-#include "base/cliptime.h"
-#include "base/conversions.h"
-#include "base/shownname.h"
-#include "base/shownvalues.h"
 
 #include <QHash>
 

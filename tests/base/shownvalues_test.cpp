@@ -3,7 +3,7 @@
 
 #include "base/bundle/bundle.h"
 #include "base/dialogue/localisation.h"
-#include "base/cliptime.h"
+#include "base/text/cliptime.h"
 #include "support/qtprinters.h"
 #include "testpaths.h"
 

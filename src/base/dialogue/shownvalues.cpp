@@ -2,8 +2,8 @@
 #include "base/dialogue/shownvalues.h"
 
 #include "base/dialogue/localisation.h"
+#include "base/text/cliptime.h"
 #include "base/text/format.h"
-#include "base/cliptime.h"
 
 #include <QDateTime>
 #include <QLocale>

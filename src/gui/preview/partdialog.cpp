@@ -3,9 +3,9 @@
 
 #include "app/partfile.h"
 #include "app/verdictwords.h"
+#include "base/dialogue/shownvalues.h"
 #include "base/text/paths.h"
 #include "base/text/shownname.h"
-#include "base/shownvalues.h"
 #include "encode/progress.h"
 #include "gui/preview/toolprocess.h"
 #include "gui/widgets/windowtext.h"

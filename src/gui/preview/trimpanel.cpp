@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/preview/trimpanel.h"
 
+#include "base/dialogue/shownvalues.h"
 #include "gui/widgets/windowtext.h"
-#include "base/shownvalues.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>

@@ -5,7 +5,7 @@
 #include "media/avversions.h"
 #include "media/packetclock.h"
 #include "quicktime/av/avinput.h"
-#include "quicktime/soundunpacking.h"
+#include "quicktime/av/soundunpacking.h"
 
 #include <algorithm>
 #include <cmath>

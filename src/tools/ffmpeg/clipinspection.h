@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What ffmpeg would say of a clip, its first packets and its first picture, told by this process.
 #pragma once
 

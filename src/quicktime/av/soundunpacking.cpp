@@ -1,4 +1,5 @@
-#include "quicktime/soundunpacking.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "quicktime/av/soundunpacking.h"
 
 #include <cstring>
 #include <string_view>

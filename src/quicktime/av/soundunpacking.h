@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Uncompressed sound in a form that QuickTime files do not know, as plain samples.
