@@ -72,14 +72,15 @@ TEST_F(TextReporterTest, writesLinesWhereThereIsNoTerminal)
     reporter.summary({doneRow(), failedRow()}, 1, text("/d/Tavrix events"), 1);
     EXPECT_TEXTS(
         stream.lines(),
-        QStringList(
-            {text("3 sources to analyse"), text("notes.txt: left out: no clip"), text("1/3 00001.MTS: h264, 1280x720"),
-             text("2/3 odd.mov: not readable as a clip; the summary will say why"),
-             text("3/3 film.avi: left out: 1920x1080 is larger than 1280x720"), text("Encoding 1/2: 00001.MTS"),
-             text("Done 1/2: 00001.MTS (12 MB)"), text("Encoding 2/2: 00002.MTS"),
-             text("FAILED 2/2: 00002.MTS: No space left on device"), text(""),
-             text("1 done, 0 incomplete, 1 failed, 1 left out"), text("  /d/Tavrix events/2010-07-14.mov  12 MB"),
-             text("  FAILED 00002.MTS: No space left on device"), text("Outputs are in /d/Tavrix events")}));
+        QStringList({text("3 sources to analyse"), text("notes.txt: left out: no clip"),
+                     text("1/3 00001.MTS: H.264 · 1280 × 720"),
+                     text("2/3 odd.mov: not readable as a clip; the summary will say why"),
+                     text("3/3 film.avi: left out: 1920x1080 is larger than 1280x720"), text("Encoding 1/2: 00001.MTS"),
+                     text("Done 1/2: 00001.MTS (12 MB)"), text("Encoding 2/2: 00002.MTS"),
+                     text("FAILED 2/2: 00002.MTS: No space left on device"), text(""),
+                     text("1 done, 0 incomplete, 1 failed, 1 left out"),
+                     text("  /d/Tavrix events/2010-07-14.mov  12 MB"),
+                     text("  FAILED 00002.MTS: No space left on device"), text("Outputs are in /d/Tavrix events")}));
 }
 
 TEST_F(TextReporterTest, namesNoFolderWhenNothingWasMade)

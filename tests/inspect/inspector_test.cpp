@@ -112,6 +112,7 @@ TEST_F(Inspecting, TheCopyOfTheProgramTellsWhatTheToolTells)
     add("fields.ts", picture + QStringLiteral("-c:v mpeg2video -flags +ilme+ildct -f mpegts"));
     add("pictures.mov", picture + picture + h264 + QStringLiteral("-map 0 -map 1"));
     add("sound.mp4", sound + QStringLiteral("-c:a aac"));
+    add("turned.mov", QStringLiteral("-i ") + files.at(1) + QStringLiteral(" -c copy -metadata:s:v rotate=90"));
     QByteArray bytes = readBytes(files.first()).value_or(QByteArray());
     for (qsizetype i = bytes.size() / 20; i < bytes.size() / 4; i += 700) {
         bytes[i] = static_cast<char>(bytes[i] ^ 0x55);

@@ -142,7 +142,7 @@ std::optional<ClipInspection> inspectClip(const std::string& path)
 {
     const std::string url = "file:" + path;
     const Listening listening;
-    const auto clip = ClipPictures::open(url, ClipPictures::Telling::Packets);
+    const auto clip = ClipPictures::open(url, ClipPictures::Purpose::Description);
     if (!clip) {
         return std::nullopt;
     }

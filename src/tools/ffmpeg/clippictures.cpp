@@ -40,7 +40,7 @@ bool hasFittingShape(const AVFrame& a, const AVFrame& b)
 
 } // namespace
 
-std::unique_ptr<ClipPictures> ClipPictures::open(const std::string& url, Telling telling)
+std::unique_ptr<ClipPictures> ClipPictures::open(const std::string& url, Purpose purpose)
 {
     AVDictionary* options = nullptr;
     av_dict_set(&options, "scan_all_pmts", "1", 0);
@@ -49,14 +49,14 @@ std::unique_ptr<ClipPictures> ClipPictures::open(const std::string& url, Telling
     AVFormatContext* context = avformat_alloc_context();
     if (context != nullptr) {
         context->flags |= AVFMT_FLAG_NONBLOCK;
-        context->debug |= telling == Telling::Packets ? FF_FDEBUG_TS : 0;
+        context->debug |= purpose == Purpose::Description ? FF_FDEBUG_TS : 0;
     }
     const int opened = context == nullptr ? -1 : avformat_open_input(&context, url.c_str(), nullptr, &options);
     av_dict_free(&options);
     if (opened < 0) {
         return nullptr;
     }
-    std::unique_ptr<ClipPictures> clip(new ClipPictures);
+    std::unique_ptr<ClipPictures> clip(new ClipPictures(purpose));
     clip->container_.reset(context);
     if (avformat_find_stream_info(context, nullptr) < 0) {
         return nullptr;
@@ -81,9 +81,9 @@ bool ClipPictures::isPlain() const
     for (unsigned i = 0; i < container_->nb_streams; ++i) {
         const AVStream& stream = *container_->streams[i];
         pictures += isPicture(stream) ? 1 : 0;
-        const bool odd = (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0 || hasUnusualSideData(stream) ||
+        const bool odd = (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0 ||
                          stream.codecpar->codec_type == AVMEDIA_TYPE_ATTACHMENT;
-        if (odd) {
+        if (odd || (purpose_ == Purpose::Output && hasUnusualSideData(stream))) {
             return false;
         }
     }
@@ -186,7 +186,8 @@ bool ClipPictures::isUsual(const AVFrame& frame)
     }
     if (!first_) {
         first_.reset(av_frame_clone(&frame));
-        return first_ && av_frame_get_side_data(&frame, AV_FRAME_DATA_DISPLAYMATRIX) == nullptr;
+        const bool upright = av_frame_get_side_data(&frame, AV_FRAME_DATA_DISPLAYMATRIX) == nullptr;
+        return first_ && (upright || purpose_ == Purpose::Description);
     }
     return hasFittingShape(frame, *first_);
 }

@@ -17,10 +17,10 @@ namespace tavrix::front
 class ClipPictures
 {
 public:
-    // What the libraries say of the clip while they read it.
-    enum class Telling { Remarks, Packets };
+    // For a description the libraries tell every packet that they read, and it does not matter how a picture is turned.
+    enum class Purpose { Output, Description };
     // Null when the clip cannot be opened.
-    [[nodiscard]] static std::unique_ptr<ClipPictures> open(const std::string& url, Telling telling = Telling::Remarks);
+    [[nodiscard]] static std::unique_ptr<ClipPictures> open(const std::string& url, Purpose purpose = Purpose::Output);
 
     ClipPictures(const ClipPictures&) = delete;
     ClipPictures& operator=(const ClipPictures&) = delete;
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] bool decode(const std::function<bool(const Picture&)>& receiver);
 
 private:
-    ClipPictures() = default;
+    explicit ClipPictures(Purpose purpose) : purpose_(purpose) {}
     [[nodiscard]] bool chooseStream();
     void nameLayouts();
     [[nodiscard]] bool openDecoder();
@@ -59,6 +59,7 @@ private:
     [[nodiscard]] std::int64_t startTime() const; // microseconds
     [[nodiscard]] Picture placed(const AVFrame& frame) const;
 
+    Purpose purpose_;
     media::InputPointer container_;
     media::CodecPointer decoder_;
     media::FramePointer frame_;
