@@ -177,7 +177,10 @@ void Inspector::judge()
     const QString code = inspection_.interlacing.isNull() ? interlacedYuvheaders2tvxStr({}) : inspection_.interlacing;
     inspection_.verdict = cameraClipVerdict(inspection_.infos, code);
     const Look look = inspection_.verdict.accepted ? Look::AtHeader : Look::AtPackets;
-    if (const QString obstacle = pictureObstacle(file_, look); !obstacle.isNull()) {
+    // What a player shows was read with the packets.
+    const bool known = look == Look::AtPackets && inspection_.shown.has_value();
+    const QString obstacle = known ? pictureObstacle(*inspection_.shown, look) : pictureObstacle(file_, look);
+    if (!obstacle.isNull()) {
         inspection_.verdict = {false, obstacle};
     }
 }

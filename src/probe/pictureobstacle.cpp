@@ -29,7 +29,11 @@ QString pictureObstacle(const QString& source, Look look)
     if (!input) {
         return {};
     }
-    const media::SourceFacts facts = media::sourceFactsOf(**input, request.path);
+    return pictureObstacle(media::sourceFactsOf(**input, request.path), look);
+}
+
+QString pictureObstacle(const media::SourceFacts& facts, Look look)
+{
     const media::StreamFacts* const picture = facts.chosen(media::Kind::Picture);
     if (picture == nullptr) {
         return {};

@@ -3,6 +3,8 @@
 
 // Sources that are described well and yet cannot give a single picture.
 
+#include "media/sourcefacts.h"
+
 #include <QString>
 
 namespace tavrix
@@ -17,5 +19,7 @@ enum class Look {
 // that a decoder could take. Nothing where some may come out, and for a file that cannot be opened as a clip: ffmpeg
 // tells about that one.
 [[nodiscard]] QString pictureObstacle(const QString& source, Look look);
+// The same of facts that were read with that look.
+[[nodiscard]] QString pictureObstacle(const media::SourceFacts& facts, Look look);
 
 } // namespace tavrix
