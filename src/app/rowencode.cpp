@@ -10,6 +10,7 @@
 #include "app/verdictwords.h"
 #include "app/windowmodel.h"
 #include "base/bundle/bundle.h"
+#include "base/dialogue/shownvalues.h"
 #include "base/files/filedelete.h"
 #include "base/files/fileinfo.h"
 #include "base/files/fileops.h"
