@@ -82,6 +82,16 @@ const CodeTable& levelTable(std::uint32_t codeIndex, bool skips);
 using ZeroRows = std::array<CodeWord, 33>;
 const ZeroRows& zeroRows(std::uint32_t codeIndex);
 
+// Words in a row, together no longer than BitWriter::longestTogether.
+struct LongWord {
+    std::uint64_t bits;
+    std::uint32_t length;
+};
+constexpr LongWord joined(CodeWord first, CodeWord second)
+{
+    return {static_cast<std::uint64_t>(first.bits) << second.length | second.bits, first.length + second.length};
+}
+
 // Appends bits to memory that the caller has made large enough: `overrun` bytes beyond the end are touched, because
 // every word is stored at full width and only the position moves on by what counts.
 class BitWriter
@@ -89,7 +99,7 @@ class BitWriter
 public:
     static constexpr std::size_t overrun = 8;
     // What fits beside the seven bits that may be pending.
-    static constexpr std::uint32_t longestPair = 57;
+    static constexpr std::uint32_t longestTogether = 57;
 
     explicit BitWriter(std::uint8_t* at) : at_(at) {}
 
@@ -98,15 +108,28 @@ public:
         held_ = held_ << word.length | word.bits;
         advance(word.length);
     }
-    // Two words; `Fits`: they are known to be no longer than longestPair together.
-    template <bool Fits = false> void put(CodeWord first, CodeWord second)
+    void put(CodeWord first, CodeWord second)
     {
-        if (Fits || first.length + second.length <= longestPair) {
-            held_ = (held_ << first.length | first.bits) << second.length | second.bits;
-            advance(first.length + second.length);
+        if (first.length + second.length <= longestTogether) {
+            putLong(joined(first, second));
         } else {
             put(first);
             put(second);
+        }
+    }
+    void putLong(LongWord word)
+    {
+        held_ = held_ << word.length | word.bits;
+        advance(word.length);
+    }
+    // Mostly both fit, and one store takes less time than two.
+    void putLong(LongWord first, LongWord second)
+    {
+        if (first.length + second.length <= longestTogether) {
+            putLong({first.bits << second.length | second.bits, first.length + second.length});
+        } else {
+            putLong(first);
+            putLong(second);
         }
     }
     // Ends the last byte with zeros and answers the end of what was written.

@@ -296,11 +296,18 @@ template <bool Tabled, bool Fits> void SliceCoder::writeSkipping(BitWriter& writ
 {
     const CodeTable& levels = levelTable(state.levelCode, true);
     const CodeTable& runs = codeTable(state.runCode);
-    const Token* const end = state.tokens.data() + state.tokenCount;
-    for (const Token* token = state.tokens.data(); token != end; ++token) {
-        const CodeWord level =
-            Tabled ? levels[token->value] : levelWord(levels, state.levelCode, token->value, token->value - 1U);
-        writer.put<Fits>(runs[token->run], level);
+    const auto level = [&](const Token& token) {
+        return Tabled ? levels[token.value] : levelWord(levels, state.levelCode, token.value, token.value - 1U);
+    };
+    const Token* token = state.tokens.data();
+    const Token* const end = token + state.tokenCount;
+    if constexpr (Fits) {
+        for (; end - token > 1; token += 2) {
+            writer.putLong(joined(runs[token[0].run], level(token[0])), joined(runs[token[1].run], level(token[1])));
+        }
+    }
+    for (; token != end; ++token) {
+        writer.put(runs[token->run], level(*token));
     }
 }
 
@@ -309,15 +316,23 @@ template <bool Tabled, bool Fits> void SliceCoder::writeSpelled(BitWriter& write
     const CodeTable& levels = levelTable(state.levelCode, false);
     const ZeroRows& rows = zeroRows(state.levelCode);
     const std::uint32_t longestRow = longestZeroRow(codeOf(state.levelCode));
-    const Token* const end = state.tokens.data() + state.tokenCount;
-    for (const Token* token = state.tokens.data(); token != end; ++token) {
+    const auto level = [&](const Token& token) {
+        return Tabled ? levels[token.value] : levelWord(levels, state.levelCode, token.value, token.value);
+    };
+    const Token* token = state.tokens.data();
+    const Token* const end = token + state.tokenCount;
+    while (token != end) {
         std::uint32_t zeros = token->run;
         for (; zeros > longestRow; zeros -= longestRow) {
             writer.put(rows[longestRow]);
         }
-        const CodeWord level =
-            Tabled ? levels[token->value] : levelWord(levels, state.levelCode, token->value, token->value);
-        writer.put<Fits>(rows[zeros], level);
+        if (Fits && end - token > 1 && token[1].run <= longestRow) {
+            writer.putLong(joined(rows[zeros], level(token[0])), joined(rows[token[1].run], level(token[1])));
+            token += 2;
+        } else {
+            writer.put(rows[zeros], level(*token));
+            ++token;
+        }
     }
 }
 
@@ -325,7 +340,7 @@ void SliceCoder::write(std::uint8_t* at) const
 {
     BitWriter writer(at);
     for (const BandState& state : bands_) {
-        const bool fits = state.longestPair <= BitWriter::longestPair;
+        const bool fits = state.longestPair <= BitWriter::longestTogether;
         const bool tabled = state.levels.largest() + 1 < tabledValues;
         writer.put({state.skips ? 1U : 0U, 1}, {state.levelCode, codeFieldBits});
         if (state.skips) {

@@ -122,7 +122,7 @@ std::uint8_t* PlaneCoder::write(const PlaneCoefficients& coefficients, std::size
                 run < tabledValues ? runTables[runBefore][run] : codeWord(runCodes[runBefore], run);
             const CodeWord levelWord = level < tabledValues ? levelTables[levelBefore][std::size_t{2} * level + sign]
                                                             : signedWord(levelCodes[levelBefore], level, sign);
-            writer.put<true>(runWord, levelWord);
+            writer.putLong(joined(runWord, levelWord));
             runBefore = std::min<std::size_t>(run, runCodes.size() - 1);
             levelBefore = std::min<std::size_t>(level + 1, levelCodes.size() - 1);
         }
