@@ -260,11 +260,19 @@ TEST(AicBits, WriterKeepsEveryBitOfAnyMixture)
         };
         for (int i = 0; i < 300; ++i) {
             const CodeWord first = word();
-            if (random() % 2 == 0) {
+            const std::uint32_t way = random() % 3;
+            if (way == 0) {
                 writer.put(first);
-            } else {
-                writer.put(first, word());
+                continue;
             }
+            const CodeWord second = word();
+            const bool fits = first.length + second.length <= BitWriter::longestTogether;
+            if (way == 1 || !fits) {
+                writer.put(first, second);
+                continue;
+            }
+            const CodeWord third = word();
+            writer.putLong(joined(first, second), {third.bits, third.length});
         }
         writer.finish();
         std::string actual;
