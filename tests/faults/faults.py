@@ -251,7 +251,8 @@ def grow(case):
                 return
             with open(path, "ab") as file:
                 file.write(more)
-    threading.Thread(target=append, daemon=True).start()
+    case.writers.append(threading.Thread(target=append, daemon=True))
+    case.writers[-1].start()
 
 
 def clip_is_fifo(case):
