@@ -57,18 +57,18 @@ Batch runBatch(const QString& clips, int count)
 QStringList ffmpegArguments(const QVariantMap& infos, const QString& output)
 {
     const QString source = infos.value(record::mainEncSrcPathStr).toString();
-    const auto old =
+    const auto classic =
         encodage(source, output, infos.value(record::wrapper).toString(), infos.value(record::v0_codec).toString(),
                  infos.value(record::v0_fps).toFloat(), format, infos.value(record::v0_aspect).toFloat());
     std::vector<std::string> words;
-    for (const QString& word : old->mid(1)) {
+    for (const QString& word : classic->mid(1)) {
         words.push_back(word.toStdString());
     }
     const std::string outputName = output.toStdString();
     const front::FileUrls urls = {{"file:" + source.toStdString()},
                                   {{"file:" + outputName, front::muxerArguments(outputName)}}};
     QStringList arguments;
-    for (const std::string& word : front::modernArguments(front::parseCommandLine(words), urls, {})) {
+    for (const std::string& word : front::installedArguments(front::parseCommandLine(words), urls, {})) {
         arguments << QString::fromStdString(word);
     }
     return arguments;

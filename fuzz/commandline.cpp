@@ -23,9 +23,9 @@ front::FileUrls urlsOf(const front::CommandLine& line)
     return urls;
 }
 
-void checkArguments(const front::CommandLine& line, const front::FileUrls& urls, const front::Dialect& dialect)
+void checkArguments(const front::CommandLine& line, const front::FileUrls& urls, const front::InstalledDialect& dialect)
 {
-    const std::vector<std::string> arguments = front::modernArguments(line, urls, dialect);
+    const std::vector<std::string> arguments = front::installedArguments(line, urls, dialect);
     const auto count = [&](const std::string& word) {
         return std::ranges::count(arguments, word);
     };
@@ -48,13 +48,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const front::CommandLine line = front::parseCommandLine(words);
     fuzz::require(line.inputs.size() + line.outputs.size() <= words.size());
     const front::FileUrls urls = urlsOf(line);
-    for (const front::Dialect& dialect : {front::Dialect{}, front::Dialect{false, true, false}}) {
+    for (const front::InstalledDialect& dialect :
+         {front::InstalledDialect{}, front::InstalledDialect{false, true, false}}) {
         checkArguments(line, urls, dialect);
     }
     static_cast<void>(front::clipJob(line, urls));
     static_cast<void>(front::levelsAreMarked(line));
     static_cast<void>(front::mayRefuseAnnexB(line));
-    const std::string filters = front::modernFilters(text);
-    fuzz::require(front::modernFilters(filters) == filters || filters.find_first_of("'\"") != std::string::npos);
+    const std::string filters = front::installedFilters(text);
+    fuzz::require(front::installedFilters(filters) == filters || filters.find_first_of("'\"") != std::string::npos);
     return 0;
 }

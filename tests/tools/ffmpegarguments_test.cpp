@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// From the old command line to the present one.
+// From the classic command line to that of the installed ffmpeg.
 #include "tools/ffmpeg/arguments.h"
 #include "tools/ffmpeg/commandline.h"
 #include "tools/ffmpeg/filters.h"
@@ -9,6 +9,7 @@
 #include "tools/ffmpeg/textpieces.h"
 
 #include <gtest/gtest.h>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -50,7 +51,7 @@ FileUrls urlsOf(const CommandLine& line)
         urls.inputs.push_back("<" + input.name + ">");
     }
     for (const FileEntry& output : line.outputs) {
-        const auto format = optionValue(output.options, "f");
+        const auto format = optionValue(output.options, OptionTreatment::Container);
         urls.outputs.push_back(
             {"<" + output.name + ">", format ? formatArguments(*format) : muxerArguments(output.name)});
     }
@@ -60,7 +61,7 @@ FileUrls urlsOf(const CommandLine& line)
 struct Row {
     const char* name;
     const char* classic;
-    const char* modern; // behind "-nostdin -v info"
+    const char* installed; // behind "-nostdin -v info"
 };
 
 const std::vector<Row>& rows()
@@ -129,11 +130,11 @@ class ClassicArguments : public testing::TestWithParam<Row>
 {
 };
 
-TEST_P(ClassicArguments, BecomeModernOnes)
+TEST_P(ClassicArguments, BecomeInstalledOnes)
 {
     const CommandLine line = parseCommandLine(words(GetParam().classic));
-    const std::string modern = joined(modernArguments(line, urlsOf(line), {}));
-    EXPECT_EQ(modern, std::string("-nostdin -v info ") + GetParam().modern);
+    const std::string installed = joined(installedArguments(line, urlsOf(line), {}));
+    EXPECT_EQ(installed, std::string("-nostdin -v info ") + GetParam().installed);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ClassicArguments, testing::ValuesIn(rows()),
@@ -160,10 +161,10 @@ ClipSource clipOf(const char* container)
     return clip;
 }
 
-std::string convertedWith(const char* classic, const ClipSource& clip, const Dialect& dialect = {})
+std::string convertedWith(const char* classic, const ClipSource& clip, const InstalledDialect& dialect = {})
 {
     const CommandLine line = parseCommandLine(words(classic));
-    return joined(modernArguments(line, urlsOf(line), dialect, clip));
+    return joined(installedArguments(line, urlsOf(line), dialect, clip));
 }
 
 TEST(ArgumentsForAClip, ATurnedPictureIsFittedIntoTheFrame)
@@ -178,19 +179,16 @@ TEST(ArgumentsForAClip, ATurnedPictureIsFittedIntoTheFrame)
     clip.facts.streams[0].turning = {180, false};
     EXPECT_NE(convertedWith(encode, clip).find("-vf scale=640:368,setdar=16/9 "), std::string::npos);
     clip.facts.streams[0].turning = {0, true};
-    Dialect old;
-    old.mirrors = false;
-    EXPECT_NE(convertedWith(encode, clip, old).find("-vf vflip,scale=640:368,"), std::string::npos);
-    EXPECT_FALSE(mirrorsPictures("4.3.9", clip));
-    EXPECT_TRUE(mirrorsPictures("5.1.9", clip));
-    EXPECT_TRUE(mirrorsPictures("N-118000-gabcdef", clip));
+    InstalledDialect forgetful;
+    forgetful.mirrors = false;
+    EXPECT_NE(convertedWith(encode, clip, forgetful).find("-vf vflip,scale=640:368,"), std::string::npos);
 }
 
 TEST(ClassicArguments, TheEncodersOwnOptionsOfAPresetLineGetTheirEqualsSigns)
 {
     const CommandLine line =
         parseCommandLine({"-i", "X", "-x264opts", "keyint 250:open-gop", "-vcodec", "libx264", "-g", "25", "O.m4v"});
-    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {}, {})),
+    EXPECT_EQ(joined(installedArguments(line, urlsOf(line), {}, {})),
               "-nostdin -v info -y GUARD -i <X> -f ipod -x264opts keyint=250:open-gop -vcodec libx264 -g 25 <O.m4v>");
 }
 
@@ -254,7 +252,7 @@ TEST(ClassicArguments, VerboseProbeSeesRepeatedFramesAndDiscontinuities)
     const CommandLine line =
         parseCommandLine(words("-v 3 -vframes 35 -i X -s 320x240 -pix_fmt yuv420p -an -f null -y /dev/null"));
     EXPECT_TRUE(levelsAreMarked(line));
-    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {})),
+    EXPECT_EQ(joined(installedArguments(line, urlsOf(line), {})),
               "-nostdin -v level+debug -y GUARD -i <X> -f null -frames:v 35 -s 320x240 "
               "-pix_fmt yuv420p -an -vsync cfr </dev/null>");
 }
@@ -263,48 +261,76 @@ TEST(ClassicArguments, TimestampDebuggingRaisesTheLevel)
 {
     const CommandLine line = parseCommandLine(words("-fdebug ts -i X"));
     EXPECT_FALSE(levelsAreMarked(line));
-    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), {})), "-nostdin -v debug -fdebug ts GUARD -i <X>");
+    EXPECT_EQ(joined(installedArguments(line, urlsOf(line), {})), "-nostdin -v debug -fdebug ts GUARD -i <X>");
 }
 
 TEST(ClassicArguments, BitstreamFilterIsLeftOutForOtherCodecs)
 {
     const CommandLine line = parseCommandLine(words("-i X -vcodec copy -vbsf h264_mp4toannexb -y O.mov"));
     EXPECT_TRUE(mayRefuseAnnexB(line));
-    Dialect dialect;
+    InstalledDialect dialect;
     dialect.annexBFilter = false;
-    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), dialect)),
+    EXPECT_EQ(joined(installedArguments(line, urlsOf(line), dialect)),
               "-nostdin -v info -y GUARD -i <X> -f mov -vcodec copy <O.mov>");
     const CommandLine other = parseCommandLine(words("-i X -vcodec copy -vbsf h264_mp4toannexb,noise -y O.mov"));
-    EXPECT_EQ(joined(modernArguments(other, urlsOf(other), dialect)),
+    EXPECT_EQ(joined(installedArguments(other, urlsOf(other), dialect)),
               "-nostdin -v info -y GUARD -i <X> -f mov -vcodec copy -bsf:v noise <O.mov>");
     EXPECT_FALSE(mayRefuseAnnexB(parseCommandLine(words("-i X -vcodec copy -y O.mov"))));
 }
 
-TEST(ClassicArguments, FrameSpacingFollowsTheVersionThatRefusesTheOldName)
+TEST(ClassicArguments, FrameSpacingHasTheNameThatTheVersionKnows)
 {
-    struct {
-        const char* refused;
-        const char* version;
-        bool renamed;
-    } const cases[] = {
-        {"vsync", "5.1.9-0+deb12u1", true},
-        {"vsync", "7.1.5", true},
-        {"vsync", "8.0", true},
-        {"vsync", "N-118000-gabcdef", true},
-        {"vsync", "4.4.2", false},
-        {"nosuch", "8.0", false},
-        {"", "8.0", false},
-    };
-    for (const auto& row : cases) {
-        EXPECT_EQ(dialectAfterRefusal({}, row.refused, row.version).frameRateMode, row.renamed)
-            << row.refused << " " << row.version;
-    }
-    const CommandLine line = parseCommandLine(words("-i X -vsync 0 -r 25 -vcodec mpeg4 -y O.mp4"));
-    Dialect dialect;
+    InstalledDialect dialect;
     dialect.frameRateMode = true;
-    EXPECT_EQ(joined(modernArguments(line, urlsOf(line), dialect)),
-              "-nostdin -v info -y GUARD -i <X> -f mp4 -vcodec mpeg4 "
-              "-vf settb=1/720000,setpts=PTS-13824,fps=fps=25:round=up -fps_mode vfr <O.mp4>");
+    for (const char* spacing : {"-vsync 0", "-fps_mode passthrough"}) {
+        const CommandLine line =
+            parseCommandLine(words(std::string("-i X ") + spacing + " -r 25 -vcodec mpeg4 -y O.mp4"));
+        EXPECT_EQ(joined(installedArguments(line, urlsOf(line), dialect)),
+                  "-nostdin -v info -y GUARD -i <X> -f mp4 -vcodec mpeg4 "
+                  "-vf settb=1/720000,setpts=PTS-13824,fps=fps=25:round=up -fps_mode vfr <O.mp4>");
+    }
+}
+
+TEST(InstalledDialect, IsThatWhichWasNotRefused)
+{
+    ClipSource mirrored = clipOf("mov");
+    mirrored.facts.streams[0].turning = {0, true};
+    const InstalledDialect usual;
+    const InstalledDialect spaced{true, true, true};
+    const InstalledDialect unfiltered{false, false, true};
+    const InstalledDialect unmirrored{true, false, false};
+    struct {
+        const char* version;
+        const char* refusedOption;
+        bool annexBRefused;
+        bool readableAgain;
+        Source source;
+        InstalledDialect dialect;
+    } const rows[] = {
+        {"5.1.9-0+deb12u1", "vsync", false, true, {}, spaced},
+        {"7.1.5", "vsync", false, true, {}, spaced},
+        {"8.0", "vsync", false, true, {}, spaced},
+        {"8.0", "vsync", false, false, {}, spaced},
+        {"N-118000-gabcdef", "vsync", false, true, {}, spaced},
+        {"4.4.2", "vsync", false, true, {}, usual},
+        {"8.0", "nosuch", false, true, {}, usual},
+        {"8.0", "", false, true, {}, usual},
+        {"5.1.9", "", true, true, {}, unfiltered},
+        {"5.1.9", "", true, false, {}, usual},
+        {"4.3.9", "", false, true, mirrored, unmirrored},
+        {"4.3.9", "", false, true, clipOf("mov"), usual},
+        {"4.3.9", "", false, true, {}, usual},
+        {"5.1.9", "", false, true, mirrored, usual},
+        {"N-118000-gabcdef", "", false, true, mirrored, usual},
+    };
+    for (const auto& row : rows) {
+        Findings findings;
+        findings.version = row.version;
+        findings.refusedOption = row.refusedOption;
+        findings.annexBRefused = row.annexBRefused;
+        EXPECT_TRUE(dialectAfter({findings, row.source, row.readableAgain}) == row.dialect)
+            << row.version << ' ' << row.refusedOption << ' ' << row.annexBRefused;
+    }
 }
 
 TEST(CommandLine, OptionThatIsNotKnownTakesNoOptionForItsValue)
@@ -354,7 +380,7 @@ TEST(Filters, AspectRatiosBecomeFractions)
 {
     struct {
         const char* classic;
-        const char* modern;
+        const char* installed;
     } const cases[] = {
         {"setdar=16:9", "setdar=16/9"},
         {"'setdar=16:9'", "setdar=16/9"},
@@ -376,17 +402,34 @@ TEST(Filters, AspectRatiosBecomeFractions)
         {"setdar", "setdar"},
     };
     for (const auto& row : cases) {
-        EXPECT_EQ(modernFilters(row.classic), row.modern) << row.classic;
+        EXPECT_EQ(installedFilters(row.classic), row.installed) << row.classic;
     }
 }
 
 TEST(OptionRules, KeepStreamSpecifiers)
 {
-    EXPECT_EQ(optionRule("codec:v").modernName, "codec:v");
-    EXPECT_EQ(optionRule("b:a").modernName, "b:a");
-    EXPECT_EQ(optionRule("vb").modernName, "b:v");
-    EXPECT_EQ(optionRule("b").modernName, "b:v");
+    EXPECT_EQ(optionRule("codec:v").installedName, "codec:v");
+    EXPECT_EQ(optionRule("b:a").installedName, "b:a");
+    EXPECT_EQ(optionRule("vb").installedName, "b:v");
+    EXPECT_EQ(optionRule("b").installedName, "b:v");
+    EXPECT_EQ(optionRule("bsf:a").treatment, OptionTreatment::Plain);
+    EXPECT_EQ(optionRule("bsf:v").treatment, OptionTreatment::BitstreamFilters);
     EXPECT_TRUE(optionRule("nosuchoption").takesValue);
+}
+
+TEST(OptionRules, SayOfEachOptionOnceWhatIsDoneAndWhy)
+{
+    std::set<std::string_view> names;
+    for (const OptionRow& row : optionTable()) {
+        EXPECT_TRUE(names.insert(row.name).second) << row.name << " has two rows";
+        EXPECT_FALSE(row.reason.empty()) << row.name;
+        EXPECT_FALSE(row.reason.ends_with('.')) << row.name;
+        EXPECT_NE(row.name, row.installedName);
+    }
+    for (const OptionRow& row : optionTable()) {
+        const std::string_view installed = row.installedName.empty() ? row.name : row.installedName;
+        EXPECT_EQ(optionRule(installed).treatment, row.treatment) << "two spellings of one option: " << row.name;
+    }
 }
 
 } // namespace

@@ -54,12 +54,12 @@ head -c 300 clip.MTS > short.MTS
 head -c 100000 clip.mov > truncated.mov
 head -c 300000 clip.MTS > truncated.MTS
 
-record() { # NAME ARGUMENTS...: recorded as NAME.modern
+record() { # NAME ARGUMENTS...: recorded as NAME.installed
     name=$1
     shift
     PATH="$work/bin:$PATH" "$tool" "$@" > /dev/null 2> /dev/null || true # some are to fail
     sed -e 's/  configuration: .*/  configuration: --prefix=\/usr --enable-gpl --enable-libx264 --enable-shared/' \
-        -e 's#/proc/self/fd/[0-9]*#/proc/self/fd/9#g' -e 's/ @ 0x[0-9a-f]*\]/ @ 0x55d0c0de]/g' recorded > "$data/$name.modern"
+        -e 's#/proc/self/fd/[0-9]*#/proc/self/fd/9#g' -e 's/ @ 0x[0-9a-f]*\]/ @ 0x55d0c0de]/g' recorded > "$data/$name.installed"
     rm -f recorded
 }
 

@@ -76,9 +76,9 @@ std::string translated(const Recording& recording, std::size_t pieceSize)
         }
     };
     front::LineSplitter splitter([&](std::string_view line, char end) { add(transcript.translate(line, end)); });
-    const std::string modern = contents(recording.path(".modern"));
-    for (std::size_t i = 0; i < modern.size(); i += pieceSize) {
-        splitter.feed(std::string_view(modern).substr(i, pieceSize));
+    const std::string installed = contents(recording.path(".installed"));
+    for (std::size_t i = 0; i < installed.size(); i += pieceSize) {
+        splitter.feed(std::string_view(installed).substr(i, pieceSize));
     }
     splitter.finish();
     add(transcript.finish(recording.status));
@@ -89,7 +89,7 @@ class RecordedTranscript : public testing::TestWithParam<Recording>
 {
 };
 
-TEST_P(RecordedTranscript, IsThatOfTheOldBuild)
+TEST_P(RecordedTranscript, IsInTheClassicDialect)
 {
     const std::string classic = translated(GetParam(), 65536);
     const std::string path = GetParam().path(".classic");

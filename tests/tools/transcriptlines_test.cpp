@@ -19,7 +19,7 @@ namespace
 {
 
 struct StreamRow {
-    const char* modern;
+    const char* installed;
     const char* classic;
     bool ofOutput = false;
     bool identifiers = true;
@@ -116,8 +116,8 @@ TEST(StreamLines, BecomeClassic)
          "    Stream #0.1: Audio: dca, 48000 Hz, 7.1, s32p"},
     };
     for (const StreamRow& row : rows) {
-        const auto line = classicStreamLine(row.modern, {row.ofOutput, row.identifiers});
-        ASSERT_TRUE(line.has_value()) << row.modern;
+        const auto line = classicStreamLine(row.installed, {row.ofOutput, row.identifiers});
+        ASSERT_TRUE(line.has_value()) << row.installed;
         EXPECT_EQ(*line, row.classic);
     }
 }
@@ -142,7 +142,7 @@ TEST(StreamLines, KnowTheContainersWithIdentifiers)
 TEST(ProgressLines, HaveTheTimeInSeconds)
 {
     struct {
-        const char* modern;
+        const char* installed;
         const char* classic;
     } const rows[] = {
         {"frame=  250 fps= 35 q=3.0 Lsize=   32134kB time=00:00:10.00 bitrate=26324.3kbits/s speed=1.41x    ",
@@ -166,7 +166,7 @@ TEST(ProgressLines, HaveTheTimeInSeconds)
     };
     for (const auto& row : rows) {
         double time = 0;
-        EXPECT_EQ(classicProgressLine(row.modern, time).value_or("-"), row.classic);
+        EXPECT_EQ(classicProgressLine(row.installed, time).value_or("-"), row.classic);
     }
 }
 
@@ -204,7 +204,7 @@ TEST(SummaryLines, LoseWhatCameLater)
 TEST(ErrorLines, OpenFailuresHaveTheirOldWords)
 {
     struct {
-        const char* modern;
+        const char* installed;
         const char* classic; // "-": no reason
     } const rows[] = {
         {"Invalid data found when processing input", "Unknown format"},
@@ -217,7 +217,7 @@ TEST(ErrorLines, OpenFailuresHaveTheirOldWords)
         {"", "-"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(classicOpenFailure(row.modern).value_or("-"), row.classic) << row.modern;
+        EXPECT_EQ(classicOpenFailure(row.installed).value_or("-"), row.classic) << row.installed;
     }
 }
 

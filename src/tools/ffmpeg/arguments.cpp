@@ -3,7 +3,6 @@
 
 #include "media/mediainput.h"
 #include "tools/ffmpeg/filters.h"
-#include "tools/ffmpeg/optionrules.h"
 #include "tools/ffmpeg/outputjob.h"
 #include "tools/ffmpeg/picturefilters.h"
 #include "tools/ffmpeg/soundfilters.h"
@@ -11,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <optional>
 
 namespace tavrix::front
@@ -24,9 +22,9 @@ constexpr std::string_view annexB = "h264_mp4toannexb";
 
 using Words = std::vector<std::string>;
 
-bool isOptionFor(const Option& option, std::initializer_list<std::string_view> names)
+OptionTreatment treatmentOf(const Option& option)
 {
-    return std::ranges::find(names, option.name) != names.end();
+    return optionRule(option.name).treatment;
 }
 
 // One output with all that decides on its arguments.
@@ -34,7 +32,7 @@ struct Conversion {
     const CommandLine& line;
     const FileEntry& output;
     const FileUrls::Output& target;
-    const Dialect& dialect;
+    const InstalledDialect& dialect;
     const Source& source;
     OutputJob job;
 
@@ -53,8 +51,9 @@ private:
 std::optional<std::string> rateFilters(const Conversion& conversion)
 {
     const auto& options = conversion.output.options;
-    const bool ownGraph = hasOption(conversion.line.globals, "filter_complex") || hasOption(options, "filter_complex");
-    const auto rate = optionValue(options, "r");
+    const bool ownGraph = hasOption(conversion.line.globals, OptionTreatment::FilterGraph) ||
+                          hasOption(options, OptionTreatment::FilterGraph);
+    const auto rate = optionValue(options, OptionTreatment::Rate);
     if (!rate || ownGraph || conversion.job.picture != Treatment::Encoded) {
         return std::nullopt;
     }
@@ -69,11 +68,11 @@ std::optional<std::string> frameSpacing(const Conversion& conversion, bool rateB
     if (conversion.job.picture != Treatment::Encoded) {
         return std::nullopt;
     }
-    const bool hasRate = hasOption(options, "r") && !rateByFilter;
-    const auto asked = optionValue(options, "vsync");
+    const bool hasRate = hasOption(options, OptionTreatment::Rate) && !rateByFilter;
+    const auto asked = optionValue(options, OptionTreatment::FrameSpacing);
     if (!asked) {
         // The null container was filled at a constant rate; the probe for repeated frames depends on it.
-        const bool toNull = optionValue(options, "f") == "null";
+        const bool toNull = optionValue(options, OptionTreatment::Container) == "null";
         return toNull ? std::optional<std::string>("cfr") : std::nullopt;
     }
     if (asked == "0" || asked == "passthrough") {
@@ -121,12 +120,6 @@ std::string dottedToColon(std::string map)
     return map;
 }
 
-bool isFilterOf(const Option& option, std::string_view shortName, std::string_view longName)
-{
-    const std::string name = optionRule(option.name).modernName;
-    return (name == shortName || name == longName) && option.value;
-}
-
 // When the first stream begins; every conversion begins there.
 double startOf(const media::SourceFacts& facts)
 {
@@ -139,12 +132,8 @@ double startOf(const media::SourceFacts& facts)
 
 std::string pictureFilters(const Conversion& conversion, const std::optional<std::string>& rate)
 {
-    std::string filters;
-    for (const Option& option : conversion.output.options) {
-        if (isFilterOf(option, "vf", "filter:v")) {
-            filters = modernFilters(*option.value);
-        }
-    }
+    const auto given = optionValue(conversion.output.options, OptionTreatment::PictureFilters);
+    const std::string filters = given ? installedFilters(*given) : std::string();
     const media::StreamFacts* const picture = conversion.picture();
     if (conversion.job.picture != Treatment::Encoded || picture == nullptr) {
         return joinedFilters(rate.value_or(""), filters);
@@ -159,25 +148,17 @@ std::string pictureFilters(const Conversion& conversion, const std::optional<std
 // come early, so it is filled with silence.
 bool mustFillHoles(const Conversion& conversion)
 {
-    bool samples = false;
-    for (const Option& option : conversion.output.options) {
-        if (isOptionFor(option, {"acodec", "c:a", "codec:a"}) && option.value) {
-            samples = option.value->starts_with("pcm_");
-        }
-    }
+    const auto codec = optionValue(conversion.output.options, OptionTreatment::SoundCodec);
+    const bool samples = codec && codec->starts_with("pcm_");
     return samples && conversion.job.sound == Treatment::Encoded && conversion.sound() != nullptr;
 }
 
 std::string soundFilters(const Conversion& conversion)
 {
     const std::string fill = mustFillHoles(conversion) ? "aresample=async=1" : "";
-    std::string filters = fill;
-    for (const Option& option : conversion.output.options) {
-        if (isFilterOf(option, "af", "filter:a")) {
-            filters = joinedFilters(fill, *option.value);
-        }
-    }
-    const bool twoChannels = optionValue(conversion.output.options, "ac") == "2";
+    const auto given = optionValue(conversion.output.options, OptionTreatment::SoundFilters);
+    std::string filters = joinedFilters(fill, given.value_or(""));
+    const bool twoChannels = optionValue(conversion.output.options, OptionTreatment::Channels) == "2";
     if (conversion.job.sound != Treatment::Encoded || conversion.sound() == nullptr || !twoChannels) {
         return filters;
     }
@@ -189,7 +170,7 @@ Words copyOptions(const Conversion& conversion)
 {
     const media::StreamFacts* const picture = conversion.picture();
     if (conversion.job.picture != Treatment::Copied || picture == nullptr ||
-        hasOption(conversion.output.options, "r")) {
+        hasOption(conversion.output.options, OptionTreatment::Rate)) {
         return {};
     }
     const media::Ratio rate = picture->nominalRate;
@@ -212,21 +193,38 @@ std::string encoderOwnOptions(std::string options)
     return options;
 }
 
-void appendOutputOption(Words& words, const Option& option, const Dialect& dialect)
+// An option of the output, unless it is one that the output gets at a place of its own.
+void appendOutputOption(Words& words, const Option& option, const InstalledDialect& dialect, bool rateByFilter)
 {
-    const std::string name = optionRule(option.name).modernName;
-    if (name == "x264opts" && option.value) {
-        appendOption(words, name, encoderOwnOptions(*option.value));
-    } else if (name == "bsf:v" && option.value && !dialect.annexBFilter) {
-        const std::string kept = withoutAnnexB(*option.value);
-        if (!kept.empty()) {
-            appendOption(words, name, kept);
+    const OptionRule rule = optionRule(option.name);
+    auto value = option.value;
+    switch (rule.treatment) {
+    case OptionTreatment::Container:
+    case OptionTreatment::FrameSpacing:
+    case OptionTreatment::PictureFilters:
+    case OptionTreatment::SoundFilters:
+        return;
+    case OptionTreatment::Rate:
+        if (rateByFilter) {
+            return;
         }
-    } else if (name == "map" && option.value) {
-        appendOption(words, name, dottedToColon(*option.value));
-    } else {
-        appendOption(words, name, option.value);
+        break;
+    case OptionTreatment::BitstreamFilters:
+        value = dialect.annexBFilter ? value : withoutAnnexB(value.value_or(""));
+        if (value == "" && !dialect.annexBFilter) {
+            return;
+        }
+        break;
+    case OptionTreatment::EncoderOptions:
+        value = encoderOwnOptions(value.value_or(""));
+        break;
+    case OptionTreatment::DottedMap:
+        value = dottedToColon(value.value_or(""));
+        break;
+    default:
+        break;
     }
+    appendOption(words, rule.installedName, value);
 }
 
 std::string joinedWords(const std::string& first, const std::string& second)
@@ -286,11 +284,7 @@ void appendOutput(Words& words, const Conversion& conversion)
     const auto rate = rateFilters(conversion);
     words.insert(words.end(), conversion.target.muxer.begin(), conversion.target.muxer.end());
     for (const Option& option : conversion.output.options) {
-        const bool filter = isFilterOf(option, "vf", "filter:v") || isFilterOf(option, "af", "filter:a");
-        const bool placedOnce = isOptionFor(option, {"vsync", "fps_mode", "f"}) || (rate && option.name == "r");
-        if (!filter && !placedOnce) {
-            appendOutputOption(words, option, conversion.dialect);
-        }
+        appendOutputOption(words, option, conversion.dialect, rate.has_value());
     }
     if (const std::string filters = pictureFilters(conversion, rate); !filters.empty()) {
         appendOption(words, "vf", filters);
@@ -315,9 +309,9 @@ bool copiesOwnList(const Source& source)
 void appendInput(Words& words, const FileEntry& input, const std::string& url)
 {
     for (const Option& option : input.options) {
-        appendOption(words, optionRule(option.name).modernName, option.value);
+        appendOption(words, optionRule(option.name).installedName, option.value);
     }
-    if (!hasOption(input.options, "f")) {
+    if (!hasOption(input.options, OptionTreatment::Container)) {
         words.insert(words.end(), {"-format_whitelist", media::sourceDemuxers});
     }
     words.insert(words.end(), {"-protocol_whitelist", media::localProtocols, "-i", url});
@@ -333,7 +327,8 @@ std::string logLevel(const CommandLine& line)
 
 } // namespace
 
-Words modernArguments(const CommandLine& line, const FileUrls& urls, const Dialect& dialect, const Source& source)
+Words installedArguments(const CommandLine& line, const FileUrls& urls, const InstalledDialect& dialect,
+                         const Source& source)
 {
     Words words = {"-nostdin", "-v", logLevel(line)};
     if (!line.outputs.empty()) {
@@ -344,7 +339,7 @@ Words modernArguments(const CommandLine& line, const FileUrls& urls, const Diale
         appendOption(words, "max_error_rate", "1");
     }
     for (const Option& option : line.globals) {
-        appendOption(words, optionRule(option.name).modernName, option.value);
+        appendOption(words, optionRule(option.name).installedName, option.value);
     }
     for (std::size_t i = 0; i < line.inputs.size(); ++i) {
         if (copiesOwnList(source)) {
@@ -371,26 +366,6 @@ std::optional<OutputJob> clipJob(const CommandLine& line, const FileUrls& urls)
     return job.isMovie() || job.container == "avi" ? std::optional(job) : std::nullopt;
 }
 
-Dialect dialectAfterRefusal(const Dialect& dialect, std::string_view refusedOption, std::string_view version)
-{
-    Dialect next = dialect;
-    const int major = std::atoi(std::string(version).c_str());
-    // A build from the development branch has a name such as "N-123" instead of a number, and is a recent one.
-    const bool knowsFrameRateMode = major == 0 || major >= 5;
-    if (refusedOption == "vsync" && knowsFrameRateMode) {
-        next.frameRateMode = true;
-    }
-    return next;
-}
-
-bool mirrorsPictures(std::string_view version, const Source& source)
-{
-    const media::StreamFacts* const picture = source ? source->facts.chosen(media::Kind::Picture) : nullptr;
-    const int major = std::atoi(std::string(version).c_str());
-    const bool old = major > 0 && major < 5;
-    return !(old && picture != nullptr && picture->turning.mirrored);
-}
-
 bool levelsAreMarked(const CommandLine& line)
 {
     return line.verbosity > 2 && !line.timestampDebug;
@@ -400,8 +375,8 @@ bool mayRefuseAnnexB(const CommandLine& line)
 {
     for (const FileEntry& output : line.outputs) {
         for (const Option& option : output.options) {
-            const bool isFilter = optionRule(option.name).modernName == "bsf:v" && option.value;
-            if (isFilter && option.value->find(annexB) != std::string::npos) {
+            const bool filters = treatmentOf(option) == OptionTreatment::BitstreamFilters;
+            if (filters && option.value.value_or("").find(annexB) != std::string::npos) {
                 return true;
             }
         }

@@ -8,7 +8,7 @@
 namespace tavrix::front
 {
 
-std::optional<ClipSource> readClipSource(const std::string& path, const OutputJob& job)
+Source readClipSource(const std::string& path, const OutputJob& job)
 {
     media::OpenRequest request;
     request.path = path;

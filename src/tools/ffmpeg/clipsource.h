@@ -19,8 +19,11 @@ struct ClipSource {
     std::optional<CopyEdits> edits; // what the copy needs beside ffmpeg's own way
 };
 
+// Nothing where it is not asked for or cannot be read.
+using Source = std::optional<ClipSource>;
+
 // Nothing where the clip cannot be read; ffmpeg itself says why.
-[[nodiscard]] std::optional<ClipSource> readClipSource(const std::string& path, const OutputJob& job);
+[[nodiscard]] Source readClipSource(const std::string& path, const OutputJob& job);
 
 // Puts what the source says of itself, and its edits, into the header of a movie that ffmpeg has just written. Fails
 // where the edits, without which the movie would show something else, cannot be told.

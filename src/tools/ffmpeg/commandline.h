@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The old command line, taken apart.
+// The classic command line, taken apart.
 #pragma once
+
+#include "tools/ffmpeg/optionrules.h"
 
 #include <optional>
 #include <string>
@@ -35,12 +37,12 @@ struct CommandLine {
     std::string missingValueFor; // the option that ends the line without its value; empty when all is well
 };
 
-// Takes the words after the program's name apart. Every option is attached to the file that it concerned in the old
+// Takes the words after the program's name apart. Every option is attached to the file that it concerned in the classic
 // dialect, where options were global variables: those of the output may stand before an input.
 [[nodiscard]] CommandLine parseCommandLine(const std::vector<std::string>& words);
 
-// The value of the last option with that exact name; nothing when it is absent.
-[[nodiscard]] std::optional<std::string> optionValue(const std::vector<Option>& options, const std::string& name);
-[[nodiscard]] bool hasOption(const std::vector<Option>& options, const std::string& name);
+// The value of the last option with that treatment; nothing when there is none.
+[[nodiscard]] std::optional<std::string> optionValue(const std::vector<Option>& options, OptionTreatment treatment);
+[[nodiscard]] bool hasOption(const std::vector<Option>& options, OptionTreatment treatment);
 
 } // namespace tavrix::front

@@ -33,7 +33,7 @@ std::optional<int> numberBehind(std::string_view line, std::string_view head)
 std::optional<std::string> classicOpenFailure(std::string_view reason)
 {
     struct Row {
-        std::string_view modern;
+        std::string_view installed;
         std::string_view classic;
     };
     constexpr std::array rows = {
@@ -44,7 +44,7 @@ std::optional<std::string> classicOpenFailure(std::string_view reason)
         Row{"Cannot allocate memory", "memory allocation error occured"},
         Row{"No such file or directory", "No such file or directory"},
     };
-    const auto* const row = std::ranges::find(rows, reason, &Row::modern);
+    const auto* const row = std::ranges::find(rows, reason, &Row::installed);
     if (row != rows.end()) {
         return std::string(row->classic);
     }

@@ -5,7 +5,6 @@
 #include "sys/fileidentity.h"
 #include "tools/ffmpeg/errorlines.h"
 #include "tools/ffmpeg/muxers.h"
-#include "tools/ffmpeg/optionrules.h"
 #include "tools/ffmpeg/textpieces.h"
 
 #include <algorithm>
@@ -71,7 +70,7 @@ bool readsNoFile(const FileEntry& input)
 {
     constexpr std::array<std::string_view, 12> formats = {"lavfi", "alsa",   "pulse", "x11grab", "v4l2", "video4linux2",
                                                           "oss",   "openal", "fbdev", "kmsgrab", "jack", "sndio"};
-    const auto format = optionValue(input.options, "f");
+    const auto format = optionValue(input.options, OptionTreatment::Container);
     return format && std::ranges::find(formats, *format) != formats.end();
 }
 
@@ -106,13 +105,13 @@ std::string descriptorUrl(int fd)
 bool wantsOneFrame(const FileEntry& output)
 {
     return std::ranges::any_of(output.options, [](const Option& option) {
-        return optionRule(option.name).modernName.starts_with("frames") && option.value == "1";
+        return optionRule(option.name).treatment == OptionTreatment::FrameCount && option.value == "1";
     });
 }
 
 std::vector<std::string> muxerFor(const FileEntry& output, bool& guessed)
 {
-    const auto format = optionValue(output.options, "f");
+    const auto format = optionValue(output.options, OptionTreatment::Container);
     guessed = !format;
     if (!format) {
         return muxerArguments(output.name);

@@ -30,22 +30,22 @@ bool isDigits(std::string_view text)
     return !text.empty();
 }
 
-std::string modernFilter(std::string_view filter)
+std::string installedFilter(std::string_view filter)
 {
     const auto equals = filter.find('=');
     const std::string_view name = filter.substr(0, equals);
-    std::string_view modern;
+    std::string_view installed;
     if (name == "setdar" || name == "aspect") {
-        modern = "setdar";
+        installed = "setdar";
     } else if (name == "setsar" || name == "pixelaspect") {
-        modern = "setsar";
+        installed = "setsar";
     }
-    if (modern.empty() || equals == std::string_view::npos) {
+    if (installed.empty() || equals == std::string_view::npos) {
         return std::string(filter);
     }
     const std::string_view ratio = filter.substr(equals + 1);
     const auto colon = ratio.find(':');
-    std::string result = std::string(modern) + '=';
+    std::string result = std::string(installed) + '=';
     if (colon != std::string_view::npos && isDigits(ratio.substr(0, colon)) && isDigits(ratio.substr(colon + 1))) {
         return result + std::string(ratio.substr(0, colon)) + '/' + std::string(ratio.substr(colon + 1));
     }
@@ -59,7 +59,7 @@ std::string joinedFilters(const std::string& first, const std::string& second)
     return first.empty() || second.empty() ? first + second : first + ',' + second;
 }
 
-std::string modernFilters(std::string_view description)
+std::string installedFilters(std::string_view description)
 {
     description = unquoted(description);
     std::string result;
@@ -75,7 +75,7 @@ std::string modernFilters(std::string_view description)
         if (!separator) {
             continue;
         }
-        result += modernFilter(description.substr(begin, i - begin));
+        result += installedFilter(description.substr(begin, i - begin));
         if (!atEnd) {
             result += description[i];
         }

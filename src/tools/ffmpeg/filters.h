@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Filter descriptions of the old dialect.
+// Filter descriptions of the classic dialect.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 namespace tavrix::front
 {
 
-// The filter description in today's words: quotes around the whole go, "setdar=16:9" becomes "setdar=16/9" (the second
-// number is an unrelated option today, which gives a picture nine times as wide as high), and the first names of the
-// aspect filters become the present ones.
-[[nodiscard]] std::string modernFilters(std::string_view description);
+// The filter description in the installed dialect: quotes around the whole go, "setdar=16:9" becomes "setdar=16/9" (the
+// second number is an unrelated option there, which gives a picture nine times as wide as high), and the classic names
+// of the aspect filters become the installed ones.
+[[nodiscard]] std::string installedFilters(std::string_view description);
 
 // Both in this order; either may be empty.
 [[nodiscard]] std::string joinedFilters(const std::string& first, const std::string& second);

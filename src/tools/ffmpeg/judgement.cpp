@@ -50,7 +50,7 @@ std::optional<judge::Verdict> judgement(const CommandLine& line, const RunFiles&
     given.output = *written;
     given.asked.picture = wayOf(job.picture);
     given.asked.sound = wayOf(job.sound);
-    const auto rate = optionValue(output.options, "r");
+    const auto rate = optionValue(output.options, OptionTreatment::Rate);
     if (rate && job.picture == Treatment::Encoded) {
         given.asked.rate = rateOf(*rate);
     }

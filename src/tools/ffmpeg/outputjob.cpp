@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/ffmpeg/outputjob.h"
 
-#include "tools/ffmpeg/optionrules.h"
-
 #include <algorithm>
-#include <array>
 
 namespace tavrix::front
 {
@@ -17,14 +14,15 @@ bool isOneOf(const std::string& name, std::initializer_list<std::string_view> na
     return std::ranges::find(names, name) != names.end();
 }
 
-Treatment treatment(const FileEntry& output, const char* none, std::initializer_list<std::string_view> codecOptions)
+Treatment treatment(const FileEntry& output, OptionTreatment none, OptionTreatment codec)
 {
     if (hasOption(output.options, none)) {
         return Treatment::None;
     }
     Treatment result = Treatment::Encoded;
     for (const Option& option : output.options) {
-        if (isOneOf(option.name, codecOptions)) {
+        const OptionTreatment chooses = optionRule(option.name).treatment;
+        if (chooses == codec || chooses == OptionTreatment::EveryCodec) {
             result = option.value == "copy" ? Treatment::Copied : Treatment::Encoded;
         }
     }
@@ -33,11 +31,15 @@ Treatment treatment(const FileEntry& output, const char* none, std::initializer_
 
 bool choosesAPart(const Option& option)
 {
-    const std::string name = optionRule(option.name).modernName;
-    constexpr std::array<std::string_view, 12> names = {"map",    "ss",       "t",        "to",
-                                                        "fs",     "frames:v", "frames:a", "frames",
-                                                        "copyts", "lavfi",    "shortest", "filter_complex"};
-    return std::ranges::find(names, name) != names.end();
+    switch (optionRule(option.name).treatment) {
+    case OptionTreatment::Part:
+    case OptionTreatment::FrameCount:
+    case OptionTreatment::DottedMap:
+    case OptionTreatment::FilterGraph:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -50,8 +52,8 @@ bool OutputJob::isMovie() const
 OutputJob outputJob(const FileEntry& output, const std::vector<std::string>& muxer)
 {
     OutputJob job;
-    job.picture = treatment(output, "vn", {"vcodec", "c:v", "codec:v", "c", "codec"});
-    job.sound = treatment(output, "an", {"acodec", "c:a", "codec:a", "c", "codec"});
+    job.picture = treatment(output, OptionTreatment::NoPicture, OptionTreatment::PictureCodec);
+    job.sound = treatment(output, OptionTreatment::NoSound, OptionTreatment::SoundCodec);
     const auto format = std::ranges::find(muxer, "-f");
     if (format != muxer.end() && format + 1 != muxer.end()) {
         job.container = *(format + 1);

@@ -8,15 +8,14 @@
 #include "tools/ffmpeg/analysis.h"
 #include "tools/ffmpeg/analysisdelivery.h"
 #include "tools/ffmpeg/arguments.h"
+#include "tools/ffmpeg/attempt.h"
 #include "tools/ffmpeg/banner.h"
 #include "tools/ffmpeg/errorstream.h"
 #include "tools/ffmpeg/files.h"
 #include "tools/ffmpeg/installedlibraries.h"
 #include "tools/ffmpeg/judgement.h"
-#include "tools/ffmpeg/linesplitter.h"
 #include "tools/ffmpeg/start.h"
 #include "tools/ffmpeg/textpieces.h"
-#include "tools/ffmpeg/transcript.h"
 
 #include <csignal>
 #include <optional>
@@ -28,40 +27,6 @@ namespace tavrix::front
 
 namespace
 {
-
-// Prints lines, or keeps them while another start of ffmpeg may still replace them.
-class Printer
-{
-public:
-    void add(const std::vector<TranscriptLine>& lines)
-    {
-        for (const TranscriptLine& line : lines) {
-            if (holding_) {
-                held_.push_back(line);
-            } else {
-                printLine(line.text, line.end);
-            }
-        }
-    }
-    void hold() { holding_ = true; }
-    void drop() { held_.clear(); }
-    void release()
-    {
-        holding_ = false;
-        add(std::exchange(held_, {}));
-    }
-
-private:
-    std::vector<TranscriptLine> held_;
-    bool holding_ = false;
-};
-
-struct Attempt {
-    std::optional<ChildEnd> end;
-    Findings findings;
-    bool spoke = false; // ffmpeg has written a line
-    std::string error;
-};
 
 class Run
 {
@@ -87,12 +52,7 @@ public:
         readSource();
         // An encode does not end because nobody reads its messages any more.
         std::signal(SIGPIPE, SIG_IGN);
-        Attempt attempt = once({});
-        const Dialect next = dialectAfter(attempt.findings);
-        if (next != Dialect() && interruptingSignal() == 0) {
-            attempt = once(next);
-        }
-        return conclude(attempt);
+        return runFfmpeg();
     }
 
 private:
@@ -137,20 +97,11 @@ private:
         }
     }
 
-    [[nodiscard]] Dialect dialectAfter(const Findings& findings) const
-    {
-        Dialect next = dialectAfterRefusal({}, findings.refusedOption, findings.version);
-        next.mirrors = mirrorsPictures(findings.version, source_);
-        // A second start would miss what the first has taken out of a pipe.
-        next.annexBFilter = !findings.annexBRefused || !files_.canBeReadAgain();
-        return next;
-    }
-
-    [[nodiscard]] SpawnRequest request(const Dialect& dialect) const
+    [[nodiscard]] SpawnRequest request(const InstalledDialect& dialect) const
     {
         SpawnRequest request;
         request.program = program_;
-        request.arguments = modernArguments(line_, files_.urls(), dialect, source_);
+        request.arguments = installedArguments(line_, files_.urls(), dialect, source_);
         request.arguments.insert(request.arguments.begin(), self_);
         request.environment = {{"LC_ALL", "C"}, {"AV_LOG_FORCE_NOCOLOR", "1"}, {chainVariable, chain_}};
         request.removedVariables = {"AV_LOG_FORCE_COLOR", "AV_LOG_FORCE_256COLOR", "FFREPORT"};
@@ -161,47 +112,24 @@ private:
         return request;
     }
 
-    // Lines that would contradict those of a second start are kept back until it is clear that there is none.
-    [[nodiscard]] bool isSettled(const Findings& findings) const
+    int runFfmpeg()
     {
-        return mayRefuseAnnexB(line_) ? findings.outputDescribed : findings.inputDescribed;
-    }
-
-    Attempt once(const Dialect& dialect)
-    {
-        Attempt attempt;
-        Transcript transcript(files_.names(), levelsAreMarked(line_));
-        Printer printer;
-        printer.hold();
-        const bool first = dialect == Dialect();
-        LineSplitter splitter([&](std::string_view line, char end) {
-            attempt.spoke = true;
+        const TranscriptNames names = files_.names();
+        const auto hear = [this](std::string_view line) {
             if (kept_) {
                 kept_->hear(line);
             }
-            printer.add(transcript.translate(line, end));
-            const Findings& findings = transcript.findings();
-            if (first && dialectAfter(findings) != dialect) {
-                killChild();
-            } else if (!first || isSettled(findings)) {
-                printer.release();
-            }
-        });
-        const auto end = runChild(request(dialect), [&](std::string_view bytes) { splitter.feed(bytes); });
-        if (end) {
-            attempt.end = *end;
-        } else {
-            attempt.error = end.reason();
+        };
+        const Attempt::Task task{line_, names, source_, files_.canBeReadAgain(), hear};
+        Attempt first(task, Attempt::Turn::First);
+        first.run(request({}));
+        const auto other = first.otherDialect();
+        if (!other) {
+            return conclude(first);
         }
-        splitter.finish();
-        printer.add(transcript.finish(!attempt.end || attempt.end->bySignal ? 1 : attempt.end->code));
-        attempt.findings = transcript.findings();
-        const bool repeated = first && dialectAfter(attempt.findings) != dialect && interruptingSignal() == 0;
-        if (repeated) {
-            printer.drop();
-        }
-        printer.release();
-        return attempt;
+        Attempt last(task, Attempt::Turn::Last);
+        last.run(request(*other));
+        return conclude(last);
     }
 
     int conclude(const Attempt& attempt)
@@ -209,30 +137,31 @@ private:
         if (interruptingSignal() != 0) {
             return 128 + interruptingSignal();
         }
-        if (!attempt.end) {
-            printLine(program_ + ": " + attempt.error);
+        const auto& end = attempt.end();
+        if (!end) {
+            printLine(program_ + ": " + end.reason());
             return notInstalled;
         }
-        if (attempt.end->bySignal) {
-            tellEnd(attempt);
-            return 128 + attempt.end->code;
+        if (end->bySignal) {
+            tellEnd(*end, attempt.hasSpoken());
+            return 128 + end->code;
         }
-        if (attempt.end->code != 0) {
-            explain(attempt.findings);
-            tellEnd(attempt);
-            return attempt.end->code;
+        if (end->code != 0) {
+            explain(attempt.findings());
+            tellEnd(*end, attempt.hasSpoken());
+            return end->code;
         }
-        if (const auto unfit = publishable(attempt.findings); !unfit) {
+        if (const auto unfit = publishable(attempt.findings()); !unfit) {
             printLine(unfit.reason());
-            explain(attempt.findings);
-            tellEnd(attempt);
+            explain(attempt.findings());
+            tellEnd(*end, attempt.hasSpoken());
             return 1;
         }
         if (const auto finished = finish(); !finished) {
             printLine(finished.reason());
             return 1;
         }
-        return judgeAndPublish(attempt.findings);
+        return judgeAndPublish(attempt.findings());
     }
 
     int judgeAndPublish(const Findings& findings)
@@ -283,12 +212,12 @@ private:
     }
 
     // Of an end that ffmpeg itself has given no reason for.
-    static void tellEnd(const Attempt& attempt)
+    static void tellEnd(const ChildEnd& end, bool ffmpegHasSpoken)
     {
-        if (attempt.end->bySignal) {
-            printLine("ffmpeg: " + endText(*attempt.end));
-        } else if (!attempt.spoke) {
-            printLine("ffmpeg: " + endText(*attempt.end) + " and said nothing");
+        if (end.bySignal) {
+            printLine("ffmpeg: " + endText(end));
+        } else if (!ffmpegHasSpoken) {
+            printLine("ffmpeg: " + endText(end) + " and said nothing");
         }
     }
 

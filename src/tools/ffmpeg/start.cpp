@@ -34,14 +34,14 @@ int becomeInstalled(const std::string& program, const std::string& self, const s
     return notInstalled;
 }
 
-std::string wrongUsage(const CommandLine& line)
+Result<void> rightUsage(const CommandLine& line)
 {
     if (!line.missingValueFor.empty()) {
-        return "ffmpeg: missing argument for option '-" + line.missingValueFor + "'";
+        return Failure{"ffmpeg: missing argument for option '-" + line.missingValueFor + "'"};
     }
     if (line.inputs.empty()) {
-        return line.outputs.empty() ? "At least one output file must be specified"
-                                    : "At least one input file must be specified";
+        return Failure{line.outputs.empty() ? "At least one output file must be specified"
+                                            : "At least one input file must be specified"};
     }
     return {};
 }
@@ -88,9 +88,9 @@ Start startRun(const std::string& startedAs, const std::vector<std::string>& wor
         setenv(chainVariable, run.chain.c_str(), 1);
         return becomeInstalled(run.program, run.self, words);
     }
-    if (const std::string error = wrongUsage(run.line); !error.empty()) {
+    if (const auto usage = rightUsage(run.line); !usage) {
         printLine(classicBanner());
-        printLine(error);
+        printLine(usage.reason());
         return 1;
     }
     run.task = analysisTask(words);
