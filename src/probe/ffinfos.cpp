@@ -12,7 +12,7 @@
 #include "process/runners.h"
 #include "process/shelltext.h"
 
-// What is read is the description of the input in the words of the old ffmpeg, six lines of which are:
+// What is read is the description of the input in the classic words of the tool `ffmpeg`, six lines of which are:
 //
 //     Input #0, mpegts, from '/clips/00001.MTS':
 //       Duration: 00:00:10.43, start: 1.033367, bitrate: 17054 kb/s

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Whole transcripts, from lines of today's ffmpeg. Those marked "by hand" are written after the source and
+// Whole transcripts, from lines of installed versions. Those marked "by hand" are written after the source and
 // documentation of versions that were not at hand.
 #include "tools/ffmpeg/banner.h"
 #include "tools/ffmpeg/transcript.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Single lines of today's ffmpeg, in the words of the old build. Rows marked "by hand" are written after the source and
+// Single lines of installed versions, in the classic dialect. Rows marked "by hand" are written after the source and
 // documentation of versions that were not at hand; all others were printed by 5.1.
 #include "tools/ffmpeg/errorlines.h"
 #include "tools/ffmpeg/linesplitter.h"

@@ -71,7 +71,7 @@ std::optional<std::string> frameSpacing(const Conversion& conversion, bool rateB
     const bool hasRate = hasOption(options, OptionTreatment::Rate) && !rateByFilter;
     const auto asked = optionValue(options, OptionTreatment::FrameSpacing);
     if (!asked) {
-        // The null container was filled at a constant rate; the probe for repeated frames depends on it.
+        // The classic null container is filled at a constant rate; the probe for repeated frames depends on it.
         const bool toNull = optionValue(options, OptionTreatment::Container) == "null";
         return toNull ? std::optional<std::string>("cfr") : std::nullopt;
     }

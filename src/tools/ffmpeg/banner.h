@@ -10,7 +10,7 @@
 namespace tavrix::front
 {
 
-// The revision of the build whose dialect is spoken: the first with the filter "setdar".
+// The revision of the build whose dialect is the classic one: the first with the filter "setdar".
 inline constexpr std::string_view classicRevision = "git-N-25800-g0000000";
 
 // The first line of every transcript.

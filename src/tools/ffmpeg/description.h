@@ -17,7 +17,7 @@ public:
     void follow(const std::string& line);
 
     [[nodiscard]] Section section() const { return section_; }
-    // Whether the container is one whose stream identifiers were printed.
+    // Whether the container is one whose stream identifiers classic lines show.
     [[nodiscard]] bool showsIdentifiers() const { return showsIdentifiers_; }
     // Whether of none of the inputs' streams it is known how it is coded; so too without streams.
     [[nodiscard]] bool lacksAllParameters() const;

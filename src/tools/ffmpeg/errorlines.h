@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Failures, in the words of the old build and as facts.
+// Failures, in the classic dialect and as facts.
 #pragma once
 
 #include <optional>
@@ -9,8 +9,8 @@
 namespace tavrix::front
 {
 
-// The old words for the reason why an input could not be opened or read ("Invalid data found when processing input"
-// was "Unknown format"); nothing for a text that names no such reason.
+// The classic words for the reason why an input could not be opened or read ("Unknown format" for "Invalid data found
+// when processing input"); nothing for a text that names no such reason.
 [[nodiscard]] std::optional<std::string> classicOpenFailure(std::string_view reason);
 
 // An input's number, and why it could not be opened or read.
@@ -26,7 +26,7 @@ struct OpenFailure {
 // is then missing in the output, and ffmpeg ends with status 0 all the same.
 [[nodiscard]] bool tellsReadFailure(std::string_view reason);
 
-// Lines that only repeat a failure already told in the old words.
+// Lines that only repeat a failure already told in classic words.
 [[nodiscard]] bool repeatsOpenFailure(std::string_view line);
 
 // The option that the installed ffmpeg does not know; nothing for other lines.

@@ -37,7 +37,7 @@ enum class OptionTreatment {
     SoundFilters,     // likewise
     FilterGraph,      // the picture's rate is left to it, and it may choose any part of the clip
     BitstreamFilters, // of the picture; the stream may refuse one of them
-    DottedMap,        // chooses a stream, and had a dot between file and stream
+    DottedMap,        // chooses a stream; a classic dot stands between file and stream
     EncoderOptions,   // the encoder's own, as a preset file writes them
     NoPicture,        // leaves the picture out
     NoSound,          // leaves the sound out

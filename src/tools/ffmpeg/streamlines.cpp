@@ -81,7 +81,7 @@ std::optional<StreamLine> parsed(std::string_view line)
     return stream;
 }
 
-// The tag of "none (tmcd / 0x64636D74)", which stood alone for a codec without a name.
+// The tag of "none (tmcd / 0x64636D74)", which is all that a classic line has of a codec without a name.
 std::string codecTag(const std::string& field)
 {
     const auto open = field.rfind('(');
@@ -165,7 +165,7 @@ std::string classicBitRate(const std::string& field)
     return field.starts_with(maximum) ? field.substr(maximum.size()) : field;
 }
 
-// Two fields per frame were counted for the codecs that may be interlaced inside.
+// Classic rates count two fields per frame for the codecs that may be interlaced inside.
 bool countsFields(const std::string& codec)
 {
     return codec == "h264" || codec.starts_with("mpeg1video") || codec.starts_with("mpeg2video") ||
@@ -243,7 +243,7 @@ std::string classicSampleFormat(const std::string& codec, const std::string& for
     if (codec.starts_with("pcm_")) {
         return format;
     }
-    // Decoders that work in floating point today delivered 16-bit integers then.
+    // Installed decoders work in floating point where classic ones delivered 16-bit integers.
     return format == "fltp" || format == "flt" || format == "s16p" ? "s16" : format;
 }
 

@@ -21,7 +21,7 @@ bool contains(std::string_view text, std::string_view part)
     return text.find(part) != std::string_view::npos;
 }
 
-// The names in today's lines of timestamp debugging lost their first part.
+// Installed names in the lines of timestamp debugging lack the first part.
 std::string classicPacketLine(std::string line)
 {
     for (const std::string_view name : {"read_frame_internal stream=", "ff_read_packet stream="}) {
@@ -35,7 +35,7 @@ std::string classicPacketLine(std::string line)
     return line;
 }
 
-// Remarks on the words that this tool itself chose for an option, and on formats that bore these names then.
+// Remarks on the words that this tool itself chose for an option, and on formats by their classic names.
 bool concernsOwnSpelling(std::string_view line)
 {
     return tellsForeignFormat(line) || tellsOldPixelFormat(line) || contains(line, "-vsync is deprecated") ||

@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What ffmpeg prints, in the words of the old build.
+// What ffmpeg prints, in the classic dialect.
+//
+// Two dialects are named everywhere in this tool. *Classic* is that of one ffmpeg build of 2010: callers write its
+// options and read its messages. *Installed* is that of the system's ffmpeg, versions 4 to 7. Arguments go from classic
+// to installed, messages from installed to classic.
 #pragma once
 
 #include "tools/ffmpeg/description.h"
@@ -21,8 +25,8 @@ struct TranscriptLine {
     bool operator==(const TranscriptLine&) const = default;
 };
 
-// Translates line by line, without waiting for more, with two exceptions, which stand where they used to: the stream
-// mapping is held back until the output has been described, and the summary until the last line of progress.
+// Translates line by line, without waiting for more, with two exceptions, which stand at their classic places: the
+// stream mapping is held back until the output has been described, and the summary until the last line of progress.
 class Transcript
 {
 public:
