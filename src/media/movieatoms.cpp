@@ -101,11 +101,11 @@ std::string handlerType(ByteView payload)
     return text;
 }
 
-std::optional<AtomSize> apertureSize(ByteView payload)
+std::optional<FixedSize> apertureSize(ByteView payload)
 {
     FieldReader reader(payload);
     reader.skip(4);
-    AtomSize size;
+    FixedSize size;
     size.width = reader.u32();
     size.height = reader.u32();
     if (!reader.ok() || size.width == 0 || size.height == 0) {
@@ -148,13 +148,13 @@ void readVideoExtensions(ByteView extensions, DescriptionAtom& description)
             description.pixelAspectH = reader.u32();
             description.pixelAspectV = reader.u32();
         } else if (atom.type == atomType("clap")) {
-            CleanAperture clean;
             const std::uint32_t widthN = reader.u32();
-            clean.width = quotient(widthN, reader.u32());
+            const double width = quotient(widthN, reader.u32());
             const std::uint32_t heightN = reader.u32();
-            clean.height = quotient(heightN, reader.u32());
-            if (reader.ok() && clean.width >= 1 && clean.height >= 1) {
-                description.cleanAperture = clean;
+            const double height = quotient(heightN, reader.u32());
+            if (reader.ok() && width >= 1 && height >= 1) {
+                description.cleanWidth = width;
+                description.cleanHeight = height;
             }
         }
     }

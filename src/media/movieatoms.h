@@ -4,6 +4,7 @@
 // The movie atom of a QuickTime or MP4 file and its tracks.
 
 #include "media/atomreader.h"
+#include "media/sizes.h"
 
 #include <optional>
 #include <string>
@@ -24,21 +25,10 @@ struct AtomMatrix {
     std::int32_t ty = 0;
 };
 
-// 16 fractional bits.
-struct AtomSize {
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
-};
-
 struct EditEntry {
     std::uint64_t duration = 0; // movie scale
     std::int64_t mediaTime = 0; // media scale; -1 = nothing is shown
     std::int32_t rate = 65536;  // 16 fractional bits; 0 = freeze
-};
-
-struct CleanAperture {
-    double width = 0;
-    double height = 0;
 };
 
 // A track's first sample description; the kind decides which fields are filled.
@@ -47,7 +37,8 @@ struct DescriptionAtom {
     std::uint32_t format = 0;
     int width = 0;
     int height = 0;
-    std::optional<CleanAperture> cleanAperture;
+    double cleanWidth = 0; // pixels of the clean aperture; 0 when not told
+    double cleanHeight = 0;
     std::uint32_t pixelAspectH = 0; // 0 when not told
     std::uint32_t pixelAspectV = 0;
     int version = 0;
@@ -66,13 +57,13 @@ struct TrackAtoms {
     std::uint32_t flags = 0;
     std::uint64_t duration = 0; // movie scale
     AtomMatrix matrix;
-    AtomSize size;
+    FixedSize size;
     std::string mediaType; // four characters, "" when not told
     std::uint32_t mediaTimeScale = 0;
     std::uint64_t mediaDuration = 0;
-    std::optional<AtomSize> clef;
-    std::optional<AtomSize> prof;
-    std::optional<AtomSize> enof;
+    std::optional<FixedSize> clef;
+    std::optional<FixedSize> prof;
+    std::optional<FixedSize> enof;
     bool hasEdits = false;
     std::vector<EditEntry> edits;
     DescriptionAtom description;

@@ -74,8 +74,8 @@ void writeTrackHeader(AtomWriter& writer, ByteView payload, const TrackRewrite& 
     writeTime(writer, isLong, track.shownDuration);
     writer.raw(parts.rest.first(std::min(parts.rest.size(), displayFields)));
     if (track.change.size) {
-        writer.u32(track.change.size->width << 16);
-        writer.u32(track.change.size->height << 16);
+        writer.u32(static_cast<std::uint32_t>(track.change.size->width) << 16);
+        writer.u32(static_cast<std::uint32_t>(track.change.size->height) << 16);
     } else {
         writer.raw(tail(parts.rest, displayFields));
     }

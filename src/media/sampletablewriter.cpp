@@ -146,8 +146,8 @@ void writeChunkOffsets(AtomWriter& writer, const TrackRewrite& track, std::uint6
 // Pixel aspect under which the stored picture fills the forced size.
 void writePixelAspect(AtomWriter& writer, const PixelSize& shown, std::uint64_t width, std::uint64_t height)
 {
-    const std::uint64_t horizontal = shown.width * height;
-    const std::uint64_t vertical = shown.height * width;
+    const std::uint64_t horizontal = static_cast<std::uint64_t>(shown.width) * height;
+    const std::uint64_t vertical = static_cast<std::uint64_t>(shown.height) * width;
     const std::uint64_t divisor = std::gcd(horizontal, vertical);
     if (divisor == 0 || horizontal == vertical || horizontal / divisor > UINT32_MAX ||
         vertical / divisor > UINT32_MAX) {

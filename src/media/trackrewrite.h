@@ -4,6 +4,7 @@
 // What a track becomes in the new file.
 
 #include "media/sampleselection.h"
+#include "media/sizes.h"
 
 #include <optional>
 #include <string>
@@ -11,15 +12,10 @@
 namespace tavrix
 {
 
-struct PixelSize {
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
-};
-
 // Changes of one track; members without value keep what the source has.
 struct TrackChange {
-    std::optional<PixelSize> size;
-    std::string displayName; // "" keeps the name
+    std::optional<PixelSize> size; // 0 to 32767
+    std::string displayName;       // "" keeps the name
 };
 
 // Everything that a new track atom needs beside the source's own.

@@ -162,13 +162,13 @@ TEST(MovieAtomsTest, readsApertures)
     movie.tracks.front().extensions.insert(movie.tracks.front().extensions.end(), clean.begin(), clean.end());
     const MovieAtoms atoms = readFrom(builtFile(movie));
     const TrackAtoms& track = atoms.tracks.front();
-    ASSERT_TRUE(track.clef && track.prof && track.enof && track.description.cleanAperture);
+    ASSERT_TRUE(track.clef && track.prof && track.enof);
     EXPECT_EQ(track.clef->width, 1024U << 16);
     EXPECT_EQ(track.prof->width, 1050U << 16);
     EXPECT_EQ(track.enof->height, 576U << 16);
     EXPECT_EQ(track.description.pixelAspectH, 64U);
     EXPECT_EQ(track.description.pixelAspectV, 45U);
-    EXPECT_EQ(track.description.cleanAperture->width, 702);
+    EXPECT_EQ(track.description.cleanWidth, 702);
     EXPECT_EQ(track.description.width, 720);
     EXPECT_EQ(track.description.format, atomType("jpeg"));
 }
@@ -180,7 +180,7 @@ TEST(MovieAtomsTest, anApertureOfNothingDoesNotCount)
     movie.tracks.front().extensions = cleanAperture(0, 0);
     const MovieAtoms atoms = readFrom(builtFile(movie));
     EXPECT_FALSE(atoms.tracks.front().clef.has_value());
-    EXPECT_FALSE(atoms.tracks.front().description.cleanAperture.has_value());
+    EXPECT_EQ(atoms.tracks.front().description.cleanWidth, 0);
 }
 
 TEST(MovieAtomsTest, readsEditListsOfBothVersions)

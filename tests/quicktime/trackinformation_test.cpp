@@ -73,7 +73,7 @@ protected:
 
 TEST_P(ChosenDisplaySizeTest, is)
 {
-    const DisplaySize size = chosenDisplaySize(GetParam().sizes, GetParam().movieRatio);
+    const PixelSize size = chosenDisplaySize(GetParam().sizes, GetParam().movieRatio);
     EXPECT_EQ(size.width, GetParam().width);
     EXPECT_EQ(size.height, GetParam().height);
 }
@@ -81,16 +81,17 @@ TEST_P(ChosenDisplaySizeTest, is)
 // Sizes: encoded, clean, track.
 INSTANTIATE_TEST_SUITE_P(
     Sizes, ChosenDisplaySizeTest,
-    testing::Values(DisplayRow{"wideCleanOfNarrowPixels", {1440, 1080, 1920, 1080, 1, 1}, 1.7778F, 1920, 1080},
-                    DisplayRow{"cleanFitsTheMovie", {640, 480, 640, 480, 1, 1}, 1.3333F, 640, 480},
-                    DisplayRow{"standardCleanInAWideMovie", {720, 576, 768, 576, 1024, 576}, 1.7778F, 1024, 576},
-                    DisplayRow{"wideHeightIsIntegerArithmetic", {720, 480, 640, 480, 854, 480}, 1.7792F, 853, 480},
-                    DisplayRow{"movieFitsTheEncoded", {700, 480, 700, 480, 1, 1}, 1.46F, 700, 480},
-                    DisplayRow{"nothingFitsTakesTheTrack", {720, 576, 720, 576, 800, 400}, 2.0F, 800, 400},
-                    DisplayRow{"exactly177CountsAsDifferent", {177, 100, 177, 100, 9, 9}, 2.0F, 177, 100},
-                    DisplayRow{"notQuite177", {1778, 1000, 1778, 1000, 9, 9}, 2.0F, 9, 9},
-                    DisplayRow{"unknownMovieSize", {640, 480, 640, 480, 320, 240}, 0.0F, 320, 240},
-                    DisplayRow{"noSizesAtAll", {0, 0, 0, 0, 0, 0}, 0.0F, 0, 0}),
+    testing::Values(DisplayRow{"wideCleanOfNarrowPixels", {{1440, 1080}, {1920, 1080}, {1, 1}}, 1.7778F, 1920, 1080},
+                    DisplayRow{"cleanFitsTheMovie", {{640, 480}, {640, 480}, {1, 1}}, 1.3333F, 640, 480},
+                    DisplayRow{"standardCleanInAWideMovie", {{720, 576}, {768, 576}, {1024, 576}}, 1.7778F, 1024, 576},
+                    DisplayRow{
+                        "wideHeightIsIntegerArithmetic", {{720, 480}, {640, 480}, {854, 480}}, 1.7792F, 853, 480},
+                    DisplayRow{"movieFitsTheEncoded", {{700, 480}, {700, 480}, {1, 1}}, 1.46F, 700, 480},
+                    DisplayRow{"nothingFitsTakesTheTrack", {{720, 576}, {720, 576}, {800, 400}}, 2.0F, 800, 400},
+                    DisplayRow{"exactly177CountsAsDifferent", {{177, 100}, {177, 100}, {9, 9}}, 2.0F, 177, 100},
+                    DisplayRow{"notQuite177", {{1778, 1000}, {1778, 1000}, {9, 9}}, 2.0F, 9, 9},
+                    DisplayRow{"unknownMovieSize", {{640, 480}, {640, 480}, {320, 240}}, 0.0F, 320, 240},
+                    DisplayRow{"noSizesAtAll", {{0, 0}, {0, 0}, {0, 0}}, 0.0F, 0, 0}),
     rowName<DisplayRow>);
 
 TEST_F(TrackInformationTest, describesMovieAndTracks)

@@ -103,7 +103,7 @@ QList<std::shared_ptr<Track>> AvMovie::tracks() const
     return list;
 }
 
-AvMovie::Boxes AvMovie::computedSizes() const
+AvMovie::Sizes AvMovie::computedSizes() const
 {
     std::optional<DisplayBox> enabled;
     std::optional<DisplayBox> every;

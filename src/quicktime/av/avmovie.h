@@ -45,11 +45,11 @@ public:
     [[nodiscard]] bool writeToFile(const QString& path, const WriteAttributes& attributes) override;
 
 private:
-    struct Boxes {
+    struct Sizes {
         MediaSize natural;
         MediaSize current;
     };
-    [[nodiscard]] Boxes computedSizes() const;
+    [[nodiscard]] Sizes computedSizes() const;
     [[nodiscard]] const std::vector<std::int64_t>& interestingTimes(quint32 mediaType);
     [[nodiscard]] QString refusal(bool isWave) const;
     [[nodiscard]] Result<void, QString> writeMovie(const QString& path, bool headerFirst) const;

@@ -76,8 +76,8 @@ TrackChange AvTrack::change() const
     constexpr double mostPixels = 32767.0;
     TrackChange change;
     if (dimensions_) {
-        change.size = PixelSize{static_cast<std::uint32_t>(std::clamp(dimensions_->width, 0.0, mostPixels)),
-                                static_cast<std::uint32_t>(std::clamp(dimensions_->height, 0.0, mostPixels))};
+        change.size = PixelSize{static_cast<int>(std::clamp(dimensions_->width, 0.0, mostPixels)),
+                                static_cast<int>(std::clamp(dimensions_->height, 0.0, mostPixels))};
     }
     change.displayName = displayName_.toStdString();
     return change;

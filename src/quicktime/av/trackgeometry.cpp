@@ -11,7 +11,7 @@ namespace tavrix
 namespace
 {
 
-MediaSize pixels(const AtomSize& size)
+MediaSize pixels(const FixedSize& size)
 {
     return {size.width / 65536.0, size.height / 65536.0};
 }
@@ -30,8 +30,8 @@ MediaSize cleanSize(const SourceTrack& track)
     if (track.atoms.clef) {
         return pixels(*track.atoms.clef);
     }
-    const std::optional<CleanAperture>& clean = track.atoms.description.cleanAperture;
-    const MediaSize stored = clean ? MediaSize{clean->width, clean->height} : encodedSize(track);
+    const DescriptionAtom& told = track.atoms.description;
+    const MediaSize stored = told.cleanWidth > 0 ? MediaSize{told.cleanWidth, told.cleanHeight} : encodedSize(track);
     return {stored.width * pixelAspect(track), stored.height};
 }
 

@@ -9,7 +9,7 @@
 namespace tavrix
 {
 
-// Rectangle with fractions of pixels.
+// Rectangle on the movie's display, in pixels of which there may be parts.
 struct DisplayBox {
     double left = 0;
     double top = 0;

@@ -16,13 +16,13 @@
 namespace tavrix
 {
 
-// Width and height in pixels.
+// Width and height in pixels, of which a shown picture may have parts.
 struct MediaSize {
     double width = 0;
     double height = 0;
 };
 
-// Rectangle of a display region, in whole pixels.
+// Rectangle on the movie's display, in whole pixels.
 struct MediaRect {
     qint16 top = 0;
     qint16 left = 0;

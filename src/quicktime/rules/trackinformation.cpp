@@ -39,9 +39,9 @@ bool isNear(float a, float b)
     return std::fabs(a - b) <= closeEnough;
 }
 
-int truncatedSide(double side)
+PixelSize wholePixels(const MediaSize& size)
 {
-    return truncatedInt(side);
+    return {truncatedInt(size.width), truncatedInt(size.height)};
 }
 
 // Writes the movie's own keys and returns its ratio, 0 when its size is not known yet.
@@ -50,9 +50,7 @@ float addMovieKeys(const Movie& movie, MediaInfoRecord& record)
     const MediaTime duration = movie.duration();
     const qint64 seconds = duration.timeScale == 0 ? 0 : duration.timeValue / duration.timeScale;
     record.insert(record::w_duration, truncatedInt(static_cast<double>(seconds)));
-    const MediaSize size = movie.currentSize();
-    const int width = truncatedSide(size.width);
-    const int height = truncatedSide(size.height);
+    const auto [width, height] = wholePixels(movie.currentSize());
     if (width == 0 || height == 0) {
         record.insert(record::w_qtasync, 1);
         logLine(QStringLiteral("Erreur              : Movie lisible mais sans info wrapper (async?)"));
@@ -73,8 +71,7 @@ PictureSizes apertureSizes(Track& track)
     const MediaSize encoded = track.apertureModeDimensionsForMode(ApertureMode::EncodedPixels);
     const MediaSize clean = track.apertureModeDimensionsForMode(ApertureMode::Clean);
     const MediaSize shown = track.dimensions();
-    return {truncatedSide(encoded.width), truncatedSide(encoded.height), truncatedSide(clean.width),
-            truncatedSide(clean.height),  truncatedSide(shown.width),    truncatedSide(shown.height)};
+    return {wholePixels(encoded), wholePixels(clean), wholePixels(shown)};
 }
 
 void addCrop(const Track& track, int number, const QString& pixelAspect, const PictureSizes& sizes,
@@ -85,9 +82,9 @@ void addCrop(const Track& track, int number, const QString& pixelAspect, const P
     const float second = str2Float(parts.value(1));
     const float pixelRatio = second == 0.0F ? 0.0F : first / second;
     const MediaRect bounds = track.boundsRect();
-    const float shownWidth = pixelRatio * static_cast<float>(sizes.encodedWidth) + 0.5F;
+    const float shownWidth = pixelRatio * static_cast<float>(sizes.encoded.width) + 0.5F;
     record.insert(record::stream('v', number, "croptop"), int(bounds.top));
-    record.insert(record::stream('v', number, "cropbottom"), sizes.encodedHeight - bounds.bottom - bounds.top);
+    record.insert(record::stream('v', number, "cropbottom"), sizes.encoded.height - bounds.bottom - bounds.top);
     record.insert(record::stream('v', number, "cropleft"), int(bounds.left));
     record.insert(record::stream('v', number, "cropright"),
                   truncatedInt(static_cast<double>(shownWidth)) - bounds.right - bounds.left);
@@ -100,22 +97,21 @@ void addVideoKeys(Track& track, int number, float movieRatio, const std::optiona
         record.insert(record::stream('v', number, "codec"), name);
     }
     PictureSizes sizes;
-    DisplaySize display{1, 1};
+    PixelSize display{1, 1};
     if (hasApertureModes()) {
         sizes = apertureSizes(track);
         display = chosenDisplaySize(sizes, movieRatio);
     } else {
         const MediaSize encoded = track.trackDimensions();
-        sizes.encodedWidth = truncatedSide(encoded.width);
-        sizes.encodedHeight = truncatedSide(encoded.height);
+        sizes.encoded = wholePixels(encoded);
     }
-    const QStringList aspects = DarPar(display.width, display.height, sizes.encodedWidth, sizes.encodedHeight);
+    const QStringList aspects = DarPar(display.width, display.height, sizes.encoded.width, sizes.encoded.height);
     const bool known = aspects.size() >= 2;
     const QString pixelAspect = known ? aspects.at(1) : QStringLiteral("100:100");
     record.insert(record::stream('v', number, "dar"), known ? aspects.at(0) : QStringLiteral("100:100"));
     record.insert(record::stream('v', number, "par"), pixelAspect);
-    record.insert(record::stream('v', number, "width"), sizes.encodedWidth);
-    record.insert(record::stream('v', number, "height"), sizes.encodedHeight);
+    record.insert(record::stream('v', number, "width"), sizes.encoded.width);
+    record.insert(record::stream('v', number, "height"), sizes.encoded.height);
     addCrop(track, number, pixelAspect, sizes, record);
     if (rate) {
         record.insert(record::stream('v', number, "fps"), *rate);
@@ -212,11 +208,11 @@ MediaInfoRecord describedMovie(const QString& path, const MovieLook& look)
 
 } // namespace
 
-DisplaySize chosenDisplaySize(const PictureSizes& sizes, float movieRatio)
+PixelSize chosenDisplaySize(const PictureSizes& sizes, float movieRatio)
 {
-    const DisplaySize clean{sizes.cleanWidth, sizes.cleanHeight};
-    const float cleanRatio = ratio(sizes.cleanWidth, sizes.cleanHeight);
-    const float encodedRatio = ratio(sizes.encodedWidth, sizes.encodedHeight);
+    const PixelSize& clean = sizes.clean;
+    const float cleanRatio = ratio(clean.width, clean.height);
+    const float encodedRatio = ratio(sizes.encoded.width, sizes.encoded.height);
     const bool differs = !isNear(cleanRatio, encodedRatio) || cleanRatio == wideAspect;
     if (differs && !isNear(cleanRatio, classicAspect)) {
         return clean;
@@ -225,12 +221,12 @@ DisplaySize chosenDisplaySize(const PictureSizes& sizes, float movieRatio)
         return clean;
     }
     if (isNear(cleanRatio, classicAspect) && isNear(movieRatio, wideAspect)) {
-        return {16 * sizes.encodedHeight / 9, sizes.encodedHeight};
+        return {16 * sizes.encoded.height / 9, sizes.encoded.height};
     }
     if (isNear(movieRatio, encodedRatio)) {
         return clean;
     }
-    return {sizes.trackWidth, sizes.trackHeight};
+    return sizes.track;
 }
 
 MediaInfoRecord movieRecord(const QString& path, const MovieLook& look)

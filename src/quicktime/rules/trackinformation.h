@@ -3,6 +3,7 @@
 
 // The media info record as the QuickTime layer sees a file.
 
+#include "media/sizes.h"
 #include "probe/mediainforecord.h"
 #include "quicktime/model/medialibrary.h"
 
@@ -11,21 +12,13 @@ namespace tavrix
 
 // What is known of a video track's picture, for choosing its display size.
 struct PictureSizes {
-    int encodedWidth = 0;
-    int encodedHeight = 0;
-    int cleanWidth = 0;
-    int cleanHeight = 0;
-    int trackWidth = 0;
-    int trackHeight = 0;
-};
-
-struct DisplaySize {
-    int width = 0;
-    int height = 0;
+    PixelSize encoded;
+    PixelSize clean; // the clean aperture
+    PixelSize track;
 };
 
 // The size a track is shown at. movieRatio is the movie's width / height, 0 when not known.
-[[nodiscard]] DisplaySize chosenDisplaySize(const PictureSizes& sizes, float movieRatio);
+[[nodiscard]] PixelSize chosenDisplaySize(const PictureSizes& sizes, float movieRatio);
 
 struct MovieLook {
     bool countsPictures = true; // for the frame rate; a container without an index is read to its end
