@@ -104,7 +104,7 @@ public:
     void iba_menuPrefClose();
     // Shows the words of the selected output format.
     void prefCheckCaptions();
-    // Makes the format the one of new clips, now and at the next start; 0 to 5, anything else is ignored.
+    // Makes the format the one of new clips, now and at the next start; a number that is none is ignored.
     void chooseFormat(int out);
     // Makes the destination typed now the one of every start, or of this one only.
     void useDestinationEveryTime(bool every);

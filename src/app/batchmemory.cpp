@@ -156,7 +156,7 @@ void BatchMemory::restoreFormat(int first, int last)
         if (format != formats_.constEnd()) {
             const int out = *format;
             formats_.erase(format);
-            if (out >= 0 && out < outputFormatCount) {
+            if (isOutputFormat(out)) {
                 rows.setOut(i, out);
             }
             rows.setPart(i, partOfStored(parts_.take(rows.row(i).source())));

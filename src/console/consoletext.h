@@ -15,7 +15,7 @@ namespace tavrix
     return localizedString(QLatin1String(key), QStringLiteral("Console"));
 }
 
-// Short name of an output format, 0 to 5: the window's.
+// Short name of an output format: the window's.
 [[nodiscard]] inline QString shortFormatName(int out)
 {
     return localizedString(formatText(QStringLiteral("Win_format%d"), {out}), QStringLiteral("Window"));

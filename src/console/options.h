@@ -22,7 +22,7 @@ struct ConsoleOptions {
     enum class Mode { Convert, System, Help, Version, Wrong };
     Mode mode = Mode::Convert;
     QString error;   // what is wrong, for Mode::Wrong
-    int format = -1; // output format 0 to 5, -1 = the one of the preferences
+    int format = -1; // output format, -1 = the one of the preferences
     QString output;  // destination folder; nothing = the default one
     ExistingPolicy existing = ExistingPolicy::Default;
     bool json = false;

@@ -215,7 +215,7 @@ constexpr std::array<OutputFormat, outputFormatCount> formats = {{
 
 const OutputFormat& outputFormat(int out)
 {
-    return formats.at(std::size_t(isOutputFormat(out) ? out : outputFormatCount - 1));
+    return formats.at(std::size_t(isOutputFormat(out) ? out : formatOfOtherNumbers));
 }
 
 bool isTwoPassFormat(int out)

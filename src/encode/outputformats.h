@@ -38,12 +38,13 @@ struct OutputFormat {
 
 inline constexpr int outputFormatCount = 6;
 inline constexpr int defaultOutputFormat = 3;
+inline constexpr int formatOfOtherNumbers = 5;
 
 [[nodiscard]] constexpr bool isOutputFormat(int out)
 {
     return out >= 0 && out < outputFormatCount;
 }
-// A number that is none is encoded like the last one.
+// A number that is none is encoded like formatOfOtherNumbers.
 [[nodiscard]] const OutputFormat& outputFormat(int out);
 // Whether the picture is made by movencoder from a copy. What the settings say is another question.
 [[nodiscard]] bool isTwoPassFormat(int out);

@@ -15,7 +15,7 @@ inline const QString eventsFolderName = QStringLiteral("Tavrix events");
 [[nodiscard]] QString eventsFolder(const QString& destinationText);
 
 // Name of the output with its extension, of at most 255 bytes. The base name is the one that the source's date gives;
-// the format is 0 to 5; the codec is the source's and may be nothing.
+// the format is a number of the table; the codec is the source's and may be nothing.
 [[nodiscard]] QString outputName(const QString& baseName, int out, const QString& codec);
 [[nodiscard]] QString outputPath(const QString& destinationText, const QString& baseName, int out,
                                  const QString& codec);

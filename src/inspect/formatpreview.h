@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// What the six formats would make of a clip, read from the very arguments that would make it.
+// What the formats would make of a clip, read from the very arguments that would make it.
 
 #include "inspect/inspection.h"
 

@@ -66,7 +66,7 @@ TEST(Controls, SegmentsOutOfRangeAreIgnored)
     EXPECT_EQ(control.segmentCount(), outputFormatCount);
     EXPECT_EQ(control.selectedSegment(), -1);
     control.setSelectedSegment(5);
-    control.setSelectedSegment(6);
+    control.setSelectedSegment(outputFormatCount);
     EXPECT_EQ(control.selectedSegment(), 5);
     control.setSelectedSegment(-2);
     EXPECT_EQ(control.selectedSegment(), 5);

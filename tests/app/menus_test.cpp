@@ -117,6 +117,8 @@ TEST_F(Menus, CaptionFollowsTheFormat)
         controller->prefCheckCaptions();
         EXPECT_FALSE(model().prefCheckCaption.stringValue().startsWith(QLatin1String("prefCaption"))) << segment;
     }
+    model().prefCheckMatrix.setSelectedSegment(5);
+    controller->prefCheckCaptions();
     EXPECT_TRUE(model().prefCheckCaption.stringValue().startsWith(QLatin1String("Apple ProRes 422")));
 }
 

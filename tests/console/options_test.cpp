@@ -2,6 +2,7 @@
 #include "console/options.h"
 
 #include "consoletest.h"
+#include "encode/outputformats.h"
 
 using namespace tavrix;
 using namespace tavrix::test;
@@ -41,6 +42,12 @@ ConsoleOptions wrong(const char* error)
     ConsoleOptions made = options(Mode::Wrong);
     made.error = text(error);
     return made;
+}
+
+ConsoleOptions noFormat(const char* given)
+{
+    return wrong(qPrintable(QStringLiteral("'%1' is no output format: give a number from 0 to %2")
+                                .arg(text(given), QString::number(outputFormatCount - 1))));
 }
 
 ConsoleOptions talking(Verbosity verbosity, int format, bool dryRun)
@@ -135,19 +142,13 @@ const OptionsCase optionsCases[] = {
     {"dryRun", {text("--dry-run"), text("a")}, talking(Verbosity::Normal, -1, true)},
     {"skipping", {text("--existing=skip"), text("a")}, converting({text("a")}, -1, {}, ExistingPolicy::Skip, false)},
     {"missingValueOfALetter", {text("a"), text("-o")}, wrong("-o needs a value")},
-    {"wrongValueOfALetter", {text("-f=3"), text("a")}, wrong("'=3' is no output format: give a number from 0 to 5")},
+    {"wrongValueOfALetter", {text("-f=3"), text("a")}, noFormat("=3")},
     {"aFlagTakesNoValue", {text("--json=1"), text("a")}, wrong("unknown option --json=1")},
-    {"formatTooLarge",
-     {text("--format"), text("6"), text("a")},
-     wrong("'6' is no output format: give a number from 0 to 5")},
-    {"formatNegative", {text("--format=-1"), text("a")}, wrong("'-1' is no output format: give a number from 0 to 5")},
-    {"formatNoNumber",
-     {text("--format=mov"), text("a")},
-     wrong("'mov' is no output format: give a number from 0 to 5")},
-    {"formatEmpty", {text("--format="), text("a")}, wrong("'' is no output format: give a number from 0 to 5")},
-    {"formatWithPercentSigns",
-     {text("--format=%@%1"), text("a")},
-     wrong("'%@%1' is no output format: give a number from 0 to 5")},
+    {"formatTooLarge", {text("--format"), text("99"), text("a")}, noFormat("99")},
+    {"formatNegative", {text("--format=-1"), text("a")}, noFormat("-1")},
+    {"formatNoNumber", {text("--format=mov"), text("a")}, noFormat("mov")},
+    {"formatEmpty", {text("--format="), text("a")}, noFormat("")},
+    {"formatWithPercentSigns", {text("--format=%@%1"), text("a")}, noFormat("%@%1")},
     {"missingFormat", {text("a"), text("--format")}, wrong("--format needs a value")},
     {"missingOutput", {text("a"), text("--output=")}, wrong("--output needs a value")},
     {"unknownPolicy",

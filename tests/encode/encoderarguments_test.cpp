@@ -4,6 +4,7 @@
 #include "base/bundle/bundle.h"
 #include "base/store/settings.h"
 #include "base/text/format.h"
+#include "encode/outputformats.h"
 #include "support/qtprinters.h"
 #include "support/temphome.h"
 
@@ -256,7 +257,8 @@ INSTANTIATE_TEST_SUITE_P(
                     ExtensionRow{"RewrapUpperCase", 2, "MJPEG", "m4v"}, ExtensionRow{"RewrapOther", 2, "h264", "m4v"},
                     ExtensionRow{"RewrapNothing", 2, nullptr, "m4v"}, ExtensionRow{"Movie", 3, "h264", "mov"},
                     ExtensionRow{"Aic", 4, "h264", "mov"}, ExtensionRow{"ProRes", 5, "h264", "mov"},
-                    ExtensionRow{"Seven", 7, "h264", "mov"}, ExtensionRow{"Negative", -1, "h264", "mov"}),
+                    ExtensionRow{"NoFormat", outputFormatCount, "h264", "mov"},
+                    ExtensionRow{"Negative", -1, "h264", "mov"}),
     test::rowName<ExtensionRow>);
 
 class SizeEstimates : public testing::TestWithParam<SizeRow>

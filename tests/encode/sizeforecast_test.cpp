@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "encode/sizeforecast.h"
 
+#include "encode/outputformats.h"
 #include "support/qtprinters.h"
 
 #include <gtest/gtest.h>
@@ -40,7 +41,8 @@ INSTANTIATE_TEST_SUITE_P(Rows, SizeForecast,
                                          ForecastRow{"noLength", {1, 0, 25, 640, 368, 0, false}, -1},
                                          ForecastRow{"copyOfUnknown", {3, 60, 25, 640, 368, 0, false}, -1},
                                          ForecastRow{"secondPassOfUnknownRate", {5, 60, 0, 1280, 720, 0, false}, -1},
-                                         ForecastRow{"noFormat", {6, 60, 25, 1280, 720, 1e6, false}, -1},
+                                         ForecastRow{
+                                             "noFormat", {outputFormatCount, 60, 25, 1280, 720, 1e6, false}, -1},
                                          ForecastRow{"endless", {5, 1e300, 25, 1280, 720, 0, false}, 1000000000000000}),
                          rowName<ForecastRow>);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "inspect/formatpreview.h"
 
+#include "encode/outputformats.h"
 #include "inspecttest.h"
 #include "testpaths.h"
 
@@ -53,7 +54,7 @@ class FormatPreviews : public InspectTest, public testing::WithParamInterface<Pr
 TEST_P(FormatPreviews, AreWhatTheFormatMakes)
 {
     const QList<FormatPreview> previews = formatPreviews(describedClip(), QStringLiteral("/clips/00001.MTS"));
-    ASSERT_EQ(previews.size(), 6);
+    ASSERT_EQ(previews.size(), outputFormatCount);
     const FormatPreview& preview = previews.at(GetParam().out);
     EXPECT_EQ(preview.out, GetParam().out);
     EXPECT_EQ(preview.width, GetParam().width);

@@ -2,6 +2,7 @@
 #include "inspect/inspector.h"
 
 #include "base/bundle/bundle.h"
+#include "encode/outputformats.h"
 #include "inspect/inspectjson.h"
 #include "inspecttest.h"
 #include "probe/batchtexts.h"
@@ -65,7 +66,7 @@ TEST_F(Inspecting, ATransportStreamTellsEverything)
     ASSERT_TRUE(clip.shown.has_value());
     EXPECT_NEAR(clip.shown->duration.value_or(0), 1.0, 0.1);
     EXPECT_TRUE(clip.verdict.accepted);
-    EXPECT_EQ(clip.formats.size(), 6);
+    EXPECT_EQ(clip.formats.size(), outputFormatCount);
     ASSERT_EQ(clip.offsets.size(), 1);
     ASSERT_TRUE(clip.offsets.first().byTimeStamps && clip.offsets.first().byTrackRanges);
     EXPECT_NEAR(*clip.offsets.first().byTimeStamps, *clip.offsets.first().byTrackRanges, 20);
@@ -235,7 +236,7 @@ TEST_F(Inspecting, ADateComesFromTheCamerasPlaylist)
     EXPECT_EQ(clip.recorder.kind, RecorderKind::Avchd);
     EXPECT_EQ(clip.recording.source, dateSource::playlist);
     EXPECT_TRUE(clip.recording.date.startsWith(QStringLiteral("2010-05-01 12:34:56 ")));
-    ASSERT_EQ(clip.formats.size(), 6);
+    ASSERT_EQ(clip.formats.size(), outputFormatCount);
     EXPECT_EQ(clip.formats.at(3).name, QStringLiteral("clip-2010-05-01 12;34;56-00001.mov"));
 }
 

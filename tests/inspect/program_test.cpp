@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "encode/outputformats.h"
 #include "inspecttest.h"
 #include "testpaths.h"
 
@@ -74,7 +75,7 @@ TEST_F(InspectProgram, DescribesFilesInJsonLines)
     ASSERT_EQ(lines.size(), 2);
     const QJsonObject clip = QJsonDocument::fromJson(lines.at(0).toUtf8()).object();
     EXPECT_TRUE(clip.value(QStringLiteral("taken")).toBool());
-    EXPECT_EQ(clip.value(QStringLiteral("formats")).toArray().size(), 6);
+    EXPECT_EQ(clip.value(QStringLiteral("formats")).toArray().size(), outputFormatCount);
     const QJsonObject damaged = QJsonDocument::fromJson(lines.at(1).toUtf8()).object();
     EXPECT_FALSE(damaged.value(QStringLiteral("described")).toBool(true));
     EXPECT_FALSE(damaged.value(QStringLiteral("problem")).toString().isEmpty());
