@@ -13,8 +13,7 @@ struct Converted {
     QString transcript; // of all tools
 };
 
-// `aspect` decides on the frame of formats 0 and 1,
-    as the analysis would.[[nodiscard]] Converted convertClip(const QString&source, const QString&folder, int format,
-                                                              float aspect = 1.7778F);
+// Formats 0 to 5. `aspect` decides on the frame of formats 0 and 1, as the analysis would.
+[[nodiscard]] Converted convertClip(const QString& source, const QString& folder, int format, float aspect = 1.7778F);
 
 } // namespace tavrix::test
