@@ -25,9 +25,9 @@ struct ToolAnswer {
 };
 
 struct ToolLimits {
-    int seconds = 60;                           // for the whole run
-    qsizetype outputBytes = 64 * 1024;          // what comes after is read and dropped
-    qsizetype errorBytes = qsizetype{8} << 20U; // likewise
+    int seconds = 60;                             // for the whole run
+    qsizetype outputBytes = qsizetype{64} * 1024; // what comes after is read and dropped
+    qsizetype errorBytes = qsizetype{8} << 20U;   // likewise
 };
 
 // The tool runs from the construction on; it is killed with everything it has started when the object goes. Main

@@ -63,6 +63,7 @@ bool canBeSaid(const SpawnRequest& request)
 std::vector<char*> pointersTo(const std::vector<std::string>& texts)
 {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (const std::string& text : texts) {
         pointers.push_back(const_cast<char*>(text.c_str()));
     }
@@ -88,7 +89,7 @@ Image imageOf(const SpawnRequest& request, int report)
         }
     }
     for (const auto& [name, value] : request.environment) {
-        image.variables.push_back(name + '=' + value);
+        image.variables.emplace_back(name).append("=").append(value);
     }
     image.environment = pointersTo(image.variables);
     image.parent = getpid();
