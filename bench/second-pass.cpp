@@ -225,23 +225,11 @@ void show(std::FILE* to, const std::string& path, const std::string& output, For
 QString makeNoise(const QString& folder)
 {
     const QString path = folder + QStringLiteral("/noise.mov");
-    const QStringList arguments{QStringLiteral("-nostdin"),
-                                QStringLiteral("-v"),
-                                QStringLiteral("error"),
-                                QStringLiteral("-f"),
-                                QStringLiteral("lavfi"),
-                                QStringLiteral("-i"),
-                                QStringLiteral("testsrc2=size=1280x720:rate=60:duration=5"),
-                                QStringLiteral("-vf"),
-                                QStringLiteral("noise=alls=12:allf=t"),
-                                QStringLiteral("-c:v"),
-                                QStringLiteral("libx264"),
-                                QStringLiteral("-preset"),
-                                QStringLiteral("veryfast"),
-                                QStringLiteral("-pix_fmt"),
-                                QStringLiteral("yuv420p"),
-                                path};
-    return bench::runQuietly(QStringLiteral("ffmpeg"), arguments) ? path : QString();
+    const QStringList arguments =
+        QStringLiteral("-nostdin -v error -f lavfi -i testsrc2=size=1280x720:rate=60:duration=5 "
+                       "-vf noise=alls=12:allf=t -c:v libx264 -preset veryfast -pix_fmt yuv420p")
+            .split(u' ');
+    return bench::runQuietly(QStringLiteral("ffmpeg"), QStringList(arguments) << path) ? path : QString();
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 #include "app/workfolder.h"
 #include "base/bundle/bundle.h"
 #include "base/dialogue/plurals.h"
-#include "base/files/filebeginnings.h"
 #include "base/files/filedelete.h"
 #include "base/files/fileinfo.h"
 #include "base/store/preferences.h"

@@ -18,8 +18,8 @@ struct InspectionWish {
 };
 
 // One tool, or a copy of this program, runs from the construction on, beside the program's own reading, so that several
-// can be prepared while one is finished. Main thread only, and no other is running when one begins; the movie that is
-// open serves all.
+// can be prepared while one is finished. Main thread only, and the program has no other thread when one is made; the
+// movie that is open serves all.
 class Inspector
 {
 public:
