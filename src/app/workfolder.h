@@ -10,7 +10,7 @@ namespace tavrix
 {
 
 // Frames of an analysis and its listing need this much, in bytes.
-inline constexpr qint64 workFolderNeeds = 8 * 1024 * 1024;
+inline constexpr qint64 workFolderNeeds = qint64{8} * 1024 * 1024;
 
 struct WorkFolder {
     QString path;          // ends with "/"; nothing when no place could be had
