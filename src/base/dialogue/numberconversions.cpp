@@ -92,17 +92,6 @@ double timecodeValue(const QString& text)
 
 } // namespace
 
-int truncatedInt(double value)
-{
-    if (std::isnan(value)) {
-        return 0;
-    }
-    if (value >= double{std::numeric_limits<int>::max()}) {
-        return std::numeric_limits<int>::max();
-    }
-    return value <= double{std::numeric_limits<int>::min()} ? std::numeric_limits<int>::min() : static_cast<int>(value);
-}
-
 float str2Float(const QString& text)
 {
     const QString dense = QString(text).remove(u' ');

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace tavrix
@@ -124,6 +125,17 @@ int nbMultipleArrondi(int n, int m)
     const qint64 rest = n - m * quotient;
     const qint64 lower = m * quotient;
     return truncatedInt(static_cast<double>(m / 2 > rest ? lower : lower + m));
+}
+
+int truncatedInt(double value)
+{
+    if (std::isnan(value)) {
+        return 0;
+    }
+    if (value >= double{std::numeric_limits<int>::max()}) {
+        return std::numeric_limits<int>::max();
+    }
+    return value <= double{std::numeric_limits<int>::min()} ? std::numeric_limits<int>::min() : static_cast<int>(value);
 }
 
 QList<int> sousMultipleCommuns(int a, int b)
