@@ -46,7 +46,7 @@ QString ffmpegTool()
 } // namespace
 
 AnalysisMachine::AnalysisMachine(Session& session, DropArea& dropArea, const LauncherMaker& maker)
-    : session_(session), dropArea_(dropArea),
+    : session_(session), dropArea_(dropArea), maker_(maker),
       child_(session, maker, "forget to release previous task? (analysisTaskClass)")
 {
 }
@@ -174,6 +174,7 @@ void AnalysisMachine::decode()
 
 void AnalysisMachine::parse()
 {
+    lookAhead();
     // Without a frame the clip counts as progressive: so it must not be this program's own lack of room.
     if (!testPresenceCocoa(frameFile())) {
         if (const QString trouble = workFolderTrouble(getTMPFOLDER()); !trouble.isNull()) {
@@ -267,6 +268,7 @@ void AnalysisMachine::finishSource()
         Q_EMIT rejected(source, source_.rejection.isNull() ? batchText("Clip_noVideo") : source_.rejection);
     }
     prefDelete(pref::analysisSrcPathStr);
+    lookAhead();
     if (queue_.count() > 0 && session_.model().analysisStopInt.intValue() != 1) {
         logLine(QStringLiteral("panel_analyse       - fin (src current)"));
         setFlag(pref::analysisFfmpeg);
@@ -342,6 +344,7 @@ void AnalysisMachine::resetPanel()
 {
     WindowModel& model = session_.model();
     running_ = false;
+    ahead_.end();
     model.analyseCaptionStr.setStringValue(QString());
     model.analyseStopBt.setHidden(true);
     model.analysisStopInt.setIntValue(0);
@@ -380,8 +383,17 @@ void AnalysisMachine::releaseChild()
     source_.incoming = QString();
 }
 
+// From the first clip's description on: what the installed ffmpeg says of itself is known then.
+void AnalysisMachine::lookAhead()
+{
+    if (maker_.makesRealProcesses() && session_.model().analysisStopInt.intValue() == 0) {
+        ahead_.lookAt(queue_.next(AnalysisAhead::reach()));
+    }
+}
+
 void AnalysisMachine::abandon()
 {
+    ahead_.end();
     child_.silence();
     child_.kill();
     releaseChild();

@@ -3,6 +3,7 @@
 
 // The analysis: one source after the other becomes a row.
 
+#include "app/analysisahead.h"
 #include "app/analysisqueue.h"
 #include "app/toolchild.h"
 #include "probe/mediainforecord.h"
@@ -84,10 +85,13 @@ private:
     void addRow(MediaInfoRecord infos);
     void resetPanel();
     void releaseChild();
+    void lookAhead();
 
     Session& session_;
     DropArea& dropArea_;
+    const LauncherMaker& maker_;
     ToolChild child_;
+    AnalysisAhead ahead_;
     AnalysisQueue queue_;
     CurrentSource source_;
     bool running_ = false;

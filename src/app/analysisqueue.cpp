@@ -75,6 +75,21 @@ QString AnalysisQueue::first() const
     return queue.isEmpty() ? QString() : queue.value(nextKey(queue, head_)).toString();
 }
 
+QStringList AnalysisQueue::next(int most) const
+{
+    const QVariantMap queue = storedQueue();
+    QStringList sources;
+    const int begin = queue.isEmpty() ? 0 : leadingInteger(nextKey(queue, head_));
+    for (int i = begin; sources.size() < most; ++i) {
+        const auto found = queue.constFind(QString::number(i));
+        if (found == queue.constEnd()) {
+            break;
+        }
+        sources << found.value().toString();
+    }
+    return sources;
+}
+
 void AnalysisQueue::removeFirst()
 {
     QVariantMap queue = storedQueue();

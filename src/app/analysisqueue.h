@@ -16,6 +16,8 @@ public:
     void fill(const QStringList& sources);
     // Nothing when none waits.
     [[nodiscard]] QString first() const;
+    // The first sources, in order; fewer where fewer wait or a gap follows.
+    [[nodiscard]] QStringList next(int most) const;
     // Takes the first source out.
     void removeFirst();
     [[nodiscard]] int count() const;

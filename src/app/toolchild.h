@@ -24,6 +24,7 @@ public:
     explicit LauncherMaker(TaskLauncherDelegate& delegate) : delegate_(delegate) {}
     // An empty function returns to real processes.
     void setFactory(Factory factory) { factory_ = std::move(factory); }
+    [[nodiscard]] bool makesRealProcesses() const { return !factory_; }
     // The caller owns it.
     [[nodiscard]] taskLauncher* make() const;
 

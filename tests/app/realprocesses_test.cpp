@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "analysisfixture.h"
 #include "controllertest.h"
 
 #include "base/store/settings.h"
@@ -8,6 +9,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QThread>
 
 #include <csignal>
 #include <fcntl.h>
@@ -134,6 +136,28 @@ protected:
 };
 
 } // namespace
+
+TEST_F(RealProcesses, ClipsAreLookedAtBeforeTheirTurnAndALookThatHangsHoldsNothingUp)
+{
+    if (QThread::idealThreadCount() < 2) {
+        GTEST_SKIP() << "one processor";
+    }
+    // A thumbnail of the first clip waits for the look at the second.
+    const QByteArray hangs = R"(
+if [ -n "$TAVRIX_AHEAD" ]; then
+    echo "$4" >> "$0.ahead"
+    exec tail -f /dev/null
+fi
+case " $* " in *' -vframes 1 '*) while [ ! -s "$0.ahead" ]; do :; done ;; esac
+)";
+    ASSERT_EQ(resources.makeTool(QStringLiteral("ffmpeg"), hangs + toolScript), tool);
+    sources = makeClips(4);
+    analyse(sources);
+    EXPECT_TEXTS(allSources(rows()), sources);
+    const QByteArray looks = readBytes(tool + QStringLiteral(".ahead")).value_or(QByteArray());
+    EXPECT_TRUE(looks.contains(sources.at(1).toUtf8()) || looks.contains(sources.at(2).toUtf8())) << looks.constData();
+    EXPECT_FALSE(looks.contains(sources.at(0).toUtf8())) << looks.constData();
+}
 
 TEST_F(RealProcesses, WholeBatch)
 {

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // An analysis in the tool's own process against the same one by the installed ffmpeg: not a byte may differ.
+#include "support/waituntil.h"
+#include "sys/descriptor.h"
 #include "tools/ffmpeg/analysisversions.h"
 #include "tools/toolrun.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace tavrix
@@ -57,6 +61,25 @@ protected:
     // Left by a run that has made the frames itself.
     bool pictureIsKept() const { return fs::exists(keep() + "/kept-thumbnail"); }
 
+    // A look before the clip's turn: nothing is said or written.
+    void lookAhead(const std::string& source) const
+    {
+        Options options = here();
+        options.environment["TAVRIX_AHEAD"] = "1";
+        EXPECT_TRUE(run(frames(source), options) == (Result{"", 0, ""})) << source;
+    }
+    // What such looks have left, without the notes that they were under way.
+    Words left() const
+    {
+        Words names;
+        for (const std::string& entry : test::entriesOf(keep())) {
+            if (entry.starts_with("kept-ahead-") && !entry.ends_with(".making")) {
+                names.push_back(entry);
+            }
+        }
+        return names;
+    }
+
     Words frames(const std::string& source) const
     {
         return {"-v",  "2",  "-i",           source, "-vframes",       "10", "-s", "640x480", "-pix_fmt", "yuv420p",
@@ -83,9 +106,9 @@ protected:
         return {steadyWords(end.err), end.code, fileContents(name("frame.yuv")) + fileContents(name("picture.jpg"))};
     }
     // Not with EXPECT_EQ: nobody reads megabytes of pictures.
-    void expectSame(const Words& words, const std::string& what) const
+    void expectSame(const Words& words, const std::string& what) const { expectSame(run(words, {}), words, what); }
+    void expectSame(const Result& far, const Words& words, const std::string& what) const
     {
-        const Result far = run(words, {});
         const Result near = run(words, here());
         EXPECT_EQ(near.text, far.text) << what;
         EXPECT_EQ(near.code, far.code) << what;
@@ -142,9 +165,17 @@ TEST_P(AnalysisHereOf, SaysAndWritesWhatTheInstalledDoes)
     const std::string source = name(GetParam().name);
     make(source, GetParam().made);
     ASSERT_TRUE(fs::exists(source));
-    expectSame(frames(source), "frames");
+    const Result far = run(frames(source), {});
+    expectSame(far, frames(source), "frames");
     const bool large = std::string(GetParam().name) == "fields.MTS";
-    EXPECT_EQ(pictureIsKept(), GetParam().here && front::isAnalysisProven() && !large);
+    const bool isHere = GetParam().here && front::isAnalysisProven();
+    EXPECT_EQ(pictureIsKept(), isHere && !large);
+    fs::remove(keep() + "/kept-thumbnail");
+    lookAhead(source);
+    EXPECT_EQ(left().size(), isHere || (large && front::isAnalysisProven()) ? 1U : 0U);
+    expectSame(far, frames(source), "frames of a clip that was looked at before");
+    EXPECT_TRUE(left().empty());
+    EXPECT_EQ(pictureIsKept(), isHere && !large);
     expectSame(picture(source), "wide picture");
     expectSame(picture(source, "240x180"), "classic picture");
 }
@@ -193,6 +224,68 @@ TEST_F(AnalysisHere, KeptPictureIsOfThatClipAsItIs)
     EXPECT_EQ(first.code, 0);
     EXPECT_FALSE(red.bytes == other.bytes);
     EXPECT_TRUE(other == run(picture(source), {}));
+}
+
+TEST_F(AnalysisHere, LookAheadIsOfThatClipAsItIs)
+{
+    const std::string source = name("clip.mov");
+    make(source, pictures("1280x720", "25") + h264);
+    lookAhead(source);
+    lookAhead(test::clip("avi"));
+    lookAhead(name("missing.mov"));
+    make(name("other.mov"), "-f lavfi -i testsrc=size=1280x720:rate=25:duration=1 " + h264);
+    fs::rename(name("other.mov"), source);
+    const Words before = left();
+    ASSERT_EQ(before.size(), front::isAnalysisProven() ? 2U : 0U);
+    expectSame(frames(source), "the other one");
+    EXPECT_EQ(left(), before);
+    for (const std::string& file : before) {
+        writeFile(keep() + '/' + file, fileContents(keep() + '/' + file) + "7");
+    }
+    expectSame(frames(test::clip("avi")), "damaged answer");
+}
+
+TEST_F(AnalysisHere, LookAheadIsForFramesOnlyAndStartsNoFfmpeg)
+{
+    Options options = here();
+    options.environment["TAVRIX_AHEAD"] = "1";
+    const Words before = test::entriesOf(keep());
+    EXPECT_TRUE(run(picture(test::clip("mov")), options) == (Result{"", 0, ""}));
+    EXPECT_TRUE(run({"-v", "2", "-i", test::clip("mov")}, options) == (Result{"", 0, ""}));
+    EXPECT_EQ(test::entriesOf(keep()), before);
+    fs::remove(keep() + "/kept-banner");
+    lookAhead(test::clip("mov"));
+    EXPECT_TRUE(test::entriesOf(keep()).empty());
+}
+
+TEST_F(AnalysisHere, WaitsForALookThatIsUnderWay)
+{
+    if (!front::isAnalysisProven()) {
+        GTEST_SKIP() << "not with these versions";
+    }
+    const std::string source = test::clip("mov");
+    lookAhead(source);
+    ASSERT_EQ(left().size(), 1U);
+    const std::string note = keep() + '/' + left().front() + ".making";
+    Descriptor look = openFile(note.c_str(), O_RDWR);
+    ASSERT_EQ(flock(look.get(), LOCK_EX | LOCK_NB), 0);
+    test::RunningTool tool(frames(source), here());
+    const fs::path descriptors = fs::path("/proc") / std::to_string(tool.pid()) / "fd";
+    const auto hasNoteOpen = [&] {
+        std::error_code gone;
+        for (const auto& entry : fs::directory_iterator(descriptors, gone)) {
+            if (fs::read_symlink(entry.path(), gone) == fs::path(note)) {
+                return true;
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(test::waitUntil(hasNoteOpen));
+    EXPECT_FALSE(tool.hasEnded());
+    look.reset();
+    EXPECT_EQ(tool.wait().code, 0);
+    EXPECT_TRUE(left().empty());
+    EXPECT_GT(fs::file_size(name("frame.yuv")), 4000000U);
 }
 
 TEST_F(AnalysisHere, DamagedKeptFilesAreNone)

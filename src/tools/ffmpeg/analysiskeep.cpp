@@ -7,12 +7,15 @@
 #include "sys/publication.h"
 #include "sys/transfer.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -24,6 +27,12 @@ namespace
 {
 
 constexpr std::uint64_t largestFile = 16U << 20U;
+
+// A clip that takes longer is on a slow disk or hangs: whoever waits then looks for itself, under its own watchdog.
+constexpr int mostWaits = 2500;
+constexpr timespec oneWait = {0, 2000000};
+
+constexpr const char* announcedSuffix = ".making";
 
 std::string packed(const std::vector<std::string>& values)
 {
@@ -114,6 +123,32 @@ std::optional<std::vector<std::string>> AnalysisKeep::read(const std::string& na
     }
     values->erase(values->begin());
     return values;
+}
+
+void AnalysisKeep::remove(const std::string& name) const
+{
+    unlink(path(name).c_str());
+    unlink((path(name) + announcedSuffix).c_str());
+}
+
+Descriptor AnalysisKeep::announce(const std::string& name) const
+{
+    Descriptor file = openFile((path(name) + announcedSuffix).c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    if (!file.isOpen() || flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+        return Descriptor();
+    }
+    return file;
+}
+
+void AnalysisKeep::await(const std::string& name) const
+{
+    const Descriptor file = openFile((path(name) + announcedSuffix).c_str(), O_RDONLY | O_NOFOLLOW);
+    for (int i = 0; i < mostWaits && file.isOpen(); ++i) {
+        if (flock(file.get(), LOCK_SH | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
+            return;
+        }
+        nanosleep(&oneWait, nullptr);
+    }
 }
 
 std::string contentKey(const std::string& path)

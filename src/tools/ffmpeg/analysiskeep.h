@@ -2,6 +2,8 @@
 // What one run of an analysis leaves for the next one.
 #pragma once
 
+#include "sys/descriptor.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +24,12 @@ public:
     // those before.
     void store(const std::string& name, const std::string& key, const std::vector<std::string>& values) const;
     [[nodiscard]] std::optional<std::vector<std::string>> read(const std::string& name, const std::string& key) const;
+    void remove(const std::string& name) const;
+
+    // Says that values are in the making, as long as the result is open and this process lives.
+    [[nodiscard]] Descriptor announce(const std::string& name) const;
+    // Returns when none are in the making, and after some seconds at the latest.
+    void await(const std::string& name) const;
 
 private:
     explicit AnalysisKeep(std::string folder) : folder_(std::move(folder)) {}

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What is known from earlier runs of an analysis: the words of the installed ffmpeg about itself, and a picture made
-// beside the frames.
+// What is known from earlier runs of an analysis: the words of the installed ffmpeg about itself, a picture made beside
+// the frames, and the frames of clips that were looked at before their turn.
 #pragma once
 
 #include "tools/ffmpeg/analysisdelivery.h"
@@ -13,6 +13,14 @@
 
 namespace tavrix::front
 {
+
+// The answer to a run that asks for frames, and to the one that asks for a picture after it.
+struct FramesAnswer {
+    AnalysisDelivery frames;
+    // Nothing where no picture is asked for as a rule.
+    std::optional<AnalysisTask> thumbnailTask;
+    std::optional<AnalysisDelivery> thumbnail;
+};
 
 // For one installed ffmpeg.
 class KeptAnswers
@@ -30,8 +38,16 @@ public:
     void storeThumbnail(const AnalysisTask& task, const std::string& state, const AnalysisDelivery& answer) const;
     [[nodiscard]] std::optional<AnalysisDelivery> thumbnail(const AnalysisTask& task) const;
 
+    // Whoever asks for the frames waits a while, as long as the result is open.
+    [[nodiscard]] Descriptor announceFrames(const AnalysisTask& task) const;
+    void storeFrames(const AnalysisTask& task, const std::string& state, const FramesAnswer& answer) const;
+    // Waits for a look at the clip that is under way. Nothing when none has left an answer.
+    [[nodiscard]] std::optional<FramesAnswer> frames(const AnalysisTask& task) const;
+    void forgetFrames(const AnalysisTask& task) const;
+
 private:
-    [[nodiscard]] std::string thumbnailKey(const AnalysisTask& task, const std::string& state) const;
+    [[nodiscard]] std::string answerKey(const AnalysisTask& task, const std::string& state) const;
+    [[nodiscard]] std::string framesName(const AnalysisTask& task) const;
 
     AnalysisKeep keep_;
     std::string programKey_;

@@ -33,12 +33,16 @@ class Run
 public:
     explicit Run(StartedRun started)
         : program_(std::move(started.program)), self_(std::move(started.self)), chain_(std::move(started.chain)),
-          line_(std::move(started.line)), task_(std::move(started.task)), kept_(std::move(started.kept))
+          line_(std::move(started.line)), task_(std::move(started.task)), kept_(std::move(started.kept)),
+          isAhead_(started.isAhead), announced_(std::move(started.announced))
     {
     }
 
     int execute()
     {
+        if (isAhead_) {
+            return lookAhead();
+        }
         if (const auto opened = files_.open(line_, terms_); !opened) {
             printLine(classicBanner());
             printLine(opened.reason());
@@ -56,27 +60,51 @@ public:
     }
 
 private:
-    // The exit status of an analysis that needs no other program.
-    std::optional<int> analyseHere()
+    // What an analysis that needs no other program finds in the clip as it was in that state.
+    std::optional<FramesAnswer> answerHere(const std::string& state)
     {
         const bool hasOutput = !line_.outputs.empty();
         const auto banner = kept_ && canDeliver(files_, task_->source, hasOutput) ? kept_->banner() : std::nullopt;
         if (!banner || !standsOnOwnLibraries(program_, *banner)) {
             return std::nullopt;
         }
-        const std::string before = KeptAnswers::stateOf(*task_);
         auto answers = analyse(*task_, files_.urls().inputs.front());
-        if (!answers || before != KeptAnswers::stateOf(*task_)) {
+        if (!answers || state != KeptAnswers::stateOf(*task_)) {
             return std::nullopt;
         }
         const auto delivery = [&](AnalysisAnswer& answer) {
             return AnalysisDelivery{*banner + answer.said, std::move(answer.saidBehindName), std::move(answer.bytes),
                                     answer.status};
         };
+        FramesAnswer answer = {delivery(answers->asked), answers->thumbnailTask, std::nullopt};
         if (answers->thumbnail) {
-            kept_->storeThumbnail(*answers->thumbnailTask, before, delivery(*answers->thumbnail));
+            answer.thumbnail = delivery(*answers->thumbnail);
         }
-        return deliver(files_, delivery(answers->asked));
+        return answer;
+    }
+
+    // The exit status of an analysis that needs no other program.
+    std::optional<int> analyseHere()
+    {
+        const std::string state = task_ ? KeptAnswers::stateOf(*task_) : std::string();
+        const auto answer = answerHere(state);
+        if (!answer) {
+            return std::nullopt;
+        }
+        if (answer->thumbnail) {
+            kept_->storeThumbnail(*answer->thumbnailTask, state, *answer->thumbnail);
+        }
+        return deliver(files_, answer->frames);
+    }
+
+    int lookAhead()
+    {
+        const std::string state = KeptAnswers::stateOf(*task_);
+        const auto answer = files_.open(line_) ? answerHere(state) : std::nullopt;
+        if (answer) {
+            kept_->storeFrames(*task_, state, *answer);
+        }
+        return 0;
     }
 
     // Before anything can have a name: the program that has given the terms deletes nothing but this file.
@@ -273,6 +301,8 @@ private:
     CommandLine line_;
     std::optional<AnalysisTask> task_;
     std::optional<KeptAnswers> kept_;
+    bool isAhead_ = false;
+    Descriptor announced_; // until the end of a look ahead
     publication::Terms terms_ = publication::termsFromEnvironment();
     RunFiles files_;
     std::optional<OutputJob> job_;

@@ -2,6 +2,7 @@
 #include "tools/ffmpeg/start.h"
 
 #include "sys/errortext.h"
+#include "sys/keepfolder.h"
 #include "sys/publication.h"
 #include "sys/transfer.h"
 #include "tools/ffmpeg/analysisdelivery.h"
@@ -46,15 +47,46 @@ Result<void> rightUsage(const CommandLine& line)
     return {};
 }
 
-// The picture that the run before has left.
-std::optional<int> deliverKept(const StartedRun& run)
+std::optional<int> deliverAnswer(const StartedRun& run, const AnalysisDelivery& answer)
 {
-    auto answer = run.kept ? run.kept->thumbnail(*run.task) : std::nullopt;
     RunFiles files;
-    if (!answer || !files.open(run.line) || !canDeliver(files, run.task->source, true)) {
+    if (!files.open(run.line) || !canDeliver(files, run.task->source, true)) {
         return std::nullopt;
     }
-    return deliver(files, *answer);
+    return deliver(files, answer);
+}
+
+// What an earlier run has left for this one.
+std::optional<int> deliverKept(const StartedRun& run)
+{
+    if (!run.kept) {
+        return std::nullopt;
+    }
+    if (run.task->kind == AnalysisTask::Kind::Thumbnail) {
+        const auto answer = run.kept->thumbnail(*run.task);
+        return answer ? deliverAnswer(run, *answer) : std::nullopt;
+    }
+    const auto answer = run.task->kind == AnalysisTask::Kind::Frames ? run.kept->frames(*run.task) : std::nullopt;
+    const auto status = answer ? deliverAnswer(run, answer->frames) : std::nullopt;
+    if (status && answer->thumbnail) {
+        run.kept->storeThumbnail(*answer->thumbnailTask, KeptAnswers::stateOf(*run.task), *answer->thumbnail);
+    }
+    if (status) {
+        run.kept->forgetFrames(*run.task);
+    }
+    return status;
+}
+
+// Nothing is to be said about a clip that is not asked for: where it cannot be looked at, its own run will tell.
+Start startAhead(StartedRun run)
+{
+    if (!run.kept || run.task->kind != AnalysisTask::Kind::Frames || !run.kept->banner()) {
+        return 0;
+    }
+    run.isAhead = true;
+    run.line.outputs.clear();
+    run.announced = run.kept->announceFrames(*run.task);
+    return run;
 }
 
 } // namespace
@@ -97,6 +129,9 @@ Start startRun(const std::string& startedAs, const std::vector<std::string>& wor
     auto keep = run.task && !publication::termsFromEnvironment().given ? AnalysisKeep::fromEnvironment() : std::nullopt;
     if (keep) {
         run.kept.emplace(std::move(*keep), run.program);
+    }
+    if (std::getenv(aheadVariable) != nullptr) {
+        return startAhead(std::move(run));
     }
     if (const auto status = deliverKept(run)) {
         return *status;

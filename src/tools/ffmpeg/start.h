@@ -26,6 +26,8 @@ struct StartedRun {
     CommandLine line;
     std::optional<AnalysisTask> task;
     std::optional<KeptAnswers> kept; // where a task may be done without the installed ffmpeg
+    bool isAhead = false;            // the clip's frames are looked at before they are asked for
+    Descriptor announced;            // of such a run
 };
 
 // The exit status of a run that has been done.
