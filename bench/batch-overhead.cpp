@@ -20,7 +20,7 @@ namespace
 {
 
 constexpr int format = 0;
-constexpr double bar = 1.03;
+constexpr double bar = 1.01;
 
 struct Batch {
     double seconds = -1; // negative: it did not convert every clip
@@ -39,7 +39,9 @@ Batch runBatch(const QString& clips, int count)
     int done = 0;
     for (const Event& event : events) {
         if (event.name() == QLatin1String("accepted")) {
-            result.records << event.object.value(QLatin1String("record")).toObject().toVariantMap();
+            QVariantMap infos = event.object.value(QLatin1String("record")).toObject().toVariantMap();
+            infos.insert(record::mainEncSrcPathStr, event.object.value(QLatin1String("source")).toString());
+            result.records << infos;
         } else if (event.name() == QLatin1String("row-started") && begin < 0) {
             begin = event.seconds;
         } else if (event.name() == QLatin1String("row-finished")) {
@@ -60,6 +62,9 @@ QStringList ffmpegArguments(const QVariantMap& infos, const QString& output)
     const auto classic =
         encodage(source, output, infos.value(record::wrapper).toString(), infos.value(record::v0_codec).toString(),
                  infos.value(record::v0_fps).toFloat(), format, infos.value(record::v0_aspect).toFloat());
+    if (!classic) {
+        return {};
+    }
     std::vector<std::string> words;
     for (const QString& word : classic->mid(1)) {
         words.push_back(word.toStdString());

@@ -248,6 +248,15 @@ struct MovieRelease {
     ~MovieRelease() { QTMOVIErelease(); }
 };
 
+// Under its name, with the time of the recording. Only what is whole takes the place of an older file.
+Outcome publishPart(const WorkingFolder& folder, const PartRequest& request, const QString& written, bool whole)
+{
+    if (const std::optional<qint64> recorded = recordingName(request.source).seconds) {
+        setModificationTime(written, *recorded);
+    }
+    return folder.publish(written, request.destination, request.replaces && whole);
+}
+
 } // namespace
 
 Result<ExportedPart, QString> exportPart(const PartRequest& request)
@@ -286,11 +295,8 @@ Result<ExportedPart, QString> exportPart(const PartRequest& request)
     if (const Outcome size = checkSize(request, written); !size) {
         return Failure{size.reason()};
     }
-    const bool replaces = request.replaces && part.verdict.outcome == judge::Outcome::Whole;
-    if (const std::optional<qint64> recorded = recordingName(request.source).seconds) {
-        setModificationTime(written, *recorded);
-    }
-    if (const Outcome published = folder.publish(written, request.destination, replaces); !published) {
+    const bool whole = part.verdict.outcome == judge::Outcome::Whole;
+    if (const Outcome published = publishPart(folder, request, written, whole); !published) {
         return Failure{published.reason()};
     }
     return part;

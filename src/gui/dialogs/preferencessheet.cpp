@@ -23,8 +23,9 @@ PreferencesSheet::PreferencesSheet(appDelegate& controller, QWidget* parent) : Q
     setWindowTitle(QStringLiteral("@@Win_preferences"));
     setWindowModality(Qt::WindowModal);
     setWindowFlag(Qt::Sheet, true);
-    setMinimumWidth(560);
     auto* layout = new QVBoxLayout(this);
+    // Not the window's own minimum: that would win over the width that the formats' names need.
+    layout->addStrut(520);
     layout->setContentsMargins(20, 18, 20, 16);
     layout->setSpacing(7);
     buildFormat(layout);

@@ -83,6 +83,25 @@ std::unique_ptr<PictureOutput> PictureOutput::make(const AnalysisTask& task, con
     return opened ? std::move(output) : nullptr;
 }
 
+// The source's own matrix and range on both sides, as ffmpeg's scaling filter sets them.
+bool PictureOutput::setColours(const AVFrame& first)
+{
+    int* from = nullptr;
+    int* to = nullptr;
+    int fromFull = 0;
+    int toFull = 0;
+    int brightness = 0;
+    int contrast = 0;
+    int saturation = 0;
+    SwsContext* const scaler = scaler_.get();
+    sws_getColorspaceDetails(scaler, &from, &fromFull, &to, &toFull, &brightness, &contrast, &saturation);
+    if (first.color_range != AVCOL_RANGE_UNSPECIFIED) {
+        fromFull = first.color_range == AVCOL_RANGE_JPEG ? 1 : 0;
+    }
+    const int* const matrix = sws_getCoefficients(first.colorspace);
+    return sws_setColorspaceDetails(scaler, matrix, fromFull, matrix, toFull, brightness, contrast, saturation) >= 0;
+}
+
 bool PictureOutput::openScaler(const AnalysisTask& task, const AVFrame& first)
 {
     const auto source = static_cast<AVPixelFormat>(first.format);
@@ -113,22 +132,7 @@ bool PictureOutput::openScaler(const AnalysisTask& task, const AVFrame& first)
     av_opt_set_int(scaler, "threads", av_cpu_count(), 0);
     setChromaPlace(scaler, "src_v_chr_pos", source);
     setChromaPlace(scaler, "dst_v_chr_pos", format_);
-    if (sws_init_context(scaler, nullptr, nullptr) < 0) {
-        return false;
-    }
-    int* from = nullptr;
-    int* to = nullptr;
-    int fromFull = 0;
-    int toFull = 0;
-    int brightness = 0;
-    int contrast = 0;
-    int saturation = 0;
-    sws_getColorspaceDetails(scaler, &from, &fromFull, &to, &toFull, &brightness, &contrast, &saturation);
-    if (first.color_range != AVCOL_RANGE_UNSPECIFIED) {
-        fromFull = first.color_range == AVCOL_RANGE_JPEG ? 1 : 0;
-    }
-    const int* const matrix = sws_getCoefficients(first.colorspace);
-    return sws_setColorspaceDetails(scaler, matrix, fromFull, matrix, toFull, brightness, contrast, saturation) >= 0;
+    return sws_init_context(scaler, nullptr, nullptr) >= 0 && setColours(first);
 }
 
 bool PictureOutput::openEncoder(const AnalysisTask& task, const ClipPictures& clip, const AVFrame& first)

@@ -58,6 +58,7 @@ private:
 
     PictureOutput() = default;
     [[nodiscard]] bool openScaler(const AnalysisTask& task, const AVFrame& first);
+    [[nodiscard]] bool setColours(const AVFrame& first);
     [[nodiscard]] bool openEncoder(const AnalysisTask& task, const ClipPictures& clip, const AVFrame& first);
     [[nodiscard]] bool openFile(const ClipPictures& clip);
     [[nodiscard]] media::FramePointer scaled(const AVFrame& picture) const;

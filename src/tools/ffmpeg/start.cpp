@@ -35,6 +35,23 @@ int becomeInstalled(const std::string& program, const std::string& self, const s
     return notInstalled;
 }
 
+constexpr int aheadNiceness = 5;
+
+// What needs neither a clip nor an installed ffmpeg.
+std::optional<int> answerUsage(const std::vector<std::string>& words)
+{
+    if (words.empty()) {
+        for (const std::string& line : usageLines()) {
+            printLine(line);
+        }
+        return 1;
+    }
+    if (words.front() == "--help") {
+        return writeAll(STDOUT_FILENO, helpText()) ? 0 : 1;
+    }
+    return std::nullopt;
+}
+
 Result<void> rightUsage(const CommandLine& line)
 {
     if (!line.missingValueFor.empty()) {
@@ -83,6 +100,8 @@ Start startAhead(StartedRun run)
     if (!run.kept || run.task->kind != AnalysisTask::Kind::Frames || !run.kept->banner()) {
         return 0;
     }
+    // The clip whose turn it is, and the window, come first.
+    (void)nice(aheadNiceness);
     run.isAhead = true;
     run.line.outputs.clear();
     run.announced = run.kept->announceFrames(*run.task);
@@ -93,14 +112,8 @@ Start startAhead(StartedRun run)
 
 Start startRun(const std::string& startedAs, const std::vector<std::string>& words)
 {
-    if (words.empty()) {
-        for (const std::string& line : usageLines()) {
-            printLine(line);
-        }
-        return 1;
-    }
-    if (words.front() == "--help") {
-        return writeAll(STDOUT_FILENO, helpText()) ? 0 : 1;
+    if (const auto status = answerUsage(words)) {
+        return *status;
     }
     const char* const path = std::getenv("PATH");
     const char* const before = std::getenv(chainVariable);
