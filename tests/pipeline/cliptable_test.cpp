@@ -26,14 +26,15 @@ const char* nameOf(Outcome outcome)
     return outcome == Outcome::Whole ? "whole" : outcome == Outcome::Incomplete ? "incomplete" : "failed";
 }
 
-// A second pass decodes what the first one has copied unseen.
+// A second pass decodes what the first one has copied unseen. The container of format 2 has no place for the copied
+// pictures of two clips; the program leaves such clips out before it comes to that.
 Outcome expectedOf(const SourceRow& row, int format)
 {
     switch (format) {
     case 1:
         return row.encoded;
     case 2:
-        return row.copied;
+        return row.base == "programme" || row.base == "hevc" ? Outcome::Failed : row.copied;
     default:
         return std::max(row.encoded, row.copied);
     }
