@@ -5,10 +5,12 @@
 #include "tools/ffmpeg/analysisversions.h"
 #include "tools/toolrun.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <regex>
 #include <sys/file.h>
 #include <sys/stat.h>
 
@@ -27,11 +29,13 @@ using test::writeFile;
 using Options = test::RunningTool::Options;
 
 // What the machine decides on, goes: addresses, pictures a second, and the progress before the last.
-std::string steadyWords(std::string text)
+std::string steadyWords(const std::string& said)
 {
-    text = std::regex_replace(text, std::regex(" @ 0x[0-9a-f]+"), "");
-    text = std::regex_replace(text, std::regex("fps= *[0-9]+"), "fps=");
-    return std::regex_replace(text, std::regex("frame=[^\r\n]* size=[^\r\n]*\r"), "");
+    QString text = QString::fromLatin1(said.data(), qsizetype(said.size()));
+    text.remove(QRegularExpression(QStringLiteral(" @ 0x[0-9a-f]+")));
+    text.replace(QRegularExpression(QStringLiteral("fps= *[0-9]+")), QStringLiteral("fps="));
+    text.remove(QRegularExpression(QStringLiteral("frame=[^\\r\\n]* size=[^\\r\\n]*\\r")));
+    return text.toLatin1().toStdString();
 }
 
 std::string pictures(const std::string& size, const std::string& rate, const std::string& seconds = "1")
@@ -181,7 +185,9 @@ TEST_P(AnalysisHereOf, SaysAndWritesWhatTheInstalledDoes)
 }
 
 INSTANTIATE_TEST_SUITE_P(Clips, AnalysisHereOf, testing::ValuesIn(clipRows()), [](const auto& row) {
-    return std::regex_replace(std::string(row.param.name), std::regex("[^A-Za-z0-9]"), "_");
+    std::string name = row.param.name;
+    std::ranges::replace(name, '.', '_');
+    return name;
 });
 
 TEST_F(AnalysisHere, DescribesWithoutMakingPictures)
