@@ -60,11 +60,11 @@ protected:
     [[nodiscard]] std::string sourceOf(const SourceRow& row) const
     {
         const std::string folder = folder_.path().toStdString();
-        const std::string base = baseClip(folder, row.base);
+        std::string base = baseClip(folder, row.base);
         if (base.empty() || !row.change) {
             return base;
         }
-        const std::string source = folder + "/source" + base.substr(base.rfind('.'));
+        std::string source = folder + "/source" + base.substr(base.rfind('.'));
         putBytes(source, row.change(bytesOf(base)));
         return source;
     }
