@@ -34,6 +34,21 @@ bool isOwnFolder(const QString& folder)
            (info.permissions() & (QFile::WriteGroup | QFile::WriteOther)) == 0;
 }
 
+// One by one: a list that is read as a whole makes room first for as many as are announced, and noise announces
+// billions.
+QStringList readPaths(QDataStream& stream)
+{
+    quint32 count = 0;
+    stream >> count;
+    QStringList paths;
+    for (quint32 i = 0; i < count && stream.status() == QDataStream::Ok; ++i) {
+        QString path;
+        stream >> path;
+        paths << path;
+    }
+    return paths;
+}
+
 } // namespace
 
 QString Handover::socketPath()
@@ -111,8 +126,7 @@ void Handover::takeText(QLocalSocket* socket)
     QDataStream stream(socket);
     stream.setVersion(wire);
     stream.startTransaction();
-    QStringList paths;
-    stream >> paths;
+    const QStringList paths = readPaths(stream);
     if (!stream.commitTransaction()) {
         return;
     }
