@@ -8,6 +8,8 @@
 #include "base/dialogue/runloopgate.h"
 #include "base/text/log.h"
 
+#include <QPointer>
+
 namespace tavrix
 {
 
@@ -99,12 +101,20 @@ void appDelegate::ac_iba_menuQuit()
 
 void appDelegate::dragNDropPerformDrag(QObject* /*view*/, const QStringList& paths)
 {
-    RunLoopGate::instance().deliver([this, paths] { draggedFiles(paths); });
+    RunLoopGate::instance().deliver([controller = QPointer<appDelegate>(this), paths] {
+        if (controller) {
+            controller->draggedFiles(paths);
+        }
+    });
 }
 
 void appDelegate::applicationOpenFiles(const QStringList& paths)
 {
-    RunLoopGate::instance().deliverLater([this, paths] { performOpenFiles(paths); });
+    RunLoopGate::instance().deliverLater([controller = QPointer<appDelegate>(this), paths] {
+        if (controller) {
+            controller->performOpenFiles(paths);
+        }
+    });
 }
 
 void appDelegate::performOpenFiles(const QStringList& paths)

@@ -13,6 +13,7 @@
 #include "probe/recordersources.h"
 
 #include <QFileInfo>
+#include <QPointer>
 #include <QSet>
 
 #include <algorithm>
@@ -122,9 +123,9 @@ void BatchRunner::analysisOver()
     } else if (wishes_.dryRun) {
         finish(exitAllDone);
     } else {
-        RunLoopGate::instance().deliverLater([this] {
-            if (!finished_) {
-                controller_->iba_batchEncGoBt();
+        RunLoopGate::instance().deliverLater([runner = QPointer<BatchRunner>(this)] {
+            if (runner && !runner->finished_) {
+                runner->controller_->iba_batchEncGoBt();
             }
         });
     }
@@ -188,7 +189,11 @@ void BatchRunner::finish(int exitCode)
         reporter_->summary(rows_, {leftOut_, notBegun}, folder, exitCode);
     }
     // The controller is in the middle of a step: it is asked to quit from the event loop.
-    RunLoopGate::instance().deliverLater([this] { controller_->quitWithoutQuestion(); });
+    RunLoopGate::instance().deliverLater([runner = QPointer<BatchRunner>(this)] {
+        if (runner) {
+            runner->controller_->quitWithoutQuestion();
+        }
+    });
 }
 
 void BatchRunner::interrupt()

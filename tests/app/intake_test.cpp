@@ -193,6 +193,19 @@ TEST_F(Intake, DropDuringAnAnalysisIsRefused)
     expectIdle();
 }
 
+TEST_F(Intake, WhatIsOpenedAtTheEndReachesNoControllerThatHasGone)
+{
+    const QStringList sources = {clip(QStringLiteral("a.mts"))};
+    controller->applicationOpenFiles(sources);
+    RunLoopGate::instance().close();
+    controller->dragNDropPerformDrag(nullptr, sources);
+    controller.reset();
+    RunLoopGate::instance().open();
+    settle();
+    EXPECT_FALSE(RunLoopGate::instance().isClosed());
+    EXPECT_TRUE(tools.launches.isEmpty());
+}
+
 TEST_F(Intake, OpenRequestReturnsBeforeItIsServed)
 {
     controller->applicationOpenFiles({clip(QStringLiteral("a.mts"))});
