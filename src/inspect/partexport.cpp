@@ -57,7 +57,7 @@ qint32 modeOf(PartForm form)
 
 QString obstacle(const PartRequest& request)
 {
-    if (const QString problem = fileProblem(request.source); !problem.isNull()) {
+    if (QString problem = fileProblem(request.source); !problem.isNull()) {
         return problem;
     }
     if (request.part && !request.part->isPossible()) {
@@ -187,7 +187,7 @@ Outcome writeCut(const PartRequest& request, const Survey& survey, const QString
     }
     const std::shared_ptr<Movie> movie = getQTMOVIE();
     movieEditable(*movie);
-    if (const Outcome cut = cutTo(*movie, survey); !cut) {
+    if (Outcome cut = cutTo(*movie, survey); !cut) {
         return cut;
     }
     if (!request.size.isEmpty() && !movieForceTracksSize(*movie, request.size.width(), request.size.height())) {

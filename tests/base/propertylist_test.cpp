@@ -122,6 +122,17 @@ TEST(PropertyList, OtherBytesAreNone)
     }
 }
 
+// A number that could be read but never be written kept the preferences from being saved.
+TEST(PropertyList, NumbersWithoutAFormAreNotRead)
+{
+    for (const char* number : {"nan", "inf", "-inf", "1e999"}) {
+        const QByteArray bytes =
+            QByteArray("<plist version=\"1.0\"><dict><key>a</key><real>") + number + "</real></dict></plist>";
+        EXPECT_FALSE(propertyListFromBytes(bytes).has_value()) << number;
+    }
+    EXPECT_EQ(propertyListFromBytes("<plist version=\"1.0\"><real>-1.5e3</real></plist>"), QVariant(-1500.0));
+}
+
 TEST(PropertyListFile, IsWrittenPrivatelyAndRead)
 {
     const TempFolder folder;

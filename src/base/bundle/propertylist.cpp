@@ -107,7 +107,8 @@ std::optional<QVariant> valueOf(plist_t node)
         return QVariant(static_cast<qint64>(number));
     case PLIST_REAL:
         plist_get_real_val(node, &real);
-        return QVariant(real);
+        // It could not be written again: preferences that hold it would never be saved.
+        return std::isfinite(real) ? std::optional<QVariant>(real) : std::nullopt;
     case PLIST_STRING:
         return textValue(node);
     case PLIST_ARRAY:
