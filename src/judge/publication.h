@@ -12,7 +12,7 @@ namespace tavrix::judge
 {
 
 // Under this size, in bytes, an output replaces nothing.
-inline constexpr std::int64_t leastReplacingBytes = 200 * 1024;
+inline constexpr std::int64_t leastReplacingBytes = std::int64_t{200} * 1024;
 
 // Of an output that nobody can compare with its source, and why. It is published where nothing stands.
 [[nodiscard]] Verdict unjudged(const std::string& reason);

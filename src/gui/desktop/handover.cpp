@@ -22,7 +22,7 @@ namespace
 
 constexpr int answerMilliseconds = 3000;
 constexpr int silenceMilliseconds = 5000;
-constexpr qint64 longestMessage = 16 * 1024 * 1024;
+constexpr qint64 longestMessage = qint64{16} * 1024 * 1024;
 constexpr QDataStream::Version wire = QDataStream::Qt_6_0;
 const QByteArray taken = QByteArrayLiteral("taken");
 
