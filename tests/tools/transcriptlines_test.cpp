@@ -180,6 +180,19 @@ TEST(ProgressLines, AnUnknownTimeRepeatsTheLast)
     EXPECT_NE(line.value_or("").find("time=1.50 "), std::string::npos);
 }
 
+TEST(ProgressLines, ATimeOfManyPartsIsNotKnownAndHugeNumbersHideNothing)
+{
+    double time = 1.5;
+    const auto parts = classicProgressLine("frame=1 size=0kB time=1" + std::string(150, ':') + "1 bitrate=1", time);
+    EXPECT_NE(parts.value_or("").find(" time=1.50 bitrate="), std::string::npos);
+    const std::string digits(300, '9');
+    const auto huge =
+        classicProgressLine("frame=" + digits + " size=" + digits + "kB time=00:00:02.00 bitrate=1", time);
+    EXPECT_NE(huge.value_or("").find("kB time=2.00 bitrate="), std::string::npos);
+    const auto beyond = classicProgressLine("frame=1 size=0kB time=" + digits + "999999999:00:00 bitrate=1", time);
+    EXPECT_NE(beyond.value_or("").find(" time=0.00 bitrate="), std::string::npos);
+}
+
 TEST(ProgressLines, OtherLinesAreNoProgress)
 {
     for (const char* line : {"", "frame=", "frame size time= bitrate=", "  frame= 1 time=00:00:01.00 bitrate=1",

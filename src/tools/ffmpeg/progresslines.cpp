@@ -4,7 +4,6 @@
 #include "tools/ffmpeg/textpieces.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -44,10 +43,10 @@ double numberIn(const std::optional<std::string>& text)
     return std::isfinite(value) && value != 0 ? value : 0; // no negative zero
 }
 
-// Seconds of "00:01:02.50" or "62.50"; nothing for "N/A".
+// Seconds of "00:01:02.50" or "62.50"; nothing for "N/A" and what has more parts than hours, minutes and seconds.
 std::optional<double> seconds(const std::string& text)
 {
-    if (text.find_first_of("0123456789") == std::string::npos) {
+    if (text.find_first_of("0123456789") == std::string::npos || std::ranges::count(text, ':') > 2) {
         return std::nullopt;
     }
     if (text.front() == '-') {
@@ -60,14 +59,16 @@ std::optional<double> seconds(const std::string& text)
         total = total * 60 + numberIn(text.substr(begin, colon - begin));
         begin = colon + 1;
     }
-    return total;
+    return std::isfinite(total) ? std::optional(total) : std::nullopt;
 }
 
 template <class... Values> std::string printed(const char* format, Values... values)
 {
-    std::array<char, 128> text = {};
-    std::snprintf(text.data(), text.size(), format, values...);
-    return text.data();
+    // A number may have hundreds of digits, and what stands behind it must not be lost.
+    const int length = std::snprintf(nullptr, 0, format, values...);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::snprintf(text.data(), text.size() + 1, format, values...);
+    return text;
 }
 
 } // namespace
