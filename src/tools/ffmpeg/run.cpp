@@ -20,6 +20,7 @@
 #include <csignal>
 #include <optional>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace tavrix::front
@@ -28,13 +29,15 @@ namespace tavrix::front
 namespace
 {
 
+constexpr int aheadNiceness = 5;
+
 class Run
 {
 public:
     explicit Run(StartedRun started)
         : program_(std::move(started.program)), self_(std::move(started.self)), chain_(std::move(started.chain)),
           line_(std::move(started.line)), task_(std::move(started.task)), kept_(std::move(started.kept)),
-          isAhead_(started.isAhead), announced_(std::move(started.announced))
+          isAhead_(started.isAhead)
     {
     }
 
@@ -99,6 +102,8 @@ private:
 
     int lookAhead()
     {
+        // The clip whose turn it is, and the window, come first.
+        (void)nice(aheadNiceness);
         const std::string state = KeptAnswers::stateOf(*task_);
         const auto answer = files_.open(line_) ? answerHere(state) : std::nullopt;
         if (answer) {
@@ -302,7 +307,6 @@ private:
     std::optional<AnalysisTask> task_;
     std::optional<KeptAnswers> kept_;
     bool isAhead_ = false;
-    Descriptor announced_; // until the end of a look ahead
     publication::Terms terms_ = publication::termsFromEnvironment();
     RunFiles files_;
     std::optional<OutputJob> job_;

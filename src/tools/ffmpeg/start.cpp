@@ -35,8 +35,6 @@ int becomeInstalled(const std::string& program, const std::string& self, const s
     return notInstalled;
 }
 
-constexpr int aheadNiceness = 5;
-
 // What needs neither a clip nor an installed ffmpeg.
 std::optional<int> answerUsage(const std::vector<std::string>& words)
 {
@@ -100,8 +98,6 @@ Start startAhead(StartedRun run)
     if (!run.kept || run.task->kind != AnalysisTask::Kind::Frames || !run.kept->banner()) {
         return 0;
     }
-    // The clip whose turn it is, and the window, come first.
-    (void)nice(aheadNiceness);
     run.isAhead = true;
     run.line.outputs.clear();
     run.announced = run.kept->announceFrames(*run.task);

@@ -27,7 +27,7 @@ struct StartedRun {
     std::optional<AnalysisTask> task;
     std::optional<KeptAnswers> kept; // where a task may be done without the installed ffmpeg
     bool isAhead = false;            // the clip's frames are looked at before they are asked for
-    Descriptor announced;            // of such a run
+    Descriptor announced;            // of such a run, by the first in this process to start it
 };
 
 // The exit status of a run that has been done.
